@@ -1,0 +1,48 @@
+# Shared settings of all targets, and short forms for the kinds of target that recur.
+
+find_package(PkgConfig REQUIRED)
+
+add_library(kelto_options INTERFACE)
+target_include_directories(kelto_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_options(kelto_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
+  -Wformat=2 -Wimplicit-fallthrough -Werror
+  # Frames must not depend on which multiply-adds a compiler chose to fuse.
+  -ffp-contract=off)
+if(KELTO_SANITIZE)
+  target_compile_options(kelto_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(kelto_options INTERFACE -fsanitize=address,undefined)
+endif()
+target_compile_definitions(kelto_options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+
+# kelto_library(NAME [SHARED] SOURCES ... LINK ...): a library of this project.
+function(kelto_library name)
+  cmake_parse_arguments(ARG "SHARED" "" "SOURCES;LINK;PRIVATE_LINK" ${ARGN})
+  if(ARG_SHARED)
+    add_library(${name} SHARED ${ARG_SOURCES})
+  else()
+    add_library(${name} STATIC ${ARG_SOURCES})
+  endif()
+  target_link_libraries(${name} PUBLIC kelto_options ${ARG_LINK} PRIVATE ${ARG_PRIVATE_LINK})
+endfunction()
+
+# kelto_test(NAME SOURCES ... LINK ... [RUNS ...]): a GoogleTest program; each of its tests is a ctest
+# test. RUNS names what it loads or starts by file: the module, the command.
+function(kelto_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK;RUNS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE kelto_options GTest::gmock GTest::gtest_main ${ARG_LINK})
+  target_compile_definitions(${name} PRIVATE
+    KELTO_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data"
+    KELTO_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
+  foreach(file ${ARG_RUNS})
+    if(file STREQUAL KeltoPanAndZoom)
+      target_compile_definitions(${name} PRIVATE KELTO_MODULE="$<TARGET_FILE:${file}>")
+    else()
+      target_compile_definitions(${name} PRIVATE KELTO_COMMAND="$<TARGET_FILE:${file}>")
+    endif()
+    add_dependencies(${name} ${file})
+  endforeach()
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 600)
+endfunction()
