@@ -21,6 +21,9 @@ function(kelto_library name)
   cmake_parse_arguments(ARG "SHARED" "" "SOURCES;LINK;PRIVATE_LINK" ${ARGN})
   if(ARG_SHARED)
     add_library(${name} SHARED ${ARG_SOURCES})
+    if(WIN32)
+      set_target_properties(${name} PROPERTIES PREFIX "")  # hfx.dll
+    endif()
   else()
     add_library(${name} STATIC ${ARG_SOURCES})
   endif()
@@ -33,6 +36,8 @@ function(kelto_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK;RUNS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE kelto_options GTest::gmock GTest::gtest_main ${ARG_LINK})
+  # The tests' own code need not be fast, but there is much of it to compile.
+  target_compile_options(${name} PRIVATE -O1)
   target_compile_definitions(${name} PRIVATE
     KELTO_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data"
     KELTO_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
@@ -44,5 +49,7 @@ function(kelto_test name)
     endif()
     add_dependencies(${name} ${file})
   endforeach()
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 600)
+  # Listing the tests may have to wait for the first start of Wine.
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
+    PROPERTIES TIMEOUT 600)
 endfunction()

@@ -1,0 +1,33 @@
+// The filtered path: two passes over weight tables, the first along the rows.
+#pragma once
+
+#include "resample/canvas.h"
+#include "resample/filters.h"
+#include "resample/geometry.h"
+#include "resample/job.h"
+#include "resample/weights.h"
+
+namespace kelto {
+
+/// Everything that the passes read, worked out beforehand: they only multiply, add and store.
+struct FilteredPlan {
+  PixelBlock source;
+  Canvas canvas;
+  ChromaBytes chroma;
+  Range columns;                      ///< destination columns that the picture touches
+  Range rows;                         ///< buffer rows that it touches
+  WeightTable columnWeights;          ///< one entry per column of `columns`
+  WeightTable rowWeights;             ///< one entry per row of `rows`
+  std::vector<float> columnCoverage;  ///< per column of `columns`, above 0 up to 1
+  std::vector<float> rowCoverage;     ///< per row of `rows`
+};
+
+FilteredPlan PlanFiltered(const ResampleJob& job, const Canvas& canvas, const FilterSpec& filter,
+                          const Picture& picture);
+
+/// Draws a plan. Pixels that the picture covers in part are mixed with what the canvas holds there.
+/// The straightforward form of the arithmetic, which any faster one is held against. Memory: the
+/// intermediate rows that one destination row needs, never more than the source has.
+void DrawFiltered(const FilteredPlan& plan);
+
+}  // namespace kelto

@@ -1,0 +1,49 @@
+#include "resample/filters.h"
+
+#include <iterator>
+
+namespace kelto {
+namespace {
+
+constexpr double kHiQualLobes = 5.0;
+constexpr double kUltraQualLobes = 16.0;
+
+/// By filter mode; mode 0 has no filter.
+const FilterSpec kFrameFilters[] = {
+    {},
+    {KernelTriangle, nullptr, -1.0f, 1.0f},
+    {KernelQuadratic, nullptr, -1.5f, 1.5f},
+    {KernelCubic, nullptr, -2.0f, 2.0f},
+    {KernelCatrom, nullptr, -2.0f, 2.0f},
+    // Wider than its registry row says, on purpose.
+    {KernelGaussian, nullptr, -1.5f, 1.5f},
+    {KernelSinc, &kHiQualLobes, -5.0f, 5.0f},
+    {KernelSinc, &kUltraQualLobes, -16.0f, 16.0f},
+};
+
+const FilterSpec kReductionFilters[] = {
+    {},
+    // One-sided on purpose: cached images made so far look like this.
+    {KernelTriangle, nullptr, -1.0f, 0.0f},
+    {KernelQuadratic, nullptr, -2.0f, 2.0f},
+    {KernelCubic, nullptr, -2.0f, 2.0f},
+    {KernelCatrom, nullptr, -2.0f, 2.0f},
+    {KernelGaussian, nullptr, -2.0f, 2.0f},
+    {KernelSinc, &kHiQualLobes, -5.0f, 5.0f},
+    {KernelSinc, &kUltraQualLobes, -16.0f, 16.0f},
+};
+
+template <size_t N>
+const FilterSpec* Find(const FilterSpec (&filters)[N], int32_t mode) {
+  return mode >= FilterTriangle && mode < static_cast<int32_t>(N) ? &filters[mode] : nullptr;
+}
+
+}  // namespace
+
+const FilterSpec* FrameFilter(int32_t filterMode) { return Find(kFrameFilters, filterMode); }
+
+const FilterSpec* ReductionFilter(int32_t filterMode) {
+  return Find(kReductionFilters, filterMode);
+}
+
+}  // namespace kelto
