@@ -1,0 +1,143 @@
+#include "image/cache.h"
+
+#include <algorithm>
+#include <cinttypes>
+#include <cstdio>
+#include <new>
+
+#include "image/image_holder.h"
+#include "resample/resample.h"
+
+namespace kelto {
+namespace {
+
+PixelBlock BlockOf(const IplImage& image) {
+  // Image data is declared as char; the engine's bytes are unsigned.
+  auto* pixels = static_cast<uint8_t*>(static_cast<void*>(image.imageData));
+  return {pixels, image.width, image.height, image.widthStep};
+}
+
+void Reduce(const IplImage& from, const IplImage& to) {
+  ResampleJob job;
+  job.source = BlockOf(from);
+  job.dest = BlockOf(to);
+  job.sourceRect = {.left = 0.5f,
+                    .top = 0.5f,
+                    .right = static_cast<float>(from.width) - 0.5f,
+                    .bottom = static_cast<float>(from.height) - 0.5f};
+  // Starts at 0 where the source starts at 0.5: kept as it is, cached pictures depend on it.
+  job.destRect = {.left = 0.0f,
+                  .top = 0.0f,
+                  .right = static_cast<float>(to.width) - 0.5f,
+                  .bottom = static_cast<float>(to.height) - 0.5f};
+  job.filterMode = FilterHiQual;
+  ReduceImage(job);
+}
+
+}  // namespace
+
+void ReleaseWorkImages(PanZoomState& state) {
+  for (IplImage*& image : state.workImages) {
+    ReleaseImage(image);
+    image = nullptr;
+  }
+}
+
+void AllocateImageData(PanZoomState& state, IplImage* image) {
+  const int32_t errorMode = iplGetErrMode();
+  iplSetErrMode(IPL_ErrModeSilent);
+  iplAllocateImage(image, 0, 0);
+  for (PanZoomState* other : InstanceRegistry()) {
+    if (iplGetErrStatus() == IPL_StsOk) break;
+    if (other == &state) continue;
+    iplSetErrStatus(IPL_StsOk);
+    ReleaseWorkImages(*other);
+    iplAllocateImage(image, 0, 0);
+  }
+  iplSetErrMode(errorMode);
+
+  if (iplGetErrStatus() == IPL_StsOk) {
+    EnterIntoCachePool(image);
+    return;
+  }
+  char message[256];
+  std::snprintf(message, sizeof(message),
+                "KeltoPanAndZoom instance at %" PRIxPTR
+                " failed to allocate memory for image, even when reclaiming memory from other "
+                "instances.\n",
+                reinterpret_cast<uintptr_t>(&state));
+  hfxGlobal::ConsolePrintf("%s", message);
+}
+
+IplImage* NewCachedImageHeader(int32_t width, int32_t height) {
+  return iplCreateImageHeader(4, 0, IPL_DEPTH_8U, "MSI", "MSI", IPL_DATA_ORDER_PIXEL, IPL_ORIGIN_TL,
+                              IPL_ALIGN_QWORD, width, height, nullptr, nullptr, nullptr, nullptr);
+}
+
+void EnforceCacheBudget(PanZoomState& state) {
+  for (PanZoomState* other : InstanceRegistry()) {
+    if (cachedBytes <= kCacheBudget) return;
+    if (other != &state) ReleaseWorkImages(*other);
+  }
+}
+
+bool KeepsNaturalSize(const PanZoomState& state) {
+  if (state.playMode == 0 || state.outputWidth == 0 || state.outputHeight == 0) return true;
+  // Unsigned: an output of width 1 leaves no image narrow enough.
+  return state.imageWidth < static_cast<uint32_t>(state.outputWidth) - 1u &&
+         state.imageHeight < static_cast<uint32_t>(state.outputHeight) - 1u;
+}
+
+ImageSize ReducedSize(ImageSize picture, ImageSize output) {
+  const auto follow = [](int32_t given, int32_t across, int32_t along) {
+    return std::max(1, static_cast<int32_t>(static_cast<double>(given) * across / along));
+  };
+  if (picture.width > picture.height) {
+    return {std::max(1, output.width), follow(output.width, picture.height, picture.width)};
+  }
+  return {follow(output.height, picture.width, picture.height), std::max(1, output.height)};
+}
+
+void ReduceToVideoResolution(PanZoomState& state) {
+  if (state.workImages[0] == nullptr) return;
+  if (KeepsNaturalSize(state)) {
+    state.cacheState = 1;
+    return;
+  }
+  const hfxImage* output = state.GetOutput(0);
+  if (output == nullptr) return;
+
+  const StatusReset resetOnReturn;
+  const IplImage& natural = *state.workImages[0];
+  const ImageSize size =
+      ReducedSize({natural.width, natural.height}, {output->GetWidth(), output->GetHeight()});
+  ImageHolder reduced(NewCachedImageHeader(size.width, size.height));
+  if (iplGetErrStatus() != IPL_StsOk) return;
+  AllocateImageData(state, reduced.get());
+  if (iplGetErrStatus() != IPL_StsOk) return;
+  if (reduced->imageData == nullptr) throw 1;
+  try {
+    Reduce(natural, *reduced);
+  } catch (const std::bad_alloc&) {
+    return;
+  }
+  ReleaseImage(state.workImages[0]);
+  state.workImages[0] = reduced.Take();
+  state.cacheState = 0;
+}
+
+IplImage* SelectCachedLevel(const PanZoomState& state, const hfxImage& output) {
+  const double zoom = state.display != 0 ? state.zoom : 1.0;
+  const double fieldsPerFrame = state.GetFieldMode() == hfxFieldModeSeparate ? 2.0 : 1.0;
+  const double neededWidth = output.GetWidth() * zoom;
+  const double neededHeight = output.GetHeight() * fieldsPerFrame * zoom;
+
+  IplImage* selected = state.workImages[0];
+  for (IplImage* level : state.workImages) {
+    if (level == nullptr || !(level->width > neededWidth) || !(level->height > neededHeight)) break;
+    selected = level;
+  }
+  return selected;
+}
+
+}  // namespace kelto

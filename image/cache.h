@@ -1,0 +1,60 @@
+// The image cache that all instances share: allocation that takes memory back from others, the
+// budget, the reduction to the output's size, and the choice of the level to render from.
+//
+// A cached image has four 8-bit channels a pixel, Y, Cr, Cb and a byte that nobody writes; row 0 is
+// the top row; rows are aligned to 8 bytes. Nothing is locked: the registry and other instances'
+// images are touched on the calling thread.
+#pragma once
+
+#include <cstdint>
+
+#include "image/pool.h"
+#include "platform/hfx.h"
+#include "platform/ipl.h"
+#include "state/PanZoomState.h"
+
+namespace kelto {
+
+/// Bytes that the cached images of all instances may take together: 120 MiB.
+constexpr uint32_t kCacheBudget = 125829120;
+
+/// Releases all eight working images of an instance, in order, and leaves null in their place.
+void ReleaseWorkImages(PanZoomState& state);
+
+/// Attaches pixel memory (not cleared) to `image` for the use of `state`. While that fails, other
+/// instances are emptied one by one, in the registry's order. On success the image is entered into
+/// the cache's account; on failure the console is told and the image library's status stays set.
+void AllocateImageData(PanZoomState& state, IplImage* image);
+
+/// Makes the header of a cached image; null, with the library's status set, when that fails.
+IplImage* NewCachedImageHeader(int32_t width, int32_t height);
+
+/// Empties other instances, in the registry's order, until the total is within the budget. The
+/// caller's own images stay, whatever the total.
+void EnforceCacheBudget(PanZoomState& state);
+
+/// True when the instance's image stays cached at its natural size: final renders, an unknown
+/// output size, or an image that is smaller than the output in both directions. `cacheState` should
+/// be 1 then and 0 otherwise.
+bool KeepsNaturalSize(const PanZoomState& state);
+
+/// Size, in pixels, of a picture.
+struct ImageSize {
+  int32_t width, height;
+};
+
+/// Size that a picture is reduced to for an output: a landscape picture takes the output's width,
+/// others its height; the other side follows the picture's shape, cut to whole pixels, at least 1.
+/// It may exceed the output.
+ImageSize ReducedSize(ImageSize picture, ImageSize output);
+
+/// Replaces level 0 by a reduced copy unless KeepsNaturalSize, and sets `cacheState`. When memory
+/// runs out the natural size stays. Throws the integer 1 when the image library reports success
+/// without giving pixels.
+void ReduceToVideoResolution(PanZoomState& state);
+
+/// The level to render a frame from: the last of the leading levels that are larger than the frame
+/// needs in both directions, or level 0 (null when nothing is loaded).
+IplImage* SelectCachedLevel(const PanZoomState& state, const hfxImage& output);
+
+}  // namespace kelto

@@ -1,0 +1,168 @@
+#include "image/load.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "image/cache.h"
+#include "image/image_holder.h"
+#include "image/paths.h"
+#include "image/still_file.h"
+#include "platform/hfx.h"
+#include "platform/ipl.h"
+
+namespace kelto {
+namespace {
+
+/// Thrown, and caught by LoadImage, when memory runs out.
+constexpr int kOutOfMemory = 1;
+
+bool LibraryFailed() { return iplGetErrStatus() != IPL_StsOk; }
+
+/// The path text in a zero-filled record.
+struct PathRecord {
+  char text[kPathRecordSize] = {};
+
+  explicit PathRecord(const std::string& path) {
+    std::memcpy(text, path.data(), std::min(path.size(), sizeof(text) - 1));
+  }
+};
+
+void SaveNetworkForm(PanZoomState& state) {
+  char name[kPathRecordSize] = {};
+  if (!ResolveNetworkPath(state.imagePath.c_str(), name, sizeof(name))) return;
+  state.imagePath = name;
+  SaveImagePath(state);
+}
+
+/// Looks for the file elsewhere and opens it there; saves the place when that works.
+void Relocate(PanZoomState& state, bool interactive, StillFile& file) {
+  PathRecord path(state.imagePath);
+  const bool found =
+      interactive ? LocateImageFile(path.text, sizeof(path.text)) : FindInKnownFolders(path.text);
+  if (!found) return;
+  FSSpec specification;
+  if (MakeFileSpecification(path.text, &specification) != noErr) throw kOutOfMemory;
+  if (file.Open(specification) != noErr) return;
+  state.imagePath = path.text;
+  SaveImagePath(state);
+}
+
+bool OpenImageFile(PanZoomState& state, bool interactive, StillFile& file) {
+  FSSpec specification;
+  OSErr error = MakeFileSpecification(state.imagePath.c_str(), &specification);
+  if (error == noErr) error = file.Open(specification);
+  if (error == noErr) {
+    RememberImageFolder(state.imagePath.c_str());
+  } else {
+    Relocate(state, interactive, file);
+  }
+  return file.isOpen();
+}
+
+/// Passes the colour bytes of every pixel through studioLevelTable; alpha stays.
+void CompressToStudioRange(IplImage& image) {
+  const int first = image.channelSeq[0] == 'A' ? 1 : 0;
+  for (int32_t row = 0; row < image.height; ++row) {
+    char* pixel = image.imageData + ptrdiff_t{row} * image.widthStep + first;
+    for (int32_t column = 0; column < image.width; ++column, pixel += 4) {
+      for (int channel = 0; channel < 3; ++channel) {
+        pixel[channel] = static_cast<char>(studioLevelTable[static_cast<uint8_t>(pixel[channel])]);
+      }
+    }
+  }
+}
+
+/// Three bytes a pixel to four; the fourth is not written.
+void SpreadPixels(const IplImage& from, IplImage& to) {
+  for (int32_t row = 0; row < from.height; ++row) {
+    const char* source = from.imageData + ptrdiff_t{row} * from.widthStep;
+    char* dest = to.imageData + ptrdiff_t{row} * to.widthStep;
+    for (int32_t column = 0; column < from.width; ++column, source += 3, dest += 4) {
+      std::memcpy(dest, source, 3);
+    }
+  }
+}
+
+/// Allocates the pixels of `image`, telling the console when memory runs out.
+bool AllocateOrTell(PanZoomState& state, IplImage* image) {
+  AllocateImageData(state, image);
+  if (LibraryFailed()) {
+    hfxGlobal::ConsolePrintf("PanZoom HFX: Unable to allocate memory for image.\n");
+    return false;
+  }
+  if (image->imageData == nullptr) throw kOutOfMemory;
+  return true;
+}
+
+IplImage* NewHeader(int32_t channels, const char* model, const char* sequence, int32_t align,
+                    const ImageSize& size) {
+  return iplCreateImageHeader(channels, 0, IPL_DEPTH_8U, model, sequence, IPL_DATA_ORDER_PIXEL,
+                              IPL_ORIGIN_TL, align, size.width, size.height, nullptr, nullptr,
+                              nullptr, nullptr);
+}
+
+/// Decodes into memory of the image library's, without a copy in between. False when that fails.
+bool Decode(PanZoomState& state, StillFile& file, const StillRect& bounds, IplImage* target) {
+  // This failure is not told to the console a second time.
+  if (LibraryFailed()) return false;
+  AllocateImageData(state, target);
+  if (LibraryFailed()) return false;
+  if (target->imageData == nullptr) throw kOutOfMemory;
+  return file.DrawAndClose(bounds, *target) == noErr;
+}
+
+bool Load(PanZoomState& state, bool interactive) {
+  SaveNetworkForm(state);
+  StillFile file;
+  if (!OpenImageFile(state, interactive, file)) return false;
+  StillRect bounds = {};
+  if (file.GetBounds(&bounds) != noErr) return false;
+  const ImageSize size = {bounds.right - bounds.left, bounds.bottom - bounds.top};
+
+  ImageHolder decoded(NewHeader(4, "RGBA", "BGRA", IPL_ALIGN_DWORD, size));
+  if (!Decode(state, file, bounds, decoded.get())) return false;
+  if (state.levels == 0) CompressToStudioRange(*decoded);
+
+  ImageHolder converted(NewHeader(3, "YCr", "YCr", IPL_ALIGN_QWORD, size));
+  if (!AllocateOrTell(state, converted.get())) return false;
+  iplRGB2YCrCb(decoded.get(), converted.get());
+  if (LibraryFailed()) return false;
+  decoded.Release();  // before the next allocation: two full-size images at a time, never three
+
+  ImageHolder cached(NewCachedImageHeader(size.width, size.height));
+  if (!AllocateOrTell(state, cached.get())) return false;
+  SpreadPixels(*converted, *cached);
+
+  ReleaseImage(state.workImages[0]);
+  state.workImages[0] = cached.Take();
+  state.imageWidth = static_cast<uint32_t>(size.width);
+  state.imageHeight = static_cast<uint32_t>(size.height);
+  return true;
+}
+
+}  // namespace
+
+void SaveImagePath(PanZoomState& state) {
+  const PathRecord record(state.imagePath);
+  state.SetInstanceData(record.text, kPathRecordSize);
+  state.SetInstanceDataModified(true);
+}
+
+bool LoadImage(PanZoomState& state, bool interactive) {
+  const StatusReset resetOnReturn;
+  try {
+    return Load(state, interactive);
+  } catch (...) {
+    return false;
+  }
+}
+
+bool ReloadImage(PanZoomState& state, bool interactive) {
+  ReleaseWorkImages(state);
+  const bool loaded = LoadImage(state, interactive);
+  ReduceToVideoResolution(state);
+  EnforceCacheBudget(state);
+  return loaded;
+}
+
+}  // namespace kelto

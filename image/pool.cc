@@ -1,0 +1,22 @@
+#include "image/pool.h"
+
+namespace kelto {
+
+CacheBufferPool cachePool;
+uint32_t cachedBytes = 0;
+
+void CacheBufferPool::Release(IplImage* image) { cachedBytes -= image->imageSize; }
+
+void EnterIntoCachePool(IplImage* image) {
+  // Through the base: ReleaseImage reads it back as one.
+  image->imageId = static_cast<BufferPool*>(&cachePool);
+  cachedBytes += image->imageSize;
+}
+
+void ReleaseImage(IplImage* image) {
+  if (image == nullptr) return;
+  if (image->imageId != nullptr) static_cast<BufferPool*>(image->imageId)->Release(image);
+  iplDeallocate(image, IPL_IMAGE_ALL);
+}
+
+}  // namespace kelto

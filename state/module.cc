@@ -1,0 +1,10 @@
+#include "state/module.h"
+
+namespace kelto {
+
+ModuleState& Module() {
+  static ModuleState state;
+  return state;
+}
+
+}  // namespace kelto
