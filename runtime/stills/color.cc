@@ -1,0 +1,194 @@
+#include "runtime/stills/color.h"
+
+#include <lcms2.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <numeric>
+
+namespace kelto::stills {
+namespace {
+
+/// C, M, Y, K and one byte more, which is alpha.
+constexpr cmsUInt32Number kTypeCmyka8 =
+    COLORSPACE_SH(PT_CMYK) | EXTRA_SH(1) | CHANNELS_SH(4) | BYTES_SH(1);
+
+// Perceptual, as press profiles' tables are made for pictures; black point compensation keeps
+// blacks black where a profile has no perceptual table.
+constexpr cmsUInt32Number kIntent = INTENT_PERCEPTUAL;
+constexpr cmsUInt32Number kFlags = cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_COPY_ALPHA;
+
+struct ProfileCloser {
+  void operator()(void* profile) const { cmsCloseProfile(profile); }
+};
+using Profile = std::unique_ptr<void, ProfileCloser>;
+
+struct TransformDeleter {
+  void operator()(void* transform) const { cmsDeleteTransform(transform); }
+};
+using Transform = std::unique_ptr<void, TransformDeleter>;
+
+/// To B, G, R, A of sRGB.
+Transform MakeTransform(void* from, cmsUInt32Number from_type, void* to) {
+  return Transform(cmsCreateTransform(from, from_type, to, TYPE_BGRA_8, kIntent, kFlags));
+}
+
+/// Whether no colour of a lattice moves by more than one level: true of every variant of sRGB in
+/// circulation, whatever it calls itself.
+bool IsSrgbInEffect(void* profile, void* srgb) {
+  const Transform transform = MakeTransform(profile, TYPE_BGRA_8, srgb);
+  if (!transform) return false;
+  std::vector<uint8_t> lattice;
+  for (int b = 0; b <= 255; b += 17) {
+    for (int g = 0; g <= 255; g += 17) {
+      for (int r = 0; r <= 255; r += 17) {
+        const int pixel[] = {b, g, r, 255};
+        lattice.insert(lattice.end(), pixel, pixel + 4);
+      }
+    }
+  }
+  std::vector<uint8_t> seen(lattice.size());
+  cmsDoTransform(transform.get(), lattice.data(), seen.data(),
+                 static_cast<cmsUInt32Number>(lattice.size() / 4));
+  return std::equal(lattice.begin(), lattice.end(), seen.begin(),
+                    [](uint8_t a, uint8_t b) { return std::abs(a - b) <= 1; });
+}
+
+cmsUInt32Number LcmsType(PixelFormat format) {
+  switch (format) {
+    case PixelFormat::kBgra8:
+      return TYPE_BGRA_8;
+    case PixelFormat::kRgba16:
+      return TYPE_RGBA_16;
+    default:
+      return kTypeCmyka8;
+  }
+}
+
+/// Plain conversions, for pictures without a profile.
+void Rgba16ToBgra8(const uint16_t* from, uint8_t* to, uint32_t pixels) {
+  for (uint32_t i = 0; i < pixels; ++i, from += 4, to += 4) {
+    to[0] = To8(from[2]);
+    to[1] = To8(from[1]);
+    to[2] = To8(from[0]);
+    to[3] = To8(from[3]);
+  }
+}
+
+void Cmyka8ToBgra8(const uint8_t* from, uint8_t* to, uint32_t pixels) {
+  for (uint32_t i = 0; i < pixels; ++i, from += 5, to += 4) {
+    const unsigned light = 255u - from[3];
+    to[0] = MultiplyBytes(255u - from[2], light);
+    to[1] = MultiplyBytes(255u - from[1], light);
+    to[2] = MultiplyBytes(255u - from[0], light);
+    to[3] = from[4];
+  }
+}
+
+}  // namespace
+
+size_t BytesPerPixel(PixelFormat format) {
+  switch (format) {
+    case PixelFormat::kBgra8:
+      return 4;
+    case PixelFormat::kRgba16:
+      return 8;
+    default:
+      return 5;
+  }
+}
+
+ColorConverter::ColorConverter(std::span<const uint8_t> icc, ColorModel model, PixelFormat format)
+    : format_(format) {
+  if (icc.empty()) return;
+  const Profile profile(
+      cmsOpenProfileFromMem(icc.data(), static_cast<cmsUInt32Number>(icc.size())));
+  const Profile srgb(cmsCreate_sRGBProfile());
+  if (!profile || !srgb) return;
+
+  const cmsColorSpaceSignature space = cmsGetColorSpace(profile.get());
+  if (space == cmsSigGrayData && model == ColorModel::kGrey) {
+    BuildGreyTable(profile.get(), srgb.get());
+  } else if ((space == cmsSigRgbData && model != ColorModel::kCmyk) ||
+             (space == cmsSigCmykData && model == ColorModel::kCmyk)) {
+    if (space == cmsSigRgbData && IsSrgbInEffect(profile.get(), srgb.get())) return;
+    transform_ = MakeTransform(profile.get(), LcmsType(format), srgb.get()).release();
+  }
+}
+
+ColorConverter::~ColorConverter() {
+  if (transform_ != nullptr) cmsDeleteTransform(transform_);
+}
+
+void ColorConverter::BuildGreyTable(void* profile, void* srgb) {
+  const bool words = format_ == PixelFormat::kRgba16;
+  // Unoptimized, since the optimized form interpolates between 33 levels: too few for shadows.
+  const Transform transform(cmsCreateTransform(profile, words ? TYPE_GRAY_16 : TYPE_GRAY_8, srgb,
+                                               TYPE_BGRA_8, kIntent, kFlags | cmsFLAGS_NOOPTIMIZE));
+  if (!transform) return;
+  const uint32_t count = words ? 65536 : 256;
+  std::vector<uint16_t> level_words(words ? count : 0);
+  std::vector<uint8_t> level_bytes(words ? 0 : count), table(count * size_t{4});
+  std::iota(level_words.begin(), level_words.end(), uint16_t{0});
+  std::iota(level_bytes.begin(), level_bytes.end(), uint8_t{0});
+  const void* levels = words ? static_cast<const void*>(level_words.data()) : level_bytes.data();
+  cmsDoTransform(transform.get(), levels, table.data(), count);
+
+  bool changes = false;
+  for (uint32_t v = 0; v < count; ++v) {
+    const int plain = words ? To8(static_cast<uint16_t>(v)) : static_cast<int>(v);
+    for (size_t c = 0; c < 3; ++c) changes |= std::abs(table[v * size_t{4} + c] - plain) > 1;
+  }
+  if (changes) grey_ = std::move(table);
+}
+
+void ColorConverter::Convert(const void* from, uint8_t* to, uint32_t pixels) const {
+  if (transform_ != nullptr) {
+    cmsDoTransform(transform_, from, to, pixels);
+  } else if (format_ == PixelFormat::kRgba16) {
+    const uint16_t* words = static_cast<const uint16_t*>(from);
+    if (grey_.empty()) {
+      Rgba16ToBgra8(words, to, pixels);
+      return;
+    }
+    for (uint32_t i = 0; i < pixels; ++i, words += 4, to += 4) {
+      std::memcpy(to, &grey_[words[1] * size_t{4}], 3);
+      to[3] = To8(words[3]);
+    }
+  } else if (format_ == PixelFormat::kCmyka8) {
+    Cmyka8ToBgra8(static_cast<const uint8_t*>(from), to, pixels);
+  } else {
+    const uint8_t* bytes = static_cast<const uint8_t*>(from);
+    if (bytes != to) std::memmove(to, bytes, size_t{pixels} * 4);
+    if (grey_.empty()) return;
+    for (uint32_t i = 0; i < pixels; ++i, to += 4) {
+      std::memcpy(to, &grey_[to[1] * size_t{4}], 3);
+    }
+  }
+}
+
+std::vector<uint8_t> MakeRgbProfile(const Chromaticity& white, const Chromaticity& red,
+                                    const Chromaticity& green, const Chromaticity& blue,
+                                    double gamma) {
+  struct CurveFreer {
+    void operator()(cmsToneCurve* curve) const { cmsFreeToneCurve(curve); }
+  };
+  // IEC 61966-2-1: exponent 2.4 above a linear foot.
+  const double srgb[] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
+  const std::unique_ptr<cmsToneCurve, CurveFreer> curve(
+      gamma > 0 ? cmsBuildGamma(nullptr, gamma) : cmsBuildParametricToneCurve(nullptr, 4, srgb));
+  if (!curve) return {};
+  const cmsCIExyY white_point = {white.x, white.y, 1};
+  const cmsCIExyYTRIPLE primaries = {{red.x, red.y, 1}, {green.x, green.y, 1}, {blue.x, blue.y, 1}};
+  cmsToneCurve* const curves[] = {curve.get(), curve.get(), curve.get()};
+  const Profile profile(cmsCreateRGBProfile(&white_point, &primaries, curves));
+  cmsUInt32Number length = 0;
+  if (!profile || !cmsSaveProfileToMem(profile.get(), nullptr, &length)) return {};
+  std::vector<uint8_t> bytes(length);
+  if (!cmsSaveProfileToMem(profile.get(), bytes.data(), &length)) return {};
+  return bytes;
+}
+
+}  // namespace kelto::stills

@@ -1,0 +1,67 @@
+// The one interface behind which every picture format stands.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "runtime/stills/still_file.h"
+
+namespace kelto::stills {
+
+/// What a file says about its picture before any pixel is decoded.
+struct StillInfo {
+  uint32_t width = 0, height = 0;  ///< as stored, before orientation
+  int orientation = 1;             ///< 1 to 8, as in EXIF; 5 to 8 exchange width and height
+  std::vector<uint8_t> icc;        ///< embedded profile, or empty
+
+  bool turned() const { return orientation >= 5; }
+  uint32_t upright_width() const { return turned() ? height : width; }
+  uint32_t upright_height() const { return turned() ? width : height; }
+};
+
+/// Rows B, G, R, A of the caller, as large as the upright picture; row 0 is the top one.
+struct PixelBuffer {
+  uint8_t* pixels;
+  ptrdiff_t row_bytes;
+};
+
+/// A picture format. Decoders hold no state, so that a file that changed between the two calls is
+/// met as it is by each. Both throw StillError and std::bad_alloc and nothing else.
+class Decoder {
+ public:
+  virtual ~Decoder() = default;
+  /// Whether a file that begins with `head` (kHeadBytes, or the whole file if it is shorter) is of
+  /// this format. File names play no part.
+  virtual bool Knows(std::span<const uint8_t> head) const = 0;
+  virtual StillInfo ReadInfo(StillFile& file) const = 0;
+  /// Decodes to sRGB, upright, drawn over black. `info` is ReadInfo's; a file whose size in pixels
+  /// has become another is refused.
+  virtual void Decode(StillFile& file, const StillInfo& info, const PixelBuffer& target) const = 0;
+};
+
+constexpr size_t kHeadBytes = 64;
+
+const Decoder& JpegDecoder();
+const Decoder& PngDecoder();
+const Decoder& TiffDecoder();
+const Decoder& WebpDecoder();
+const Decoder& GifDecoder();
+const Decoder& BmpDecoder();
+const Decoder& HeifDecoder();
+const Decoder& TgaDecoder();
+/// Every format that Windows decodes, the only decoder there.
+const Decoder& WicDecoder();
+
+/// The decoder that knows the file; throws StillError (noCodecErr) when none does.
+const Decoder& FindDecoder(StillFile& file);
+
+/// Throws StillError when a picture of this size must not be decoded from this file.
+void CheckSize(const StillInfo& info, const StillFile& file);
+/// Throws StillError for a profile over kMaxIccBytes.
+void CheckIccSize(uint64_t bytes);
+/// Throws StillError unless a decoder now meets the size that `info` promised.
+void CheckUnchanged(const StillInfo& info, uint32_t width, uint32_t height);
+
+}  // namespace kelto::stills

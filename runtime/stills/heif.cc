@@ -1,0 +1,187 @@
+// HEIF and AVIF through libheif. The library applies the file's own rotations and mirrorings,
+// which by the standard (ISO/IEC 23008-12) are the ones that count; EXIF orientation is ignored.
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "runtime/stills/color.h"
+#include "runtime/stills/decoder.h"
+#include "runtime/stills/heif_library.h"
+#include "runtime/stills/limits.h"
+#include "runtime/stills/row_writer.h"
+#include "runtime/stills/scratch.h"
+#include "runtime/stills/still_error.h"
+
+namespace kelto::stills {
+namespace {
+
+void Check(const heif_error& error) {
+  if (error.code == heif_error_Ok) return;
+  if (error.code == heif_error_Memory_allocation_error) throw std::bad_alloc();
+  const std::string told = error.message != nullptr ? error.message : "unknown error";
+  if (error.code == heif_error_Unsupported_feature ||
+      error.code == heif_error_Unsupported_filetype) {
+    throw StillError(noCodecErr, "unsupported HEIF (" + told + ")");
+  }
+  throw StillError(codecBadDataErr, "damaged or truncated HEIF (" + told + ")");
+}
+
+StillFile& FileOf(void* user) { return *static_cast<StillFile*>(user); }
+
+const heif_reader& Reader() {
+  static const heif_reader reader = {
+      1, [](void* user) { return static_cast<int64_t>(FileOf(user).Position()); },
+      [](void* to, size_t count, void* user) {
+        return FileOf(user).Read(to, count) == count ? 0 : 1;
+      },
+      [](int64_t position, void* user) {
+        return position >= 0 && FileOf(user).Seek(static_cast<uint64_t>(position)) ? 0 : 1;
+      },
+      [](int64_t target, void* user) {
+        return target <= static_cast<int64_t>(FileOf(user).size())
+                   ? heif_reader_grow_status_size_reached
+                   : heif_reader_grow_status_size_beyond_eof;
+      }};
+  return reader;
+}
+
+/// The primary picture of a file.
+class Picture {
+ public:
+  explicit Picture(StillFile& file)
+      : heif_(Heif()), context_(heif_.context_alloc(), heif_.context_free) {
+    if (!context_) throw std::bad_alloc();
+    heif_.context_set_maximum_image_size_limit(context_.get(), static_cast<int>(kMaxSide));
+    // No thread of ours in somebody else's process.
+    heif_.context_set_max_decoding_threads(context_.get(), 0);
+    file.Rewind();
+    Check(heif_.context_read_from_reader(context_.get(), &Reader(), &file, nullptr));
+    heif_image_handle* found = nullptr;
+    Check(heif_.context_get_primary_image_handle(context_.get(), &found));
+    handle_ = {found, heif_.image_handle_release};
+  }
+
+  uint32_t width() const { return static_cast<uint32_t>(heif_.image_handle_get_width(handle())); }
+  uint32_t height() const { return static_cast<uint32_t>(heif_.image_handle_get_height(handle())); }
+
+  Alpha alpha() const {
+    if (!heif_.image_handle_has_alpha_channel(handle())) return Alpha::kOpaque;
+    return heif_.image_handle_is_premultiplied_alpha(handle()) ? Alpha::kPremultiplied
+                                                               : Alpha::kStraight;
+  }
+
+  std::vector<uint8_t> Profile() const {
+    const size_t size = heif_.image_handle_get_raw_color_profile_size(handle());
+    if (size == 0) return ProfileOfCodePoints();
+    CheckIccSize(size);
+    std::vector<uint8_t> icc(size);
+    Check(heif_.image_handle_get_raw_color_profile(handle(), icc.data()));
+    return icc;
+  }
+
+  /// R, G, B, A rows of width() * height().
+  struct Pixels {
+    std::shared_ptr<const heif_image> image;
+    const uint8_t* rows;
+    int row_bytes;
+  };
+  Pixels Decode() const {
+    heif_image* decoded = nullptr;
+    Check(heif_.decode_image(handle(), &decoded, heif_colorspace_RGB, heif_chroma_interleaved_RGBA,
+                             nullptr));
+    Pixels pixels = {{decoded, heif_.image_release}, nullptr, 0};
+    heif_error warning = {};
+    if (heif_.image_get_decoding_warnings(decoded, 0, &warning, 1) > 0) Check(warning);
+    pixels.rows =
+        heif_.image_get_plane_readonly(decoded, heif_channel_interleaved, &pixels.row_bytes);
+    if (pixels.rows == nullptr ||
+        heif_.image_get_width(decoded, heif_channel_interleaved) != static_cast<int>(width()) ||
+        heif_.image_get_height(decoded, heif_channel_interleaved) != static_cast<int>(height())) {
+      throw StillError(codecBadDataErr, "damaged HEIF (its picture has another size than it says)");
+    }
+    return pixels;
+  }
+
+ private:
+  const heif_image_handle* handle() const { return handle_.get(); }
+
+  /// Wide primaries may be given by number (ITU-T H.273) instead of a profile. Only the transfer
+  /// curves near sRGB's are honoured: those of high dynamic range would need tone mapping.
+  std::vector<uint8_t> ProfileOfCodePoints() const {
+    heif_color_profile_nclx* found = nullptr;
+    if (heif_.image_handle_get_nclx_color_profile(handle(), &found).code != heif_error_Ok ||
+        found == nullptr) {
+      return {};
+    }
+    const heif_color_profile_nclx nclx = *found;
+    heif_.nclx_color_profile_free(found);
+    constexpr int kNearSrgb[] = {1, 6, 13, 14, 15};
+    const int transfer = nclx.transfer_characteristics;
+    if (std::find(std::begin(kNearSrgb), std::end(kNearSrgb), transfer) == std::end(kNearSrgb) ||
+        nclx.color_primary_white_y <= 0) {
+      return {};
+    }
+    return MakeRgbProfile({nclx.color_primary_white_x, nclx.color_primary_white_y},
+                          {nclx.color_primary_red_x, nclx.color_primary_red_y},
+                          {nclx.color_primary_green_x, nclx.color_primary_green_y},
+                          {nclx.color_primary_blue_x, nclx.color_primary_blue_y}, 0);
+  }
+
+  const HeifLibrary& heif_;
+  std::shared_ptr<heif_context> context_;
+  std::shared_ptr<const heif_image_handle> handle_;
+};
+
+class HeifFormat final : public Decoder {
+ public:
+  bool Knows(std::span<const uint8_t> head) const override {
+    if (head.size() < 16 || std::memcmp(&head[4], "ftyp", 4) != 0) return false;
+    // The major brand, a version, then compatible brands up to the end of the box.
+    const size_t box = std::min<size_t>(head.size(), head[2] * 256u + head[3]);
+    for (size_t at = 8; at + 4 <= box; at += at == 8 ? 8 : 4) {
+      for (const char* brand : {"heic", "heix", "heim", "heis", "mif1", "avif"}) {
+        if (std::memcmp(&head[at], brand, 4) == 0) return true;
+      }
+    }
+    return false;
+  }
+
+  StillInfo ReadInfo(StillFile& file) const override {
+    const Picture picture(file);
+    StillInfo info;
+    info.width = picture.width();
+    info.height = picture.height();
+    info.icc = picture.Profile();
+    return info;
+  }
+
+  void Decode(StillFile& file, const StillInfo& info, const PixelBuffer& target) const override {
+    const Picture picture(file);
+    CheckUnchanged(info, picture.width(), picture.height());
+    CheckScratch(uint64_t{info.width} * info.height * 4);
+    const Picture::Pixels pixels = picture.Decode();
+    RowWriter writer(info, ColorModel::kRgb, PixelFormat::kBgra8, picture.alpha(), target);
+    for (uint32_t y = 0; y < info.height; ++y) {
+      const uint8_t* from = pixels.rows + static_cast<ptrdiff_t>(y) * pixels.row_bytes;
+      uint8_t* to = writer.Row(y);
+      for (uint32_t x = 0; x < info.width; ++x, from += 4, to += 4) {
+        to[0] = from[2];
+        to[1] = from[1];
+        to[2] = from[0];
+        to[3] = from[3];
+      }
+      writer.Commit(y);
+    }
+  }
+};
+
+}  // namespace
+
+const Decoder& HeifDecoder() {
+  static const HeifFormat decoder;
+  return decoder;
+}
+
+}  // namespace kelto::stills

@@ -1,0 +1,86 @@
+#include "runtime/stills/tiff_unpack.h"
+
+#include "runtime/stills/color.h"
+#include "runtime/stills/still_error.h"
+
+namespace kelto::stills {
+namespace {
+
+/// Sample `x` of channel `i`; rows may begin at odd addresses.
+template <typename T>
+T Sample(const TiffRow& row, int i, uint32_t x) {
+  T value;
+  __builtin_memcpy(&value, row.first[static_cast<size_t>(i)] + x * row.step * sizeof(T), sizeof(T));
+  return value;
+}
+
+}  // namespace
+
+TiffUnpacker::TiffUnpacker(TiffFile& tiff, const TiffForm& form, bool words) : form_(form) {
+  format_ = form.colors == 4           ? PixelFormat::kCmyka8
+            : words && form.bits == 16 ? PixelFormat::kRgba16
+                                       : PixelFormat::kBgra8;
+  if (form.bits < 8) bytes_.resize(form.width);
+  if (form.photometric != PHOTOMETRIC_PALETTE) return;
+
+  uint16_t *red = nullptr, *green = nullptr, *blue = nullptr;
+  if (!TIFFGetField(tiff.get(), TIFFTAG_COLORMAP, &red, &green, &blue)) {
+    throw StillError(codecBadDataErr, "damaged TIFF (its palette is missing)");
+  }
+  const int count = 1 << form.bits;
+  bool full_scale = false;
+  for (int i = 0; i < count; ++i) full_scale |= red[i] > 255 || green[i] > 255 || blue[i] > 255;
+  // Palettes have 16 bits, but some programs write 8-bit values.
+  for (int i = 0; i < count; ++i) {
+    for (const uint16_t* channel : {red, green, blue}) {
+      palette_.push_back(full_scale ? To8(channel[i]) : static_cast<uint8_t>(channel[i]));
+    }
+  }
+}
+
+void TiffUnpacker::Unpack(const TiffRow& row, uint8_t* to) {
+  if (form_.bits == 16) {
+    Spread<uint16_t>(row, to);
+  } else {
+    Spread<uint8_t>(form_.bits == 8 ? row : UnpackBits(row), to);
+  }
+}
+
+TiffRow TiffUnpacker::UnpackBits(const TiffRow& row) {
+  const unsigned bits = form_.bits, full = (1u << bits) - 1;
+  const unsigned scale = palette_.empty() ? 255 / full : 1;
+  for (uint32_t x = 0; x < form_.width; ++x) {
+    const size_t at = x * size_t{bits};
+    const unsigned shift = 8 - bits - static_cast<unsigned>(at % 8);
+    bytes_[x] = static_cast<uint8_t>((row.first[0][at / 8] >> shift & full) * scale);
+  }
+  return {{bytes_.data()}, 1};
+}
+
+template <typename T>
+void TiffUnpacker::Spread(const TiffRow& row, uint8_t* to) const {
+  constexpr T kFull = static_cast<T>(~T{0});
+  const T flip = form_.photometric == PHOTOMETRIC_MINISWHITE ? kFull : T{0};
+  const size_t pixel_bytes = BytesPerPixel(format_);
+  for (uint32_t x = 0; x < form_.width; ++x, to += pixel_bytes) {
+    T color[4] = {};
+    for (int i = 0; i < form_.colors; ++i) color[i] = Sample<T>(row, i, x) ^ flip;
+    const T alpha = form_.used_count > form_.colors ? Sample<T>(row, form_.colors, x) : kFull;
+    if (format_ == PixelFormat::kCmyka8) {
+      for (int i = 0; i < 4; ++i) to[i] = To8(color[i]);
+      to[4] = To8(alpha);
+      continue;
+    }
+    if (form_.colors == 1) color[1] = color[2] = color[0];
+    if (format_ == PixelFormat::kRgba16) {
+      const uint16_t pixel[] = {color[0], color[1], color[2], alpha};
+      __builtin_memcpy(to, pixel, sizeof pixel);
+      continue;
+    }
+    const uint8_t* entry = palette_.empty() ? nullptr : &palette_[color[0] * size_t{3}];
+    for (int i = 0; i < 3; ++i) to[2 - i] = entry != nullptr ? entry[i] : To8(color[i]);
+    to[3] = To8(alpha);
+  }
+}
+
+}  // namespace kelto::stills

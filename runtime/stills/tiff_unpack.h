@@ -1,0 +1,33 @@
+// Samples of a TIFF row to the layouts of RowWriter.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "runtime/stills/tiff_file.h"
+#include "runtime/stills/tiff_rows.h"
+
+namespace kelto::stills {
+
+/// Turns rows of grey, palette, RGB and CMYK samples of up to 16 bits into pixels.
+class TiffUnpacker {
+ public:
+  /// `words` asks for kRgba16 where samples have 16 bits.
+  TiffUnpacker(TiffFile& tiff, const TiffForm& form, bool words);
+
+  PixelFormat format() const { return format_; }
+  void Unpack(const TiffRow& row, uint8_t* to);
+
+ private:
+  template <typename T>
+  void Spread(const TiffRow& row, uint8_t* to) const;
+  /// Packed samples to a byte each, grey ones scaled to 0..255.
+  TiffRow UnpackBits(const TiffRow& row);
+
+  const TiffForm& form_;
+  PixelFormat format_;
+  std::vector<uint8_t> palette_;  ///< R, G, B of each index
+  std::vector<uint8_t> bytes_;
+};
+
+}  // namespace kelto::stills

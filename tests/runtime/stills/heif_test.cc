@@ -1,0 +1,150 @@
+#include <libheif/heif.h>
+
+#include "runtime/stills/heif_library.h"
+#include "runtime/stills/still_error.h"
+#include "tests/runtime/stills/profiles.h"
+#include "tests/runtime/stills/still_test.h"
+
+/// The encoder that makes the pictures of these tests leaks a little; decoders do not.
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() { return "leak:libx265.so"; }
+
+namespace kelto::stills {
+namespace {
+
+heif_error OnWrite(heif_context*, const void* data, size_t size, void* user) {
+  Bytes& bytes = *static_cast<Bytes*>(user);
+  const uint8_t* from = static_cast<const uint8_t*>(data);
+  bytes.insert(bytes.end(), from, from + size);
+  return {heif_error_Ok, heif_suberror_Unspecified, "ok"};
+}
+
+/// Empty when the library has no encoder for the format.
+Bytes EncodeHeif(const Picture& picture, heif_compression_format format, const Bytes& icc = {},
+                 heif_orientation orientation = heif_orientation_normal) {
+  heif_context* context = heif_context_alloc();
+  heif_encoder* encoder = nullptr;
+  if (heif_context_get_encoder_for_format(context, format, &encoder).code != heif_error_Ok) {
+    heif_context_free(context);
+    return {};
+  }
+  heif_encoder_set_lossy_quality(encoder, 95);
+  heif_encoder_set_parameter_string(encoder, "chroma", "444");
+  if (format == heif_compression_AV1) heif_encoder_set_parameter_integer(encoder, "speed", 8);
+  heif_image* image = nullptr;
+  heif_image_create(picture.width, picture.height, heif_colorspace_RGB,
+                    heif_chroma_interleaved_RGBA, &image);
+  heif_image_add_plane(image, heif_channel_interleaved, picture.width, picture.height, 8);
+  int row_bytes = 0;
+  uint8_t* rows = heif_image_get_plane(image, heif_channel_interleaved, &row_bytes);
+  for (int y = 0; y < picture.height; ++y) {
+    for (int x = 0; x < picture.width; ++x) {
+      const Pixel p = picture.at(x, y);
+      uint8_t* to = rows + y * row_bytes + x * 4;
+      to[0] = p.r, to[1] = p.g, to[2] = p.b, to[3] = p.a;
+    }
+  }
+  if (!icc.empty()) heif_image_set_raw_color_profile(image, "prof", icc.data(), icc.size());
+  heif_encoding_options* options = heif_encoding_options_alloc();
+  options->image_orientation = orientation;
+  heif_image_handle* handle = nullptr;
+  heif_context_encode_image(context, image, encoder, options, &handle);
+  heif_encoding_options_free(options);
+  Bytes bytes;
+  heif_writer writer = {1, OnWrite};
+  heif_context_write(context, &writer, &bytes);
+  heif_image_handle_release(handle);
+  heif_image_release(image);
+  heif_encoder_release(encoder);
+  heif_context_free(context);
+  return bytes;
+}
+
+class Heif : public StillTest, public testing::WithParamInterface<heif_compression_format> {
+ protected:
+  /// Skips the test when there is nothing to make its pictures with.
+#define ENCODE_OR_SKIP(bytes, ...)             \
+  const Bytes bytes = EncodeHeif(__VA_ARGS__); \
+  if (bytes.empty()) GTEST_SKIP() << "libheif has no encoder of this kind"
+};
+
+INSTANTIATE_TEST_SUITE_P(Formats, Heif,
+                         testing::Values(heif_compression_HEVC, heif_compression_AV1),
+                         [](const auto& tested) {
+                           return tested.param == heif_compression_AV1 ? "Avif" : "Heic";
+                         });
+
+TEST_P(Heif, ColoursComeOutNearly) {
+  ENCODE_OR_SKIP(bytes, GradientPicture(64, 48), GetParam());
+  const Loaded loaded = Load(bytes, "picture.heic");
+  ASSERT_EQ(loaded.error, noErr) << loaded.text;
+  EXPECT_LE(LargestDifference(loaded.picture, GradientPicture(64, 48)), 10);
+}
+
+TEST_P(Heif, AlphaIsDrawnOverBlack) {
+  ENCODE_OR_SKIP(bytes, {64, 64, std::vector<Pixel>(64 * 64, {50, 100, 200, 51})}, GetParam());
+  const Loaded loaded = Load(bytes, "picture.heic");
+  ASSERT_EQ(loaded.error, noErr) << loaded.text;
+  EXPECT_TRUE(IsNear(loaded.picture.at(32, 32), Rgb(40, 20, 10), 4));
+}
+
+TEST_P(Heif, ItsProfileIsHonoured) {
+  ENCODE_OR_SKIP(bytes, {64, 64, std::vector<Pixel>(64 * 64, Rgb(255, 0, 0))}, GetParam(),
+                 SwappedProfile());
+  const Loaded loaded = Load(bytes, "picture.heic");
+  ASSERT_EQ(loaded.error, noErr) << loaded.text;
+  EXPECT_TRUE(IsNear(loaded.picture.at(32, 32), Rgb(0, 255, 0), 6));
+}
+
+TEST_P(Heif, RotationOfTheFileIsApplied) {
+  ENCODE_OR_SKIP(bytes, GradientPicture(64, 48), GetParam(), {}, heif_orientation_rotate_90_cw);
+  const Loaded loaded = Load(bytes, "picture.heic");
+  ASSERT_EQ(loaded.error, noErr) << loaded.text;
+  ASSERT_EQ(loaded.picture.width, 48);
+  ASSERT_EQ(loaded.picture.height, 64);
+  // The stored bottom-left corner comes to the top-left one.
+  EXPECT_TRUE(IsNear(loaded.picture.at(0, 0), Gradient(0, 47), 10));
+  EXPECT_TRUE(IsNear(loaded.picture.at(47, 63), Gradient(63, 0), 10));
+}
+
+TEST_P(Heif, TruncatedIsAnError) {
+  ENCODE_OR_SKIP(whole, GradientPicture(64, 48), GetParam());
+  for (const size_t left : {whole.size() / 4, whole.size() / 2, whole.size() - 30}) {
+    const Loaded loaded =
+        Load(Bytes(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(left)), "cut.heic");
+    EXPECT_EQ(loaded.error, codecBadDataErr) << left;
+    EXPECT_EQ(loaded.text.rfind("cut.heic: damaged or truncated HEIF (", 0), 0u) << loaded.text;
+  }
+}
+
+TEST(HeifLibrary, MissingItSaysWhatToInstall) {
+  try {
+    OpenHeifLibrary("libheif-that-is-not-there.so.1");
+    FAIL() << "a library that does not exist was opened";
+  } catch (const StillError& error) {
+    EXPECT_EQ(error.code, noCodecErr);
+    EXPECT_EQ(error.reason,
+              "a HEIF or AVIF picture, and libheif-that-is-not-there.so.1 that reads those is not "
+              "installed");
+  }
+}
+
+TEST(HeifLibrary, AnotherLibraryOfThatNameIsTooOld) {
+  try {
+    OpenHeifLibrary("libm.so.6");
+    FAIL() << "a library without its functions was taken";
+  } catch (const StillError& error) {
+    EXPECT_EQ(error.code, noCodecErr);
+    EXPECT_NE(error.reason.find("too old"), std::string::npos) << error.reason;
+  }
+}
+
+TEST_F(StillTest, AFilmIsNoHeifPicture) {
+  Bytes film = {0, 0, 0, 24, 'f', 't', 'y', 'p', 'i', 's', 'o', 'm',
+                0, 0, 2, 0,  'i', 's', 'o', 'm', 'm', 'p', '4', '1'};
+  Append(film, Bytes(176));
+  EXPECT_EQ(Load(film).error, noCodecErr);
+}
+
+}  // namespace
+}  // namespace kelto::stills

@@ -1,0 +1,279 @@
+// The importer's own contract, whatever the format.
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <filesystem>
+
+#include "tests/runtime/stills/encode_jpeg.h"
+#include "tests/runtime/stills/encode_png.h"
+#include "tests/runtime/stills/still_test.h"
+
+namespace kelto::stills {
+namespace {
+
+class Importer : public StillTest {
+ protected:
+  /// A 6x4 PNG.
+  std::string SmallPicture(const std::string& name = "small.png") const {
+    return Write(name, EncodePng(PngOf(GradientPicture(6, 4))));
+  }
+};
+
+TEST(FileSpecification, HoldsAPathOfUpTo255CharactersBehindItsLength) {
+  FSSpec spec;
+  const std::string longest(255, 'x');
+  ASSERT_EQ(MakeFileSpecification(longest.c_str(), &spec), noErr);
+  EXPECT_EQ(spec.name[0], 255);
+  EXPECT_EQ(std::memcmp(spec.name + 1, longest.data(), 255), 0);
+  ASSERT_EQ(MakeFileSpecification("a/b", &spec), noErr);
+  EXPECT_EQ(spec.name[0], 3);
+}
+
+TEST(FileSpecification, MissingEmptyAndTooLongPathsAreFilesNotFound) {
+  FSSpec spec;
+  EXPECT_EQ(MakeFileSpecification(nullptr, &spec), fnfErr);
+  EXPECT_EQ(MakeFileSpecification("", &spec), fnfErr);
+  EXPECT_EQ(MakeFileSpecification(std::string(256, 'x').c_str(), &spec), fnfErr);
+  EXPECT_STREQ(StillImporterLastError(), "a path of more than 255 characters");
+  EXPECT_EQ(MakeFileSpecification("a", nullptr), paramErr);
+}
+
+TEST_F(Importer, APathOfMoreThan255CharactersCannotBeOpenedThoughTheFileIsThere) {
+  const std::string folder = Path(std::string(200, 'd'));
+  std::filesystem::create_directory(folder);
+  const std::string path = folder + "/" + std::string(60, 'f');
+  std::filesystem::copy(SmallPicture(), path);
+  EXPECT_EQ(OpenStill(path).error, fnfErr);
+}
+
+TEST_F(Importer, SaysWhyAFileCannotBeRead) {
+  EXPECT_EQ(LoadStill(Path("none.jpg")).error, fnfErr);
+  EXPECT_EQ(LoadStill(Path("none.jpg")).text, "none.jpg: no such file");
+  EXPECT_EQ(LoadStill(SmallPicture() + "/x.jpg").text, "x.jpg: no such file");
+  std::filesystem::create_directory(Path("photos"));
+  EXPECT_EQ(LoadStill(Path("photos")).error, fnfErr);
+  EXPECT_EQ(LoadStill(Path("photos")).text, "photos: a folder, not a picture");
+  EXPECT_EQ(LoadStill(Path("photos/")).error, fnfErr);
+}
+
+TEST_F(Importer, SaysThatAFileMayNotBeRead) {
+  const std::string path = SmallPicture("secret.png");
+  ASSERT_EQ(::chmod(path.c_str(), 0), 0);
+  const bool privileged = ::geteuid() == 0;
+  constexpr uid_t kNobody = 65534;
+  if (privileged) {
+    ASSERT_EQ(::seteuid(kNobody), 0);
+  }
+  const Loaded loaded = LoadStill(path);
+  if (privileged) {
+    ASSERT_EQ(::seteuid(0), 0);
+  }
+  EXPECT_EQ(loaded.error, fnfErr);
+  EXPECT_EQ(loaded.text, "secret.png: no permission to read the file");
+}
+
+TEST_F(Importer, APipeIsRefusedWithoutWaitingForItsWriter) {
+  ASSERT_EQ(::mkfifo(Path("pipe.jpg").c_str(), 0600), 0);
+  EXPECT_EQ(LoadStill(Path("pipe.jpg")).text, "pipe.jpg: not a file");
+}
+
+TEST_F(Importer, EmptyFilesAndTextsAreNoPictures) {
+  EXPECT_EQ(Load({}, "empty.png").error, noCodecErr);
+  EXPECT_EQ(Load({}, "empty.png").text, "empty.png: an empty file");
+  const std::string text = "Dear diary, this is not a picture at all, whatever my name says.\n";
+  const Loaded loaded = Load(Bytes(text.begin(), text.end()), "diary.jpg");
+  EXPECT_EQ(loaded.error, noCodecErr);
+  EXPECT_EQ(loaded.text, "diary.jpg: not a picture in a known format");
+}
+
+TEST_F(Importer, ShortFilesOfAnyFirstByteAreNoPictures) {
+  for (int first = 0; first < 256; ++first) {
+    EXPECT_EQ(Load({static_cast<uint8_t>(first)}).error, noCodecErr) << first;
+  }
+}
+
+TEST_F(Importer, ContentCountsAndNotTheName) {
+  const Loaded loaded = LoadStill(SmallPicture("really-a-png.jpg"));
+  ASSERT_EQ(loaded.error, noErr) << loaded.text;
+  EXPECT_EQ(LargestDifference(loaded.picture, GradientPicture(6, 4)), 0);
+}
+
+TEST_F(Importer, NaturalBoundsBeginAtTheOrigin) {
+  const Opened opened = OpenStill(SmallPicture());
+  StillRect bounds = {9, 9, 9, 9};
+  ASSERT_EQ(GraphicsImportGetNaturalBounds(opened.importer, &bounds), noErr);
+  EXPECT_EQ(bounds.left, 0);
+  EXPECT_EQ(bounds.top, 0);
+  EXPECT_EQ(bounds.right, 6);
+  EXPECT_EQ(bounds.bottom, 4);
+  CloseComponent(opened.importer);
+}
+
+TEST(OffscreenWorld, RefusesWhatIsNotABufferOfBgra) {
+  uint8_t pixels[64];
+  const StillRect four_by_four = {0, 0, 4, 4}, empty = {3, 3, 3, 7}, reversed = {4, 4, 0, 0};
+  GWorldPtr world = nullptr;
+  const auto make = [&](OSType format, const StillRect* bounds, void* to, int32_t row_bytes) {
+    return QTNewGWorldFromPtr(&world, format, bounds, nullptr, nullptr, 0, to, row_bytes);
+  };
+  EXPECT_EQ(make(0x20, &four_by_four, pixels, 16), paramErr);
+  EXPECT_EQ(make(k32BGRAPixelFormat, &empty, pixels, 16), paramErr);
+  EXPECT_EQ(make(k32BGRAPixelFormat, &reversed, pixels, 16), paramErr);
+  EXPECT_EQ(make(k32BGRAPixelFormat, nullptr, pixels, 16), paramErr);
+  EXPECT_EQ(make(k32BGRAPixelFormat, &four_by_four, nullptr, 16), paramErr);
+  EXPECT_EQ(make(k32BGRAPixelFormat, &four_by_four, pixels, 15), paramErr);
+  EXPECT_EQ(make(k32BGRAPixelFormat, &four_by_four, pixels, -16), paramErr);
+  EXPECT_EQ(world, nullptr);
+  EXPECT_EQ(make(k32BGRAPixelFormat, &four_by_four, pixels, 16), noErr);
+  EXPECT_NE(world, nullptr);
+  DisposeGWorld(world);
+}
+
+TEST_F(Importer, DrawsAtTheWorldsOriginAndLeavesTheRestOfALargerWorld) {
+  const Opened opened = OpenStill(SmallPicture());
+  constexpr size_t kRow = 40;
+  Bytes pixels(kRow * 7, 0x77);
+  const StillRect bounds = {30, 20, 37, 29};  // 9x7, not at (0, 0)
+  GWorldPtr world = nullptr;
+  ASSERT_EQ(QTNewGWorldFromPtr(&world, k32BGRAPixelFormat, &bounds, nullptr, nullptr, 0,
+                               pixels.data(), kRow),
+            noErr);
+  ASSERT_EQ(GraphicsImportSetGWorld(opened.importer, world, nullptr), noErr);
+  ASSERT_EQ(GraphicsImportDraw(opened.importer), noErr);
+  for (size_t at = 0; at < pixels.size(); ++at) {
+    const size_t x = at % kRow / 4, y = at / kRow;
+    if (x < 6 && y < 4) {
+      const Pixel p = Gradient(static_cast<int>(x), static_cast<int>(y));
+      EXPECT_EQ(pixels[at], (&p.b)[at % 4]) << x << "," << y;
+    } else {
+      EXPECT_EQ(pixels[at], 0x77) << x << "," << y;
+    }
+  }
+  DisposeGWorld(world);
+  CloseComponent(opened.importer);
+}
+
+TEST_F(Importer, RefusesToDrawIntoNoWorldOrOneSmallerThanThePicture) {
+  const Opened opened = OpenStill(SmallPicture());
+  EXPECT_EQ(GraphicsImportDraw(opened.importer), paramErr);
+  Bytes pixels(24 * 4, 0x77);
+  for (const StillRect bounds : {StillRect{0, 0, 3, 6}, StillRect{0, 0, 4, 5}}) {
+    GWorldPtr world = nullptr;
+    ASSERT_EQ(QTNewGWorldFromPtr(&world, k32BGRAPixelFormat, &bounds, nullptr, nullptr, 0,
+                                 pixels.data(), 24),
+              noErr);
+    ASSERT_EQ(GraphicsImportSetGWorld(opened.importer, world, nullptr), noErr);
+    EXPECT_EQ(GraphicsImportDraw(opened.importer), paramErr);
+    EXPECT_STREQ(StillImporterLastError(), "small.png: the world is smaller than the picture");
+    DisposeGWorld(world);
+  }
+  EXPECT_EQ(pixels, Bytes(24 * 4, 0x77));
+  CloseComponent(opened.importer);
+}
+
+/// An importer with a world over its own pixels.
+struct Drawing {
+  explicit Drawing(const Opened& opened) : importer(opened.importer) {
+    StillRect bounds = {};
+    GraphicsImportGetNaturalBounds(importer, &bounds);
+    const int row_bytes = bounds.right * 4;
+    pixels.resize(static_cast<size_t>(row_bytes * bounds.bottom));
+    QTNewGWorldFromPtr(&world, k32BGRAPixelFormat, &bounds, nullptr, nullptr, 0, pixels.data(),
+                       row_bytes);
+    GraphicsImportSetGWorld(importer, world, nullptr);
+  }
+  ~Drawing() {
+    DisposeGWorld(world);
+    CloseComponent(importer);
+  }
+  GraphicsImportComponent importer;
+  GWorldPtr world = nullptr;
+  Bytes pixels;
+};
+
+TEST_F(Importer, DrawsTwiceAlike) {
+  Drawing drawing(OpenStill(SmallPicture()));
+  ASSERT_EQ(GraphicsImportDraw(drawing.importer), noErr);
+  const Bytes first = drawing.pixels;
+  std::fill(drawing.pixels.begin(), drawing.pixels.end(), uint8_t{1});
+  ASSERT_EQ(GraphicsImportDraw(drawing.importer), noErr);
+  EXPECT_EQ(drawing.pixels, first);
+}
+
+TEST_F(Importer, KeepsTheFileOpenSoThatADeletedOneStillDraws) {
+  const std::string path = SmallPicture();
+  Drawing drawing(OpenStill(path));
+  std::filesystem::remove(path);
+  EXPECT_EQ(GraphicsImportDraw(drawing.importer), noErr);
+}
+
+/// A PNG without compression, larger than what a stream reads ahead.
+Bytes LargePng(int width, int height) {
+  PngSpec spec = PngOf(GradientPicture(width, height));
+  spec.chunks = [](png_structp png, png_infop) { png_set_compression_level(png, 0); };
+  return EncodePng(spec);
+}
+
+TEST_F(Importer, AFileCutShortAfterItWasOpenedIsAnError) {
+  const Bytes whole = LargePng(200, 150);
+  for (const uintmax_t left : {uintmax_t{60000}, uintmax_t{20}, uintmax_t{0}}) {
+    const std::string path = Write("large.png", whole);
+    Drawing drawing(OpenStill(path));
+    std::filesystem::resize_file(path, left);
+    EXPECT_EQ(GraphicsImportDraw(drawing.importer), codecBadDataErr) << left;
+    EXPECT_STREQ(StillImporterLastError(), "large.png: truncated PNG (the file ends too early)");
+  }
+}
+
+TEST_F(Importer, AFileThatBecameAnotherPictureAfterItWasOpenedIsAnError) {
+  for (const int width : {190, 210}) {
+    Drawing png(OpenStill(Write("large.png", LargePng(200, 150))));
+    Write("large.png", LargePng(width, 150));
+    EXPECT_EQ(GraphicsImportDraw(png.importer), codecBadDataErr);
+    EXPECT_STREQ(StillImporterLastError(), "large.png: the file changed after it was opened");
+
+    JpegSpec jpeg = JpegOf(GradientPicture(200, 150));
+    jpeg.quality = 100;
+    Drawing photo(OpenStill(Write("large.jpg", EncodeJpeg(jpeg))));
+    jpeg = JpegOf(GradientPicture(width, 150));
+    jpeg.quality = 100;
+    Write("large.jpg", EncodeJpeg(jpeg));
+    EXPECT_EQ(GraphicsImportDraw(photo.importer), codecBadDataErr);
+    EXPECT_STREQ(StillImporterLastError(), "large.jpg: the file changed after it was opened");
+  }
+}
+
+TEST_F(Importer, TheLastErrorGoesWithTheNextSuccessButOutlivesCleaningUp) {
+  Bytes cut = EncodePng(PngOf(GradientPicture(6, 4)));
+  cut.resize(70);
+  {
+    Drawing drawing(OpenStill(Write("cut.png", cut)));
+    ASSERT_EQ(GraphicsImportDraw(drawing.importer), codecBadDataErr);
+  }
+  EXPECT_STREQ(StillImporterLastError(), "cut.png: truncated PNG (the file ends too early)");
+  FSSpec spec;
+  MakeFileSpecification("x", &spec);
+  EXPECT_STREQ(StillImporterLastError(), "");
+}
+
+TEST_F(Importer, TextsStayOnOneLineWhateverTheFileIsCalled) {
+  EXPECT_EQ(LoadStill(Path("two\nlines\x1b.jpg")).text, "two?lines?.jpg: no such file");
+}
+
+TEST_F(Importer, NullArgumentsAreRefused) {
+  StillRect bounds;
+  FSSpec spec = {};
+  GraphicsImportComponent importer = nullptr;
+  EXPECT_EQ(GetGraphicsImporterForFile(nullptr, &importer), fnfErr);
+  EXPECT_EQ(GetGraphicsImporterForFile(&spec, &importer), fnfErr);
+  EXPECT_EQ(GetGraphicsImporterForFile(&spec, nullptr), paramErr);
+  EXPECT_EQ(GraphicsImportGetNaturalBounds(nullptr, &bounds), paramErr);
+  EXPECT_EQ(GraphicsImportSetGWorld(nullptr, nullptr, nullptr), paramErr);
+  EXPECT_EQ(GraphicsImportDraw(nullptr), paramErr);
+  EXPECT_EQ(CloseComponent(nullptr), paramErr);
+  DisposeGWorld(nullptr);
+}
+
+}  // namespace
+}  // namespace kelto::stills
