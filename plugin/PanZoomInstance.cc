@@ -1,0 +1,39 @@
+#include "plugin/PanZoomInstance.h"
+
+#include "image/cache.h"
+#include "plugin/choose_image.h"
+#include "plugin/frame.h"
+#include "plugin/parameters.h"
+#include "render/motion.h"
+#include "state/module.h"
+
+namespace kelto {
+
+PanZoomInstance::~PanZoomInstance() {
+  LeaveInstanceRegistry();
+  ReleaseWorkImages(*this);
+  DestroyPathCurves(*this);
+}
+
+bool PanZoomInstance::RenderFrame(const hfxRect& region) { return RenderCurrentFrame(*this, region); }
+
+bool PanZoomInstance::CreateParameters() { return DeclareParameters(*this); }
+
+int32_t PanZoomInstance::BeginRender() {
+  const void* record = GetInstanceData(nullptr);
+  if (Module().hostState) hostState = Module().hostState();
+  playMode = hfxGetPlayMode();
+  if (record) imagePath = PathOfRecord(record);
+  return 1;
+}
+
+int32_t PanZoomInstance::EndRender() {
+  if (hostState == 1) ReleaseWorkImages(*this);
+  hostState = -1;
+  playMode = -1;
+  return -1;
+}
+
+bool PanZoomInstance::ChooseImage() { return ChooseImageOf(*this); }
+
+}  // namespace kelto

@@ -1,0 +1,140 @@
+// What a render loads, keeps and reports, step by step.
+#include "plugin/frame.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "image/cache.h"
+#include "platform/win32.h"
+#include "tests/support/instance.h"
+#include "tests/support/photo.h"
+
+namespace kelto {
+namespace {
+
+using test::Instance;
+using test::Picture;
+
+class Frame : public testing::Test {
+ protected:
+  static constexpr int32_t kWidth = 32, kHeight = 18;
+
+  Frame() : input(kWidth, kHeight, hfxColorspaceYCbCr), output(kWidth, kHeight, hfxColorspaceYCbCr) {
+    test::WritePhoto(photo, 64, 36, [](int32_t x, int32_t) {
+      return x < 32 ? test::Rgb{20, 20, 20} : test::Rgb{220, 220, 220};
+    });
+    hfx::SetInput(instance, 0, input.image());
+    hfx::SetOutput(instance, 0, output.image());
+    instance.display = 1;
+    instance.SetPath(photo);
+  }
+  bool Render(int32_t playMode = hfxPlayModeRender) {
+    instance.playMode = playMode;
+    return instance.RenderFrame({0, 0, kWidth - 1, kHeight - 1});
+  }
+
+  test::TempFolder folder;
+  const std::string photo = folder / "photo.bmp";
+  Instance instance;
+  Picture input, output;
+};
+
+TEST_F(Frame, LoadsTheImageOfTheSavedPathOnce) {
+  EXPECT_TRUE(Render());
+  const IplImage* loaded = instance.workImages[0];
+  ASSERT_NE(loaded, nullptr);
+  EXPECT_EQ(instance.outputWidth, kWidth);
+  EXPECT_EQ(instance.outputHeight, kHeight);
+  std::filesystem::remove(photo);
+  Render();
+  EXPECT_EQ(instance.workImages[0], loaded);
+}
+
+TEST_F(Frame, OtherLevelsReloadTheImage) {
+  Render();
+  const uint8_t dark = output.row(9)[0];
+  instance.levels = 1;
+  Render();
+  EXPECT_LT(output.row(9)[0], dark) << "not compressed to studio range any more";
+  EXPECT_EQ(instance.appliedLevels, 1);
+}
+
+TEST_F(Frame, PlayingReducesTheImageAndRenderingReloadsIt) {
+  Render(hfxPlayModePreview);
+  ASSERT_NE(instance.workImages[0], nullptr);
+  EXPECT_EQ(instance.workImages[0]->width, kWidth);
+  EXPECT_EQ(instance.cacheState, 0);
+  Render(hfxPlayModeRender);
+  EXPECT_EQ(instance.workImages[0]->width, 64);
+  EXPECT_EQ(instance.cacheState, 1);
+}
+
+TEST_F(Frame, AFailedLoadIsNotTriedAgainAndOpensNoDialog) {
+  win32().GetOpenFileNameA = [](OPENFILENAMEA*) -> BOOL {
+    ADD_FAILURE() << "a render must not ask";
+    return 0;
+  };
+  std::filesystem::remove(photo);
+  EXPECT_TRUE(Render()) << "the background is still a frame";
+  EXPECT_TRUE(instance.loadFailed);
+  test::WritePhoto(photo, 8, 8, [](int32_t, int32_t) { return test::Rgb{1, 1, 1}; });
+  Render();
+  EXPECT_EQ(instance.workImages[0], nullptr);
+  win32() = DefaultWin32Calls();
+}
+
+TEST_F(Frame, WithoutARecordNothingIsLoadedAndTheBackgroundShows) {
+  hfx::ClearInstanceData(instance);
+  EXPECT_TRUE(Render());
+  EXPECT_EQ(instance.workImages[0], nullptr);
+  EXPECT_FALSE(instance.loadFailed);
+  EXPECT_EQ(output.row(0)[0], output.row(kHeight - 1)[0]);
+}
+
+TEST_F(Frame, OnlyAnAbortedRenderReportsFailure) {
+  EXPECT_TRUE(Render());
+  instance.host().aborted = true;
+  EXPECT_FALSE(Render());
+}
+
+TEST_F(Frame, TheMotionIsPreparedOnceAfterEveryChange) {
+  instance.SetPosition(0.0, 0.0, 0.0);
+  instance.SetPosition(1.0, 0.5, 0.0);
+  for (const double t : {0.0, 1.0}) instance.SetVelocities(t, 0, 0);
+  EXPECT_TRUE(instance.paramsChanged);
+  Render();
+  EXPECT_FALSE(instance.paramsChanged);
+  EXPECT_EQ(instance.motionTable.size(), 2u);
+  instance.motionTable.push_back({1.0, 2.0});
+  Render();
+  EXPECT_EQ(instance.motionTable.size(), 3u) << "kept while nothing changes";
+  instance.paramsChanged = true;
+  Render();
+  EXPECT_EQ(instance.motionTable.size(), 2u);
+}
+
+TEST_F(Frame, AOneFrameEffectShowsItsFirstKey) {
+  instance.host().totalFrames = 1;
+  instance.SetKey("size", 0.0, 2.0);
+  instance.SetKey("size", 1.0, 4.0);
+  for (const double t : {0.0, 1.0}) {
+    instance.SetPosition(t, 0.1, 0.2);
+    instance.SetVelocities(t, 1, 1);
+  }
+  Render();
+  EXPECT_EQ(instance.zoom, 2.0);
+  EXPECT_EQ(instance.centreX, 0.1);
+}
+
+TEST_F(Frame, ProgressiveVideoSetsTheProgressiveSwitch) {
+  instance.host().videoType = hfxVideoType525;
+  Render();
+  EXPECT_FALSE(instance.progressive);
+  instance.host().videoType = hfxVideoTypeProgressive;
+  Render();
+  EXPECT_TRUE(instance.progressive);
+}
+
+}  // namespace
+}  // namespace kelto

@@ -1,0 +1,193 @@
+#include "plugin/update_params.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+
+#include "image/cache.h"
+#include "image/pool.h"
+#include "render/motion.h"
+#include "tests/support/instance.h"
+
+namespace kelto {
+namespace {
+
+using Colour = std::array<double, 3>;
+
+using test::Instance;
+
+/// Gives the instance a small working image of its own.
+void Hold(Instance& instance) {
+  IplImage* image =
+      iplCreateImageHeader(4, 0, IPL_DEPTH_8U, "MSI", "MSI", IPL_DATA_ORDER_PIXEL, IPL_ORIGIN_TL,
+                           IPL_ALIGN_QWORD, 8, 8, nullptr, nullptr, nullptr, nullptr);
+  AllocateImageData(instance, image);
+  instance.workImages[0] = image;
+}
+
+void SetCacheKeys(Instance& instance, int32_t value) {
+  for (const double t : {0.0, 0.5}) instance.SetKey("cache", t, value);
+  instance.SetActive("cache", 1);
+}
+
+int32_t CacheEntry(Instance& instance, int32_t key) { return instance.KeyValue<int32_t>("cache", key); }
+
+TEST(UpdateParams, CopiesTheActiveKeyOntoEveryKey) {
+  Instance i;
+  int32_t value = 1;
+  for (const double t : {0.0, 0.5, 1.0}) i.SetKey("filter", t, value++);
+  i.SetActive("filter", 1);
+  const bool switches[] = {false, true};
+  i.SetKey("progressive", 0.0, switches[0]);
+  i.SetKey("progressive", 1.0, switches[1]);
+  i.SetActive("progressive", 1);
+  EXPECT_TRUE(UpdateParams(&i));
+  for (int32_t k = 0; k < 3; ++k) EXPECT_EQ(i.KeyValue<int32_t>("filter", k), 2);
+  for (int32_t k = 0; k < 2; ++k) EXPECT_TRUE(i.KeyValue<bool>("progressive", k));
+}
+
+TEST(UpdateParams, DisplayKeysWithNoneActiveFallBackToDisplaySource) {
+  Instance i;
+  for (const double t : {0.0, 0.5, 1.0}) i.SetKey("display", t, int32_t{1});
+  i.SetActive("display", -1);
+  UpdateParams(&i);
+  for (int32_t k = 0; k < 3; ++k) EXPECT_EQ(i.KeyValue<int32_t>("display", k), 0);
+}
+
+TEST(UpdateParams, HoldsEveryNonAnimatedParameter) {
+  for (const char* key : {"display", "path", "filter", "levels", "compositeover"}) {
+    Instance i;
+    i.SetKey(key, 0.0, int32_t{0});
+    i.SetKey(key, 1.0, int32_t{1});
+    i.SetActive(key, 1);
+    UpdateParams(&i);
+    EXPECT_EQ(i.KeyValue<int32_t>(key, 0), 1) << key;
+  }
+  for (const char* key : {"showactionsafe", "squarepixels", "progressive"}) {
+    Instance i;
+    i.SetKey(key, 0.0, false);
+    i.SetKey(key, 1.0, true);
+    i.SetActive(key, 1);
+    UpdateParams(&i);
+    EXPECT_TRUE(i.KeyValue<bool>(key, 0)) << key;
+  }
+}
+
+TEST(UpdateParams, HoldsTheColourOfTheActiveKeyAndLeavesItAloneWithoutOne) {
+  const double red[3] = {1, 0, 0}, odd[3] = {1, 0, NAN};
+  Instance i;
+  i.SetKey("bgcolor", 0.0, odd);
+  i.SetKey("bgcolor", 1.0, red);
+  i.SetActive("bgcolor", -1);
+  UpdateParams(&i);
+  EXPECT_TRUE(std::isnan(i.KeyValue<Colour>("bgcolor", 0)[2]));
+  i.SetActive("bgcolor", 1);
+  UpdateParams(&i);
+  EXPECT_EQ(i.KeyValue<Colour>("bgcolor", 0)[2], 0.0);
+}
+
+TEST(UpdateParams, AConstantInKeyTakesItsOutKeyAlongAndBack) {
+  Instance i;
+  i.SetVelocities(0.0, VelocityConstant, VelocityEase);
+  i.SetVelocities(1.0, VelocityConstant, VelocityEase);
+  i.SetActive("invelocity", 0);
+  UpdateParams(&i);
+  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 0), VelocityConstant);
+  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 1), VelocityEase) << "not the active key";
+  i.SetKey("invelocity", 0.0, int32_t{VelocityEase});
+  i.SetActive("invelocity", 0);
+  UpdateParams(&i);
+  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 0), VelocityEase);
+}
+
+TEST(UpdateParams, AHoldOutKeyBesideALinearInKeyIsLeftAlone) {
+  Instance i;
+  i.SetVelocities(0.0, VelocityLinear, VelocityHold);
+  i.SetActive("invelocity", 0);
+  UpdateParams(&i);
+  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 0), VelocityHold);
+}
+
+TEST(UpdateParams, HasTheMotionPreparedAnew) {
+  Instance i;
+  i.paramsChanged = false;
+  UpdateParams(&i);
+  EXPECT_TRUE(i.paramsChanged);
+}
+
+TEST(CacheCommands, ChoosingAnotherResolutionReleasesTheImages) {
+  for (const int32_t mode : {CacheVideoResolution, CacheMultiResolution}) {
+    Instance i;
+    Hold(i);
+    SetCacheKeys(i, mode);
+    UpdateParams(&i);
+    EXPECT_EQ(i.workImages[0], nullptr);
+    EXPECT_EQ(i.appliedCacheMode, mode);
+    EXPECT_EQ(CacheEntry(i, 0), mode);
+  }
+  Instance same;
+  Hold(same);
+  SetCacheKeys(same, CacheImageResolution);
+  UpdateParams(&same);
+  EXPECT_NE(same.workImages[0], nullptr) << "the mode in force already";
+}
+
+TEST(CacheCommands, FreeCurrentCacheShowsImageResolutionOnEveryKey) {
+  Instance i, other;
+  Hold(i);
+  Hold(other);
+  SetCacheKeys(i, FreeCurrentCache);
+  UpdateParams(&i);
+  EXPECT_EQ(i.workImages[0], nullptr);
+  EXPECT_NE(other.workImages[0], nullptr);
+  EXPECT_EQ(CacheEntry(i, 0), CacheImageResolution);
+  EXPECT_EQ(CacheEntry(i, 1), CacheImageResolution);
+  EXPECT_EQ(i.appliedCacheMode, CacheImageResolution);
+}
+
+TEST(CacheCommands, FreeAllCachesEmptiesEveryInstanceAndResetsEveryList) {
+  Instance a, b, c;
+  for (Instance* i : {&a, &b, &c}) {
+    Hold(*i);
+    SetCacheKeys(*i, CacheVideoResolution);
+    i->appliedCacheMode = CacheVideoResolution;
+    i->cacheMode = CacheVideoResolution;
+  }
+  SetCacheKeys(b, FreeAllCaches);
+  UpdateParams(&b);
+  for (Instance* i : {&a, &b, &c}) {
+    EXPECT_EQ(i->workImages[0], nullptr);
+    for (const int32_t key : {0, 1}) EXPECT_EQ(CacheEntry(*i, key), CacheImageResolution);
+    EXPECT_EQ(i->cacheMode, CacheImageResolution);
+  }
+  EXPECT_EQ(cachedBytes, 0u);
+}
+
+TEST(CacheCommands, CacheAllLeavesInstancesAloneThatAreInThatModeAlready) {
+  Instance inForce, other, asked;
+  other.appliedCacheMode = other.cacheMode = CacheVideoResolution;
+  for (Instance* i : {&inForce, &other, &asked}) Hold(*i);
+  SetCacheKeys(asked, CacheAllFirst + CacheImageResolution);
+  UpdateParams(&asked);
+  EXPECT_NE(inForce.workImages[0], nullptr);
+  EXPECT_NE(asked.workImages[0], nullptr) << "its applied mode was Image Resolution too";
+  EXPECT_EQ(other.workImages[0], nullptr);
+  EXPECT_EQ(other.appliedCacheMode, CacheImageResolution);
+  EXPECT_EQ(CacheEntry(asked, 0), CacheImageResolution) << "never a one-shot command";
+}
+
+TEST(CacheCommands, WithoutAnActiveKeyTheFieldDecides) {
+  Instance i;
+  Hold(i);
+  SetCacheKeys(i, FreeCurrentCache);
+  i.SetActive("cache", -1);
+  ApplyCacheCommand(i, true);
+  EXPECT_NE(i.workImages[0], nullptr);
+  i.cacheMode = 12;
+  ApplyCacheCommand(i, false);
+  EXPECT_NE(i.workImages[0], nullptr) << "an unknown command does nothing";
+}
+
+}  // namespace
+}  // namespace kelto

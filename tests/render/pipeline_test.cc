@@ -1,0 +1,308 @@
+#include "render/pipeline.h"
+
+#include <gtest/gtest.h>
+
+#include "image/cache.h"
+#include "image/load.h"
+#include "render/geometry.h"
+#include "tests/support/instance.h"
+#include "tests/support/vectors.h"
+
+namespace kelto {
+namespace {
+
+using test::Instance;
+using test::Picture;
+
+constexpr hfxRect Whole(int32_t width, int32_t height) { return {0, 0, width - 1, height - 1}; }
+
+/// Puts an RGB picture (three bytes a pixel) into the instance's cache, as a load would.
+void CachePicture(Instance& instance, const std::vector<uint8_t>& rgb, int32_t width,
+                  int32_t height) {
+  iplSetErrMode(IPL_ErrModeSilent);
+  IplImage* bgra = iplCreateImageHeader(4, 0, IPL_DEPTH_8U, "RGBA", "BGRA", IPL_DATA_ORDER_PIXEL,
+                                        IPL_ORIGIN_TL, IPL_ALIGN_DWORD, width, height, nullptr,
+                                        nullptr, nullptr, nullptr);
+  iplAllocateImage(bgra, 1, 0);
+  IplImage* cached = iplCreateImageHeader(4, 0, IPL_DEPTH_8U, "MSI", "MSI", IPL_DATA_ORDER_PIXEL,
+                                          IPL_ORIGIN_TL, IPL_ALIGN_QWORD, width, height, nullptr,
+                                          nullptr, nullptr, nullptr);
+  AllocateImageData(instance, cached);
+  ASSERT_EQ(iplGetErrStatus(), IPL_StsOk);
+  for (int32_t y = 0; y < height; ++y) {
+    for (int32_t x = 0; x < width; ++x) {
+      for (int32_t c = 0; c < 3; ++c) {
+        uint8_t value = rgb[3 * (size_t{static_cast<uint32_t>(y)} * width + x) + c];
+        if (instance.levels == 0) value = studioLevelTable[value];
+        bgra->imageData[y * bgra->widthStep + 4 * x + 2 - c] = static_cast<char>(value);
+      }
+    }
+  }
+  iplRGB2YCrCb(bgra, cached);
+  iplDeallocate(bgra, IPL_IMAGE_ALL);
+  instance.workImages[0] = cached;
+  instance.imageWidth = width;
+  instance.imageHeight = height;
+  instance.cacheState = 1;
+}
+
+void SetUpFrame(Instance& instance, const nlohmann::json& p) {
+  instance.display = p["display"];
+  instance.zoom = p["zoom"];
+  instance.centreX = p["centre_x"];
+  instance.centreY = p["centre_y"];
+  instance.filter = p["filter"];
+  instance.levels = p["levels"];
+  instance.squarePixels = p["square_pixels"];
+  instance.overlayOff = p["overlay_off"];
+  for (int i = 0; i < 3; ++i) instance.backgroundColor[i] = p["background"][i];
+  hfx::RenderState& host = instance.host();
+  host.quality = p["quality"];
+  host.displayAspect = p["display_aspect"];
+  host.videoType = p["video_type"];
+  host.fieldMode = p["field_mode"];
+  host.topField = p["is_top_field"];
+}
+
+int LargestDifference(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b) {
+  if (a.size() != b.size()) return 256;
+  int largest = 0;
+  for (size_t i = 0; i < a.size(); ++i) largest = std::max(largest, std::abs(a[i] - b[i]));
+  return largest;
+}
+
+TEST(Pipeline, AgreesWithReferenceFramesInBothLayouts) {
+  int index = 0;
+  for (const auto& f : test::Vectors()["frames"]) {
+    for (const int32_t colorspace : {hfxColorspaceYCbCr, hfxColorspaceRGB}) {
+      Instance instance;
+      SetUpFrame(instance, f["params"]);
+      const int32_t width = f["params"]["output_width"], height = f["params"]["output_height"];
+      Picture input(width, height, colorspace), output(width, height, colorspace, 12, true);
+      hfx::SetInput(instance, 0, input.image());
+      hfx::SetOutput(instance, 0, output.image());
+      CachePicture(instance, test::Bytes(f["rgb"]), f["width"], f["height"]);
+      if (f["play_mode"] != 0) {
+        instance.playMode = f["play_mode"];
+        instance.outputWidth = width;
+        instance.outputHeight = height;
+        ReduceToVideoResolution(instance);
+      }
+      RenderFrame(instance, Whole(width, height));
+      const bool rgb = colorspace == hfxColorspaceRGB;
+      EXPECT_LE(LargestDifference(output.Packed(), test::Bytes(f[rgb ? "bgra" : "yuv422"])), 2)
+          << "frame " << index << (rgb ? " RGB" : " 4:2:2");
+      EXPECT_TRUE(output.GuardsIntact());
+    }
+    ++index;
+  }
+  EXPECT_EQ(index, 8);
+}
+
+/// A grey picture with a bright spot, over a small frame.
+class SmallFrame : public testing::Test {
+ protected:
+  static constexpr int32_t kWidth = 32, kHeight = 18;
+  explicit SmallFrame(int32_t colorspace = hfxColorspaceYCbCr)
+      : input(kWidth, kHeight, colorspace), output(kWidth, kHeight, colorspace) {
+    instance.display = 1;
+    instance.host().displayAspect = 16.0 / 9.0;
+    hfx::SetInput(instance, 0, input.image());
+    hfx::SetOutput(instance, 0, output.image());
+    for (int32_t y = 0; y < kHeight; ++y) {
+      std::memset(input.row(y), 0x40 + y, input.image()->GetNumChannels() * kWidth);
+    }
+  }
+  void CacheSpottedPicture() {
+    std::vector<uint8_t> rgb(3 * 64 * 36, 90);
+    for (int i = 0; i < 3; ++i) rgb[3 * (17 * 64 + 31) + i] = 250;
+    CachePicture(instance, rgb, 64, 36);
+  }
+  std::vector<uint8_t> Render() {
+    RenderFrame(instance, Whole(kWidth, kHeight));
+    return output.Packed();
+  }
+  Instance instance;
+  Picture input, output;
+};
+
+TEST_F(SmallFrame, QualityOfOneHalfIsRealTimeAndMoreUsesTheFilter) {
+  CacheSpottedPicture();
+  instance.filter = FilterRealTime;
+  const auto realTime = Render();
+  instance.filter = FilterUltraQual;
+  instance.host().quality = 0.5;
+  EXPECT_EQ(Render(), realTime);
+  instance.host().quality = 0.51;
+  EXPECT_NE(Render(), realTime);
+}
+
+TEST_F(SmallFrame, TheSourceDisplayIsAlwaysRealTimeAndWhole) {
+  CacheSpottedPicture();
+  instance.overlayOff = 1;
+  instance.filter = FilterRealTime;
+  const auto whole = Render();
+  instance.display = 0;
+  instance.filter = FilterHiQual;
+  instance.zoom = 3.0;
+  instance.centreX = 0.2;
+  EXPECT_EQ(Render(), whole);
+}
+
+TEST_F(SmallFrame, OutlinesAreDrawnOverTheSourceDisplayOnly) {
+  CacheSpottedPicture();
+  const auto target = Render();
+  instance.overlayOff = 1;
+  EXPECT_EQ(Render(), target);
+  instance.display = 0;
+  const auto bare = Render();
+  instance.overlayOff = 0;
+  instance.zoom = 2.0;
+  const auto outlined = Render();
+  EXPECT_NE(outlined, bare);
+  instance.showActionSafe = false;
+  const auto viewOnly = Render();
+  EXPECT_NE(viewOnly, outlined);
+  EXPECT_NE(viewOnly, bare);
+}
+
+TEST(Background, FullColourIs255For601SourcesAnd235ForRgbOnes) {
+  uint8_t bytes[3];
+  const double colour[3] = {1.0, 0.999, 0.0};
+  BackgroundBytes(colour, 1, bytes);
+  EXPECT_EQ(bytes[0], 255);
+  EXPECT_EQ(bytes[1], 254) << "truncated, not rounded";
+  EXPECT_EQ(bytes[2], 0);
+  BackgroundBytes(colour, 0, bytes);
+  EXPECT_EQ(bytes[0], 235);
+  EXPECT_EQ(bytes[1], 235);
+  EXPECT_EQ(bytes[2], 16) << "clamped to studio range";
+}
+
+TEST_F(SmallFrame, SeparateFieldsRenderOnlyTheFieldTheHostNames) {
+  CacheSpottedPicture();
+  instance.zoom = 2.0;
+  instance.filter = FilterTriangle;
+  const auto frame = Render();
+  Picture field(kWidth, kHeight / 2, hfxColorspaceYCbCr, 8);
+  hfx::SetOutput(instance, 0, field.image());
+  instance.host().fieldMode = hfxFieldModeSeparate;
+  for (const bool top : {true, false}) {
+    instance.host().topField = top;
+    RenderFrame(instance, Whole(kWidth, kHeight / 2));
+    for (int32_t y = 0; y < kHeight / 2; ++y) {
+      const std::vector<uint8_t> got(field.row(y), field.row(y) + 2 * kWidth);
+      const auto from = frame.begin() + (2 * y + (top ? 0 : 1)) * 2 * kWidth;
+      EXPECT_EQ(got, std::vector<uint8_t>(from, from + 2 * kWidth)) << (top ? "top " : "bottom ") << y;
+    }
+    EXPECT_TRUE(field.GuardsIntact());
+  }
+}
+
+TEST_F(SmallFrame, WithoutPictureOverVideoTheFrameIsBlackNotTheInput) {
+  instance.compositeOver = 1;
+  for (const int32_t levels : {0, 1}) {
+    instance.levels = levels;
+    RenderWithoutImage(instance);
+    const auto bytes = output.Packed();
+    for (size_t i = 0; i < bytes.size(); i += 2) {
+      ASSERT_NEAR(bytes[i], levels == 0 ? 16 : 0, 1);
+      ASSERT_NEAR(bytes[i + 1], 128, 1);
+    }
+  }
+}
+
+TEST_F(SmallFrame, WithoutPictureOverAColourTheFrameIsTheColour) {
+  instance.levels = 1;
+  instance.backgroundColor[0] = instance.backgroundColor[1] = instance.backgroundColor[2] = 0.5;
+  const auto bytes = Render();
+  for (size_t i = 0; i < bytes.size(); i += 2) {
+    ASSERT_NEAR(bytes[i], 127, 1);
+    ASSERT_NEAR(bytes[i + 1], 128, 1);
+  }
+}
+
+TEST_F(SmallFrame, VideoShowsWhereThePictureDoesNotCover) {
+  CacheSpottedPicture();
+  instance.compositeOver = 1;
+  instance.zoom = 0.5;
+  instance.filter = FilterCubic;
+  Render();
+  for (const int32_t y : {0, 2, kHeight - 1}) {
+    EXPECT_EQ(std::memcmp(output.row(y), input.row(y), 2 * kWidth), 0) << "row " << y;
+  }
+  EXPECT_NE(std::memcmp(output.row(9), input.row(9), 2 * kWidth), 0);
+}
+
+TEST_F(SmallFrame, AMissingInputOrOutputThrowsTheIntegerOne) {
+  const auto thrown = [](auto&& call) {
+    try {
+      call();
+    } catch (int code) {
+      return code;
+    }
+    return 0;
+  };
+  hfx::SetInput(instance, 0, nullptr);
+  EXPECT_EQ(thrown([&] { RenderFrame(instance, Whole(kWidth, kHeight)); }), 1);
+  EXPECT_EQ(thrown([&] { RenderWithoutImage(instance); }), 0);
+  hfx::SetInput(instance, 0, input.image());
+  hfx::SetOutput(instance, 0, nullptr);
+  EXPECT_EQ(thrown([&] { RenderFrame(instance, Whole(kWidth, kHeight)); }), 1);
+  EXPECT_EQ(thrown([&] { RenderWithoutImage(instance); }), 1);
+}
+
+TEST_F(SmallFrame, OtherColourSpacesLeaveTheOutputUntouched) {
+  CacheSpottedPicture();
+  const auto before = output.Packed();
+  hfxImage foreign(kWidth, kHeight, input.row(0), 2 * kWidth, 5, 2);
+  hfx::SetInput(instance, 0, &foreign);
+  EXPECT_EQ(Render(), before);
+}
+
+TEST_F(SmallFrame, ARegionLargerThanTheOutputIsCut) {
+  CacheSpottedPicture();
+  RenderFrame(instance, {-2147483647, 0, 2147483647, 4000});
+  EXPECT_TRUE(output.GuardsIntact());
+  EXPECT_TRUE(input.GuardsIntact());
+}
+
+class SmallRgbFrame : public SmallFrame {
+ protected:
+  SmallRgbFrame() : SmallFrame(hfxColorspaceRGB) {}
+};
+
+TEST_F(SmallRgbFrame, AnRgbInputUnderThePictureIsOverwrittenByIts422Form) {
+  CacheSpottedPicture();
+  const auto before = input.Packed();
+  instance.compositeOver = 0;
+  Render();
+  EXPECT_EQ(input.Packed(), before);
+  instance.compositeOver = 1;
+  Render();
+  EXPECT_NE(input.Packed(), before);
+  EXPECT_TRUE(input.GuardsIntact());
+}
+
+TEST_F(SmallRgbFrame, WithoutPictureOverVideoTheFrameIsOpaqueBlack) {
+  instance.compositeOver = 1;
+  RenderWithoutImage(instance);
+  const auto bytes = output.Packed();
+  for (size_t i = 0; i < bytes.size(); i += 4) {
+    ASSERT_LE(bytes[i] + bytes[i + 1] + bytes[i + 2], 6);
+    ASSERT_EQ(bytes[i + 3], 255);
+  }
+}
+
+TEST(LayoutCode, FollowsTheHostsFormats) {
+  EXPECT_EQ(LayoutCode(hfxImgFormatBGRA, 0), 4);
+  EXPECT_EQ(LayoutCode(hfxImgFormatYCbYCr, 0), 10);
+  EXPECT_EQ(LayoutCode(hfxImgFormatYCbYCr, 1), 11);
+  EXPECT_EQ(LayoutCode(8, 0), 10);
+  const std::pair<int, int> table[] = {{-1, 0}, {0, 0}, {15, 0}, {1, 1}, {3, 2},  {6, 3}, {4, 5},
+                                       {5, 6},  {7, 7}, {11, 8}, {12, 9}, {10, 11}, {13, 4}, {14, 4}};
+  for (const auto& [format, code] : table) EXPECT_EQ(LayoutCode(format, 0), code) << format;
+}
+
+}  // namespace
+}  // namespace kelto
