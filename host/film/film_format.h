@@ -1,0 +1,51 @@
+// What a film is, whatever file it ends in.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace kelto::host {
+
+/// Pixels; both at least 1.
+struct FrameSize {
+  int32_t width = 1920;
+  int32_t height = 1080;
+  bool operator==(const FrameSize&) const = default;
+};
+
+/// Frames a second as a fraction in lowest terms.
+struct FrameRate {
+  int32_t numerator = 25;
+  int32_t denominator = 1;
+  double PerSecond() const { return static_cast<double>(numerator) / denominator; }
+  bool operator==(const FrameRate&) const = default;
+};
+
+/// Whether a frame is one picture or two fields, and which field comes first in time. The top field
+/// holds the frame's rows 0, 2, 4 ...
+enum class FieldOrder { kProgressive, kTopFirst, kBottomFirst };
+
+struct FilmFormat {
+  FrameSize size;
+  FrameRate rate;
+  FieldOrder fields = FieldOrder::kProgressive;
+  bool Interlaced() const { return fields != FieldOrder::kProgressive; }
+};
+
+/// Bytes of a frame in memory.
+enum class PixelLayout {
+  kYCbYCr,  ///< Y Cb Y Cr for two pixels; the effect's own scaling, see colour_matrix.h
+  kBGRA,    ///< B, G, R, A; sRGB, full range
+};
+
+constexpr int32_t BytesPerPixel(PixelLayout layout) { return layout == PixelLayout::kBGRA ? 4 : 2; }
+
+/// A whole frame (fields already woven) that someone else owns.
+struct FrameView {
+  const uint8_t* pixels = nullptr;
+  ptrdiff_t rowBytes = 0;  ///< from one row to the row below
+  FrameSize size;
+  const uint8_t* Row(int32_t row) const { return pixels + row * rowBytes; }
+};
+
+}  // namespace kelto::host

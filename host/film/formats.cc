@@ -1,0 +1,124 @@
+#include "host/film/formats.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <iterator>
+#include <system_error>
+
+#include "host/error.h"
+#include "host/film/encoder.h"
+#include "host/film/frame_pattern.h"
+#include "host/film/output_file.h"
+#include "host/film/png_sequence.h"
+#include "host/film/raw_video.h"
+#include "host/film/y4m.h"
+#include "host/options/size.h"
+
+namespace kelto::host {
+namespace {
+
+constexpr PixelLayout kYCbYCr = PixelLayout::kYCbYCr;
+constexpr PixelLayout kBGRA = PixelLayout::kBGRA;
+
+constexpr FilmKind kKinds[] = {
+#if defined(KELTO_FFMPEG)
+    {"mp4", "H.264 in MP4", kYCbYCr, 2, 2, 4, OpenMp4},
+    {"mkv", "H.264 in Matroska", kYCbYCr, 2, 2, 4, OpenMkv},
+    {"mov", "H.264 in MOV", kYCbYCr, 2, 2, 4, OpenMov},
+#endif
+    {"png", "numbered pictures, as in frame-%04d.png, the first one 0", kBGRA, 1, 1, 2,
+     OpenPngSequence},
+    {"y4m", "uncompressed planar 4:2:2 with a header", kYCbYCr, 2, 1, 2, OpenY4m},
+    {"yuyv", "raw bytes Y Cb Y Cr as the effect gives them, BT.601", kYCbYCr, 2, 1, 2,
+     OpenRawYCbYCr},
+    {"bgra", "raw bytes B G R A", kBGRA, 1, 1, 2, OpenRawBGRA},
+};
+
+std::string Names() {
+  std::string names;
+  for (const FilmKind& kind : kKinds) {
+    names += names.empty() ? "" : ", ";
+    names += kind.name;
+  }
+  return names;
+}
+
+const FilmKind* Find(const std::string& name) {
+  const auto kind = std::find_if(std::begin(kKinds), std::end(kKinds),
+                                 [&](const FilmKind& each) { return each.name == name; });
+  return kind == std::end(kKinds) ? nullptr : kind;
+}
+
+std::string EndingOf(const std::string& output) {
+  std::string ending = std::filesystem::path(output).extension().string();
+  if (!ending.empty()) ending.erase(0, 1);
+  std::transform(ending.begin(), ending.end(), ending.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return ending;
+}
+
+/// The largest multiple of `step` that is not above `side`, but at least one step.
+int32_t Fitted(int32_t side, int32_t step) { return std::max(side / step * step, step); }
+
+std::string Multiple(const char* side, int32_t step) {
+  if (step == 2) return std::string("an even ") + side;
+  return std::string("a ") + side + " that is a multiple of " + std::to_string(step);
+}
+
+}  // namespace
+
+std::span<const FilmKind> FilmKinds() { return kKinds; }
+
+const FilmKind& KindFor(const std::string& output, const std::string& format) {
+  if (!format.empty()) {
+    if (const FilmKind* kind = Find(format)) return *kind;
+    throw UsageError("--format " + format + ": choose one of " + Names());
+  }
+  if (output == kStandardOutput) {
+    throw UsageError("-o -: say what to write with --format, one of " + Names());
+  }
+  if (const FilmKind* kind = Find(EndingOf(output))) return *kind;
+  throw UsageError(output + ": the name should end in the film's kind, a dot and one of " +
+                   Names() + "; or name the kind with --format");
+}
+
+void CheckRequest(const FilmKind& kind, const FilmRequest& request) {
+  const FrameSize size = request.format.size;
+  const bool interlaced = request.format.Interlaced();
+  const int32_t heightStep = interlaced ? kind.interlacedHeightStep : kind.heightStep;
+  const bool widthFits = size.width % kind.widthStep == 0;
+  const bool heightFits = size.height % heightStep == 0;
+  if (!widthFits || !heightFits) {
+    std::string need;
+    if (!widthFits) need += Multiple("width", kind.widthStep);
+    if (!widthFits && !heightFits) need += " and ";
+    if (!heightFits) need += Multiple("height", heightStep);
+    const FrameSize fitted{Fitted(size.width, kind.widthStep), Fitted(size.height, heightStep)};
+    throw UsageError("--size " + ToString(size) + ": " + (interlaced ? "interlaced " : "") +
+                     kind.name + " needs " + need + ", such as " + ToString(fitted));
+  }
+  if (kind.open == OpenPngSequence && request.output != kStandardOutput) {
+    const FramePattern pattern(request.output);
+    if (request.frames > 1 && !pattern.Numbered()) {
+      throw UsageError(request.output + ": " + std::to_string(request.frames) +
+                       " pictures need a number in the name, as in frame-%04d.png");
+    }
+  }
+}
+
+bool WouldReplace(const FilmKind& kind, const FilmRequest& request, const std::string& path) {
+  if (request.output == kStandardOutput) return false;
+  const auto same = [&](const std::string& other) {
+    std::error_code error;
+    return std::filesystem::equivalent(path, other, error) && !error;
+  };
+  if (kind.open != OpenPngSequence) return same(request.output);
+  const FramePattern pattern(request.output);
+  for (int32_t i = 0; i < request.frames; ++i) {
+    if (same(pattern.PathOf(i))) return true;
+  }
+  return false;
+}
+
+}  // namespace kelto::host

@@ -1,0 +1,42 @@
+// Every kind of film that can be written, as one table: names, rules and how to open one.
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string>
+
+#include "host/film/film_format.h"
+#include "host/film/frame_sink.h"
+
+namespace kelto::host {
+
+/// A film to be opened.
+struct FilmRequest {
+  std::string output;  ///< path, path with a place for numbers, or kStandardOutput
+  FilmFormat format;
+  int32_t frames = 1;
+};
+
+struct FilmKind {
+  const char* name;         ///< as --format takes it; a dot before it makes the file name's ending
+  const char* description;  ///< for the help text
+  PixelLayout layout;       ///< of the frames that its sinks take
+  /// Width and height must be multiples of these.
+  int32_t widthStep, heightStep, interlacedHeightStep;
+  std::unique_ptr<FrameSink> (*open)(const FilmRequest& request);
+};
+
+std::span<const FilmKind> FilmKinds();
+
+/// The kind called `format`, or, when `format` is empty, the one that `output` ends in. Throws
+/// UsageError that says which there are.
+const FilmKind& KindFor(const std::string& output, const std::string& format);
+
+/// Throws UsageError when the kind cannot hold frames of this format or this many of them; the text
+/// says what it can hold.
+void CheckRequest(const FilmKind& kind, const FilmRequest& request);
+
+/// Whether writing the film would replace the file `path`.
+bool WouldReplace(const FilmKind& kind, const FilmRequest& request, const std::string& path);
+
+}  // namespace kelto::host

@@ -1,0 +1,30 @@
+// The effect's 4:2:2 frames as the planes of a film.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "host/film/colour_matrix.h"
+#include "host/film/film_format.h"
+
+namespace kelto::host {
+
+/// Planes to be filled; each row starts `rowBytes` behind the one above it.
+struct Planes {
+  uint8_t* luma;
+  uint8_t* cb;
+  uint8_t* cr;
+  ptrdiff_t lumaRowBytes, cbRowBytes, crRowBytes;
+};
+
+/// Full-height chroma planes. The frame is in PixelLayout::kYCbYCr and of even width.
+void FillPlanes422(const FrameView& frame, const ChromaMap& map, const Planes& planes);
+
+/// Half-height chroma planes. Chroma rows lie midway between two rows; when `interlaced`, they are
+/// made within each field and lie a quarter of a field row below its first row in the top field,
+/// three quarters in the bottom field (ITU-T H.264, 6.2). The frame's height is even, and a
+/// multiple of 4 when interlaced.
+void FillPlanes420(const FrameView& frame, const ChromaMap& map, bool interlaced,
+                   const Planes& planes);
+
+}  // namespace kelto::host

@@ -1,0 +1,14 @@
+// Pictures, one a frame.
+#pragma once
+
+#include <memory>
+
+#include "host/film/formats.h"
+
+namespace kelto::host {
+
+/// 8-bit RGB pictures marked as sRGB. Each one gets its name when it is whole, so a film that fails
+/// leaves the pictures before the failure. On the standard output they follow one another.
+std::unique_ptr<FrameSink> OpenPngSequence(const FilmRequest& request);
+
+}  // namespace kelto::host

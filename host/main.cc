@@ -1,0 +1,89 @@
+// The `kelto` command.
+#include <CLI/CLI.hpp>
+#include <cstring>
+#include <exception>
+#include <new>
+
+#include "host/commands/render.h"
+#include "host/error.h"
+#include "host/terminal/interrupt.h"
+#include "host/terminal/terminal.h"
+#include "platform/win32.h"
+#include "runtime/hfx/host.h"
+
+namespace kelto::host {
+namespace {
+
+constexpr int kDone = 0;
+constexpr int kFailed = 1;
+constexpr int kMisused = 2;
+
+constexpr const char* kExitCodes =
+    "Exit codes: 0 done, 1 failed, 2 the command line asks for what cannot be.\n"
+    "A film gets its name when it is whole; before, and after a failure, nothing has that name.";
+
+BOOL KELTO_WINAPI NoFile(OPENFILENAMEA*) { return 0; }
+
+int KELTO_WINAPI ShowMessage(HWND, const char* text, const char*, unsigned) {
+  PrintMessage(text);
+  return IDOK;
+}
+
+/// A command line has no dialogs: questions are answered with no, messages go where errors do.
+void AnswerModules() {
+  win32().GetOpenFileNameA = NoFile;
+  win32().MessageBoxA = ShowMessage;
+  hfx::SetConsole([](const std::string& text) { PrintMessage(text); });
+}
+
+int Run(int argc, char** argv) {
+  CLI::App app("Pans and zooms over photographs.", "kelto");
+  app.set_version_flag("--version", "kelto " KELTO_VERSION);
+  // One command line on all systems; "/photo.jpg" is a file, not an option.
+  app.allow_windows_style_options(false);
+  app.require_subcommand(1);
+  app.footer(kExitCodes);
+
+  RenderArguments renderArguments;
+  CLI::App* render = app.add_subcommand("render", "Make a film of a photograph");
+  DeclareRender(*render, renderArguments);
+  render->footer(kExitCodes);
+  render->final_callback([&] { RunRender(renderArguments); });
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& request) {
+    return app.exit(request);  // help or version
+  } catch (const CLI::ParseError& error) {
+    throw UsageError(std::string(error.what()) + "; see kelto --help");
+  }
+  return kDone;
+}
+
+int RunAndReport(int argc, char** argv) {
+  try {
+    return Run(argc, argv);
+  } catch (const UsageError& error) {
+    PrintMessage(error.what());
+    return kMisused;
+  } catch (const std::bad_alloc&) {
+    if (InterruptSignal() == 0) PrintMessage("there is not enough memory");
+  } catch (const std::exception& error) {
+    // An interrupt is no failure worth a message.
+    if (InterruptSignal() == 0) PrintMessage(error.what());
+  }
+  ClearProgress();
+  return kFailed;
+}
+
+}  // namespace
+}  // namespace kelto::host
+
+int main(int argc, char** argv) {
+  using namespace kelto::host;
+  CatchInterrupts();
+  AnswerModules();
+  const int code = RunAndReport(argc, argv);
+  if (code == kFailed && InterruptSignal() != 0) DieOf(InterruptSignal());
+  return code;
+}

@@ -1,0 +1,38 @@
+// The effect's lists as options: one table from which the command line, its help and its checks are
+// made.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace kelto::host {
+
+/// A word of the command line and the text of the effect's list entry that it stands for.
+struct Choice {
+  const char* word;
+  const char* entry;
+};
+
+/// An option that sets one of the effect's list parameters.
+struct ChoiceList {
+  const char* option;     ///< such as "--filter"
+  const char* parameter;  ///< the effect's key, such as "filter"
+  const char* help;       ///< what it sets, for the help text
+  const char* preset;     ///< the word that holds when the option is not given
+  std::span<const Choice> choices;
+};
+
+/// Every list option, in the order of the help text.
+std::span<const ChoiceList> ChoiceLists();
+
+/// The list that sets `parameter`, which must be one of ChoiceLists().
+const ChoiceList& ListOf(std::string_view parameter);
+
+/// The list entry that `word` stands for. Throws UsageError that says which words there are.
+std::string EntryOf(const ChoiceList& list, std::string_view word);
+
+/// The words, "linear, ease, constant".
+std::string WordsOf(const ChoiceList& list);
+
+}  // namespace kelto::host

@@ -1,0 +1,23 @@
+// Frame sizes.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "host/film/film_format.h"
+
+namespace kelto::host {
+
+/// The effect draws nothing into a frame that is one pixel wide or high.
+constexpr int32_t kMinFrameSide = 2;
+/// The limit of the H.264 encoder.
+constexpr int32_t kMaxFrameSide = 16384;
+
+/// Reads "1920x1080". Throws UsageError for anything else and for sides outside
+/// kMinFrameSide..kMaxFrameSide.
+FrameSize ParseSize(std::string_view text);
+
+/// "1920x1080".
+std::string ToString(FrameSize size);
+
+}  // namespace kelto::host

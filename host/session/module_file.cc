@@ -1,0 +1,61 @@
+#include "host/session/module_file.h"
+
+#include <cstdlib>
+#include <system_error>
+
+#include "host/error.h"
+
+#if defined(_WIN32)
+#include <windows.h>
+#endif
+
+namespace kelto::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path ExecutableFolder() {
+#if defined(_WIN32)
+  char name[MAX_PATH] = {};
+  GetModuleFileNameA(nullptr, name, MAX_PATH);
+  return fs::path(name).parent_path();
+#else
+  std::error_code error;
+  return fs::read_symlink("/proc/self/exe", error).parent_path();
+#endif
+}
+
+bool IsFile(const fs::path& path) {
+  std::error_code error;
+  return fs::is_regular_file(path, error);
+}
+
+}  // namespace
+
+std::vector<fs::path> SearchedFiles(const fs::path& executableFolder) {
+  const fs::path up = executableFolder.parent_path();
+  return {up / "lib" / kModuleName, up / "lib" / "kelto" / kModuleName,
+          executableFolder / kModuleName, fs::path(KELTO_INSTALLED_MODULES) / kModuleName};
+}
+
+std::string FindModule(const std::string& given) {
+  if (!given.empty()) {
+    if (IsFile(given)) return given;
+    throw Error("--module " + given + ": there is no such file");
+  }
+  const char* named = std::getenv(kModuleVariable);
+  if (named != nullptr && *named != '\0') {
+    if (IsFile(named)) return named;
+    throw Error(std::string(kModuleVariable) + "=" + named + ": there is no such file");
+  }
+  std::string searched;
+  for (const fs::path& path : SearchedFiles(ExecutableFolder())) {
+    if (IsFile(path)) return path.string();
+    searched += searched.empty() ? "" : ", ";
+    searched += path.string();
+  }
+  throw Error(std::string(kModuleName) + ": not found as " + searched +
+              "; say where it is with --module");
+}
+
+}  // namespace kelto::host

@@ -1,0 +1,118 @@
+#include "host/session/photo.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+#include <type_traits>
+#include <vector>
+
+#include "host/error.h"
+#include "platform/still_importer.h"
+
+namespace kelto::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// What the effect can take of a path.
+constexpr size_t kMaxPath = 255;
+
+struct Close {
+  void operator()(GraphicsImportComponent importer) const { CloseComponent(importer); }
+};
+using Importer = std::unique_ptr<std::remove_pointer_t<GraphicsImportComponent>, Close>;
+
+/// Why the importer failed, without the path that messages begin with anyway.
+std::string Reason(const std::string& path) {
+  std::string reason = StillImporterLastError();
+  if (reason.starts_with(path + ": ")) reason.erase(0, path.size() + 2);
+  return reason.empty() ? "unknown form" : reason;
+}
+
+void CheckFile(const std::string& path) {
+  std::error_code error;
+  const fs::file_status status = fs::status(path, error);
+  if (!fs::exists(status)) throw Error(path + ": there is no such file");
+  if (fs::is_directory(status)) throw Error(path + ": is a folder, not a picture");
+  if (!fs::is_regular_file(status)) throw Error(path + ": is not an ordinary file");
+  std::FILE* file = std::fopen(path.c_str(), "rb");
+  if (file == nullptr) {
+    throw Error(path + ": cannot be read: " + std::generic_category().message(errno));
+  }
+  std::fclose(file);
+}
+
+Importer OpenImporter(const std::string& path) {
+  FSSpec spec{};
+  GraphicsImportComponent importer = nullptr;
+  if (MakeFileSpecification(path.c_str(), &spec) != noErr) return nullptr;
+  if (GetGraphicsImporterForFile(&spec, &importer) != noErr) return nullptr;
+  return Importer(importer);
+}
+
+/// Decodes into a buffer that is thrown away.
+bool Draw(GraphicsImportComponent importer, const StillRect& bounds) {
+  const int32_t rowBytes = 4 * (bounds.right - bounds.left);
+  std::vector<uint8_t> pixels(static_cast<size_t>(rowBytes) * (bounds.bottom - bounds.top));
+  GWorldPtr world = nullptr;
+  if (QTNewGWorldFromPtr(&world, k32BGRAPixelFormat, &bounds, nullptr, nullptr, 0, pixels.data(),
+                         rowBytes) != noErr) {
+    return false;
+  }
+  const bool drawn = GraphicsImportSetGWorld(importer, world, nullptr) == noErr &&
+                     GraphicsImportDraw(importer) == noErr;
+  DisposeGWorld(world);
+  return drawn;
+}
+
+}  // namespace
+
+std::string ShortestForm(const std::string& path) {
+  // A network path stays as it is: it has no other form here.
+  if (path.starts_with("\\\\")) return path;
+  std::error_code error;
+  std::string shortest = path;
+  const fs::path absolute = fs::absolute(path, error);
+  const fs::path here = fs::current_path(error);
+  // Only ".." that no symbolic link stands before can be left out.
+  const fs::path resolved = fs::weakly_canonical(path, error);
+  const fs::path folder = fs::weakly_canonical(here, error);
+  for (const fs::path& form : {absolute, resolved, resolved.lexically_relative(folder)}) {
+    const std::string text = form.string();
+    if (!text.empty() && text.size() < shortest.size()) shortest = text;
+  }
+  return shortest;
+}
+
+Photo OpenPhoto(const std::string& path) {
+  CheckFile(path);
+  Photo photo{path, path};
+  if (path.size() > kMaxPath) photo.path = ShortestForm(path);
+  if (photo.path.size() > kMaxPath) {
+    throw Error(path + ": the path has " + std::to_string(photo.path.size()) +
+                " characters and the effect takes 255; change to the photo's folder or link to it");
+  }
+  const Importer importer = OpenImporter(photo.path);
+  if (!importer) throw Error(path + ": cannot be read as a picture: " + Reason(photo.path));
+  StillRect bounds{};
+  if (GraphicsImportGetNaturalBounds(importer.get(), &bounds) != noErr) {
+    throw Error(path + ": cannot be read as a picture: " + Reason(photo.path));
+  }
+  photo.width = bounds.right - bounds.left;
+  photo.height = bounds.bottom - bounds.top;
+  return photo;
+}
+
+std::optional<std::string> FindFault(const Photo& photo) {
+  const Importer importer = OpenImporter(photo.path);
+  StillRect bounds{};
+  if (importer && GraphicsImportGetNaturalBounds(importer.get(), &bounds) == noErr &&
+      Draw(importer.get(), bounds)) {
+    return std::nullopt;
+  }
+  return Reason(photo.path);
+}
+
+}  // namespace kelto::host

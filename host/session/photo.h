@@ -1,0 +1,30 @@
+// The photograph, looked at before the effect gets it.
+//
+// The effect renders nothing but background when it cannot load its picture, and tells nobody. So
+// the command opens the file itself first, which costs no decoding, and learns from the session
+// whether the effect got a picture; only when it did not is the photo decoded here, to say why.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace kelto::host {
+
+struct Photo {
+  std::string given;  ///< the path as the user wrote it, for messages
+  std::string path;   ///< a path of the same file that is short enough for the effect
+  int32_t width = 0;  ///< pixels, upright
+  int32_t height = 0;
+};
+
+/// Opens a photo as far as its size. Throws Error when there is no such picture.
+Photo OpenPhoto(const std::string& path);
+
+/// Decodes the photo to find out why it could not be drawn; nothing when it could.
+std::optional<std::string> FindFault(const Photo& photo);
+
+/// The shorter of `path` and its absolute or relative form.
+std::string ShortestForm(const std::string& path);
+
+}  // namespace kelto::host

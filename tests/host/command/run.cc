@@ -1,0 +1,77 @@
+#include "tests/host/command/run.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace kelto::test {
+
+Command::Command(const Words& arguments, const std::string& output)
+    : output_(output.empty() ? folder_ / "out" : output) {
+  std::vector<std::string> words{KELTO_COMMAND};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  std::vector<char*> argv;
+  for (std::string& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  const std::string errors = folder_ / "err";
+  process_ = fork();
+  if (process_ != 0) return;
+  const int out = open(output_.c_str(), O_WRONLY | O_CREAT, 0600);
+  const int err = open(errors.c_str(), O_WRONLY | O_CREAT, 0600);
+  if (out < 0 || err < 0 || dup2(out, 1) < 0 || dup2(err, 2) < 0) _exit(126);
+  execv(KELTO_COMMAND, argv.data());
+  _exit(127);
+}
+
+Outcome Command::Wait() {
+  int status = 0;
+  waitpid(process_, &status, 0);
+  Outcome outcome;
+  if (WIFEXITED(status)) outcome.code = WEXITSTATUS(status);
+  if (WIFSIGNALED(status)) outcome.signal = WTERMSIG(status);
+  if (output_ == folder_ / "out") outcome.out = BytesOf(output_);
+  outcome.err = BytesOf(folder_ / "err");
+  return outcome;
+}
+
+Outcome RunKelto(const Words& arguments, const std::string& output) {
+  return Command(arguments, output).Wait();
+}
+
+Outcome Render(const std::string& photo, const std::string& out, const Words& more) {
+  Words words{"render", photo, "-o", out};
+  const auto lacks = [&](const char* option) {
+    return std::find(more.begin(), more.end(), option) == more.end();
+  };
+  if (lacks("--size")) words.insert(words.end(), {"--size", "96x64"});
+  if (lacks("--frames") && lacks("--seconds")) words.insert(words.end(), {"--frames", "3"});
+  words.insert(words.end(), more.begin(), more.end());
+  return RunKelto(words);
+}
+
+bool IsOneLine(const std::string& text) {
+  return text.starts_with("kelto: ") && text.size() > 8 &&
+         std::count(text.begin(), text.end(), '\n') == 1 && text.back() == '\n';
+}
+
+std::vector<std::string> NamesIn(const TempFolder& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder / "")) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+std::string BytesOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+}  // namespace kelto::test

@@ -1,0 +1,50 @@
+// Runs the built command, as a shell would.
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/host/support/pictures.h"
+
+namespace kelto::test {
+
+struct Outcome {
+  int code = -1;   ///< exit code, -1 when a signal ended the command
+  int signal = 0;  ///< that signal
+  std::string out, err;
+};
+
+using Words = std::vector<std::string>;
+
+/// A command under way.
+class Command {
+ public:
+  /// Starts `kelto` with these arguments. Its standard output goes to the file `output`, or, when
+  /// that is empty, into the outcome.
+  explicit Command(const Words& arguments, const std::string& output = "");
+  pid_t Process() const { return process_; }
+  Outcome Wait();
+
+ private:
+  TempFolder folder_;
+  std::string output_;
+  pid_t process_ = -1;
+};
+
+/// Runs `kelto` to its end.
+Outcome RunKelto(const Words& arguments, const std::string& output = "");
+
+/// `kelto render PHOTO -o OUT`, small and short unless `more` says otherwise.
+Outcome Render(const std::string& photo, const std::string& out, const Words& more = {});
+
+/// Whether `text` is one line that begins with "kelto: ".
+bool IsOneLine(const std::string& text);
+
+/// Names in a folder, sorted, hidden ones too.
+std::vector<std::string> NamesIn(const TempFolder& folder);
+
+std::string BytesOf(const std::string& path);
+
+}  // namespace kelto::test

@@ -1,0 +1,45 @@
+#include "host/options/choices.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "host/error.h"
+
+namespace kelto::host {
+namespace {
+
+TEST(Choices, EachPresetIsOneOfItsWords) {
+  for (const ChoiceList& list : ChoiceLists()) {
+    EXPECT_NO_THROW(EntryOf(list, list.preset)) << list.option;
+  }
+}
+
+TEST(Choices, WordsAndEntriesAreUniqueInTheirList) {
+  for (const ChoiceList& list : ChoiceLists()) {
+    std::set<std::string> words, entries;
+    for (const Choice& choice : list.choices) {
+      EXPECT_TRUE(words.insert(choice.word).second) << list.option << " " << choice.word;
+      EXPECT_TRUE(entries.insert(choice.entry).second) << list.option << " " << choice.entry;
+    }
+  }
+}
+
+TEST(Choices, AWordStandsForTheEffectsText) {
+  EXPECT_EQ(EntryOf(ListOf("filter"), "catmull"), "Filter: BSpline Catmull");
+  EXPECT_EQ(EntryOf(ListOf("outvelocity"), "hold"), "Out: Hold");
+  EXPECT_EQ(EntryOf(ListOf("levels"), "601"), "Source Has 601 Levels");
+}
+
+TEST(Choices, AWrongWordIsToldTheRightOnes) {
+  try {
+    EntryOf(ListOf("invelocity"), "hold");
+    FAIL() << "not refused";
+  } catch (const UsageError& error) {
+    EXPECT_THAT(error.what(), testing::HasSubstr("linear, ease, constant"));
+  }
+}
+
+}  // namespace
+}  // namespace kelto::host
