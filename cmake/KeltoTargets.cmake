@@ -11,7 +11,9 @@ target_compile_options(kelto_options INTERFACE
   -ffp-contract=off)
 if(KELTO_SANITIZE)
   target_compile_options(kelto_options INTERFACE
-    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer
+    # The compiler takes the sanitizers' own checks for uses of what is not set.
+    -Wno-maybe-uninitialized)
   target_link_options(kelto_options INTERFACE -fsanitize=address,undefined)
 endif()
 target_compile_definitions(kelto_options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)

@@ -42,7 +42,8 @@ std::optional<std::string> Narrow(const wchar_t* wide) {
   const size_t length = std::wcstombs(nullptr, wide, 0);
   if (length == static_cast<size_t>(-1)) return std::nullopt;
   std::string text(length, '\0');
-  std::wcstombs(text.data(), wide, length);
+  // Some C libraries measure what they then refuse to convert.
+  if (std::wcstombs(text.data(), wide, length) != length) return std::nullopt;
   return text;
 }
 

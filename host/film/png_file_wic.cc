@@ -81,15 +81,14 @@ std::vector<uint8_t> BytesOf(IStream& stream) {
 }  // namespace
 
 std::vector<uint8_t> EncodePng(const FrameView& frame) {
-  const auto stream = Make<IStream>(
-      [](IStream** object) { return CreateStreamOnHGlobal(nullptr, TRUE, object); });
+  const auto stream =
+      Make<IStream>([](IStream** object) { return CreateStreamOnHGlobal(nullptr, TRUE, object); });
   const auto encoder = Make<IWICBitmapEncoder>([](IWICBitmapEncoder** object) {
     return Factory().CreateEncoder(GUID_ContainerFormatPng, nullptr, object);
   });
   Check(encoder->Initialize(stream.get(), WICBitmapEncoderNoCache));
-  const auto picture = Make<IWICBitmapFrameEncode>([&](IWICBitmapFrameEncode** object) {
-    return encoder->CreateNewFrame(object, nullptr);
-  });
+  const auto picture = Make<IWICBitmapFrameEncode>(
+      [&](IWICBitmapFrameEncode** object) { return encoder->CreateNewFrame(object, nullptr); });
   Check(picture->Initialize(nullptr));
   const UINT width = static_cast<UINT>(frame.size.width);
   const UINT height = static_cast<UINT>(frame.size.height);

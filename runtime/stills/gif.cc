@@ -84,7 +84,7 @@ std::vector<uint32_t> RowOrder(uint32_t height, bool interlaced) {
 std::vector<uint8_t> PaletteOf(const GifFileType* gif, int transparent) {
   const ColorMapObject* map = gif->Image.ColorMap ? gif->Image.ColorMap : gif->SColorMap;
   if (map == nullptr) throw StillError(codecBadDataErr, "damaged GIF (it has no palette)");
-  std::vector<uint8_t> palette(256 * 4, 0);
+  std::vector<uint8_t> palette(size_t{256} * 4, 0);
   for (int i = 0; i < 256; ++i) {
     uint8_t* entry = &palette[static_cast<size_t>(i) * 4];
     if (i < map->ColorCount) {

@@ -32,6 +32,7 @@ struct HeifLibrary {
   DO(image_get_height)                        \
   DO(image_get_plane_readonly)                \
   DO(image_get_decoding_warnings)
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a name that is declared takes none
 #define KELTO_DECLARE(name) decltype(&heif_##name) name = nullptr;
   KELTO_HEIF_FUNCTIONS(KELTO_DECLARE)
 #undef KELTO_DECLARE

@@ -19,8 +19,7 @@ using testing::ElementsAre;
 
 BOOL KELTO_WINAPI AnswerTwo(OPENFILENAMEA*) { return 2; }
 
-/// Drive names are ordinary folder names off Windows, so that these tests make them below a folder
-/// of their own.
+/// Files that must be there lie below a folder of the test's own and have no drive.
 class Paths : public testing::Test {
  protected:
   Paths() { knownFolders.clear(); }
@@ -47,35 +46,35 @@ class Paths : public testing::Test {
 };
 
 TEST_F(Paths, OfTwoKnownFoldersThatHoldTheFileTheFirstInOrderWins) {
-  folder.Touch("C:/A/x.jpg");
-  folder.Touch("C:/B/x.jpg");
-  RememberImageFolder("C:\\B\\other.jpg");
-  RememberImageFolder("C:\\A\\other.jpg");
+  folder.Touch("A/x.jpg");
+  folder.Touch("B/x.jpg");
+  RememberImageFolder("B\\other.jpg");
+  RememberImageFolder("A\\other.jpg");
   SetBuffer("E:\\gone\\x.jpg");
   EXPECT_TRUE(FindInKnownFolders(buffer));
-  EXPECT_EQ(std::string(buffer), Native("C:\\A\\x.jpg"));
+  EXPECT_EQ(std::string(buffer), Native("A\\x.jpg"));
   EXPECT_EQ(user.dialogs, 0);
 }
 
 TEST_F(Paths, AKnownFolderWithoutTheFileIsPassedOver) {
-  folder.Touch("C:/B/x.jpg");
-  RememberImageFolder("C:\\A\\other.jpg");
-  RememberImageFolder("C:\\B\\other.jpg");
+  folder.Touch("B/x.jpg");
+  RememberImageFolder("A\\other.jpg");
+  RememberImageFolder("B\\other.jpg");
   SetBuffer("x.jpg");
   EXPECT_TRUE(FindInKnownFolders(buffer));
-  EXPECT_EQ(std::string(buffer), Native("C:\\B\\x.jpg"));
+  EXPECT_EQ(std::string(buffer), Native("B\\x.jpg"));
 }
 
 TEST_F(Paths, AFileInNoKnownFolderLeavesTheBuffer) {
-  RememberImageFolder("C:\\A\\other.jpg");
+  RememberImageFolder("A\\other.jpg");
   SetBuffer("E:\\gone\\x.jpg");
   EXPECT_FALSE(FindInKnownFolders(buffer));
   EXPECT_STREQ(buffer, "E:\\gone\\x.jpg");
 }
 
 TEST_F(Paths, AnEmptyPathIsFoundNowhere) {
-  folder.Touch("C:/A/x.jpg");
-  RememberImageFolder("C:/A/x.jpg");
+  folder.Touch("A/x.jpg");
+  RememberImageFolder("A/x.jpg");
   SetBuffer("");
   EXPECT_FALSE(FindInKnownFolders(buffer));
   EXPECT_FALSE(LocateImageFile(buffer, sizeof(buffer)));
@@ -152,11 +151,11 @@ TEST_F(Paths, OnlyAnAnswerOfOneCountsAsAPick) {
 }
 
 TEST_F(Paths, LocatingAsksNobodyWhenAKnownFolderHoldsTheFile) {
-  folder.Touch("C:/A/x.jpg");
-  RememberImageFolder("C:/A/other.jpg");
+  folder.Touch("A/x.jpg");
+  RememberImageFolder("A/other.jpg");
   SetBuffer("E:\\gone\\x.jpg");
   EXPECT_TRUE(LocateImageFile(buffer, sizeof(buffer)));
-  EXPECT_EQ(std::string(buffer), Native("C:\\A\\x.jpg"));
+  EXPECT_EQ(std::string(buffer), Native("A\\x.jpg"));
   EXPECT_EQ(user.dialogs, 0);
 }
 

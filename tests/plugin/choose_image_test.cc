@@ -17,6 +17,7 @@ using test::Instance;
 /// Answers dialogs from a script and keeps what they showed.
 struct Dialogs {
   std::string answer;  // empty: cancel
+  HINSTANCE owner = nullptr;
   std::vector<std::string> titles, offered, messages, captions;
   static Dialogs* current;
 };
@@ -31,6 +32,15 @@ BOOL KELTO_WINAPI AnswerOpen(OPENFILENAMEA* dialog) {
   std::memset(dialog->lpstrFile, '#', dialog->nMaxFile);
   std::strcpy(dialog->lpstrFile, d.answer.c_str());
   return 1;
+}
+
+BOOL KELTO_WINAPI KeepOwner(OPENFILENAMEA* dialog) {
+  Dialogs::current->owner = dialog->hInstance;
+  EXPECT_EQ(dialog->lStructSize, 88u);
+  EXPECT_EQ(dialog->Flags, 0x1800u);
+  EXPECT_EQ(dialog->nMaxFile, 2048u);
+  EXPECT_EQ(dialog->nFilterIndex, 1u);
+  return 0;
 }
 
 int KELTO_WINAPI KeepMessage(HWND owner, const char* text, const char* caption, unsigned type) {
@@ -134,18 +144,11 @@ TEST_F(ChooseImage, AnImageThatCannotBeLoadedIsToldInAMessageBox) {
 }
 
 TEST_F(ChooseImage, DialogsAreOwnedByTheModule) {
-  static HINSTANCE seen;
-  Module().handle = reinterpret_cast<HINSTANCE>(&seen);
-  win32().GetOpenFileNameA = [](OPENFILENAMEA* dialog) -> BOOL {
-    seen = dialog->hInstance;
-    EXPECT_EQ(dialog->lStructSize, 88u);
-    EXPECT_EQ(dialog->Flags, 0x1800u);
-    EXPECT_EQ(dialog->nMaxFile, 2048u);
-    EXPECT_EQ(dialog->nFilterIndex, 1u);
-    return 0;
-  };
+  const auto handle = reinterpret_cast<HINSTANCE>(&dialogs);
+  Module().handle = handle;
+  win32().GetOpenFileNameA = KeepOwner;
   instance.ChooseImage();
-  EXPECT_EQ(seen, reinterpret_cast<HINSTANCE>(&seen));
+  EXPECT_EQ(dialogs.owner, handle);
   Module().handle = nullptr;
 }
 

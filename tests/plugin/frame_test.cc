@@ -16,6 +16,11 @@ namespace {
 using test::Instance;
 using test::Picture;
 
+BOOL KELTO_WINAPI MustNotAsk(OPENFILENAMEA*) {
+  ADD_FAILURE() << "a render must not ask";
+  return 0;
+}
+
 class Frame : public testing::Test {
  protected:
   static constexpr int32_t kWidth = 32, kHeight = 18;
@@ -71,10 +76,7 @@ TEST_F(Frame, PlayingReducesTheImageAndRenderingReloadsIt) {
 }
 
 TEST_F(Frame, AFailedLoadIsNotTriedAgainAndOpensNoDialog) {
-  win32().GetOpenFileNameA = [](OPENFILENAMEA*) -> BOOL {
-    ADD_FAILURE() << "a render must not ask";
-    return 0;
-  };
+  win32().GetOpenFileNameA = MustNotAsk;
   std::filesystem::remove(photo);
   EXPECT_TRUE(Render()) << "the background is still a frame";
   EXPECT_TRUE(instance.loadFailed);

@@ -205,7 +205,7 @@ TEST(Resample, TouchesOnlyThePixelsOfPaddedAndBottomUpFrames) {
 
 TEST(Resample, ReadsBottomUpSources) {
   SourceImage image = Waves(23, 17), flipped(23, 17);
-  const size_t row = 23 * 4;
+  const size_t row = size_t{23} * 4;
   for (size_t y = 0; y < 17; ++y) {
     std::copy_n(image.bytes.data() + y * row, row, flipped.bytes.data() + (16 - y) * row);
   }
@@ -228,12 +228,13 @@ TEST(Resample, MixesPartlyCoveredEdgesWithTheBackground) {
     job.background.selector = 1;
     std::fill_n(job.background.bytes, 4, uint8_t{40});
     ResampleTo4Byte(job);
-    EXPECT_EQ(dest.Row(6)[4 * 2], 40);
-    EXPECT_EQ(dest.Row(6)[4 * 3], 80) << "a quarter of column 3";
-    EXPECT_EQ(dest.Row(6)[4 * 4], 200);
-    EXPECT_EQ(dest.Row(6)[4 * 11], 160) << "three quarters of column 11";
-    EXPECT_EQ(dest.Row(3)[4 * 6], 120) << "half of row 3";
-    EXPECT_EQ(dest.Row(3)[4 * 3], 60) << "an eighth of the corner";
+    const auto first = [&](size_t x, size_t y) { return dest.Row(y)[4 * x]; };
+    EXPECT_EQ(first(2, 6), 40);
+    EXPECT_EQ(first(3, 6), 80) << "a quarter of column 3";
+    EXPECT_EQ(first(4, 6), 200);
+    EXPECT_EQ(first(11, 6), 160) << "three quarters of column 11";
+    EXPECT_EQ(first(6, 3), 120) << "half of row 3";
+    EXPECT_EQ(first(3, 3), 60) << "an eighth of the corner";
   }
 }
 

@@ -73,7 +73,7 @@ TEST(AnyJob, WritesNothingOutsideTheDestinationAndComesToAnEnd) {
         MakeJob(image, random.Rect(), dest, width, field ? 2 * rows : rows, random.Whole(-1, 8));
     if (random.Whole(0, 1) == 1) job.destRect = random.Rect();
     if (random.Whole(0, 3) == 0) {
-      job.source.pixels += image.bytes.empty() ? 0 : image.bytes.size() - 4 * image.width;
+      job.source.pixels += image.bytes.empty() ? 0 : image.bytes.size() - size_t{4} * image.width;
       job.source.rowBytes = -job.source.rowBytes;
     }
     job.fieldRows = field ? random.Whole(0, 1) : random.Whole(2, 4);

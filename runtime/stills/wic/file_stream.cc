@@ -4,8 +4,8 @@ namespace kelto::stills {
 
 HRESULT FileStream::QueryInterface(REFIID id, void** object) {
   if (object == nullptr) return E_POINTER;
-  const bool known = id == __uuidof(IUnknown) || id == __uuidof(ISequentialStream) ||
-                     id == __uuidof(IStream);
+  const bool known =
+      id == __uuidof(IUnknown) || id == __uuidof(ISequentialStream) || id == __uuidof(IStream);
   *object = known ? static_cast<IStream*>(this) : nullptr;
   if (!known) return E_NOINTERFACE;
   AddRef();
@@ -34,6 +34,7 @@ HRESULT FileStream::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER* posit
   if (origin == STREAM_SEEK_END) from = static_cast<int64_t>(file_.size());
   const int64_t to = from + move.QuadPart;
   if (to < 0 || !file_.Seek(static_cast<uint64_t>(to))) return STG_E_INVALIDFUNCTION;
+  if (static_cast<uint64_t>(to) > file_.size()) wanted_more_ = true;
   if (position != nullptr) position->QuadPart = static_cast<uint64_t>(to);
   return S_OK;
 }

@@ -14,7 +14,8 @@ struct GifScreen {
   uint32_t left, top;  ///< of the first frame
 };
 
-/// Nothing when the file is no GIF or ends before its first frame. Leaves the file at its beginning.
+/// Nothing when the file is no GIF or ends before its first frame. Leaves the file at its
+/// beginning.
 std::optional<GifScreen> ReadGifScreen(StillFile& file);
 
 }  // namespace kelto::stills

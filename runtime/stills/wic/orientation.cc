@@ -31,7 +31,8 @@ int OrientationOfTiff(const ReadAt& read) {
   if (!read(0, header, sizeof header)) return 1;
   const bool big_endian = header[0] == 'M';
   const auto number = [&](const uint8_t* bytes, int n) { return Number(bytes, n, big_endian); };
-  if (header[0] != header[1] || (header[0] != 'M' && header[0] != 'I') || number(header + 2, 2) != 42)
+  if (header[0] != header[1] || (header[0] != 'M' && header[0] != 'I') ||
+      number(header + 2, 2) != 42)
     return 1;
   uint64_t at = number(header + 4, 4);
   if (!read(at, count, sizeof count)) return 1;

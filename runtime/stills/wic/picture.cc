@@ -49,8 +49,7 @@ void WicPicture::Fail(HRESULT result) const {
     case WINCODEC_ERR_UNSUPPORTEDVERSION:
       throw StillError(noCodecErr, "unsupported" + told);
     default:
-      throw StillError(codecBadDataErr,
-                       (stream_->wanted_more() ? "truncated" : "damaged") + told);
+      throw StillError(codecBadDataErr, (stream_->wanted_more() ? "truncated" : "damaged") + told);
   }
 }
 
@@ -135,8 +134,8 @@ bool WicPicture::Transform(IWICBitmapSource* source, IWICColorContext* profile) 
 Com<IWICBitmapSource> WicPicture::ToBgra(IWICBitmapSource* source) const {
   Com<IWICFormatConverter> converter;
   Check(factory_->CreateFormatConverter(converter.Receive()));
-  Check(converter->Initialize(source, GUID_WICPixelFormat32bppBGRA, WICBitmapDitherTypeNone, nullptr,
-                              0.0, WICBitmapPaletteTypeCustom));
+  Check(converter->Initialize(source, GUID_WICPixelFormat32bppBGRA, WICBitmapDitherTypeNone,
+                              nullptr, 0.0, WICBitmapPaletteTypeCustom));
   return converter.As<IWICBitmapSource>();
 }
 

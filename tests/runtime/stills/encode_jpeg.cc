@@ -65,14 +65,14 @@ Bytes EncodeJpeg(const JpegSpec& spec) {
   if (!spec.icc.empty()) {
     jpeg_write_icc_profile(&cinfo, spec.icc.data(), static_cast<unsigned>(spec.icc.size()));
   }
-  const size_t row_bytes = static_cast<size_t>(spec.width * cinfo.input_components);
+  const size_t row_bytes = size_t{1} * spec.width * cinfo.input_components;
   while (cinfo.next_scanline < cinfo.image_height) {
     JSAMPROW row = const_cast<JSAMPROW>(&spec.samples[cinfo.next_scanline * row_bytes]);
     jpeg_write_scanlines(&cinfo, &row, 1);
   }
   jpeg_finish_compress(&cinfo);
   jpeg_destroy_compress(&cinfo);
-  const Bytes bytes(out, out + size);
+  Bytes bytes(out, out + size);
   std::free(out);
   return bytes;
 }
@@ -96,7 +96,7 @@ Picture PlainDecode(const Bytes& jpeg) {
   jpeg_start_decompress(&cinfo);
   Picture picture = {
       static_cast<int>(cinfo.output_width), static_cast<int>(cinfo.output_height), {}};
-  Bytes row(cinfo.output_width * 3);
+  Bytes row(cinfo.output_width * size_t{3});
   while (cinfo.output_scanline < cinfo.output_height) {
     JSAMPROW rows[] = {row.data()};
     jpeg_read_scanlines(&cinfo, rows, 1);

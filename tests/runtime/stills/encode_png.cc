@@ -30,6 +30,7 @@ Bytes EncodePng(const PngSpec& spec) {
   png_write_info(png, info);
   const size_t row_bytes = png_get_rowbytes(png, info);
   std::vector<png_bytep> rows;
+  rows.reserve(static_cast<size_t>(spec.height));
   for (int y = 0; y < spec.height; ++y) {
     rows.push_back(const_cast<png_bytep>(&spec.rows[static_cast<size_t>(y) * row_bytes]));
   }

@@ -6,8 +6,10 @@
 #include "tests/runtime/stills/still_test.h"
 
 /// The encoder that makes the pictures of these tests leaks a little; decoders do not.
+// NOLINTBEGIN(bugprone-reserved-identifier): the sanitizer's name for it
 extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() { return "leak:libx265.so"; }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace kelto::stills {
 namespace {
@@ -40,7 +42,7 @@ Bytes EncodeHeif(const Picture& picture, heif_compression_format format, const B
   for (int y = 0; y < picture.height; ++y) {
     for (int x = 0; x < picture.width; ++x) {
       const Pixel p = picture.at(x, y);
-      uint8_t* to = rows + y * row_bytes + x * 4;
+      uint8_t* to = rows + ptrdiff_t{y} * row_bytes + ptrdiff_t{x} * 4;
       to[0] = p.r, to[1] = p.g, to[2] = p.b, to[3] = p.a;
     }
   }
@@ -82,14 +84,15 @@ TEST_P(Heif, ColoursComeOutNearly) {
 }
 
 TEST_P(Heif, AlphaIsDrawnOverBlack) {
-  ENCODE_OR_SKIP(bytes, {64, 64, std::vector<Pixel>(64 * 64, {50, 100, 200, 51})}, GetParam());
+  ENCODE_OR_SKIP(bytes, {64, 64, std::vector<Pixel>(size_t{64} * 64, {50, 100, 200, 51})},
+                 GetParam());
   const Loaded loaded = Load(bytes, "picture.heic");
   ASSERT_EQ(loaded.error, noErr) << loaded.text;
   EXPECT_TRUE(IsNear(loaded.picture.at(32, 32), Rgb(40, 20, 10), 4));
 }
 
 TEST_P(Heif, ItsProfileIsHonoured) {
-  ENCODE_OR_SKIP(bytes, {64, 64, std::vector<Pixel>(64 * 64, Rgb(255, 0, 0))}, GetParam(),
+  ENCODE_OR_SKIP(bytes, {64, 64, std::vector<Pixel>(size_t{64} * 64, Rgb(255, 0, 0))}, GetParam(),
                  SwappedProfile());
   const Loaded loaded = Load(bytes, "picture.heic");
   ASSERT_EQ(loaded.error, noErr) << loaded.text;

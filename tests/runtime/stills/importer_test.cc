@@ -157,7 +157,8 @@ TEST_F(Importer, DrawsAtTheWorldsOriginAndLeavesTheRestOfALargerWorld) {
 TEST_F(Importer, RefusesToDrawIntoNoWorldOrOneSmallerThanThePicture) {
   const Opened opened = OpenStill(SmallPicture());
   EXPECT_EQ(GraphicsImportDraw(opened.importer), paramErr);
-  Bytes pixels(24 * 4, 0x77);
+  const Bytes untouched(96, 0x77);
+  Bytes pixels = untouched;
   for (const StillRect bounds : {StillRect{0, 0, 3, 6}, StillRect{0, 0, 4, 5}}) {
     GWorldPtr world = nullptr;
     ASSERT_EQ(QTNewGWorldFromPtr(&world, k32BGRAPixelFormat, &bounds, nullptr, nullptr, 0,
@@ -168,7 +169,7 @@ TEST_F(Importer, RefusesToDrawIntoNoWorldOrOneSmallerThanThePicture) {
     EXPECT_STREQ(StillImporterLastError(), "small.png: the world is smaller than the picture");
     DisposeGWorld(world);
   }
-  EXPECT_EQ(pixels, Bytes(24 * 4, 0x77));
+  EXPECT_EQ(pixels, untouched);
   CloseComponent(opened.importer);
 }
 
@@ -178,7 +179,7 @@ struct Drawing {
     StillRect bounds = {};
     GraphicsImportGetNaturalBounds(importer, &bounds);
     const int row_bytes = bounds.right * 4;
-    pixels.resize(static_cast<size_t>(row_bytes * bounds.bottom));
+    pixels.resize(size_t{1} * row_bytes * bounds.bottom);
     QTNewGWorldFromPtr(&world, k32BGRAPixelFormat, &bounds, nullptr, nullptr, 0, pixels.data(),
                        row_bytes);
     GraphicsImportSetGWorld(importer, world, nullptr);

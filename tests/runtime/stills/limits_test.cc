@@ -20,7 +20,7 @@ TEST_F(Limits, APictureOver32767PixelsASideIsRefusedWhenOpened) {
   PngSpec spec;
   spec.width = 40000;
   spec.height = 1;
-  spec.rows.assign(40000 * 3, 0x40);
+  spec.rows.assign(size_t{40000} * 3, 0x40);
   const Opened opened = OpenStill(Write("wide.png", EncodePng(spec)));
   EXPECT_EQ(opened.error, codecBadDataErr);
   EXPECT_EQ(opened.text, "wide.png: 40000x1 pixels; the limit is 32767 pixels a side");
@@ -33,7 +33,7 @@ TEST_F(Limits, APictureOf32767PixelsASideIsDrawn) {
   PngSpec spec;
   spec.width = 32767;
   spec.height = 2;
-  spec.rows.assign(32767 * 3 * 2, 0x40);
+  spec.rows.assign(size_t{32767} * 3 * 2, 0x40);
   const Loaded loaded = Load(EncodePng(spec));
   ASSERT_EQ(loaded.error, noErr) << loaded.text;
   EXPECT_EQ(loaded.picture.width, 32767);
@@ -49,7 +49,7 @@ TEST_F(Limits, EveryFormatsSizeIsLookedAt) {
   jpeg.width = 33000;
   jpeg.height = 8;
   jpeg.kind = JpegKind::kGrey;
-  jpeg.samples.assign(33000 * 8, 5);
+  jpeg.samples.assign(size_t{33000} * 8, 5);
   EXPECT_EQ(OpenStill(Write("wide.jpg", EncodeJpeg(jpeg))).text,
             "wide.jpg: 33000x8 pixels; the limit is 32767 pixels a side");
   const Bytes gif = {'G', 'I', 'F', '8', '9', 'a', 0xff, 0xff, 1, 0, 0, 0, 0, ';'};

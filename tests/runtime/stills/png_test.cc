@@ -112,6 +112,7 @@ TEST_F(Png, PalettesOfEveryDepthWithAndWithoutTransparentEntries) {
         spec.interlaced = interlaced;
         spec.chunks = [&](png_structp png, png_infop info) {
           std::vector<png_color> palette;
+          palette.reserve(256);
           for (int i = 0; i < count; ++i) {
             palette.push_back({static_cast<png_byte>(i), static_cast<png_byte>(255 - i), 77});
           }

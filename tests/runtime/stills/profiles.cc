@@ -28,7 +28,7 @@ cmsToneCurve* SrgbCurve() {
 
 Bytes RgbProfile(const cmsCIExyYTRIPLE& primaries, cmsToneCurve* curve) {
   cmsToneCurve* curves[] = {curve, curve, curve};
-  const Bytes bytes = Saved(cmsCreateRGBProfile(&kD65, &primaries, curves));
+  Bytes bytes = Saved(cmsCreateRGBProfile(&kD65, &primaries, curves));
   cmsFreeToneCurve(curve);
   return bytes;
 }
@@ -64,7 +64,7 @@ Bytes LinearProfile() { return RgbProfile(kSrgbPrimaries, cmsBuildGamma(nullptr,
 
 Bytes GreyProfile(double gamma) {
   cmsToneCurve* curve = cmsBuildGamma(nullptr, gamma);
-  const Bytes bytes = Saved(cmsCreateGrayProfile(cmsD50_xyY(), curve));
+  Bytes bytes = Saved(cmsCreateGrayProfile(cmsD50_xyY(), curve));
   cmsFreeToneCurve(curve);
   return bytes;
 }

@@ -101,7 +101,7 @@ Loaded LoadStill(const std::string& path, int64_t most_pixels) {
 }
 
 std::string StillTest::Write(const std::string& name, const Bytes& bytes) const {
-  const std::string path = Path(name);
+  std::string path = Path(name);
   std::ofstream file(path, std::ios::binary);
   file.write(reinterpret_cast<const char*>(bytes.data()),
              static_cast<std::streamsize>(bytes.size()));

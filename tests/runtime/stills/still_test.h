@@ -31,7 +31,7 @@ testing::AssertionResult IsNear(const Pixel& a, const Pixel& b, int levels);
 struct Picture {
   int width = 0, height = 0;
   std::vector<Pixel> pixels;
-  Pixel at(int x, int y) const { return pixels[static_cast<size_t>(y * width + x)]; }
+  Pixel at(int x, int y) const { return pixels[size_t{1} * y * width + x]; }
 };
 /// The largest difference of any component; 256 when the sizes differ.
 int LargestDifference(const Picture& a, const Picture& b);

@@ -1,0 +1,39 @@
+# Stands in for the system's packages in the Windows build: the libraries that tools/windows/setup.sh
+# has put into the cache folder, under the names that find_package would give them.
+execute_process(
+  COMMAND sh -c ". '${CMAKE_SOURCE_DIR}/tools/windows/cache.sh'; printf %s \"$kelto_cache\""
+  OUTPUT_VARIABLE kelto_cache)
+set(libraries ${kelto_cache}/libraries-i686)
+if(NOT EXISTS ${libraries}/.made-by)
+  message(FATAL_ERROR "${libraries} is missing; run tools/windows/setup.sh first")
+endif()
+
+# Header-only libraries need nothing more.
+include_directories(SYSTEM ${libraries}/include)
+add_library(CLI11::CLI11 INTERFACE IMPORTED GLOBAL)
+
+add_library(Boost::filesystem STATIC IMPORTED GLOBAL)
+set_target_properties(Boost::filesystem PROPERTIES
+  IMPORTED_LOCATION ${libraries}/lib/libboost_filesystem.a
+  INTERFACE_COMPILE_DEFINITIONS "BOOST_FILESYSTEM_STATIC_LINK;BOOST_ALL_NO_LIB")
+
+if(KELTO_TESTS)
+  set(INSTALL_GTEST OFF)
+  set(CMAKE_POLICY_DEFAULT_CMP0077 NEW)
+  add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+  foreach(part gtest gtest_main gmock)
+    if(NOT TARGET GTest::${part})
+      add_library(GTest::${part} ALIAS ${part})
+    endif()
+  endforeach()
+endif()
+
+# A module and its host can only throw to each other through one shared runtime; it lies beside the
+# programs.
+set(KELTO_WINDOWS_RUNTIME)
+foreach(dll libgcc_s_dw2-1.dll libstdc++-6.dll libwinpthread-1.dll)
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${dll}
+    OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
+  list(APPEND KELTO_WINDOWS_RUNTIME ${path})
+endforeach()
+file(COPY ${KELTO_WINDOWS_RUNTIME} DESTINATION ${CMAKE_BINARY_DIR}/bin)

@@ -1,0 +1,59 @@
+#include "tests/windows/wic_file.h"
+
+#include <wincodec.h>
+
+#include <stdexcept>
+
+#include "runtime/stills/wic/com.h"
+
+namespace kelto::stills {
+namespace {
+
+void Check(HRESULT result) {
+  if (FAILED(result)) throw std::runtime_error("WIC cannot make a test's picture");
+}
+
+}  // namespace
+
+Bytes EncodeByWic(const GUID& container, const Picture& picture, bool alpha) {
+  const ComSession com;
+  void* made = nullptr;
+  Check(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
+                         __uuidof(IWICImagingFactory), &made));
+  const Com<IWICImagingFactory> factory(static_cast<IWICImagingFactory*>(made));
+  Com<IStream> stream;
+  Com<IWICBitmapEncoder> encoder;
+  Com<IWICBitmapFrameEncode> frame;
+  Check(CreateStreamOnHGlobal(nullptr, TRUE, stream.Receive()));
+  Check(factory->CreateEncoder(container, nullptr, encoder.Receive()));
+  Check(encoder->Initialize(stream.get(), WICBitmapEncoderNoCache));
+  Check(encoder->CreateNewFrame(frame.Receive(), nullptr));
+  Check(frame->Initialize(nullptr));
+  const UINT width = static_cast<UINT>(picture.width), height = static_cast<UINT>(picture.height);
+  Check(frame->SetSize(width, height));
+  const WICPixelFormatGUID wanted =
+      alpha ? GUID_WICPixelFormat32bppBGRA : GUID_WICPixelFormat24bppBGR;
+  WICPixelFormatGUID format = wanted;
+  Check(frame->SetPixelFormat(&format));
+  if (format != wanted) throw std::runtime_error("WIC's encoder takes other pixels");
+  Bytes pixels;
+  for (const Pixel& p : picture.pixels) {
+    Append(pixels, alpha ? Bytes{p.b, p.g, p.r, p.a} : Bytes{p.b, p.g, p.r});
+  }
+  // Rows without padding; the encoders take any number of bytes a row.
+  Check(frame->WritePixels(height, width * (alpha ? 4 : 3), static_cast<UINT>(pixels.size()),
+                           pixels.data()));
+  Check(frame->Commit());
+  Check(encoder->Commit());
+
+  STATSTG status = {};
+  Check(stream->Stat(&status, STATFLAG_NONAME));
+  Bytes bytes(static_cast<size_t>(status.cbSize.QuadPart));
+  ULONG read = 0;
+  Check(stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr));
+  Check(stream->Read(bytes.data(), static_cast<ULONG>(bytes.size()), &read));
+  bytes.resize(read);
+  return bytes;
+}
+
+}  // namespace kelto::stills
