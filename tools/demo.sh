@@ -8,7 +8,7 @@ out=out/demo
 frames=180
 mkdir -p "$out"
 
-move="--size 1920x1080 --fps 30 --frames $frames --from 1.8@-0.16,0.06 --to 3.2@0.17,-0.02
+move="--size 1920x1080 --fps 30 --frames $frames --from 1.05@-0.02,0 --to 2.6@0.1,-0.1
       --in ease --out ease --filter hiqual"
 # shellcheck disable=SC2086  # one word an option
 build/bin/kelto render "$photo" -o "$out/film.mp4" $move

@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -48,7 +47,7 @@ struct Include {
 /// Every quoted include of the folders above.
 std::vector<Include> AllIncludes() {
   const fs::path root(KELTO_SOURCE_DIR);
-  const std::regex quoted("^\\s*#\\s*include\\s+\"([^\"]+)\"");
+  const std::string quoted = "#include \"";
   std::vector<Include> includes;
   for (const auto& [folder, allowed] : kMayInclude) {
     for (const auto& entry : fs::recursive_directory_iterator(root / folder)) {
@@ -56,11 +55,11 @@ std::vector<Include> AllIncludes() {
       if (extension != ".h" && extension != ".cc") continue;
       std::ifstream file(entry.path());
       std::string line;
-      std::smatch match;
       while (std::getline(file, line)) {
-        if (std::regex_search(line, match, quoted)) {
-          includes.push_back({fs::relative(entry.path(), root).generic_string(), match[1]});
-        }
+        if (!line.starts_with(quoted)) continue;
+        const size_t end = line.find('"', quoted.size());
+        includes.push_back({fs::relative(entry.path(), root).generic_string(),
+                            line.substr(quoted.size(), end - quoted.size())});
       }
     }
   }
