@@ -9,6 +9,7 @@
 #include "image/still_file.h"
 #include "platform/hfx.h"
 #include "platform/ipl.h"
+#include "platform/vector_clones.h"
 
 namespace kelto {
 namespace {
@@ -59,27 +60,76 @@ bool OpenImageFile(PanZoomState& state, bool interactive, StillFile& file) {
   return file.isOpen();
 }
 
+/// studioLevelTable of two bytes at a time, in bits 0..7 and 16..23: vectors have no tables.
+constexpr uint32_t StudioLevels(uint32_t pair) {
+  const uint32_t times55 = (pair << 6) - (pair << 3) - pair;
+  return (times55 + 0x04200420) >> 6 & 0x00FF00FF;
+}
+
+constexpr bool StudioLevelsAreTheTable() {
+  for (uint32_t level = 0; level < 256; ++level) {
+    const uint32_t expected = studioLevelTable[level];
+    if (StudioLevels(level | (255 - level) << 16) % 256 != expected) return false;
+    if (StudioLevels(level << 16 | (255 - level)) >> 16 != expected) return false;
+  }
+  return true;
+}
+static_assert(StudioLevelsAreTheTable());
+
+/// Passes a row's bytes through studioLevelTable; those of `keptBytes` of each pixel stay.
+KELTO_VECTOR_CLONES
+void CompressRow(char* row, int32_t width, uint32_t keptBytes) {
+  for (int32_t column = 0; column < width; ++column) {
+    uint32_t pixel;
+    std::memcpy(&pixel, row + ptrdiff_t{4} * column, 4);
+    const uint32_t levels = StudioLevels(pixel & 0x00FF00FF) | StudioLevels(pixel >> 8 & 0x00FF00FF)
+                                                                   << 8;
+    pixel = (levels & ~keptBytes) | (pixel & keptBytes);
+    std::memcpy(row + ptrdiff_t{4} * column, &pixel, 4);
+  }
+}
+
 /// Passes the colour bytes of every pixel through studioLevelTable; alpha stays.
-void CompressToStudioRange(IplImage& image) {
-  const int first = image.channelSeq[0] == 'A' ? 1 : 0;
+void CompressToStudioRange(const IplImage& image) {
+  const uint32_t alpha = image.channelSeq[0] == 'A' ? 0x000000FF : 0xFF000000;
   for (int32_t row = 0; row < image.height; ++row) {
-    char* pixel = image.imageData + ptrdiff_t{row} * image.widthStep + first;
-    for (int32_t column = 0; column < image.width; ++column, pixel += 4) {
-      for (int channel = 0; channel < 3; ++channel) {
-        pixel[channel] = static_cast<char>(studioLevelTable[static_cast<uint8_t>(pixel[channel])]);
-      }
-    }
+    CompressRow(image.imageData + ptrdiff_t{row} * image.widthStep, image.width, alpha);
+  }
+}
+
+/// Rows of an image as an image of their own, which owns nothing.
+IplImage Strip(const IplImage& image, int32_t firstRow, int32_t rows) {
+  IplImage strip = image;
+  strip.imageData += ptrdiff_t{firstRow} * image.widthStep;
+  strip.height = rows;
+  return strip;
+}
+
+/// Converts to Y, Cr, Cb, from full-range levels through the studio range if asked. In strips, so
+/// that levels are found in the cache where they have just been written.
+void ConvertLevels(const IplImage& rgb, const IplImage& ycrcb, bool toStudioRange) {
+  constexpr int32_t kStripRows = 8;
+  for (int32_t row = 0; row < rgb.height && !LibraryFailed(); row += kStripRows) {
+    const int32_t rows = std::min(kStripRows, rgb.height - row);
+    const IplImage from = Strip(rgb, row, rows);
+    IplImage to = Strip(ycrcb, row, rows);
+    if (toStudioRange) CompressToStudioRange(from);
+    iplRGB2YCrCb(&from, &to);
+  }
+}
+
+/// Three bytes a pixel to four. The fourth stays as it is.
+void SpreadRow(const char* source, char* dest, int32_t width) {
+  for (int32_t column = 0; column < width; ++column, source += 3, dest += 4) {
+    std::memcpy(dest, source, 3);
   }
 }
 
 /// Three bytes a pixel to four; the fourth is not written.
 void SpreadPixels(const IplImage& from, IplImage& to) {
   for (int32_t row = 0; row < from.height; ++row) {
-    const char* source = from.imageData + ptrdiff_t{row} * from.widthStep;
-    char* dest = to.imageData + ptrdiff_t{row} * to.widthStep;
-    for (int32_t column = 0; column < from.width; ++column, source += 3, dest += 4) {
-      std::memcpy(dest, source, 3);
-    }
+    SpreadRow(from.imageData + ptrdiff_t{row} * from.widthStep,
+              to.imageData + ptrdiff_t{row} * to.widthStep, from.width);
   }
 }
 
@@ -121,11 +171,10 @@ bool Load(PanZoomState& state, bool interactive) {
 
   ImageHolder decoded(NewHeader(4, "RGBA", "BGRA", IPL_ALIGN_DWORD, size));
   if (!Decode(state, file, bounds, decoded.get())) return false;
-  if (state.levels == 0) CompressToStudioRange(*decoded);
 
   ImageHolder converted(NewHeader(3, "YCr", "YCr", IPL_ALIGN_QWORD, size));
   if (!AllocateOrTell(state, converted.get())) return false;
-  iplRGB2YCrCb(decoded.get(), converted.get());
+  ConvertLevels(*decoded, *converted, state.levels == 0);
   if (LibraryFailed()) return false;
   decoded.Release();  // before the next allocation: two full-size images at a time, never three
 

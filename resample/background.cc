@@ -30,18 +30,17 @@ std::array<uint8_t, 4> PatternFromYcc(double luma, double cb, double cr) {
   return {Saturate(red), Saturate(green), Saturate(blue), 0};
 }
 
-void FillColour422(uint8_t* row, Range columns, const std::array<uint8_t, 4>& pattern) {
-  uint8_t* pixel = row + ptrdiff_t{2} * columns.first;
-  for (int32_t column = columns.first; column < columns.end; ++column, pixel += 2) {
-    const size_t place = column % 2 == 0 ? 0 : 2;
-    pixel[0] = pattern[place];
-    pixel[1] = pattern[place + 1];
-  }
-}
-
-void FillColour4Byte(uint8_t* row, Range columns, const std::array<uint8_t, 4>& pattern) {
-  for (int32_t column = columns.first; column < columns.end; ++column) {
-    std::memcpy(row + ptrdiff_t{4} * column, pattern.data(), pattern.size());
+/// Fills a range of columns. In either format byte i of a row is byte i % 4 of the pattern.
+void FillColour(uint8_t* row, Range columns, int32_t pixelBytes,
+                const std::array<uint8_t, 4>& pattern) {
+  std::array<uint8_t, 512> repeated;
+  for (size_t i = 0; i < repeated.size(); ++i) repeated[i] = pattern[i % 4];
+  size_t at = static_cast<size_t>(columns.first) * static_cast<size_t>(pixelBytes);
+  const size_t end = static_cast<size_t>(columns.end) * static_cast<size_t>(pixelBytes);
+  while (at < end) {
+    const size_t count = std::min(end - at, repeated.size() - 4);
+    std::memcpy(row + at, repeated.data() + at % 4, count);
+    at += count;
   }
 }
 
@@ -55,8 +54,8 @@ void FillVideo(uint8_t* destRow, Range columns, const Background& background, in
     std::memmove(destRow + ptrdiff_t{2} * columns.first, video + ptrdiff_t{2} * columns.first,
                  static_cast<size_t>(copied - columns.first) * 2);
   }
-  FillColour422(destRow, {copied, columns.end},
-                {kBlackLuma, kNeutralChroma, kBlackLuma, kNeutralChroma});
+  FillColour(destRow, {copied, columns.end}, 2,
+             {kBlackLuma, kNeutralChroma, kBlackLuma, kNeutralChroma});
 }
 
 }  // namespace
@@ -74,11 +73,11 @@ void FillBackground(const Canvas& canvas, const Background& background, Range co
     if (part.Empty()) return;
     uint8_t* const pixels = canvas.Row(row);
     if (canvas.format == PixelFormat::FourByte) {
-      FillColour4Byte(pixels, part, pattern);
+      FillColour(pixels, part, 4, pattern);
     } else if (background.videoRow0 != nullptr) {
       FillVideo(pixels, part, background, row);
     } else {
-      FillColour422(pixels, part, pattern);
+      FillColour(pixels, part, 2, pattern);
     }
   };
   if (columns.Empty()) rows = {};

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "resample/filtered_store.h"
+
 namespace kelto {
 namespace {
 
@@ -85,63 +87,44 @@ void FilterDownColumns(const WeightTable& rows, const WeightTable::Entry& entry,
   for (float& value : filtered) value *= entry.normaliser;
 }
 
-/// Saturated; not a number becomes 0.
-float WithinByte(float value) { return value > 0.0f ? std::min(value, 255.0f) : 0.0f; }
-
-/// To nearest, ties to even: beside 1.5 * 2^23 a float has no room for a fraction.
+/// Saturated, to nearest, ties to even; not a number becomes 0.
 uint8_t RoundToByte(float value) {
+  // Beside 1.5 * 2^23 a float has no room for a fraction.
   constexpr float kNoFraction = 12582912.0f;
-  return static_cast<uint8_t>(value + kNoFraction - kNoFraction);
+  const float within = value > 0.0f ? std::min(value, 255.0f) : 0.0f;
+  return static_cast<uint8_t>(within + kNoFraction - kNoFraction);
 }
 
-/// Replaces `byte` by the filtered value, or mixes the two, both bytes, where the picture covers a
-/// part.
-void Store(float value, float coverage, uint8_t& byte) {
-  const uint8_t picture = RoundToByte(WithinByte(value));
-  byte = coverage < 1.0f ? RoundToByte(static_cast<float>(picture) * coverage +
-                                       static_cast<float>(byte) * (1.0f - coverage))
-                         : picture;
-}
-
-void StoreRow422(const FilteredPlan& plan, const float* filtered, float rowCoverage, uint8_t* row) {
-  const int32_t chromaByte[2] = {plan.chroma.even, plan.chroma.odd};
-  uint8_t* pixel = row + ptrdiff_t{2} * plan.columns.first;
-  size_t parity = static_cast<size_t>(plan.columns.first % 2);
-  for (const float columnCoverage : plan.columnCoverage) {
-    const float coverage = columnCoverage * rowCoverage;
-    Store(filtered[0], coverage, pixel[0]);
-    Store(filtered[chromaByte[parity]], coverage, pixel[1]);
-    filtered += kChannels;
-    pixel += 2;
-    parity ^= 1;
+/// The destination's bytes of a filtered row.
+void RoundRow(const FilteredPlan& plan, const std::vector<float>& filtered,
+              std::vector<uint8_t>& bytes) {
+  bytes.clear();
+  if (plan.canvas.format == PixelFormat::FourByte) {
+    for (const float value : filtered) bytes.push_back(RoundToByte(value));
+    return;
   }
-}
-
-void StoreRow4Byte(const FilteredPlan& plan, const float* filtered, float rowCoverage,
-                   uint8_t* row) {
-  uint8_t* pixel = row + ptrdiff_t{4} * plan.columns.first;
-  for (const float columnCoverage : plan.columnCoverage) {
-    const float coverage = columnCoverage * rowCoverage;
-    for (size_t c = 0; c < kChannels; ++c) Store(*filtered++, coverage, *pixel++);
+  const int32_t chromaByte[2] = {plan.chroma.even, plan.chroma.odd};
+  const float* pixel = filtered.data();
+  for (int32_t column = plan.columns.first; column < plan.columns.end; ++column) {
+    bytes.push_back(RoundToByte(pixel[0]));
+    bytes.push_back(RoundToByte(pixel[chromaByte[column % 2]]));
+    pixel += kChannels;
   }
 }
 
 }  // namespace
 
-void DrawFiltered(const FilteredPlan& plan) {
+void DrawFilteredScalar(const FilteredPlan& plan) {
   if (plan.columns.Empty() || plan.rows.Empty()) return;
   IntermediateRows intermediate(plan);
   std::vector<float> filtered(intermediate.RowLength());
+  std::vector<uint8_t> bytes;
   for (size_t i = 0; i < plan.rowWeights.entries.size(); ++i) {
     const WeightTable::Entry& entry = plan.rowWeights.entries[i];
     intermediate.Advance(entry);
     FilterDownColumns(plan.rowWeights, entry, intermediate, filtered);
-    uint8_t* const row = plan.canvas.Row(plan.rows.first + static_cast<int32_t>(i));
-    if (plan.canvas.format == PixelFormat::Packed422) {
-      StoreRow422(plan, filtered.data(), plan.rowCoverage[i], row);
-    } else {
-      StoreRow4Byte(plan, filtered.data(), plan.rowCoverage[i], row);
-    }
+    RoundRow(plan, filtered, bytes);
+    StoreFiltered(plan, i, 0, bytes.size(), bytes.data());
   }
 }
 

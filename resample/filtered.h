@@ -26,8 +26,12 @@ FilteredPlan PlanFiltered(const ResampleJob& job, const Canvas& canvas, const Fi
                           const Picture& picture);
 
 /// Draws a plan. Pixels that the picture covers in part are mixed with what the canvas holds there.
+/// On the current target: in vectors where whole numbers are exact enough, else as
+/// DrawFilteredScalar.
+void DrawFiltered(const FilteredPlan& plan);
+
 /// The straightforward form of the arithmetic, which any faster one is held against. Memory: the
 /// intermediate rows that one destination row needs, never more than the source has.
-void DrawFiltered(const FilteredPlan& plan);
+void DrawFilteredScalar(const FilteredPlan& plan);
 
 }  // namespace kelto

@@ -40,6 +40,17 @@ const FilterSpec* Find(const FilterSpec (&filters)[N], int32_t mode) {
 
 }  // namespace
 
+KernelSampler::KernelSampler(const FilterSpec& filter, double step) : filter_(filter), step_(step) {
+  if (filter.kernel == KernelSinc) sinc_.emplace(step, *static_cast<const double*>(filter.data));
+}
+
+void KernelSampler::Sample(double first, int32_t count, float* values) const {
+  if (sinc_) return sinc_->Sample(first, count, values);
+  for (int32_t i = 0; i < count; ++i) {
+    values[i] = filter_.kernel(static_cast<float>(first + i * step_), filter_.data);
+  }
+}
+
 const FilterSpec* FrameFilter(int32_t filterMode) { return Find(kFrameFilters, filterMode); }
 
 const FilterSpec* ReductionFilter(int32_t filterMode) {

@@ -1,6 +1,8 @@
 // The filter of each quality level: its kernel and how far it reaches.
 #pragma once
 
+#include <optional>
+
 #include "resample/job.h"
 #include "resample/kernels.h"
 
@@ -10,6 +12,19 @@ struct FilterSpec {
   KernelFunction kernel = nullptr;
   const void* data = nullptr;  ///< the kernel's parameters
   float lo = 0.0f, hi = 0.0f;  ///< support bounds in source pixels at scale 1, lo <= 0 <= hi
+};
+
+/// A filter's kernel at places `step` apart: as quickly as its kind allows, within 1e-6 of it.
+class KernelSampler {
+ public:
+  KernelSampler(const FilterSpec& filter, double step);
+  /// The kernel at `first`, `first + step`, ...: `count` values.
+  void Sample(double first, int32_t count, float* values) const;
+
+ private:
+  FilterSpec filter_;
+  double step_;
+  std::optional<SincSteps> sinc_;
 };
 
 /// The filter of a level for drawing frames; null for the real-time path, which is what every value

@@ -65,8 +65,8 @@ struct ResampleJob {
   /// Written by ClipJob: left and top hold the uncovered part of the first pixel (0 when uncut),
   /// right and bottom the covered part of the last (1 when uncut).
   RectF coverage;
-  int32_t fieldRows = AllRows;       ///< FieldRows
-  int32_t interlaceSelector = 0;     ///< the host's field mode; read by the real-time path
+  int32_t fieldRows = AllRows;    ///< FieldRows
+  int32_t interlaceSelector = 0;  ///< the host's field mode; read by the real-time path
   int32_t filterMode = FilterRealTime;
   ChromaBytes chroma;
   Background background;

@@ -1,5 +1,6 @@
 #include "resample/kernels.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -82,6 +83,44 @@ float KernelSinc(float x, const void* data) {
   const double u = kPi * x;
   const double v = u / a;
   return static_cast<float>((std::sin(u) / u) * (std::sin(v) / v));
+}
+
+SincSteps::Angle SincSteps::AngleOf(double radians) {
+  return {std::sin(radians), std::cos(radians)};
+}
+
+SincSteps::Angle SincSteps::Sum(const Angle& a, const Angle& b) {
+  return {a.sine * b.cosine + a.cosine * b.sine, a.cosine * b.cosine - a.sine * b.sine};
+}
+
+SincSteps::SincSteps(double step, double a) : a_(a), turn_(kPi * step) {
+  for (int32_t i = 0; i <= kChains; ++i) {
+    turnsU_[i] = AngleOf(i * turn_);
+    turnsV_[i] = AngleOf(i * turn_ / a);
+  }
+}
+
+void SincSteps::Sample(double first, int32_t count, float* values) const {
+  // sin(u) sin(v) a / u^2 for u = pi x, v = u / a.
+  constexpr double kSmall = 1e-4;  // below, the kernel is 1 to float's precision
+  const double start = kPi * first;
+  const Angle startU = AngleOf(start), startV = AngleOf(start / a_);
+  Angle u[kChains], v[kChains];
+  for (int32_t i = 0; i < kChains; ++i) {
+    u[i] = Sum(startU, turnsU_[i]);
+    v[i] = Sum(startV, turnsV_[i]);
+  }
+  for (int32_t k = 0; k < count; k += kChains) {
+    float chunk[kChains];
+    for (int32_t i = 0; i < kChains; ++i) {
+      const double radians = start + (k + i) * turn_;
+      const double sinc = u[i].sine * v[i].sine * a_ / (radians * radians);
+      chunk[i] = static_cast<float>(std::abs(radians) < kSmall ? 1.0 : sinc);
+      u[i] = Sum(u[i], turnsU_[kChains]);
+      v[i] = Sum(v[i], turnsV_[kChains]);
+    }
+    std::copy_n(chunk, std::min(kChains, count - k), values + k);
+  }
 }
 
 float KernelBessel(float, const void*) { return 0.0f; }

@@ -6,6 +6,8 @@
 // from any thread.
 #pragma once
 
+#include <cstdint>
+
 namespace kelto {
 
 /// The shape of every kernel: `x` is the distance from the centre, `data` the kernel's parameters
@@ -55,6 +57,27 @@ float KernelGaussian(float x, const void* data);
 /// off: the caller's support should be `a`. `data`: a double, the lobe count a > 0. (Duchon,
 /// "Lanczos Filtering in One and Two Dimensions", Journal of Applied Meteorology 18, 1979.)
 float KernelSinc(float x, const void* data);
+
+/// KernelSinc at places `step` apart, within 1e-6 of it. Few sines are evaluated: the arguments'
+/// sines follow from each other by addition of angles, in double.
+class SincSteps {
+ public:
+  SincSteps(double step, double a);
+  /// The kernel at `first`, `first + step`, ...: `count` values.
+  void Sample(double first, int32_t count, float* values) const;
+
+ private:
+  static constexpr int32_t kChains = 4;  ///< neighbours that are worked out side by side
+  struct Angle {
+    double sine = 0.0, cosine = 1.0;
+  };
+  static Angle AngleOf(double radians);
+  static Angle Sum(const Angle& a, const Angle& b);
+
+  double a_, turn_;
+  /// What is added for 0, 1, ... kChains steps, of the sinc and of its window.
+  Angle turnsU_[kChains + 1], turnsV_[kChains + 1];
+};
 
 /// 0 everywhere, on purpose: the filter table lists the kernel, but pictures drawn with it are not
 /// wanted.

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <vector>
 
+#include "resample/pick_pixels.h"
+
 namespace kelto {
 namespace {
 
@@ -35,28 +37,6 @@ std::vector<int32_t> SourceColumns(const AxisMap& map, Range columns, int32_t im
   return pixels;
 }
 
-void DrawRow422(const uint8_t* source, const std::vector<int32_t>& sourceColumns,
-                const ChromaBytes& chroma, Range columns, uint8_t* row) {
-  const int32_t chromaByte[2] = {chroma.even, chroma.odd};
-  uint8_t* pixel = row + ptrdiff_t{2} * columns.first;
-  size_t parity = static_cast<size_t>(columns.first % 2);
-  for (const int32_t sourceColumn : sourceColumns) {
-    const uint8_t* from = source + ptrdiff_t{4} * sourceColumn;
-    *pixel++ = from[0];
-    *pixel++ = from[chromaByte[parity]];
-    parity ^= 1;
-  }
-}
-
-void DrawRow4Byte(const uint8_t* source, const std::vector<int32_t>& sourceColumns, Range columns,
-                  uint8_t* row) {
-  uint8_t* pixel = row + ptrdiff_t{4} * columns.first;
-  for (const int32_t sourceColumn : sourceColumns) {
-    std::memcpy(pixel, source + ptrdiff_t{4} * sourceColumn, 4);
-    pixel += 4;
-  }
-}
-
 }  // namespace
 
 void DrawRealTime(const Canvas& canvas, const PixelBlock& source, const ChromaBytes& chroma,
@@ -64,15 +44,26 @@ void DrawRealTime(const Canvas& canvas, const PixelBlock& source, const ChromaBy
   if (columns.Empty()) return;
   const std::vector<int32_t> sourceColumns =
       SourceColumns(picture.columns.map, columns, source.width);
-  for (int32_t row = rows.first; row < rows.end; ++row) {
+  const bool packed = canvas.format == PixelFormat::Packed422;
+  const PickedBytes picked = packed ? PickedBytes422(chroma, columns.first) : kWholePixels;
+  const size_t offset = static_cast<size_t>(columns.first) * (packed ? 2 : 4);
+  const size_t count = sourceColumns.size() * (packed ? 2 : 4);
+  const auto sourceRowOf = [&](int32_t row) {
     const float position = picture.rows.map.At(canvas.FrameRow(row));
-    const int32_t sourceRow = Inside(static_cast<int64_t>(std::floor(position)), source.height);
-    const uint8_t* from = source.pixels + sourceRow * source.rowBytes;
-    if (canvas.format == PixelFormat::Packed422) {
-      DrawRow422(from, sourceColumns, chroma, columns, canvas.Row(row));
-    } else {
-      DrawRow4Byte(from, sourceColumns, columns, canvas.Row(row));
+    return Inside(static_cast<int64_t>(std::floor(position)), source.height);
+  };
+  int32_t drawn = -1;
+  for (int32_t row = rows.first; row < rows.end; ++row) {
+    const int32_t sourceRow = sourceRowOf(row);
+    uint8_t* const to = canvas.Row(row) + offset;
+    if (sourceRow == drawn) {
+      std::memcpy(to, canvas.Row(row - 1) + offset, count);
+      continue;
     }
+    PickPixels(source.pixels + sourceRow * source.rowBytes,
+               source.pixels + sourceRowOf(std::min(row + 1, rows.end - 1)) * source.rowBytes,
+               sourceColumns, picked, to);
+    drawn = sourceRow;
   }
 }
 

@@ -39,6 +39,35 @@ void TrimRun(WeightTable::Entry& entry, std::vector<float>& weights) {
   entry.count = static_cast<int32_t>(weights.size() - entry.offset);
 }
 
+/// Whether the taps of every position with this whole part are image pixels as they stand: then
+/// they are neighbours, none of them mirrored or repeated.
+bool TapsLieInImage(const AxisFilter& axis, int64_t offset) {
+  const int64_t first = offset + axis.taps.lo, last = offset + axis.taps.hi;
+  return first >= 0 && last <= axis.samples.last && first + axis.samples.base >= 0 &&
+         last + axis.samples.base < axis.samples.imageSize;
+}
+
+/// What ListTaps does, where taps need no listing: the entry's run straight from the kernel.
+void AppendNeighbours(const AxisFilter& axis, const KernelSampler& kernel, float position,
+                      WeightTable::Entry& entry, std::vector<float>& weights) {
+  const float scale = axis.map.scale;
+  const float whole = std::floor(position);
+  const int32_t count = axis.taps.hi - axis.taps.lo + 1;
+  entry.first = static_cast<int32_t>(static_cast<int64_t>(whole) + axis.taps.lo);
+  entry.offset = weights.size();
+  weights.resize(entry.offset + static_cast<size_t>(count));
+  float* const run = weights.data() + entry.offset;
+  const double lo = axis.taps.lo, offCentre = static_cast<double>(whole) - position;
+  kernel.Sample(scale > 1.0f ? (lo - 0.5 + offCentre) / scale : lo + 1.0 + offCentre, count, run);
+  float sum = 0.0f;
+  for (int32_t tap = 0; tap < count; ++tap) sum += run[tap];
+  entry.normaliser = 1.0f / sum;
+  if (sum == 0.0f) {
+    std::fill_n(run, count, 0.0f);
+    run[-axis.taps.lo] = entry.normaliser = 1.0f;
+  }
+}
+
 }  // namespace
 
 TapRange AxisTapRange(const FilterSpec& filter, float scale) {
@@ -91,11 +120,18 @@ Range WeightTable::ImagePixels() const {
 WeightTable BuildWeightTable(const AxisFilter& axis, int32_t first, int32_t count, int32_t step) {
   WeightTable table;
   table.entries.resize(static_cast<size_t>(count));
+  // Tap by tap the kernel's argument advances by one sample, stretched like the kernel.
+  const KernelSampler kernel(axis.filter, axis.map.scale > 1.0f ? 1.0 / axis.map.scale : 1.0);
   std::vector<Tap> taps;
   for (int32_t i = 0; i < count; ++i) {
     WeightTable::Entry& entry = table.entries[static_cast<size_t>(i)];
-    entry.normaliser = ListTaps(axis, axis.map.At(first + i * step), taps);
-    AppendRun(taps, entry, table.weights);
+    const float position = axis.map.At(first + i * step);
+    if (TapsLieInImage(axis, static_cast<int64_t>(std::floor(position)) - axis.samples.base)) {
+      AppendNeighbours(axis, kernel, position, entry, table.weights);
+    } else {
+      entry.normaliser = ListTaps(axis, position, taps);
+      AppendRun(taps, entry, table.weights);
+    }
     TrimRun(entry, table.weights);
   }
   return table;

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "platform/ipl.h"
+#include "platform/vector_clones.h"
 #include "runtime/ipl/status.h"
 
 namespace kelto::ipl {
@@ -48,6 +49,7 @@ struct ColorPositions {
 };
 
 /// Turns pixels, as words whose lowest byte comes first in memory, into words of Y, Cr, Cb.
+KELTO_VECTOR_CLONES
 void Convert(uint32_t (&pixels)[kBlock], const ColorPositions& at, int count) {
   constexpr float kOffset = kChromaOffset * kWeightUnit;
   const int red = 8 * at.r, green = 8 * at.g, blue = 8 * at.b;
@@ -65,6 +67,16 @@ void Gather(const char* source, int channels, int count, uint32_t (&pixels)[kBlo
   } else {
     for (int i = 0; i < count; ++i) std::memcpy(&pixels[i], source + ptrdiff_t{3} * i, 3);
   }
+}
+
+/// Writes three bytes of every pixel.
+void Scatter(const uint32_t (&pixels)[kBlock], int count, int channels, char* dest) {
+  int i = 0;
+  if (channels == 3) {
+    // Four bytes at a time, of which the next pixel overwrites the last.
+    for (; i + 1 < count; ++i) std::memcpy(dest + ptrdiff_t{3} * i, &pixels[i], 4);
+  }
+  for (; i < count; ++i) std::memcpy(dest + ptrdiff_t{i} * channels, &pixels[i], 3);
 }
 
 /// Null for a pair of images that can be converted, else what is wrong, with its status.
@@ -108,9 +120,7 @@ extern "C" void iplRGB2YCrCb(const IplImage* rgb, IplImage* ycrcb) {
       const int count = std::min(kBlock, rgb->width - column);
       Gather(sourceRow + ptrdiff_t{column} * rgb->nChannels, rgb->nChannels, count, pixels);
       Convert(pixels, at, count);
-      char* dest = destRow + ptrdiff_t{column} * ycrcb->nChannels;
-      for (int i = 0; i < count; ++i)
-        std::memcpy(dest + ptrdiff_t{i} * ycrcb->nChannels, &pixels[i], 3);
+      Scatter(pixels, count, ycrcb->nChannels, destRow + ptrdiff_t{column} * ycrcb->nChannels);
     }
   }
 }

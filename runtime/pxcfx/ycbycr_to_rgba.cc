@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "platform/pxcfx.h"
+#include "platform/vector_clones.h"
 #include "platform/ycrcb_weights.h"
 #include "runtime/pxcfx/image.h"
 #include "runtime/pxcfx/studio.h"
@@ -55,6 +56,7 @@ struct Tint {
 /// Pairs of pixels taken at a time, through arrays that the compiler knows to lie apart.
 constexpr int kBlock = 256;
 
+KELTO_VECTOR_CLONES
 void ConvertPairs(const uint32_t (&pairs)[kBlock], uint32_t (&pixels)[2 * kBlock], int count) {
   for (int i = 0; i < count; ++i) {
     const Tint tint(Byte(pairs[i], 1), Byte(pairs[i], 3));

@@ -258,5 +258,22 @@ INSTANTIATE_TEST_SUITE_P(Rows, BuiltInFilter,
                                          "hamming", "blackman", "kaiser"),
                          [](const auto& row) { return std::string(row.param); });
 
+TEST(SincSteps, AgreeWithTheKernelAtEveryPlace) {
+  for (const double a : {5.0, 16.0}) {
+    for (const double step : {1.0, 0.9, 1 / 3.125, 1 / 6.0, 1e-3}) {
+      const SincSteps steps(step, a);
+      const auto count = static_cast<int32_t>(2 * a / step) + 1;
+      std::vector<float> values(static_cast<size_t>(count));
+      for (const double first : {-a, -a + 0.37, -a + 1e-7, -2 * step, 0.0}) {
+        steps.Sample(first, count, values.data());
+        for (int32_t i = 0; i < count; ++i) {
+          const auto x = static_cast<float>(first + i * step);
+          EXPECT_NEAR(values[static_cast<size_t>(i)], KernelSinc(x, &a), 1e-6f) << x;
+        }
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace kelto

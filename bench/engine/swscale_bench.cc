@@ -1,0 +1,57 @@
+// swscale at the same work: planar 4:2:2 in and out, whole-pixel views since it knows no others.
+// The context, and with it the tables, is kept.
+#include <benchmark/benchmark.h>
+
+#include <stdexcept>
+
+#include "bench/engine/view.h"
+
+extern "C" {
+#include <libswscale/swscale.h>
+}
+
+namespace kelto::bench {
+namespace {
+
+struct Planes {
+  std::vector<uint8_t> bytes[3];
+  int strides[3];
+
+  Planes(int32_t width, int32_t height) {
+    for (int i = 0; i < 3; ++i) {
+      strides[i] = i == 0 ? width : width / 2;
+      bytes[i] = NoisyBytes(static_cast<size_t>(strides[i]) * static_cast<size_t>(height) + 64);
+    }
+  }
+};
+
+void Scale(benchmark::State& state, int flags, double scale) {
+  static Planes source(kImageWidth, kImageHeight), dest(kFrameWidth, kFrameHeight);
+  const int width = static_cast<int>(kFrameWidth * scale);
+  const int height = static_cast<int>(kFrameHeight * scale);
+  const double parameters[2] = {5, SWS_PARAM_DEFAULT};
+  SwsContext* context = sws_getContext(width, height, AV_PIX_FMT_YUV422P, kFrameWidth, kFrameHeight,
+                                       AV_PIX_FMT_YUV422P, flags, nullptr, nullptr,
+                                       flags == SWS_LANCZOS ? parameters : nullptr);
+  if (context == nullptr) throw std::runtime_error("swscale refuses the view");
+  const int left = (kImageWidth - width) / 4 * 2, top = (kImageHeight - height) / 2;
+  for (auto _ : state) {
+    const uint8_t* from[3];
+    uint8_t* to[3];
+    for (int i = 0; i < 3; ++i) {
+      from[i] =
+          source.bytes[i].data() + ptrdiff_t{source.strides[i]} * top + (i == 0 ? left : left / 2);
+      to[i] = dest.bytes[i].data();
+    }
+    sws_scale(context, from, source.strides, 0, height, to, dest.strides);
+  }
+  sws_freeContext(context);
+}
+
+BENCHMARK_CAPTURE(Scale, lanczos, SWS_LANCZOS, 3.125)->Name("swscale/lanczos5/3.125");
+BENCHMARK_CAPTURE(Scale, lanczos, SWS_LANCZOS, 1 / 1.5)->Name("swscale/lanczos5/1/1.5");
+BENCHMARK_CAPTURE(Scale, point, SWS_POINT, 3.125)->Name("swscale/nearest/3.125");
+BENCHMARK_CAPTURE(Scale, point, SWS_POINT, 1 / 1.5)->Name("swscale/nearest/1/1.5");
+
+}  // namespace
+}  // namespace kelto::bench

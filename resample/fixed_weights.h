@@ -1,0 +1,48 @@
+// Weight tables as 16-bit whole numbers, for the passes that multiply pairs of them at a time.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "resample/weights.h"
+
+namespace kelto {
+
+/// A weight table's runs cut into groups of neighbouring image pixels, the first group starting at
+/// `base`. Two 16-bit weights share a word.
+struct FixedWeights {
+  struct Entry {
+    int32_t firstGroup = 0;
+    int32_t groups = 0;
+    int32_t keep = 0;   ///< the lowest group that this or any later entry needs
+    int32_t shift = 0;  ///< the weights sum to 1 << shift exactly
+    size_t offset = 0;  ///< of its words in `words`
+    /// By how much the weights differ from the exact ones in all, in units of 1 / (1 << shift).
+    double difference = 0.0;
+  };
+  int32_t base = 0;    ///< image pixel at which group 0 starts
+  int32_t window = 0;  ///< groups that must be kept at a time when entries are taken in order
+  std::vector<Entry> entries;
+  std::vector<int32_t> words;
+
+  const int32_t* Words(const Entry& entry) const { return words.data() + entry.offset; }
+};
+
+/// Both axes in whole numbers, and how the value between the passes is scaled.
+///
+/// The first pass sums bytes less 128, so that its results, kept with `fraction` fractional bits,
+/// fit 16 bits; the second pass's sums of those fit 32.
+struct FixedFilters {
+  /// Groups of four pixels a, b, c, d as two words: a below c, then b below d. All of one shift.
+  FixedWeights columns;
+  /// Groups of two rows as one word, the upper row in the lower half.
+  FixedWeights rows;
+  int32_t fraction = 0;
+};
+
+/// The filters in whole numbers, or nothing when the result could differ from the exact one by a
+/// level: tables that reach very far, or with weights of both signs that nearly cancel.
+std::optional<FixedFilters> MakeFixedFilters(const WeightTable& columns, const WeightTable& rows);
+
+}  // namespace kelto

@@ -1,0 +1,37 @@
+#include "resample/pick_pixels.h"
+
+#include <cstddef>
+#include <cstring>
+
+#include "resample/target.h"
+
+namespace kelto {
+
+PickedBytes PickedBytes422(const ChromaBytes& chroma, int32_t firstColumn) {
+  const auto even = static_cast<uint8_t>(chroma.even), odd = static_cast<uint8_t>(chroma.odd);
+  PickedBytes picked = {2, {0, even}, {0, odd}};
+  if (firstColumn % 2 != 0) std::swap(picked.first, picked.second);
+  return picked;
+}
+
+void PickPixels(const uint8_t* sourceRow, const uint8_t* nextRow,
+                const std::vector<int32_t>& columns, const PickedBytes& picked, uint8_t* to) {
+  if (CurrentTarget() == Target::Scalar) {
+    PickPixelsScalar(sourceRow, columns.data(), columns.size(), picked, to);
+  } else {
+    PickPixelsVectors(sourceRow, nextRow, columns.data(), columns.size(), picked, to);
+  }
+}
+
+void PickPixelsScalar(const uint8_t* sourceRow, const int32_t* columns, size_t count,
+                      const PickedBytes& picked, uint8_t* to) {
+  for (size_t i = 0; i < count; ++i) {
+    const uint8_t* const from = sourceRow + ptrdiff_t{4} * columns[i];
+    const std::array<uint8_t, 4>& bytes = i % 2 == 0 ? picked.first : picked.second;
+    for (int32_t byte = 0; byte < picked.perPixel; ++byte) {
+      *to++ = from[bytes[static_cast<size_t>(byte)]];
+    }
+  }
+}
+
+}  // namespace kelto

@@ -1,0 +1,20 @@
+// The vector code's side of the choice of instruction set. Engines built without vectors have
+// vectors_none.cc instead, where nothing is available.
+#pragma once
+
+#include <vector>
+
+#include "resample/target.h"
+
+namespace kelto::vectors {
+
+/// Slowest first; empty where no vector code runs.
+std::vector<Target> Available();
+
+/// Makes every dispatched function run on `target`, which is available.
+void Choose(Target target);
+
+/// What dispatched functions run on; Scalar where nothing is available.
+Target Running();
+
+}  // namespace kelto::vectors

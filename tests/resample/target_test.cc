@@ -1,0 +1,220 @@
+// The vector engine against the scalar one, on every target that this machine has.
+#include "resample/target.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <stdexcept>
+
+#include "resample/filtered.h"
+#include "resample/fixed_weights.h"
+#include "resample/resample.h"
+#include "tests/resample/buffers.h"
+
+namespace kelto {
+namespace {
+
+using test::GuardedBuffer;
+using test::LargestDifference;
+using test::MakeJob;
+using test::SourceImage;
+using test::WholeFrame;
+
+class OnEveryTarget : public ::testing::TestWithParam<Target> {
+ protected:
+  ~OnEveryTarget() override { SetTarget(AvailableTargets().back()); }
+};
+
+INSTANTIATE_TEST_SUITE_P(Targets, OnEveryTarget, ::testing::ValuesIn(AvailableTargets()),
+                         [](const auto& target) { return std::string(TargetName(target.param)); });
+
+TEST(Targets, BeginWithTheScalarEngineAndTheLastOneRunsUnasked) {
+  const std::vector<Target> targets = AvailableTargets();
+  EXPECT_EQ(targets.front(), Target::Scalar);
+  EXPECT_EQ(CurrentTarget(), targets.back());
+}
+
+TEST(Targets, ThatTheMachineLacksAreRefused) {
+  for (const Target target : {Target::Sse4, Target::Avx2, Target::Avx512, Target::Avx512Vnni}) {
+    const std::vector<Target> targets = AvailableTargets();
+    if (std::find(targets.begin(), targets.end(), target) == targets.end()) {
+      EXPECT_THROW(SetTarget(target), std::invalid_argument) << TargetName(target);
+    }
+  }
+}
+
+TEST_P(OnEveryTarget, TheCodeThatRunsIsTheTargetsOwn) {
+  SetTarget(GetParam());
+  EXPECT_EQ(CurrentTarget(), GetParam());
+}
+
+class RandomJobs {
+ public:
+  explicit RandomJobs(uint32_t seed) : random_(seed) {}
+  int32_t Whole(int32_t low, int32_t high) {
+    return std::uniform_int_distribution<int32_t>(low, high)(random_);
+  }
+  float Real(float low, float high) {
+    return std::uniform_real_distribution<float>(low, high)(random_);
+  }
+  /// Noise, stripes of full contrast or a slope: what rounding of weights tells on most.
+  SourceImage Image() {
+    const int32_t kind = Whole(0, 2), period = Whole(1, 9);
+    return {Whole(1, 150), Whole(1, 120), [&](int x, int y, int c) {
+              if (kind == 0) return Whole(0, 255);
+              if (kind == 1) return (x / period + y / period + c) % 2 * 255;
+              return (x * 3 + y * 5 + c * 60) % 256;
+            }};
+  }
+  /// A view of 1/6 to 6 source pixels a pixel, inside the image or across its edges.
+  RectF View(const SourceImage& image, int32_t width, int32_t height) {
+    const float scaleX = std::exp(Real(-1.8f, 1.8f));
+    const float scaleY = Whole(0, 2) == 0 ? std::exp(Real(-1.8f, 1.8f)) : scaleX;
+    const float w = static_cast<float>(width) * scaleX, h = static_cast<float>(height) * scaleY;
+    const float x = Real(-0.7f * w, static_cast<float>(image.width) - 0.3f * w);
+    const float y = Real(-0.7f * h, static_cast<float>(image.height) - 0.3f * h);
+    return {x + 0.5f, y + 0.5f, x + w - 0.5f, y + h - 0.5f};
+  }
+
+ private:
+  std::mt19937 random_;
+};
+
+TEST_P(OnEveryTarget, RandomJobsComeWithinOneLevelOfTheScalarEngine) {
+  RandomJobs random(20241107);
+  for (int i = 0; i < 700; ++i) {
+    SourceImage image = random.Image();
+    const int32_t width = random.Whole(1, 90), rows = random.Whole(1, 50);
+    const int32_t mode = random.Whole(FilterRealTime, FilterUltraQual);
+    const int32_t field = random.Whole(EvenRows, AllRows);
+    const int32_t entry = random.Whole(0, 2);
+    const int32_t height = field == AllRows ? rows : 2 * rows;
+    const auto padding = static_cast<size_t>(random.Whole(0, 9));
+    const bool bottomUp = random.Whole(0, 1) == 1;
+    GuardedBuffer expected(width, rows, entry == 0 ? 2 : 4, padding, bottomUp);
+    GuardedBuffer dest(width, rows, entry == 0 ? 2 : 4, padding, bottomUp);
+    ResampleJob job =
+        MakeJob(image, random.View(image, width, height), expected, width, height, mode);
+    if (random.Whole(0, 3) == 0) {
+      job.source.pixels += (image.height - 1) * job.source.rowBytes;
+      job.source.rowBytes = -job.source.rowBytes;
+    }
+    job.fieldRows = field;
+    job.interlaceSelector = field == AllRows ? 0 : 2;
+    job.chroma = {random.Whole(1, 2), random.Whole(1, 2)};
+    job.background.selector = 1;
+    for (uint8_t& byte : job.background.bytes) byte = static_cast<uint8_t>(random.Whole(0, 255));
+    const auto draw = entry == 0 ? ResampleTo422 : entry == 1 ? ResampleTo4Byte : ReduceImage;
+    SetTarget(Target::Scalar);
+    draw(job);
+    job.dest.pixels = dest.Pixels();
+    SetTarget(GetParam());
+    draw(job);
+    dest.ExpectGuardsUntouched();
+    const test::Difference difference = LargestDifference(dest.Packed(), expected.Packed());
+    ASSERT_LE(difference.most, mode == FilterRealTime ? 0 : 1)
+        << "job " << i << " mode " << mode << " byte " << difference.place;
+  }
+}
+
+TEST_P(OnEveryTarget, ResultsAreTheSameAsOnEveryOtherVectorTargetAndRun) {
+  // The scalar engine rounds otherwise: of it, only the second run is compared.
+  const bool scalar = GetParam() == Target::Scalar;
+  RandomJobs random(4711);
+  for (int i = 0; i < 60; ++i) {
+    SourceImage image = random.Image();
+    const int32_t width = random.Whole(1, 200), height = random.Whole(1, 90);
+    GuardedBuffer expected(width, height, 2), dest(width, height, 2);
+    ResampleJob job = MakeJob(image, random.View(image, width, height), expected, width, height,
+                              random.Whole(FilterTriangle, FilterUltraQual));
+    SetTarget(scalar ? Target::Scalar : AvailableTargets().back());
+    ResampleTo422(job);
+    job.dest.pixels = dest.Pixels();
+    SetTarget(GetParam());
+    ResampleTo422(job);
+    ASSERT_EQ(dest.Packed(), expected.Packed()) << "job " << i;
+    ResampleTo422(job);
+    ASSERT_EQ(dest.Packed(), expected.Packed()) << "job " << i << " again";
+  }
+}
+
+TEST_P(OnEveryTarget, ConstantPicturesStayExactlyConstant) {
+  SetTarget(GetParam());
+  RandomJobs random(99);
+  for (int i = 0; i < 200; ++i) {
+    const int32_t level = i % 2 == 0 ? random.Whole(0, 255) : i % 4 == 1 ? 255 : 0;
+    SourceImage image(random.Whole(1, 130), random.Whole(1, 130),
+                      [&](int, int, int) { return level; });
+    const int32_t width = random.Whole(1, 70), height = random.Whole(1, 50);
+    GuardedBuffer dest(width, height, 4);
+    ResampleJob job = MakeJob(image, random.View(image, width, height), dest, width, height,
+                              random.Whole(FilterRealTime, FilterUltraQual));
+    job.background.selector = 1;
+    std::fill_n(job.background.bytes, 4, static_cast<uint8_t>(level));
+    ResampleTo4Byte(job);
+    for (const uint8_t byte : dest.Packed()) ASSERT_EQ(byte, level) << "job " << i;
+  }
+}
+
+TEST_P(OnEveryTarget, NothingIsReadPastTheLastPixelOfAnImage) {
+  SetTarget(GetParam());
+  for (int32_t width = 1; width <= 40; ++width) {
+    // Exactly as large as it must be: the address sanitizer sees any byte more.
+    SourceImage image(width, 3, [](int x, int y, int c) { return (x * 7 + y * 31 + c) % 256; });
+    GuardedBuffer dest(width, 3, 2);
+    for (int32_t mode = FilterRealTime; mode <= FilterUltraQual; ++mode) {
+      ResampleTo422(MakeJob(image, WholeFrame(width, 3), dest, width, 3, mode));
+    }
+    dest.ExpectGuardsUntouched();
+  }
+}
+
+/// The tables of a whole 6000 x 4000 picture at a scale.
+std::optional<FixedFilters> FixedFiltersFor(int32_t mode, float scale) {
+  static SourceImage image(1, 1);
+  ResampleJob job;
+  job.source = {image.bytes.data(), 6000, 4000, 24000};
+  job.dest = {image.bytes.data(), 1920, 1080, 3840};
+  job.sourceRect = {0.5f, 0.5f, 1920 * scale - 0.5f, 1080 * scale - 0.5f};
+  job.destRect = WholeFrame(1920, 1080);
+  EXPECT_TRUE(ClipJob(job));
+  const FilteredPlan plan = PlanFiltered(job, MakeCanvas(job, PixelFormat::Packed422, true),
+                                         *FrameFilter(mode), FramePicture(job));
+  return MakeFixedFilters(plan.columnWeights, plan.rowWeights);
+}
+
+TEST(FixedFilters, AreExactEnoughForEveryFilterAtEveryUsualScale) {
+  for (int32_t mode = FilterTriangle; mode <= FilterUltraQual; ++mode) {
+    for (const float scale : {0.05f, 1 / 6.0f, 0.5f, 1 / 1.5f, 1.0f, 1.5f, 3.125f, 6.0f, 12.0f}) {
+      EXPECT_TRUE(FixedFiltersFor(mode, scale).has_value()) << mode << " at " << scale;
+    }
+  }
+}
+
+TEST(FixedFilters, KeepSumsExact) {
+  for (const int32_t mode : {FilterTriangle, FilterHiQual, FilterUltraQual}) {
+    const FixedFilters filters = FixedFiltersFor(mode, 3.125f).value();
+    for (const FixedWeights* weights : {&filters.columns, &filters.rows}) {
+      const int32_t words = weights == &filters.columns ? 2 : 1;
+      for (const FixedWeights::Entry& entry : weights->entries) {
+        int32_t sum = 0;
+        for (int32_t i = 0; i < entry.groups * words; ++i) {
+          const int32_t word = weights->Words(entry)[i];
+          sum += static_cast<int16_t>(word & 0xFFFF) + (word >> 16);
+        }
+        ASSERT_EQ(sum, 1 << entry.shift);
+      }
+    }
+  }
+}
+
+TEST(FixedFilters, AreRefusedWhereWeightsNearlyCancel) {
+  const WeightTable good = {{{0, 2, 0, 1.0f}}, {0.5f, 0.5f}};
+  const WeightTable cancelling = {{{0, 2, 0, 5000.0f}}, {1.0001f, -0.9999f}};
+  EXPECT_TRUE(MakeFixedFilters(good, good).has_value());
+  EXPECT_FALSE(MakeFixedFilters(cancelling, good).has_value());
+  EXPECT_FALSE(MakeFixedFilters(good, cancelling).has_value());
+}
+
+}  // namespace
+}  // namespace kelto
