@@ -1,0 +1,64 @@
+// One instance of a plug-in, as a host sees it.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "adapters/frei0r/frame_clock.h"
+#include "adapters/frei0r/parameters.h"
+#include "platform/api.h"
+#include "platform/hfx.h"
+
+namespace kelto::frei0r {
+
+class PhotoEffect;
+struct Moment;
+struct Scene;
+
+/// Holds parameters and renders frames of one size. Making one opens no file; the photograph is
+/// loaded with the first frame. Nothing throws but the constructor, std::bad_alloc: whatever is
+/// wrong gives a frame of background (or of the incoming video) and one line on the console.
+///
+/// Operations on one instance come one at a time; different instances may be used side by side.
+class KELTO_PLATFORM_API Adapter {
+ public:
+  /// `rowLength` pixels lie from one row of a frame to the next, `width` at least.
+  Adapter(Role role, uint32_t width, uint32_t height, uint32_t rowLength);
+  ~Adapter();
+  Adapter(const Adapter&) = delete;
+  Adapter& operator=(const Adapter&) = delete;
+
+  /// Sets the number at a place of the table; held within its bounds, and left as it is when it is
+  /// not a number. For a place with a text nothing happens.
+  void SetNumber(int index, double value) noexcept;
+  /// Sets the text at a place of the table; null is the empty text.
+  void SetText(int index, const char* value) noexcept;
+  double Number(int index) const;
+  /// Good until the text is set again.
+  const char* Text(int index) const;
+
+  /// Renders a frame of pixels B, G, R, A; writes nothing between rows. `in` may be null and may be
+  /// `out` itself; `time` may be any number.
+  void Render(double time, const uint32_t* in, uint32_t* out) noexcept;
+
+ private:
+  void ReadParameters();
+  void RenderOver(const uint32_t* in, uint32_t* out, int64_t frame);
+  Moment MomentOf(int64_t frame) const;
+  hfxImage ImageOf(const uint32_t* pixels) const;
+  void FillBackground(const uint32_t* in, uint32_t* out) const;
+  void MakeOpaque(uint32_t* out) const;
+
+  Role role_;
+  uint32_t width_, height_, rowLength_;
+  Values values_;
+  bool changed_ = true;
+  FrameClock clock_;
+  std::unique_ptr<Scene> scene_;
+  uint64_t sceneId_ = 0;
+  std::shared_ptr<PhotoEffect> effect_;
+  std::vector<uint32_t> videoCopy_;
+};
+
+}  // namespace kelto::frei0r

@@ -1,0 +1,69 @@
+// The effect with one photograph, shared by all instances that show it.
+//
+// Locking. The module has no lock and no thread: it is promised one call at a time. Hosts make one
+// instance for each render thread and render them side by side, so one process-wide lock, in this
+// library that both plug-ins share, stands around everything that calls the module or the host
+// library. The other way, a loaded copy of the module for each thread, was not taken: each copy
+// would load and hold the photograph again (96 MB for 24 megapixels), and the host does its own
+// share of a frame (decoding, blending, encoding) beside the lock anyway. docs/adapters.md has the
+// memory that sharing leads to.
+//
+// Sharing. The module keeps a picture with each of its instances and, past its budget, takes
+// pictures back from others: eight instances of one large photograph would reload it in turns. So
+// instances of one photograph and levels share one of the module's, set up anew where their
+// settings differ.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "adapters/frei0r/scene.h"
+#include "host/session/photo.h"
+#include "platform/hfx.h"
+#include "runtime/hfx/host.h"
+
+namespace kelto::frei0r {
+
+/// One frame's surroundings. Pixels are B, G, R, A without row padding.
+struct FrameRequest {
+  const Scene* scene = nullptr;
+  uint64_t sceneId = 0;  ///< differs between scenes that may differ
+  Moment moment;
+  double quality = 1.0;
+  hfxImage* input = nullptr;
+  hfxImage* output = nullptr;
+};
+
+class PhotoEffect {
+ public:
+  /// The effect of this photograph and these levels (an entry of the effect's list), made and
+  /// loaded when nobody has it yet. Never null: what cannot be shown is told by Render.
+  static std::shared_ptr<PhotoEffect> Share(const std::string& photo, const std::string& levels);
+
+  PhotoEffect(const PhotoEffect&) = delete;
+  PhotoEffect& operator=(const PhotoEffect&) = delete;
+
+  /// Renders a frame. Returns an empty text, or in one line why there is none, in which case the
+  /// output may hold anything.
+  std::string Render(const FrameRequest& request);
+
+ private:
+  PhotoEffect(const std::string& photo, const std::string& levels);
+  ~PhotoEffect() = default;
+  void Load(const std::string& path, const std::string& levels);
+  bool HasPicture(const host::Photo& photo);
+  void Draw(const hfx::RenderState& state, hfxImage& input, hfxImage& output);
+  void SetUp(const Scene& scene);
+  hfxParameter& Find(const char* key);
+  void SetList(const char* key, const std::string& entry);
+  void SetBackground(host::Colour colour);
+  void SetKeys(const std::vector<host::ViewKey>& keys);
+
+  std::shared_ptr<hfx::Module> module_;
+  std::unique_ptr<hfx::Effect> effect_;  // goes before its module
+  std::string fault_;                    ///< why there is nothing to show
+  uint64_t sceneId_ = 0;                 ///< set up for this one
+};
+
+}  // namespace kelto::frei0r

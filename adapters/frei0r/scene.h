@@ -1,0 +1,42 @@
+// What an instance's parameters ask the effect for.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "adapters/frei0r/parameters.h"
+#include "host/film/film_format.h"
+#include "host/options/colour.h"
+#include "host/session/render_plan.h"
+#include "platform/api.h"
+
+namespace kelto::frei0r {
+
+/// Settings of the effect that hold from frame to frame while no parameter changes.
+struct Scene {
+  std::string photo;                       ///< empty: none was given
+  std::string levels;                      ///< entry of the effect's list
+  std::vector<host::ListSetting> lists;    ///< the other lists
+  std::vector<host::ViewKey> keys;         ///< as in a plan: two at least
+  std::optional<host::Colour> background;  ///< none: the incoming video
+  bool outlined = false;                   ///< the whole photograph with the view outlined
+  int32_t frames = 0;                      ///< length of a motion that runs by itself, or 0
+  host::FrameRate rate;                    ///< of the stream, for the host's times
+};
+
+/// A place along a motion that is `frames` long.
+struct Moment {
+  int32_t frame = 0, frames = 1;
+};
+
+/// Reads the parameters. A text that makes no sense leaves its default in force and is told on the
+/// console.
+Scene SceneOf(const Values& values, Role role);
+
+/// The moment at `progress`, 0..1: the fraction with the smallest denominator that meets it. A host
+/// that runs `progress` over N frames thus gets the very times of a motion of N frames.
+KELTO_PLATFORM_API Moment MomentAt(double progress);
+
+}  // namespace kelto::frei0r

@@ -1,0 +1,82 @@
+// The plug-ins in GStreamer.
+#include <gtest/gtest.h>
+
+#include "tests/adapters/run.h"
+
+namespace kelto {
+namespace {
+
+using test::Frames;
+using test::Outcome;
+using test::RunProgram;
+using test::Size;
+using test::Words;
+
+const Words kMove{"--frames", "4",          "--from",       "1.2@0.1,0",
+                  "--to",     "2@-0.2,0.1", "--background", "#203040"};
+
+class GStreamer : public testing::Test {
+ protected:
+  GStreamer() { test::WriteTestPhoto(photo_); }
+
+  /// An element's properties; the elements are named after the plug-ins' names.
+  Words Element(const char* name) const {
+    return {name,       "image=" + photo_, "from=1.2@0.1,0",
+            "frames=4", "to=2@-0.2,0.1",   "background=#203040"};
+  }
+  static std::string Caps(Size size) {
+    return "video/x-raw,format=BGRA,framerate=25/1,width=" + std::to_string(size.width) +
+           ",height=" + std::to_string(size.height);
+  }
+  Frames Launch(const Words& pipeline, Size size) {
+    const std::string out = folder_ / "out.bgra";
+    Words words{"gst-launch-1.0", "-q"};
+    words.insert(words.end(), pipeline.begin(), pipeline.end());
+    words.insert(words.end(), {"!", "filesink", "location=" + out});
+    outcome_ = RunProgram(words);
+    EXPECT_EQ(outcome_.code, 0) << outcome_.err;
+    return test::ReadFrames(out, size.width, size.height);
+  }
+
+  test::TempFolder folder_;
+  std::string photo_ = folder_ / "photo.bmp";
+  Outcome outcome_;
+};
+
+TEST_F(GStreamer, FilterRendersTheFramesOfTheCommandAtEverySize) {
+  for (const Size size : test::kSizes) {
+    Words pipeline{"videotestsrc", "num-buffers=4", "!", Caps(size), "!"};
+    const Words element = Element("frei0r-filter-kelto-pan-zoom");
+    pipeline.insert(pipeline.end(), element.begin(), element.end());
+    ExpectSameFrames(Launch(pipeline, size), RenderByCommand(photo_, size, kMove), size.Text());
+    EXPECT_TRUE(outcome_.Lines().empty()) << outcome_.err;
+  }
+}
+
+TEST_F(GStreamer, SourceRendersTheFramesOfTheCommandAtEverySize) {
+  for (const Size size : test::kSizes) {
+    Words pipeline = Element("frei0r-src-kelto-pan-zoom-src");
+    pipeline.insert(pipeline.end(), {"num-buffers=4", "!", Caps(size)});
+    ExpectSameFrames(Launch(pipeline, size), RenderByCommand(photo_, size, kMove), size.Text());
+  }
+}
+
+TEST_F(GStreamer, LookingAtAnElementOpensNoPhotographAndSaysNothing) {
+  const Outcome outcome = RunProgram({"gst-inspect-1.0", "frei0r-filter-kelto-pan-zoom"});
+  EXPECT_EQ(outcome.code, 0) << outcome.err;
+  EXPECT_TRUE(outcome.Lines().empty()) << outcome.err;
+}
+
+TEST_F(GStreamer, AMissingPhotographLeavesABackgroundAndOneLine) {
+  const Size size{321, 237};
+  photo_ = folder_ / "nowhere.jpg";
+  Words pipeline = Element("frei0r-src-kelto-pan-zoom-src");
+  pipeline.insert(pipeline.end(), {"num-buffers=4", "!", Caps(size)});
+  const Frames frames = Launch(pipeline, size);
+  EXPECT_EQ(frames.Count(), 4u);
+  EXPECT_EQ(outcome_.Lines().size(), 1u) << outcome_.err;
+  EXPECT_EQ(frames.bytes[0], 0x40);
+}
+
+}  // namespace
+}  // namespace kelto

@@ -1,0 +1,121 @@
+// The plug-ins in MLT's command.
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "tests/adapters/run.h"
+
+namespace kelto {
+namespace {
+
+using test::Frames;
+using test::Outcome;
+using test::RunMelt;
+using test::Size;
+using test::Words;
+
+class Melt : public testing::Test {
+ protected:
+  Melt() { test::WriteTestPhoto(photo_); }
+
+  /// `service` into raw frames, on `threads` render threads.
+  Frames Render(const Words& service, Size size, int threads) {
+    const std::string out = folder_ / "out.bgra";
+    Words words{"-profile", Profile(size)};
+    words.insert(words.end(), service.begin(), service.end());
+    words.insert(words.end(), {"-consumer", "avformat:" + out, "f=rawvideo", "vcodec=rawvideo",
+                               "pix_fmt=bgra", "mlt_image_format=rgba"});
+    // Negative: this many threads, and no frame dropped.
+    words.push_back("real_time=-" + std::to_string(threads));
+    outcome_ = RunMelt(words, out);
+    EXPECT_EQ(outcome_.code, 0) << outcome_.err;
+    return test::ReadFrames(out, size.width, size.height);
+  }
+
+  /// A profile file of this size at 25 frames a second.
+  std::string Profile(Size size) {
+    const std::string path = folder_ / ("profile-" + size.Text());
+    std::ofstream(path) << "description=test\nframe_rate_num=25\nframe_rate_den=1\nprogressive=1\n"
+                        << "sample_aspect_num=1\nsample_aspect_den=1\ncolorspace=709\nwidth="
+                        << size.width << "\nheight=" << size.height
+                        << "\ndisplay_aspect_num=" << size.width
+                        << "\ndisplay_aspect_den=" << size.height << "\n";
+    return path;
+  }
+
+  Words Service(const Words& start, const Words& more) {
+    Words words = start;
+    words.insert(words.end(), {"image=" + photo_, "background=#203040"});
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
+  }
+  Words Filter(int last, const Words& more) {
+    return Service(
+        {"colour:red", "out=" + std::to_string(last), "-filter", "frei0r.kelto_pan_zoom"}, more);
+  }
+  Words Producer(int last, const Words& more) {
+    return Service({"frei0r.kelto_pan_zoom_src", "out=" + std::to_string(last)}, more);
+  }
+
+  test::TempFolder folder_;
+  std::string photo_ = folder_ / "photo.bmp";
+  Outcome outcome_;
+};
+
+const Words kMove{"--frames", "8",          "--from",       "1.2@0.1,0",
+                  "--to",     "2@-0.2,0.1", "--background", "#203040"};
+const Words kViews{"from=1.2@0.1,0", "to=2@-0.2,0.1"};
+
+TEST_F(Melt, FilterRendersTheFramesOfTheCommandAtEverySizeOnManyThreads) {
+  Words motion = kViews;
+  motion.push_back("frames=8");
+  for (const Size size : test::kSizes) {
+    const Frames command = RenderByCommand(photo_, size, kMove);
+    for (const int threads : {1, 4}) {
+      ExpectSameFrames(Render(Filter(7, motion), size, threads), command,
+                       size.Text() + " on " + std::to_string(threads) + " threads");
+      EXPECT_TRUE(outcome_.Lines().empty()) << outcome_.err;
+    }
+  }
+}
+
+TEST_F(Melt, ProducerWithKeyframedProgressRendersTheFramesOfTheCommandAtEverySize) {
+  Words motion = kViews;
+  motion.push_back("progress=0=0;7=1");
+  for (const Size size : test::kSizes) {
+    ExpectSameFrames(Render(Producer(7, motion), size, 3), RenderByCommand(photo_, size, kMove),
+                     size.Text());
+  }
+}
+
+TEST_F(Melt, ProducerWithKeyframedZoomRendersTheViewsInBetween) {
+  const Size size{854, 480};
+  const Frames frames = Render(Producer(4, {"zoom=0=1;4=2", "x=0=0;4=0.2"}), size, 4);
+  ASSERT_EQ(frames.Count(), 5u);
+  const size_t length = frames.bytes.size() / 5;
+  const char* views[] = {"1@0,0", "1.25@0.05,0", "1.5@0.1,0", "1.75@0.15,0", "2@0.2,0"};
+  for (size_t i = 0; i < 5; ++i) {
+    Frames frame{size.width, size.height, {}};
+    frame.bytes.assign(frames.bytes.begin() + length * i, frames.bytes.begin() + length * (i + 1));
+    ExpectSameFrames(
+        frame,
+        RenderByCommand(photo_, size,
+                        {"--frames", "1", "--from", views[i], "--background", "#203040"}),
+        views[i]);
+  }
+}
+
+TEST_F(Melt, AMissingPhotographGivesOneLineForAllThreads) {
+  const Size size{321, 237};
+  photo_ = folder_ / "nowhere.jpg";
+  const Frames frames = Render(Producer(7, kViews), size, 4);
+  EXPECT_EQ(frames.Count(), 8u);
+  EXPECT_EQ(outcome_.Lines().size(), 1u) << outcome_.err;
+  for (size_t i = 0; i < frames.bytes.size(); i += 4) {
+    ASSERT_EQ(frames.bytes[i], 0x40) << i;
+    ASSERT_EQ(frames.bytes[i + 2], 0x20) << i;
+  }
+}
+
+}  // namespace
+}  // namespace kelto

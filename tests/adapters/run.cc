@@ -1,0 +1,137 @@
+#include "tests/adapters/run.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <thread>
+
+namespace kelto::test {
+namespace {
+
+/// Longest run of a program, in which it has to make a few frames.
+constexpr std::chrono::seconds kPatience{100};
+constexpr const char* kLineStart = "kelto_pan_zoom: ";
+
+std::string BytesOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// In the child: a home and a plug-in registry of the test's own, and this build's plug-ins.
+void SetEnvironment(const std::string& pluginFolder, const TempFolder& folder) {
+  setenv("FREI0R_PATH", pluginFolder.c_str(), 1);
+  setenv("HOME", (folder / "").c_str(), 1);
+  setenv("GST_REGISTRY", (folder / "registry").c_str(), 1);
+  setenv("XDG_RUNTIME_DIR", (folder / "").c_str(), 1);
+  unsetenv("KELTO_MODULE");
+  // The plug-ins of a sanitized build need the sanitizers in the program; its own leaks are no
+  // business of this test's.
+  if (*KELTO_SANITIZERS != '\0') {
+    setenv("LD_PRELOAD", KELTO_SANITIZERS, 1);
+    setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> Outcome::Lines() const {
+  std::vector<std::string> lines;
+  std::istringstream text(err);
+  for (std::string line; std::getline(text, line);) {
+    const size_t start = line.find(kLineStart);
+    if (start != std::string::npos) lines.push_back(line.substr(start));
+  }
+  return lines;
+}
+
+Outcome RunProgram(const Words& words, const std::string& pluginFolder) {
+  const TempFolder folder;
+  const std::string errors = folder / "err";
+  Words copies = words;
+  std::vector<char*> argv;
+  for (std::string& word : copies) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  const pid_t process = fork();
+  if (process == 0) {
+    const int in = open("/dev/null", O_RDONLY), out = open("/dev/null", O_WRONLY);
+    const int err = open(errors.c_str(), O_WRONLY | O_CREAT, 0600);
+    if (in < 0 || dup2(in, 0) < 0 || dup2(out, 1) < 0 || dup2(err, 2) < 0) _exit(126);
+    SetEnvironment(pluginFolder, folder);
+    execvp(argv[0], argv.data());
+    _exit(127);
+  }
+  int status = 0;
+  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+  while (waitpid(process, &status, WNOHANG) == 0) {
+    if (std::chrono::steady_clock::now() > deadline) kill(process, SIGKILL);
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  Outcome outcome;
+  if (WIFEXITED(status)) outcome.code = WEXITSTATUS(status);
+  outcome.err = BytesOf(errors);
+  return outcome;
+}
+
+Outcome RunMelt(const Words& words, const std::string& out) {
+  constexpr int kAttempts = 4;
+  Words all{"melt", "-silent"};
+  all.insert(all.end(), words.begin(), words.end());
+  Outcome outcome;
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    outcome = RunProgram(all);
+    std::error_code error;
+    if (outcome.code == 0 && std::filesystem::file_size(out, error) > 0 && !error) break;
+  }
+  return outcome;
+}
+
+Frames ReadFrames(const std::string& path, int32_t width, int32_t height) {
+  const std::string bytes = BytesOf(path);
+  return {width, height, {bytes.begin(), bytes.end()}};
+}
+
+Frames RenderByCommand(const std::string& photo, Size size, const Words& options) {
+  const TempFolder folder;
+  Words words{KELTO_COMMAND, "render", photo, "-o", folder / "film.bgra", "--size", size.Text()};
+  words.insert(words.end(), options.begin(), options.end());
+  const Outcome outcome = RunProgram(words);
+  EXPECT_EQ(outcome.code, 0) << outcome.err;
+  return ReadFrames(folder / "film.bgra", size.width, size.height);
+}
+
+void ExpectSameFrames(const Frames& host, const Frames& command, const std::string& what) {
+  ASSERT_FALSE(command.bytes.empty()) << what;
+  ASSERT_EQ(host.bytes.size(), command.bytes.size()) << what;
+  int largest = 0;
+  size_t at = 0;
+  for (size_t i = 0; i < host.bytes.size(); ++i) {
+    const int difference = std::abs(int{host.bytes[i]} - int{command.bytes[i]});
+    if (difference > largest) {
+      largest = difference;
+      at = i;
+    }
+  }
+  const size_t pixel = at / 4, size = size_t(host.width) * size_t(host.height);
+  EXPECT_LE(largest, 1) << what << ": frame " << pixel / size << ", row "
+                        << pixel % size / size_t(host.width) << ", column "
+                        << pixel % size_t(host.width) << ", byte " << at % 4;
+}
+
+void WriteTestPhoto(const std::string& path, int32_t width, int32_t height) {
+  WritePhoto(path, width, height, [=](int32_t x, int32_t y) {
+    const bool bright = (x / 60 + y / 45) % 2 == 0;
+    return Rgb{static_cast<uint8_t>(x * 255 / width), static_cast<uint8_t>(y * 255 / height),
+               static_cast<uint8_t>(bright ? 210 : 20)};
+  });
+}
+
+}  // namespace kelto::test
