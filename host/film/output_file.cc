@@ -63,7 +63,7 @@ OutputFile::OutputFile(const std::string& name) : name_(name), pipe_(name == kSt
   const auto behind = BehindLinks(name);
   if (!behind) throw Error(name_ + ": is a symbolic link that leads in a circle");
   finalPath_ = *behind;
-  const fs::file_status status = fs::status(finalPath_, error);
+  const fs::file_status status = fs::status(name, error);
   if (fs::is_directory(status) || !finalPath_.has_filename()) {
     throw Error(name_ + ": is a folder; give the film a file name");
   }

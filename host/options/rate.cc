@@ -43,7 +43,7 @@ FrameRate ParseDecimal(std::string_view text, size_t point) {
   const double unit = std::pow(10.0, static_cast<double>(fraction.size()));
   if (fraction.size() >= 2) {
     // Rates of 1000/1001 times a whole number are written cut to two or three decimals.
-    for (const int32_t whole : {15, 24, 30, 48, 60, 120, 240}) {
+    for (const int64_t whole : {15, 24, 30, 48, 60, 120, 240}) {
       if (std::abs(*value - whole * 1000.0 / 1001.0) <= 0.5 / unit) {
         return Reduced(whole * 1000, 1001);
       }

@@ -123,6 +123,9 @@ TEST(OutputFile, RefusesAFileInPlaceOfAFolder) {
 TEST(OutputFile, NeverReplacesADevice) {
   EXPECT_THAT(ErrorOf("/dev/null"), HasSubstr("not an ordinary file"));
   EXPECT_TRUE(fs::is_character_file("/dev/null"));
+  const TempFolder folder;
+  fs::create_symlink("/dev/null", folder / "link");
+  EXPECT_THAT(ErrorOf(folder / "link"), HasSubstr("not an ordinary file"));
 }
 
 TEST(OutputFile, RefusesLinksThatLeadInACircle) {
