@@ -15,11 +15,11 @@ typedef uint32_t OSType;
 
 enum : OSErr {
   noErr = 0,
-  fnfErr = -43,                ///< no such file, or no readable file
-  memFullErr = -108,           ///< memory ran out
-  paramErr = -50,              ///< a null or senseless argument
-  noCodecErr = -8961,          ///< no decoder knows the file's form
-  codecBadDataErr = -8969,     ///< damaged, truncated or beyond the limits
+  fnfErr = -43,             ///< no such file, or no readable file
+  memFullErr = -108,        ///< memory ran out
+  paramErr = -50,           ///< a null or senseless argument
+  noCodecErr = -8961,       ///< no decoder knows the file's form
+  codecBadDataErr = -8969,  ///< damaged, truncated or beyond the limits
 };
 
 /// Pixel format of the only kind of offscreen world: bytes B, G, R, A.

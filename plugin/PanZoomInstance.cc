@@ -15,7 +15,9 @@ PanZoomInstance::~PanZoomInstance() {
   DestroyPathCurves(*this);
 }
 
-bool PanZoomInstance::RenderFrame(const hfxRect& region) { return RenderCurrentFrame(*this, region); }
+bool PanZoomInstance::RenderFrame(const hfxRect& region) {
+  return RenderCurrentFrame(*this, region);
+}
 
 bool PanZoomInstance::CreateParameters() { return DeclareParameters(*this); }
 

@@ -18,8 +18,8 @@ class PanZoomInstance : public PanZoomState {
   int32_t BeginRender() override;
   /// Gives the working images up after a render of host state 1. Returns -1, on purpose: true.
   int32_t EndRender() override;
-  /// Lets the user pick or find the image, loads it and saves its path. True when a file was picked,
-  /// whether or not it then loaded.
+  /// Lets the user pick or find the image, loads it and saves its path. True when a file was
+  /// picked, whether or not it then loaded.
   bool ChooseImage() override;
 };
 

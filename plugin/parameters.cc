@@ -13,9 +13,9 @@ const char* const kOutVelocityEntries[] = {"Out: Linear", "Out: Ease Out", "Out:
                                            "Out: Hold", nullptr};
 const char* const kPathEntries[] = {"Path: Linear", "Path: Spline", nullptr};
 const char* const kFilterEntries[] = {
-    "Filter: Real Time",       "Filter: Triangle", "Filter: Quadratic",
-    "Filter: Cubic",           "Filter: BSpline Catmull", "Filter: Gaussian",
-    "Filter: Kelto Hi Qual",   "Filter: Kelto Ultra Qual", nullptr};
+    "Filter: Real Time",     "Filter: Triangle",         "Filter: Quadratic",
+    "Filter: Cubic",         "Filter: BSpline Catmull",  "Filter: Gaussian",
+    "Filter: Kelto Hi Qual", "Filter: Kelto Ultra Qual", nullptr};
 const char* const kBackgroundEntries[] = {"Background: Color", "Background: Video", nullptr};
 const char* const kLevelsEntries[] = {"Source Has RGB Levels", "Source Has 601 Levels", nullptr};
 const char* const kCacheEntries[] = {"Cache: Video Resolution",
@@ -28,7 +28,7 @@ const char* const kCacheEntries[] = {"Cache: Video Resolution",
                                      "Free All Caches",
                                      nullptr};
 
-constexpr int32_t kDropDown = 1;  // the lists' type
+constexpr int32_t kDropDown = 1;         // the lists' type
 constexpr int32_t kShut = 0, kOpen = 1;  // the groups' flags
 
 /// Adds parameters to one instance; each call returns what it added.
@@ -65,9 +65,9 @@ bool DeclareParameters(PanZoomState& state) {
   panel.Switch("Show Action Safe", "showactionsafe", group, state.showActionSafe);
 
   group = panel.Group("Size", "sizegroup", kOpen);
-  hfxPNumber* size = panel.Add(hfxPNumber::New("Zoom Factor", "size", &state.zoom,
-                                               sizeof state.zoom, 0.1, 20.0, 0.01, 0, 1),
-                               group);
+  hfxPNumber* size = panel.Add(
+      hfxPNumber::New("Zoom Factor", "size", &state.zoom, sizeof state.zoom, 0.1, 20.0, 0.01, 0, 1),
+      group);
   size->SetInterpolator(InterpolateZoom);
   size->SetUserData(&state);
 

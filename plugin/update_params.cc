@@ -46,11 +46,12 @@ void HoldConstant(hfxPColorRGB& parameter) {
 
 template <typename Parameter>
 void HoldConstant(const PanZoomState& state, const char* key) {
-  if (auto* parameter = dynamic_cast<Parameter*>(state.FindParameter(key))) HoldConstant(*parameter);
+  if (auto* parameter = dynamic_cast<Parameter*>(state.FindParameter(key)))
+    HoldConstant(*parameter);
 }
 
-/// A run of constant speed needs both sides of its keys Constant: an in key that is set to Constant,
-/// or taken from it, takes its out key along.
+/// A run of constant speed needs both sides of its keys Constant: an in key that is set to
+/// Constant, or taken from it, takes its out key along.
 void CoupleVelocities(const PanZoomState& state) {
   const hfxParameter* ins = state.FindParameter("invelocity");
   const hfxParameter* outs = state.FindParameter("outvelocity");

@@ -134,8 +134,7 @@ double LookupArcTable(PanZoomState& state, double easedTime) {
     const ArcEntry& b = state.motionTable[i];
     if (!(r >= a.travelTime && b.travelTime >= r)) continue;
     if (b.travelTime == a.travelTime) return a.keyTime;
-    return a.keyTime +
-           (b.keyTime - a.keyTime) * (r - a.travelTime) / (b.travelTime - a.travelTime);
+    return a.keyTime + (b.keyTime - a.keyTime) * (r - a.travelTime) / (b.travelTime - a.travelTime);
   }
   return 0.0;
 }

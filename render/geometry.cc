@@ -50,8 +50,7 @@ FrameRects ComputeFrameRects(const FrameGeometry& frame) {
   }
 
   const View& view = frame.view;
-  const float offsetX =
-      CentreOffset(view.centreX, view.zoom, baseWidth, baseWidth / width, aspect);
+  const float offsetX = CentreOffset(view.centreX, view.zoom, baseWidth, baseWidth / width, aspect);
   const float offsetY =
       CentreOffset(view.centreY, view.zoom, baseHeight, baseHeight / height, aspect);
   if (view.zoom != 1.0) {

@@ -16,10 +16,10 @@ struct View {
 };
 
 struct FrameGeometry {
-  int32_t sourceWidth = 0, sourceHeight = 0;  ///< pixels of the cached picture; 0 x 0 for none
-  uint32_t outputWidth = 0, outputHeight = 0; ///< pixels of the output image
-  int32_t fieldMode = 0;                      ///< hfxFieldMode
-  double displayAspect = 1.0;                 ///< width over height of the frame as shown
+  int32_t sourceWidth = 0, sourceHeight = 0;   ///< pixels of the cached picture; 0 x 0 for none
+  uint32_t outputWidth = 0, outputHeight = 0;  ///< pixels of the output image
+  int32_t fieldMode = 0;                       ///< hfxFieldMode
+  double displayAspect = 1.0;                  ///< width over height of the frame as shown
   bool squarePixels = true;
   int32_t videoType = 0;  ///< hfxVideoType; matters only without square pixels
   View view;

@@ -1,8 +1,8 @@
 // Turns the keys of a frame's parameters into the view: its centre and its zoom.
 //
-// All times are the host's key times, 0..1 over the effect's length. Velocity lists are keyed at the
-// times of the "position" keys; a key that is missing there counts as Linear. No result is ever NaN
-// or infinite.
+// All times are the host's key times, 0..1 over the effect's length. Velocity lists are keyed at
+// the times of the "position" keys; a key that is missing there counts as Linear. No result is ever
+// NaN or infinite.
 #pragma once
 
 #include "platform/hfx.h"
@@ -11,7 +11,12 @@
 namespace kelto {
 
 /// Values of the "invelocity" and "outvelocity" lists.
-enum Velocity : int32_t { VelocityLinear = 0, VelocityEase = 1, VelocityConstant = 2, VelocityHold = 3 };
+enum Velocity : int32_t {
+  VelocityLinear = 0,
+  VelocityEase = 1,
+  VelocityConstant = 2,
+  VelocityHold = 3
+};
 
 /// The current frame's (or field's) time, 0 to just under 1; 0 for an effect of one frame. Sets
 /// `progressive` when the host's video is progressive.

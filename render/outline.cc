@@ -81,8 +81,8 @@ OutlineRect ActionSafeRect(const OutlineRect& rect) {
 }
 
 void DrawViewOverlay(const PanZoomState& state, hfxImage& image, int32_t colorspace) {
-  const OutlineRect view = ViewRect(image.GetWidth(), image.GetHeight(), state.zoom, state.centreX,
-                                    state.centreY);
+  const OutlineRect view =
+      ViewRect(image.GetWidth(), image.GetHeight(), state.zoom, state.centreX, state.centreY);
   DrawFrameOutline(image, colorspace, view, OutlineThick, kOutlineColour);
   if (!state.showActionSafe || !state.renderFlag) return;
   DrawFrameOutline(image, colorspace, ActionSafeRect(view), OutlineThin, kOutlineColour);

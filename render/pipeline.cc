@@ -173,8 +173,8 @@ void RenderFrame(PanZoomState& state, const hfxRect& region) {
   const bool fast = !showTarget || state.GetQuality() <= kRealTimeQuality;
   job.filterMode = fast ? static_cast<int32_t>(FilterRealTime) : state.filter;
   const View view = showTarget ? View{state.zoom, state.centreX, state.centreY} : View{};
-  const FrameRects rects = ComputeFrameRects(
-      GeometryOf(state, *output, job.source.width, job.source.height, view));
+  const FrameRects rects =
+      ComputeFrameRects(GeometryOf(state, *output, job.source.width, job.source.height, view));
   job.sourceRect = rects.source;
   job.destRect = rects.target;
 

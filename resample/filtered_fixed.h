@@ -9,9 +9,9 @@ namespace kelto {
 /// Draws a plan as DrawFiltered does, on the current target, within one level of it; exact for a
 /// constant picture, and the same on every target. `filters` are the plan's tables.
 ///
-/// Memory, in pixels of four bytes: of the source 64 times a column's window, but never less than
-/// 6000; of the picture's columns as many rows as a destination row needs and up to 64 more. Only
-/// where the engine is built with vectors.
+/// Memory: 1 KiB for every four source pixels in twice a column's window (in its window and 24 such
+/// groups more, when it is small), and two bytes for each byte of the picture's columns in as many
+/// rows as a destination row needs and up to 64 more. Only where the engine is built with vectors.
 void DrawFilteredFixed(const FilteredPlan& plan, const FixedFilters& filters);
 
 }  // namespace kelto

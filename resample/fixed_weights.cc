@@ -124,14 +124,14 @@ FixedWeights Round(const WeightTable& table, int32_t base, int32_t group,
     to.firstGroup = (entry.first - base) / group;
     to.groups = (entry.first - base + entry.count - 1) / group + 1 - to.firstGroup;
     to.offset = words;
-    words += static_cast<size_t>(to.groups * group / 2);
+    words += static_cast<size_t>(to.groups) * static_cast<size_t>(group / 2);
   }
   fixed.words.resize(words);
   std::vector<int16_t> run;
   for (size_t i = 0; i < table.entries.size(); ++i) {
     const WeightTable::Entry& entry = table.entries[i];
     FixedWeights::Entry& to = fixed.entries[i];
-    run.assign(static_cast<size_t>(to.groups * group), 0);
+    run.assign(static_cast<size_t>(to.groups) * static_cast<size_t>(group), 0);
     to.difference =
         RoundWeights(table.Weights(entry), entry.count, std::ldexp(entry.normaliser, to.shift),
                      to.shift, run.data() + (entry.first - base - to.firstGroup * group));

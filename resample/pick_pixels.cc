@@ -14,13 +14,10 @@ PickedBytes PickedBytes422(const ChromaBytes& chroma, int32_t firstColumn) {
   return picked;
 }
 
-void PickPixels(const uint8_t* sourceRow, const uint8_t* nextRow,
-                const std::vector<int32_t>& columns, const PickedBytes& picked, uint8_t* to) {
-  if (CurrentTarget() == Target::Scalar) {
-    PickPixelsScalar(sourceRow, columns.data(), columns.size(), picked, to);
-  } else {
-    PickPixelsVectors(sourceRow, nextRow, columns.data(), columns.size(), picked, to);
-  }
+void PickPixels(const uint8_t* sourceRow, const std::vector<int32_t>& columns,
+                const PickedBytes& picked, uint8_t* to) {
+  const auto pick = CurrentTarget() == Target::Scalar ? PickPixelsScalar : PickPixelsVectors;
+  pick(sourceRow, columns.data(), columns.size(), picked, to);
 }
 
 void PickPixelsScalar(const uint8_t* sourceRow, const int32_t* columns, size_t count,

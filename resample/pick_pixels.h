@@ -23,16 +23,15 @@ constexpr PickedBytes kWholePixels = {};
 PickedBytes PickedBytes422(const ChromaBytes& chroma, int32_t firstColumn);
 
 /// Writes the picked bytes of the source pixels `columns` of a row. On the current target.
-/// `nextRow` is the row that will be asked for next: it is fetched meanwhile.
-void PickPixels(const uint8_t* sourceRow, const uint8_t* nextRow,
-                const std::vector<int32_t>& columns, const PickedBytes& picked, uint8_t* to);
+void PickPixels(const uint8_t* sourceRow, const std::vector<int32_t>& columns,
+                const PickedBytes& picked, uint8_t* to);
 
 /// The same pixel by pixel.
 void PickPixelsScalar(const uint8_t* sourceRow, const int32_t* columns, size_t count,
                       const PickedBytes& picked, uint8_t* to);
 
 /// The same in vectors, where the engine is built with them.
-void PickPixelsVectors(const uint8_t* sourceRow, const uint8_t* nextRow, const int32_t* columns,
-                       size_t count, const PickedBytes& picked, uint8_t* to);
+void PickPixelsVectors(const uint8_t* sourceRow, const int32_t* columns, size_t count,
+                       const PickedBytes& picked, uint8_t* to);
 
 }  // namespace kelto

@@ -1,6 +1,5 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "resample/pick_pixels_vectors.cc"
-#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>  // IWYU pragma: keep
 #include <hwy/highway.h>
 
@@ -11,8 +10,8 @@ namespace kelto {
 namespace HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128
 
-void Pick(const uint8_t* sourceRow, const uint8_t*, const int32_t* columns, size_t count,
-          const PickedBytes& picked, uint8_t* to) {
+void Pick(const uint8_t* sourceRow, const int32_t* columns, size_t count, const PickedBytes& picked,
+          uint8_t* to) {
   PickPixelsScalar(sourceRow, columns, count, picked, to);
 }
 
@@ -34,8 +33,8 @@ struct BlockOrder {
   }
 };
 
-void Pick(const uint8_t* sourceRow, const uint8_t* nextRow, const int32_t* columns, size_t count,
-          const PickedBytes& picked, uint8_t* to) {
+void Pick(const uint8_t* sourceRow, const int32_t* columns, size_t count, const PickedBytes& picked,
+          uint8_t* to) {
   const hn::ScalableTag<int32_t> words;
   const hn::Repartition<uint8_t, decltype(words)> bytes;
   const hn::Repartition<uint64_t, decltype(words)> doubles;
@@ -48,9 +47,6 @@ void Pick(const uint8_t* sourceRow, const uint8_t* nextRow, const int32_t* colum
   const auto perPixel = static_cast<size_t>(picked.perPixel);
   size_t i = 0;
   for (; i + lanes <= count; i += lanes) {
-    for (size_t pixel = 0; pixel < lanes; pixel += 4) {
-      hwy::Prefetch(nextRow + ptrdiff_t{4} * columns[i + pixel]);
-    }
     const auto offsets = hn::ShiftLeft<2>(hn::LoadU(words, columns + i));
     const auto gathered = hn::BitCast(bytes, hn::GatherOffset(words, pixels, offsets));
     const auto ordered = hn::TableLookupBytes(gathered, order);
@@ -76,9 +72,9 @@ namespace kelto {
 
 HWY_EXPORT(Pick);
 
-void PickPixelsVectors(const uint8_t* sourceRow, const uint8_t* nextRow, const int32_t* columns,
-                       size_t count, const PickedBytes& picked, uint8_t* to) {
-  HWY_DYNAMIC_DISPATCH(Pick)(sourceRow, nextRow, columns, count, picked, to);
+void PickPixelsVectors(const uint8_t* sourceRow, const int32_t* columns, size_t count,
+                       const PickedBytes& picked, uint8_t* to) {
+  HWY_DYNAMIC_DISPATCH(Pick)(sourceRow, columns, count, picked, to);
 }
 
 }  // namespace kelto

@@ -48,21 +48,16 @@ void DrawRealTime(const Canvas& canvas, const PixelBlock& source, const ChromaBy
   const PickedBytes picked = packed ? PickedBytes422(chroma, columns.first) : kWholePixels;
   const size_t offset = static_cast<size_t>(columns.first) * (packed ? 2 : 4);
   const size_t count = sourceColumns.size() * (packed ? 2 : 4);
-  const auto sourceRowOf = [&](int32_t row) {
-    const float position = picture.rows.map.At(canvas.FrameRow(row));
-    return Inside(static_cast<int64_t>(std::floor(position)), source.height);
-  };
   int32_t drawn = -1;
   for (int32_t row = rows.first; row < rows.end; ++row) {
-    const int32_t sourceRow = sourceRowOf(row);
+    const float position = picture.rows.map.At(canvas.FrameRow(row));
+    const int32_t sourceRow = Inside(static_cast<int64_t>(std::floor(position)), source.height);
     uint8_t* const to = canvas.Row(row) + offset;
     if (sourceRow == drawn) {
       std::memcpy(to, canvas.Row(row - 1) + offset, count);
       continue;
     }
-    PickPixels(source.pixels + sourceRow * source.rowBytes,
-               source.pixels + sourceRowOf(std::min(row + 1, rows.end - 1)) * source.rowBytes,
-               sourceColumns, picked, to);
+    PickPixels(source.pixels + sourceRow * source.rowBytes, sourceColumns, picked, to);
     drawn = sourceRow;
   }
 }

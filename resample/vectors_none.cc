@@ -21,8 +21,8 @@ void DrawFilteredFixed(const FilteredPlan&, const FixedFilters&) {
   throw std::logic_error("this engine is built without vectors");
 }
 
-void PickPixelsVectors(const uint8_t* sourceRow, const uint8_t*, const int32_t* columns,
-                       size_t count, const PickedBytes& picked, uint8_t* to) {
+void PickPixelsVectors(const uint8_t* sourceRow, const int32_t* columns, size_t count,
+                       const PickedBytes& picked, uint8_t* to) {
   PickPixelsScalar(sourceRow, columns, count, picked, to);
 }
 

@@ -26,8 +26,8 @@ struct ArcEntry {
 
 class PanZoomState : public hfxInstance_v1 {
  public:
-  PanZoomState();                ///< joins the instance registry
-  ~PanZoomState() override;      ///< leaves it, where that was not done yet; frees nothing else
+  PanZoomState();            ///< joins the instance registry
+  ~PanZoomState() override;  ///< leaves it, where that was not done yet; frees nothing else
   /// Leaves the registry, so that nobody reaches an instance that is being destroyed.
   void LeaveInstanceRegistry();
 
@@ -38,9 +38,9 @@ class PanZoomState : public hfxInstance_v1 {
   double centreX = 0.0, centreY = 0.0;      ///< in base rectangles; rewritten each frame
   int32_t inVelocity = 1;
   int32_t outVelocity = 1;
-  int32_t pathType = 0;  ///< 1 spline, else linear
-  int32_t filter = 0;    ///< FilterMode
-  int32_t compositeOver = 0;  ///< 0 background colour, else background video
+  int32_t pathType = 0;                         ///< 1 spline, else linear
+  int32_t filter = 0;                           ///< FilterMode
+  int32_t compositeOver = 0;                    ///< 0 background colour, else background video
   double backgroundColor[3] = {0.0, 0.0, 0.0};  ///< red, green, blue, 0..1
   bool showActionSafe = true;
   bool renderFlag = true;  ///< no parameter sets it
@@ -56,10 +56,10 @@ class PanZoomState : public hfxInstance_v1 {
   Curve* pathCurveX = nullptr;
   Curve* pathCurveY = nullptr;
   std::vector<ArcEntry> motionTable;
-  bool paramsChanged = true;  ///< the motion must be prepared anew
-  int32_t hostState = -1;     ///< the host state callback's answer while rendering
-  int32_t playMode = -1;      ///< the host's play mode while rendering
-  int32_t cacheState = -1;    ///< 1 level 0 is natural size, 0 reduced, -1 none yet
+  bool paramsChanged = true;                 ///< the motion must be prepared anew
+  int32_t hostState = -1;                    ///< the host state callback's answer while rendering
+  int32_t playMode = -1;                     ///< the host's play mode while rendering
+  int32_t cacheState = -1;                   ///< 1 level 0 is natural size, 0 reduced, -1 none yet
   uint32_t imageWidth = 0, imageHeight = 0;  ///< natural size
   int32_t outputWidth = 0, outputHeight = 0;
   bool loadFailed = false;  ///< keeps later renders from trying again

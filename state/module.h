@@ -7,9 +7,9 @@
 namespace kelto {
 
 struct ModuleState {
-  HINSTANCE handle = nullptr;                     ///< owns the file dialogs
-  hfxHostStateCallback hostState = nullptr;       ///< asked when an instance begins a render
-  void* attributeBlock = nullptr;                 ///< remembered, never read
+  HINSTANCE handle = nullptr;                ///< owns the file dialogs
+  hfxHostStateCallback hostState = nullptr;  ///< asked when an instance begins a render
+  void* attributeBlock = nullptr;            ///< remembered, never read
 };
 
 ModuleState& Module();

@@ -62,7 +62,7 @@ std::shared_ptr<PhotoEffect> PhotoEffect::Share(const std::string& photo,
   std::erase_if(shared, [](const auto& entry) { return entry.second.expired(); });
   std::weak_ptr<PhotoEffect>& place = shared[{photo, levels}];
   if (auto effect = place.lock()) return effect;
-  const std::shared_ptr<PhotoEffect> effect(new PhotoEffect(photo, levels), [](PhotoEffect* last) {
+  std::shared_ptr<PhotoEffect> effect(new PhotoEffect(photo, levels), [](PhotoEffect* last) {
     const std::lock_guard ending(ModuleLock());
     delete last;
   });

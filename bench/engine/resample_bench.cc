@@ -45,7 +45,7 @@ void Frame(benchmark::State& state, int32_t mode, double scale, Target target) {
   Shared();
   SetTarget(target);
   int frame = 0;
-  for (auto _ : state) ResampleTo422(Job(mode, scale, frame++, 2));
+  for ([[maybe_unused]] auto _ : state) ResampleTo422(Job(mode, scale, frame++, 2));
   SetTarget(AvailableTargets().back());
 }
 
@@ -53,7 +53,7 @@ void Frame(benchmark::State& state, int32_t mode, double scale, Target target) {
 void Growth(benchmark::State& state, int32_t width, int32_t height) {
   Shared();
   int frame = 0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     ResampleJob job = Job(FilterHiQual, 3.125, frame++, 2);
     job.dest.width = width;
     job.dest.height = height;
@@ -67,7 +67,7 @@ void Growth(benchmark::State& state, int32_t width, int32_t height) {
 
 void Reduction(benchmark::State& state) {
   Shared();
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     ResampleJob job = Job(FilterHiQual, 1, 0, 4);
     job.dest.width = 1620;
     job.sourceRect = {0.5f, 0.5f, kImageWidth - 0.5f, kImageHeight - 0.5f};
@@ -80,7 +80,7 @@ void Reduction(benchmark::State& state) {
 void Tables(benchmark::State& state, int32_t mode, double scale) {
   Shared();
   int frame = 0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     ResampleJob job = Job(mode, scale, frame++, 2);
     ClipJob(job);
     const Canvas canvas = MakeCanvas(job, PixelFormat::Packed422, true);
@@ -91,7 +91,7 @@ void Tables(benchmark::State& state, int32_t mode, double scale) {
 
 void Background422(benchmark::State& state) {
   Shared();
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     ResampleJob job = Job(FilterRealTime, 1, 0, 2);
     job.destRect = {kFrameWidth + 9.5f, 0.5f, 2 * kFrameWidth - 0.5f, kFrameHeight - 0.5f};
     ResampleTo422(job);

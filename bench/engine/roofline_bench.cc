@@ -79,7 +79,7 @@ namespace {
 void FloatPeak(benchmark::State& state) {
   float value = 0.5f;
   int64_t count = 0;
-  for (auto _ : state) count += HWY_DYNAMIC_DISPATCH(FloatMultiplyAdds)(&value);
+  for ([[maybe_unused]] auto _ : state) count += HWY_DYNAMIC_DISPATCH(FloatMultiplyAdds)(&value);
   benchmark::DoNotOptimize(value);
   state.SetItemsProcessed(count);
 }
@@ -87,7 +87,7 @@ void FloatPeak(benchmark::State& state) {
 void PairPeak(benchmark::State& state) {
   int32_t value = 3;
   int64_t count = 0;
-  for (auto _ : state) count += HWY_DYNAMIC_DISPATCH(PairMultiplyAdds)(&value);
+  for ([[maybe_unused]] auto _ : state) count += HWY_DYNAMIC_DISPATCH(PairMultiplyAdds)(&value);
   benchmark::DoNotOptimize(value);
   state.SetItemsProcessed(count);
 }
@@ -97,7 +97,7 @@ constexpr size_t kViewBytes = size_t{4} * 6000 * 3375;
 
 void Read(benchmark::State& state) {
   const std::vector<uint8_t> bytes(kViewBytes, 1);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     uint64_t sum = 0;
     for (size_t i = 0; i < kViewBytes; i += 64) {
       uint64_t word;
@@ -112,7 +112,7 @@ void Read(benchmark::State& state) {
 void Copy(benchmark::State& state) {
   const std::vector<uint8_t> from(kViewBytes / 2, 1);
   std::vector<uint8_t> to(from.size());
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     std::memcpy(to.data(), from.data(), from.size());
     benchmark::ClobberMemory();
   }

@@ -35,7 +35,7 @@ void Scale(benchmark::State& state, int flags, double scale) {
                                        flags == SWS_LANCZOS ? parameters : nullptr);
   if (context == nullptr) throw std::runtime_error("swscale refuses the view");
   const int left = (kImageWidth - width) / 4 * 2, top = (kImageHeight - height) / 2;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     const uint8_t* from[3];
     uint8_t* to[3];
     for (int i = 0; i < 3; ++i) {

@@ -16,7 +16,7 @@ struct Planes {
 
   Planes(int32_t width, int32_t height) {
     for (int i = 0; i < 3; ++i) {
-      strides[i] = ((i == 0 ? width : width / 2) + 63) / 64 * 64;
+      strides[i] = ((i == 0 ? width : width / 2) + 63) / 64 * ptrdiff_t{64};
       bytes[i] = NoisyBytes(static_cast<size_t>(strides[i]) * static_cast<size_t>(height) + 64);
     }
   }
@@ -92,7 +92,7 @@ void Rebuilt(benchmark::State& state, zimg_resample_filter_e filter, double para
   Source();
   Dest();
   int frame = 0;
-  for (auto _ : state) Graph(filter, parameter, scale, frame++).Run();
+  for ([[maybe_unused]] auto _ : state) Graph(filter, parameter, scale, frame++).Run();
 }
 
 void Kernel(benchmark::State& state, zimg_resample_filter_e filter, double parameter,
@@ -100,7 +100,7 @@ void Kernel(benchmark::State& state, zimg_resample_filter_e filter, double param
   Source();
   Dest();
   Graph graph(filter, parameter, scale, 1);
-  for (auto _ : state) graph.Run();
+  for ([[maybe_unused]] auto _ : state) graph.Run();
 }
 
 BENCHMARK_CAPTURE(Rebuilt, lanczos5, ZIMG_RESIZE_LANCZOS, 5, 3.125)

@@ -77,7 +77,7 @@ const PhotoFile& Photo() {
 
 void BareDecoder(benchmark::State& state) {
   Photo();
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     std::vector<uint8_t> pixels(size_t{3} * kWidth * kHeight);
     FILE* file = fopen(Photo().path(), "rb");
     jpeg_decompress_struct decoder;
@@ -102,7 +102,7 @@ void BareDecoder(benchmark::State& state) {
 void Load(benchmark::State& state, int32_t levels) {
   iplSetErrMode(IPL_ErrModeSilent);
   Photo();
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     Instance instance;
     instance.imagePath = Photo().path();
     instance.levels = levels;
@@ -115,7 +115,7 @@ void Convert(benchmark::State& state, const char* from, const char* to) {
   std::vector<uint8_t> source(size_t{4} * 1920 * 1080, 90), dest(source.size());
   pxcImage sourceImage(1920, 1080, from, source.data(), pxcComponent8U, pxcColorSpaceRGB);
   pxcImage destImage(1920, 1080, to, dest.data(), pxcComponent8U, pxcColorSpaceRGB);
-  for (auto _ : state) Conversion().Execute(sourceImage, destImage);
+  for ([[maybe_unused]] auto _ : state) Conversion().Execute(sourceImage, destImage);
 }
 
 BENCHMARK(BareDecoder)->Name("libjpeg-turbo/to RGB");

@@ -1,5 +1,5 @@
 // Renders a photograph in instances on a thread each and prints the memory that this takes:
-//   memory PHOTO INSTANCES
+//   memory FOLDER PHOTO INSTANCES, with the plug-ins in FOLDER
 #include <cstdio>
 #include <fstream>
 #include <memory>
@@ -24,12 +24,13 @@ int64_t Mebibytes(const std::string& key) {
 
 int main(int argc, char** argv) {
   using namespace kelto;
-  if (argc != 3) return 2;
+  if (argc != 4) return 2;
+  const test::Plugin plugin(argv[1], "kelto_pan_zoom_src");
   std::vector<std::unique_ptr<test::Instance>> instances;
   std::vector<std::thread> threads;
-  for (int i = std::stoi(argv[2]); i > 0; --i) {
-    instances.push_back(std::make_unique<test::Instance>(test::SourcePlugin(), 1920, 1080));
-    instances.back()->Set(frei0r::kImage, argv[1]);
+  for (int i = std::stoi(argv[3]); i > 0; --i) {
+    instances.push_back(std::make_unique<test::Instance>(plugin, 1920, 1080));
+    instances.back()->Set(frei0r::kImage, argv[2]);
     threads.emplace_back([&instance = *instances.back()] {
       for (const double zoom : {1.0, 1.5, 2.0}) {
         instance.Set(frei0r::kZoom, zoom);
@@ -38,6 +39,6 @@ int main(int argc, char** argv) {
     });
   }
   for (std::thread& thread : threads) thread.join();
-  std::printf("| %9s | %19lld | %8lld |\n", argv[2], static_cast<long long>(Mebibytes("VmRSS:")),
+  std::printf("| %9s | %19lld | %8lld |\n", argv[3], static_cast<long long>(Mebibytes("VmRSS:")),
               static_cast<long long>(Mebibytes("VmHWM:")));
 }

@@ -7,13 +7,12 @@ build=$(cd "${KELTO_BUILD:-$root/build}" && pwd)
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 
-c++ -std=c++20 -O1 -I"$root" "-DKELTO_FREI0R_FOLDER=\"$build/lib/frei0r-1\"" \
-  "$root/bench/sharing/memory.cc" -o "$folder/memory" -ldl -pthread
+c++ -std=c++20 -O1 -I"$root" "$root/bench/sharing/memory.cc" -o "$folder/memory" -ldl -pthread
 ffmpeg -nostdin -v error -f lavfi -i testsrc2=size=6000x4000,noise=alls=10 -frames:v 1 -q:v 3 \
   "$folder/photo.jpg"
 echo
 echo "| instances | resident after, MiB | peak MiB |"
 echo "| --------: | ------------------: | -------: |"
 for instances in 1 2 8; do
-  "$folder/memory" "$folder/photo.jpg" "$instances"
+  "$folder/memory" "$build/lib/frei0r-1" "$folder/photo.jpg" "$instances"
 done

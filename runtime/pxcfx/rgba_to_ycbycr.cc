@@ -59,7 +59,7 @@ constexpr int kBlock = 256;
 KELTO_VECTOR_CLONES
 void ConvertPairs(const uint32_t (&pixels)[2 * kBlock], uint32_t (&pairs)[kBlock], int count) {
   for (int i = 0; i < count; ++i) {
-    const Color left(pixels[2 * i]), right(pixels[2 * i + 1]);
+    const Color left(pixels[ptrdiff_t{2} * i]), right(pixels[ptrdiff_t{2} * i + 1]);
     const int32_t r = left.r + right.r, g = left.g + right.g, b = left.b + right.b;
     pairs[i] = Luma(left) | Chroma<2>(kCbWeights, r, g, b) << 8 | Luma(right) << 16 |
                Chroma<2>(kCrWeights, r, g, b) << 24;

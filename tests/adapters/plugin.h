@@ -13,11 +13,11 @@
 
 namespace kelto::test {
 
-/// A plug-in by its file's name, in the folder of this build. Stays loaded.
+/// A plug-in by its file's name. Stays loaded.
 class Plugin {
  public:
-  explicit Plugin(const std::string& name) {
-    const std::string path = std::string(KELTO_FREI0R_FOLDER) + "/" + name + ".so";
+  Plugin(const std::string& folder, const std::string& name) {
+    const std::string path = folder + "/" + name + ".so";
     library_ = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library_ == nullptr) throw std::runtime_error(dlerror());
     Find(init, "f0r_init");
@@ -47,15 +47,6 @@ class Plugin {
   }
   void* library_ = nullptr;
 };
-
-inline const Plugin& FilterPlugin() {
-  static const Plugin plugin("kelto_pan_zoom");
-  return plugin;
-}
-inline const Plugin& SourcePlugin() {
-  static const Plugin plugin("kelto_pan_zoom_src");
-  return plugin;
-}
 
 /// An instance with frames of its size; the input is grey.
 class Instance {

@@ -6,7 +6,7 @@
 #include <limits>
 #include <random>
 
-#include "tests/adapters/plugin.h"
+#include "tests/adapters/built_plugins.h"
 #include "tests/adapters/run.h"
 
 namespace kelto {

@@ -7,7 +7,7 @@
 #include <fstream>
 #include <thread>
 
-#include "tests/adapters/plugin.h"
+#include "tests/adapters/built_plugins.h"
 #include "tests/adapters/run.h"
 
 namespace kelto {

@@ -16,7 +16,8 @@ struct YCbCr {
   double y, cb, cr;
 };
 
-/// Studio-range luma and chroma of full-range RGB, compressed to studio range first (BT.601 weights).
+/// Studio-range luma and chroma of full-range RGB, compressed to studio range first (BT.601
+/// weights).
 YCbCr Studio(const Rgb& c) {
   const auto level = [](double v) { return v * 219.0 / 255.0 + 16.0; };
   const double r = level(c.r), g = level(c.g), b = level(c.b);
@@ -30,8 +31,7 @@ class Colours : public testing::TestWithParam<int32_t> {
 };
 
 TEST_P(Colours, BarsStayTheRightColoursIn422) {
-  test::WritePhoto(folder / "bars.bmp", 640, 360,
-                   [](int32_t x, int32_t) { return kBars[x / 80]; });
+  test::WritePhoto(folder / "bars.bmp", 640, 360, [](int32_t x, int32_t) { return kBars[x / 80]; });
   HostedEffect effect(320, 180);
   effect.SetPhoto(folder / "bars.bmp");
   effect.SetList("filter", GetParam());
@@ -49,8 +49,7 @@ TEST_P(Colours, BarsStayTheRightColoursIn422) {
 }
 
 TEST_P(Colours, BarsStayTheRightColoursInRgb) {
-  test::WritePhoto(folder / "bars.bmp", 640, 360,
-                   [](int32_t x, int32_t) { return kBars[x / 80]; });
+  test::WritePhoto(folder / "bars.bmp", 640, 360, [](int32_t x, int32_t) { return kBars[x / 80]; });
   HostedEffect effect(320, 180, hfxColorspaceRGB);
   effect.SetPhoto(folder / "bars.bmp");
   effect.SetList("filter", GetParam());
@@ -106,8 +105,9 @@ class SoftEdges : public testing::TestWithParam<int32_t> {};
 
 TEST_P(SoftEdges, AViewHalfOutsideShowsBackgroundBehindASmoothEdge) {
   test::TempFolder folder;
-  test::WritePhoto(folder / "white.bmp", 320, 180,
-                   [](int32_t, int32_t) { return Rgb{255, 255, 255}; });
+  test::WritePhoto(folder / "white.bmp", 320, 180, [](int32_t, int32_t) {
+    return Rgb{255, 255, 255};
+  });
   double last = -1.0;
   for (int step = 0; step < 8; ++step) {
     HostedEffect effect(160, 90);

@@ -17,7 +17,14 @@ namespace kelto::test {
 
 /// The filter list's indexes.
 enum Filter : int32_t {
-  RealTime, Triangle, Quadratic, Cubic, Catmull, Gaussian, HiQual, UltraQual
+  RealTime,
+  Triangle,
+  Quadratic,
+  Cubic,
+  Catmull,
+  Gaussian,
+  HiQual,
+  UltraQual
 };
 
 inline hfx::Module& LoadedModule() {

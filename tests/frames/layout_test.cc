@@ -45,14 +45,12 @@ TEST_P(Layouts, PaddedAndBottomUpImagesHoldTheSamePixelsAndKeepEveryOtherByte) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Hosts, Layouts,
-                         testing::Values(Layout{hfxColorspaceYCbCr, 28, false},
-                                         Layout{hfxColorspaceYCbCr, 3, true},
-                                         Layout{hfxColorspaceYCbCr, 0, true},
-                                         Layout{hfxColorspaceRGB, 24, false},
-                                         Layout{hfxColorspaceRGB, 1, false},
-                                         Layout{hfxColorspaceRGB, 8, true},
-                                         Layout{hfxColorspaceRGB, 0, true}));
+INSTANTIATE_TEST_SUITE_P(
+    Hosts, Layouts,
+    testing::Values(Layout{hfxColorspaceYCbCr, 28, false}, Layout{hfxColorspaceYCbCr, 3, true},
+                    Layout{hfxColorspaceYCbCr, 0, true}, Layout{hfxColorspaceRGB, 24, false},
+                    Layout{hfxColorspaceRGB, 1, false}, Layout{hfxColorspaceRGB, 8, true},
+                    Layout{hfxColorspaceRGB, 0, true}));
 
 TEST(Fields, InterleaveIntoTheProgressiveFrameOfAStillView) {
   test::TempFolder folder;
@@ -75,7 +73,8 @@ TEST(Fields, InterleaveIntoTheProgressiveFrameOfAStillView) {
           const auto from = frame.begin() + 100 * (2 * y + (top ? 0 : 1));
           EXPECT_EQ(std::vector<uint8_t>(field.row(y), field.row(y) + 100),
                     std::vector<uint8_t>(from, from + 100))
-              << "filter " << filter << ", zoom " << zoom << ", row " << y << (top ? " top" : " bottom");
+              << "filter " << filter << ", zoom " << zoom << ", row " << y
+              << (top ? " top" : " bottom");
         }
       }
     }

@@ -64,9 +64,10 @@ TEST_F(TwoInstances, AnImageThatFitsNowhereIsToldOnTheConsoleAndTheBackgroundSho
   a.Render();
   ASSERT_EQ(console.size(), 1u);
   EXPECT_EQ(console[0].rfind("KeltoPanAndZoom instance at ", 0), 0u) << console[0];
-  EXPECT_NE(console[0].find(" failed to allocate memory for image, even when reclaiming memory from "
-                            "other instances.\n"),
-            std::string::npos)
+  EXPECT_NE(
+      console[0].find(" failed to allocate memory for image, even when reclaiming memory from "
+                      "other instances.\n"),
+      std::string::npos)
       << console[0];
   EXPECT_EQ(a.output.row(18)[2 * 32], 16);
   EXPECT_EQ(Held(), 0u);

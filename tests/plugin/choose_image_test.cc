@@ -57,8 +57,9 @@ class ChooseImage : public testing::Test {
     Dialogs::current = &dialogs;
     win32().GetOpenFileNameA = AnswerOpen;
     win32().MessageBoxA = KeepMessage;
-    test::WritePhoto(folder / "good.bmp", 12, 8,
-                     [](int32_t, int32_t) { return test::Rgb{200, 10, 10}; });
+    test::WritePhoto(folder / "good.bmp", 12, 8, [](int32_t, int32_t) {
+      return test::Rgb{200, 10, 10};
+    });
     std::ofstream(folder / "bad.bmp") << "no picture at all";
   }
   ~ChooseImage() override { win32() = DefaultWin32Calls(); }

@@ -124,10 +124,10 @@ TEST(ModuleFile, ExportsTheSevenEntryPointsAndNothingElse) {
     names.insert(text.substr(text.rfind(' ') + 1));
   }
   EXPECT_EQ(pclose(nm), 0);
-  const std::set<std::string> entries = {
-      "hfxStartUp_v1",     "hfxShutDown_v1",   "hfxNumModels_v1",
-      "hfxNewModel_v1",    "hfxNewOverlay_v1", "hfxGetModelAttributes_v1ext",
-      "hfxSetAttribute"};
+  const std::set<std::string> entries = {"hfxStartUp_v1",    "hfxShutDown_v1",
+                                         "hfxNumModels_v1",  "hfxNewModel_v1",
+                                         "hfxNewOverlay_v1", "hfxGetModelAttributes_v1ext",
+                                         "hfxSetAttribute"};
   EXPECT_EQ(names, entries);
 }
 #endif

@@ -25,7 +25,8 @@ class Frame : public testing::Test {
  protected:
   static constexpr int32_t kWidth = 32, kHeight = 18;
 
-  Frame() : input(kWidth, kHeight, hfxColorspaceYCbCr), output(kWidth, kHeight, hfxColorspaceYCbCr) {
+  Frame()
+      : input(kWidth, kHeight, hfxColorspaceYCbCr), output(kWidth, kHeight, hfxColorspaceYCbCr) {
     test::WritePhoto(photo, 64, 36, [](int32_t x, int32_t) {
       return x < 32 ? test::Rgb{20, 20, 20} : test::Rgb{220, 220, 220};
     });

@@ -126,8 +126,7 @@ TEST(Instances, GiveAllTheirMemoryBackWhenDeleted) {
   const uint64_t before = iplxAllocatedBytes();
   {
     test::TempFolder folder;
-    test::WritePhoto(folder / "p.bmp", 40, 30,
-                     [](int32_t, int32_t) { return test::Rgb{1, 2, 3}; });
+    test::WritePhoto(folder / "p.bmp", 40, 30, [](int32_t, int32_t) { return test::Rgb{1, 2, 3}; });
     Instance a, b;
     test::Picture out(16, 8, hfxColorspaceYCbCr);
     for (Instance* i : {&a, &b}) {

@@ -88,9 +88,8 @@ TEST(Parameters, TheEightFiltersAndEightCacheCommandsKeepTheirOrder) {
                  "Filter: Kelto Ultra Qual"});
   ExpectEntries(i, "cache",
                 {"Cache: Video Resolution", "Cache: Image Resolution", "Cache: Multi-Resolution",
-                 "Free Current Cache", "Cache All: Video Resolution",
-                 "Cache All: Image Resolution", "Cache All: Multi-Resolution",
-                 "Free All Caches"});
+                 "Free Current Cache", "Cache All: Video Resolution", "Cache All: Image Resolution",
+                 "Cache All: Multi-Resolution", "Free All Caches"});
 }
 
 TEST(Parameters, GroupsAndTheZoomCarryTheirArguments) {
@@ -98,7 +97,8 @@ TEST(Parameters, GroupsAndTheZoomCarryTheirArguments) {
   const auto flag = [&](const char* key) {
     return dynamic_cast<const hfxPGroup&>(*i.FindParameter(key)).GetFlag();
   };
-  for (const char* shut : {"sourcerectoptions", "velocitygroup", "pathgroup", "backgroundgroup", "advanced"}) {
+  for (const char* shut :
+       {"sourcerectoptions", "velocitygroup", "pathgroup", "backgroundgroup", "advanced"}) {
     EXPECT_EQ(flag(shut), 0) << shut;
   }
   for (const char* open : {"sizegroup", "positiongroup", "filtering", "cachegroup", "projgroup"}) {

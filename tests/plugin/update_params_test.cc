@@ -31,7 +31,9 @@ void SetCacheKeys(Instance& instance, int32_t value) {
   instance.SetActive("cache", 1);
 }
 
-int32_t CacheEntry(Instance& instance, int32_t key) { return instance.KeyValue<int32_t>("cache", key); }
+int32_t CacheEntry(Instance& instance, int32_t key) {
+  return instance.KeyValue<int32_t>("cache", key);
+}
 
 TEST(UpdateParams, CopiesTheActiveKeyOntoEveryKey) {
   Instance i;

@@ -23,7 +23,8 @@ void ExpectRect(const RectF& rect, const nlohmann::json& tlbr, const char* what,
   const float got[4] = {rect.top, rect.left, rect.bottom, rect.right};
   for (int i = 0; i < 4; ++i) {
     const double want = tlbr[i];
-    EXPECT_NEAR(got[i], want, 2e-3 + 2e-6 * std::abs(want)) << what << ' ' << i << " of case " << index;
+    EXPECT_NEAR(got[i], want, 2e-3 + 2e-6 * std::abs(want))
+        << what << ' ' << i << " of case " << index;
   }
 }
 

@@ -18,7 +18,8 @@ void SetUpCase(Instance& instance, const json& c) {
   for (const auto& key : c["position"]) instance.SetPosition(key[0], key[1], key[2]);
   for (const auto& key : c["size"]) instance.SetKey("size", key[0], key[1].get<double>());
   for (const auto& key : c["invelocity"]) instance.SetKey("invelocity", key[0], key[1].get<int>());
-  for (const auto& key : c["outvelocity"]) instance.SetKey("outvelocity", key[0], key[1].get<int>());
+  for (const auto& key : c["outvelocity"])
+    instance.SetKey("outvelocity", key[0], key[1].get<int>());
   instance.pathType = c["pathType"];
   instance.progressive = c["progressive"];
   instance.host().totalFrames = c["totalFrames"];
@@ -167,7 +168,8 @@ TEST(Motion, ASingleSizeKeyYieldsZoomOne) {
 
 TEST(Motion, TheLastFieldOfTheLastFrameIsJustBelowOne) {
   Instance instance;
-  instance.host() = {.currentFrame = 9, .totalFrames = 10, .field = 1, .videoType = hfxVideoType525};
+  instance.host() = {
+      .currentFrame = 9, .totalFrames = 10, .field = 1, .videoType = hfxVideoType525};
   EXPECT_EQ(FrameTime(instance), 0.9999999999999);
   instance.host().field = 0;
   EXPECT_EQ(FrameTime(instance), 0.9999999999999);

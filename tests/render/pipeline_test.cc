@@ -20,13 +20,13 @@ constexpr hfxRect Whole(int32_t width, int32_t height) { return {0, 0, width - 1
 void CachePicture(Instance& instance, const std::vector<uint8_t>& rgb, int32_t width,
                   int32_t height) {
   iplSetErrMode(IPL_ErrModeSilent);
-  IplImage* bgra = iplCreateImageHeader(4, 0, IPL_DEPTH_8U, "RGBA", "BGRA", IPL_DATA_ORDER_PIXEL,
-                                        IPL_ORIGIN_TL, IPL_ALIGN_DWORD, width, height, nullptr,
-                                        nullptr, nullptr, nullptr);
+  IplImage* bgra =
+      iplCreateImageHeader(4, 0, IPL_DEPTH_8U, "RGBA", "BGRA", IPL_DATA_ORDER_PIXEL, IPL_ORIGIN_TL,
+                           IPL_ALIGN_DWORD, width, height, nullptr, nullptr, nullptr, nullptr);
   iplAllocateImage(bgra, 1, 0);
-  IplImage* cached = iplCreateImageHeader(4, 0, IPL_DEPTH_8U, "MSI", "MSI", IPL_DATA_ORDER_PIXEL,
-                                          IPL_ORIGIN_TL, IPL_ALIGN_QWORD, width, height, nullptr,
-                                          nullptr, nullptr, nullptr);
+  IplImage* cached =
+      iplCreateImageHeader(4, 0, IPL_DEPTH_8U, "MSI", "MSI", IPL_DATA_ORDER_PIXEL, IPL_ORIGIN_TL,
+                           IPL_ALIGN_QWORD, width, height, nullptr, nullptr, nullptr, nullptr);
   AllocateImageData(instance, cached);
   ASSERT_EQ(iplGetErrStatus(), IPL_StsOk);
   for (int32_t y = 0; y < height; ++y) {
@@ -193,7 +193,8 @@ TEST_F(SmallFrame, SeparateFieldsRenderOnlyTheFieldTheHostNames) {
     for (int32_t y = 0; y < kHeight / 2; ++y) {
       const std::vector<uint8_t> got(field.row(y), field.row(y) + 2 * kWidth);
       const auto from = frame.begin() + (2 * y + (top ? 0 : 1)) * 2 * kWidth;
-      EXPECT_EQ(got, std::vector<uint8_t>(from, from + 2 * kWidth)) << (top ? "top " : "bottom ") << y;
+      EXPECT_EQ(got, std::vector<uint8_t>(from, from + 2 * kWidth))
+          << (top ? "top " : "bottom ") << y;
     }
     EXPECT_TRUE(field.GuardsIntact());
   }
@@ -299,8 +300,9 @@ TEST(LayoutCode, FollowsTheHostsFormats) {
   EXPECT_EQ(LayoutCode(hfxImgFormatYCbYCr, 0), 10);
   EXPECT_EQ(LayoutCode(hfxImgFormatYCbYCr, 1), 11);
   EXPECT_EQ(LayoutCode(8, 0), 10);
-  const std::pair<int, int> table[] = {{-1, 0}, {0, 0}, {15, 0}, {1, 1}, {3, 2},  {6, 3}, {4, 5},
-                                       {5, 6},  {7, 7}, {11, 8}, {12, 9}, {10, 11}, {13, 4}, {14, 4}};
+  const std::pair<int, int> table[] = {{-1, 0}, {0, 0},   {15, 0}, {1, 1}, {3, 2},
+                                       {6, 3},  {4, 5},   {5, 6},  {7, 7}, {11, 8},
+                                       {12, 9}, {10, 11}, {13, 4}, {14, 4}};
   for (const auto& [format, code] : table) EXPECT_EQ(LayoutCode(format, 0), code) << format;
 }
 

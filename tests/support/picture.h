@@ -9,8 +9,8 @@
 
 namespace kelto::test {
 
-/// Pixels with an image over them: rows may be padded and run upwards; every byte that belongs to no
-/// pixel holds `kGuard`.
+/// Pixels with an image over them: rows may be padded and run upwards; every byte that belongs to
+/// no pixel holds `kGuard`.
 class Picture {
  public:
   static constexpr uint8_t kGuard = 0xA5;
@@ -20,10 +20,11 @@ class Picture {
       : rowBytes_(width * (colorspace == hfxColorspaceRGB ? 4 : 2)),
         stride_(rowBytes_ + padding),
         bytes_(static_cast<size_t>(stride_) * height + 2 * kMargin, kGuard),
-        image_(width, height,
-               bytes_.data() + kMargin + (bottomUp ? static_cast<size_t>(stride_) * (height - 1) : 0),
-               bottomUp ? -ptrdiff_t{stride_} : ptrdiff_t{stride_}, colorspace,
-               colorspace == hfxColorspaceRGB ? hfxImgFormatBGRA : hfxImgFormatYCbYCr) {}
+        image_(
+            width, height,
+            bytes_.data() + kMargin + (bottomUp ? static_cast<size_t>(stride_) * (height - 1) : 0),
+            bottomUp ? -ptrdiff_t{stride_} : ptrdiff_t{stride_}, colorspace,
+            colorspace == hfxColorspaceRGB ? hfxImgFormatBGRA : hfxImgFormatYCbYCr) {}
   Picture(const Picture&) = delete;
 
   int32_t rowBytes() const { return rowBytes_; }
@@ -32,7 +33,8 @@ class Picture {
   /// All rows, top row first, without padding.
   std::vector<uint8_t> Packed() {
     std::vector<uint8_t> all;
-    for (int32_t y = 0; y < image_.GetHeight(); ++y) all.insert(all.end(), row(y), row(y) + rowBytes_);
+    for (int32_t y = 0; y < image_.GetHeight(); ++y)
+      all.insert(all.end(), row(y), row(y) + rowBytes_);
     return all;
   }
   /// True while no byte outside the pixels has changed.

@@ -72,8 +72,9 @@ Differences RenderAndCompare(const Film& film) {
   return differences;
 }
 
-/// The effect's own frames agree within a level. In films converted from them that one level is up to
-/// two of luma (BT.709) and four of RGB: chroma weighs up to 2.07, luma 1.16, and both are rounded.
+/// The effect's own frames agree within a level. In films converted from them that one level is up
+/// to two of luma (BT.709) and four of RGB: chroma weighs up to 2.07, luma 1.16, and both are
+/// rounded.
 int BoundFor(const Film& film) {
   if (film.name.ends_with(".yuyv")) return 1;
   return film.name.ends_with(".y4m") ? 2 : 4;

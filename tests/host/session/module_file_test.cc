@@ -16,10 +16,10 @@ using testing::HasSubstr;
 
 class ModuleFile : public testing::Test {
  protected:
-  ~ModuleFile() override { unsetenv(kModuleVariable); }
+  void TearDown() override { unsetenv(kModuleVariable); }
 
   std::string File(const char* name) {
-    const std::string path = folder_ / name;
+    std::string path = folder_ / name;
     std::ofstream(path) << "x";
     return path;
   }
