@@ -1,6 +1,7 @@
 // Renders a photograph in instances on a thread each and prints the memory that this takes:
 //   memory FOLDER PHOTO INSTANCES, with the plug-ins in FOLDER
 #include <cstdio>
+#include <exception>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -20,11 +21,8 @@ int64_t Mebibytes(const std::string& key) {
   return -1;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+void Measure(char** argv) {
   using namespace kelto;
-  if (argc != 4) return 2;
   const test::Plugin plugin(argv[1], "kelto_pan_zoom_src");
   std::vector<std::unique_ptr<test::Instance>> instances;
   std::vector<std::thread> threads;
@@ -41,4 +39,17 @@ int main(int argc, char** argv) {
   for (std::thread& thread : threads) thread.join();
   std::printf("| %9s | %19lld | %8lld |\n", argv[3], static_cast<long long>(Mebibytes("VmRSS:")),
               static_cast<long long>(Mebibytes("VmHWM:")));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 4) return 2;
+  try {
+    Measure(argv);
+    return 0;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "memory: %s\n", error.what());
+    return 1;
+  }
 }
