@@ -32,6 +32,7 @@ class Motion : public testing::Test {
     EXPECT_EQ(outcome.code, 0);
     EXPECT_EQ(outcome.err, "");
     std::vector<Picture> film;
+    film.reserve(static_cast<size_t>(frames));
     for (int i = 0; i < frames; ++i) {
       film.push_back(ReadPng(folder_ / std::string("f").append(std::to_string(i)).append(".png")));
     }
@@ -70,6 +71,7 @@ TEST_F(Motion, LinearIsEvenAndEaseIsNot) {
     const auto film =
         Film(9, {"--from", "2@-0.25,0", "--to", "2@0.25,0", "--in", word, "--out", word});
     std::vector<int> levels;
+    levels.reserve(film.size());
     for (const Picture& picture : film) levels.push_back(Middle(picture).r);
     return levels;
   };
@@ -108,7 +110,7 @@ TEST_F(Motion, StudioLevelsOfThePhotoAreTakenAsTheyAre) {
   const auto rgb = Film(1, {}), studio = Film(1, {"--levels", "601"});
   // Taken for studio levels, 64 is darker on the screen than it is as full-range 64.
   EXPECT_NEAR(rgb[0].At(32, 64).r, 64, 3);
-  EXPECT_NEAR(studio[0].At(32, 64).r, (64 - 16) * 255 / 219, 4);
+  EXPECT_NEAR(studio[0].At(32, 64).r, (64 - 16) * 255.0 / 219.0, 4);
 }
 
 TEST_F(Motion, EveryFilterAndPlayModeRendersThePhoto) {

@@ -17,6 +17,7 @@ Command::Command(const Words& arguments, const std::string& output)
   std::vector<std::string> words{KELTO_COMMAND};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
+  argv.reserve(words.size() + 1);
   for (std::string& word : words) argv.push_back(word.data());
   argv.push_back(nullptr);
   const std::string errors = folder_ / "err";
