@@ -44,11 +44,7 @@ int Run(int argc, char** argv) {
   app.require_subcommand(1);
   app.footer(kExitCodes);
 
-  RenderArguments renderArguments;
-  CLI::App* render = app.add_subcommand("render", "Make a film of a photograph");
-  DeclareRender(*render, renderArguments);
-  render->footer(kExitCodes);
-  render->final_callback([&] { RunRender(renderArguments); });
+  for (const auto add : {AddRender}) add(app)->footer(kExitCodes);
 
   try {
     app.parse(argc, argv);

@@ -52,13 +52,8 @@ class PhotoEffect {
   PhotoEffect(const std::string& photo, const std::string& levels);
   ~PhotoEffect() = default;
   void Load(const std::string& path, const std::string& levels);
-  bool HasPicture(const host::Photo& photo);
   void Draw(const hfx::RenderState& state, hfxImage& input, hfxImage& output);
   void SetUp(const Scene& scene);
-  hfxParameter& Find(const char* key);
-  void SetList(const char* key, const std::string& entry);
-  void SetBackground(host::Colour colour);
-  void SetKeys(const std::vector<host::ViewKey>& keys);
 
   std::shared_ptr<hfx::Module> module_;
   std::unique_ptr<hfx::Effect> effect_;  // goes before its module

@@ -13,7 +13,6 @@ namespace kelto::frei0r {
 namespace {
 
 constexpr const char* kVideo = "video";
-constexpr const char* kLevelsList = "levels";
 constexpr const char* kDisplaySource = "Display: Source";
 
 /// What `parse` makes of a text; of the default, when that fails.
@@ -73,14 +72,17 @@ Scene SceneOf(const Values& values, Role role) {
   Scene scene;
   scene.photo = PhotoOf(values.texts[kImage]);
   scene.levels = EntryAt(values, role, kLevels);
-  for (const int index : {kFilter, kPath, kDisplay}) {
-    const char* list = Parameters(role)[static_cast<size_t>(index)].list;
-    scene.lists.push_back({list, EntryAt(values, role, index)});
+  host::RenderPlan plan;
+  for (const int index : {kFilter, kPath, kDisplay, kLevels}) {
+    plan.Set(Parameters(role)[static_cast<size_t>(index)].list, EntryAt(values, role, index));
   }
-  scene.lists.push_back({kLevelsList, scene.levels});
-  scene.outlined = EntryAt(values, role, kDisplay) == kDisplaySource;
-  scene.keys = KeysOf(values, role);
+  plan.SetViews(KeysOf(values, role));
   scene.background = BackgroundAt(values, role);
+  plan.Set("compositeover",
+           std::string(scene.background ? "Background: Color" : "Background: Video"));
+  if (scene.background) plan.Set("bgcolor", host::BackgroundFor(*scene.background));
+  scene.settings = plan.settings;
+  scene.outlined = EntryAt(values, role, kDisplay) == kDisplaySource;
   scene.frames = Read(values, role, kFrames, [](const std::string& text) {
     return text.empty() ? 0 : host::ParseFrames(text);
   });

@@ -9,7 +9,7 @@
 #include "adapters/frei0r/parameters.h"
 #include "host/film/film_format.h"
 #include "host/options/colour.h"
-#include "host/session/render_plan.h"
+#include "host/plan/render_plan.h"
 #include "platform/api.h"
 
 namespace kelto::frei0r {
@@ -18,9 +18,8 @@ namespace kelto::frei0r {
 struct Scene {
   std::string photo;                       ///< empty: none was given
   std::string levels;                      ///< entry of the effect's list
-  std::vector<host::ListSetting> lists;    ///< the other lists
-  std::vector<host::ViewKey> keys;         ///< as in a plan: two at least
-  std::optional<host::Colour> background;  ///< none: the incoming video
+  std::vector<host::Setting> settings;     ///< of the effect, as in a plan
+  std::optional<host::Colour> background;  ///< as seen; none: the incoming video
   bool outlined = false;                   ///< the whole photograph with the view outlined
   int32_t frames = 0;                      ///< length of a motion that runs by itself, or 0
   host::FrameRate rate;                    ///< of the stream, for the host's times

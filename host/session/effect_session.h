@@ -1,15 +1,14 @@
 // The effect, set up for one plan.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 
 #include "host/film/film_format.h"
+#include "host/plan/render_plan.h"
 #include "host/session/photo.h"
-#include "host/session/render_plan.h"
 #include "runtime/hfx/host.h"
 
 namespace kelto::host {
@@ -28,36 +27,28 @@ class EffectSession {
   /// Asked while frames render; once it answers true, Render throws.
   void SetAbortQuery(std::function<bool()> query);
 
-  /// Renders frame `number`, 0-based; both its fields when the film is interlaced. The view holds
-  /// until the next call.
-  FrameView Render(int32_t number);
+  /// The video that the effect lies over, black at first: pixels in the session's layout and size,
+  /// to be written before a Render.
+  hfxImage& Input() { return *input_.image(); }
+
+  /// Renders frame `number`, 0-based; both its fields when the film is interlaced. `quality` is
+  /// what the effect is told: 1 for all of it, 0.5 for a preview in a hurry. The view holds until
+  /// the next call.
+  FrameView Render(int32_t number, double quality = 1.0);
+
+  /// Changes one of the plan's settings for the frames to come.
+  void Change(const Setting& setting);
 
  private:
-  hfxParameter& Parameter(const std::string& key);
-  void SetPhoto();
-  void SetLists();
-  void SetBackground(const std::array<double, 3>& rgb);
-  void SetKeys();
-  bool HasPicture();
-  void CheckPhoto() const;
-  void Begin();
-  void End();
-  void RenderFrame(hfx::RenderState state);
   void RenderField(const hfx::RenderState& state, hfxImage& input, hfxImage& output);
   /// The state of frame 0 as the plan has it.
   hfx::RenderState FirstState() const;
 
   RenderPlan plan_;
-  Photo photo_;
-  PixelLayout layout_;
   hfx::ImageBuffer input_;  ///< the effect demands an input even where nothing of it is seen
   hfx::ImageBuffer output_;
   std::unique_ptr<hfx::Module> module_;
   std::unique_ptr<hfx::Effect> effect_;  // goes before its module
-  bool begun_ = false;
 };
-
-/// The value of the effect's background parameter that is seen as `colour` in the film.
-std::array<double, 3> BackgroundFor(Colour colour);
 
 }  // namespace kelto::host

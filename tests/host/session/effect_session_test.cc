@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <optional>
 #include <vector>
 
@@ -25,9 +26,11 @@ class Session : public testing::Test {
     plan_.photo = folder_ / "photo.bmp";
     plan_.format.size = {48, 32};
     plan_.frames = 5;
-    plan_.keys = {{0.0, {1.0, 0.0, 0.0}, "In: Linear", "Out: Linear"},
-                  {1.0, {3.0, 0.1, 0.1}, "In: Linear", "Out: Linear"}};
-    plan_.lists = {{"display", "Display: Target"}, {"filter", "Filter: Cubic"}};
+    const ViewKey keys[] = {{0.0, {1.0, 0.0, 0.0}, "In: Linear", "Out: Linear"},
+                            {1.0, {3.0, 0.1, 0.1}, "In: Linear", "Out: Linear"}};
+    plan_.SetViews(keys);
+    plan_.Set("display", std::string("Display: Target"));
+    plan_.Set("filter", std::string("Filter: Cubic"));
   }
   void TearDown() override {
     session_.reset();
@@ -71,15 +74,50 @@ TEST_F(Session, RefusesAPhotoThatTheEffectHasNoMemoryFor) {
 
 TEST_F(Session, RefusesEntriesAndListsThatTheEffectDoesNotHave) {
   const RenderPlan good = plan_;
-  plan_.lists = {{"filter", "Filter: Lens"}};
+  plan_.Set("filter", std::string("Filter: Lens"));
   EXPECT_THAT(ErrorOfOpening(), HasSubstr("Filter: Lens"));
-  plan_.lists = {{"lens", "Filter: Cubic"}};
+  plan_ = good;
+  plan_.Set("lens", std::string("Filter: Cubic"));
   EXPECT_THAT(ErrorOfOpening(), HasSubstr("\"lens\""));
-  plan_.lists = {{"size", "Filter: Cubic"}};
+  plan_ = good;
+  plan_.Set("size", std::string("Filter: Cubic"));
   EXPECT_THAT(ErrorOfOpening(), HasSubstr("is not a list"));
   plan_ = good;
-  plan_.keys[1].arrival = "In: Hold";
+  plan_.SettingOf("invelocity").keys[1].value = std::string("In: Hold");
   EXPECT_THAT(ErrorOfOpening(), HasSubstr("In: Hold"));
+}
+
+TEST_F(Session, RefusesValuesOfAnotherKindAndGroups) {
+  const RenderPlan good = plan_;
+  plan_.Set("filter", 3.0);
+  EXPECT_THAT(ErrorOfOpening(), HasSubstr("\"filter\" takes no value of this kind"));
+  plan_ = good;
+  plan_.Set("size", true);
+  EXPECT_THAT(ErrorOfOpening(), HasSubstr("\"size\" takes no value of this kind"));
+  plan_ = good;
+  plan_.Set("sizegroup", 1.0);
+  EXPECT_THAT(ErrorOfOpening(), HasSubstr("is a group"));
+}
+
+TEST_F(Session, ShowsTheInputWhereTheVideoIsTheBackground) {
+  plan_.Set("compositeover", std::string("Background: Video"));
+  const View far{0.1, 0.0, 0.0};
+  const ViewKey keys[] = {{0.0, far, "In: Linear", "Out: Linear"},
+                          {1.0, far, "In: Linear", "Out: Linear"}};
+  plan_.SetViews(keys);
+  Open();
+  for (int32_t y = 0; y < 32; ++y) std::memset(session_->Input().GetRowPtr(y), 200, 48 * 4);
+  EXPECT_NEAR(Frame(0)[1], 200, 1);
+}
+
+TEST_F(Session, TakesChangesBetweenFrames) {
+  Open();
+  const auto target = Frame(2);
+  session_->Change({"display", std::string("Display: Source"), {}, -1});
+  const auto source = Frame(2);
+  EXPECT_NE(target, source);
+  session_->Change({"display", std::string("Display: Target"), {}, -1});
+  EXPECT_EQ(Frame(2), target);
 }
 
 TEST_F(Session, StopsWhenAskedTo) {

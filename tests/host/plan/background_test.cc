@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "host/session/effect_session.h"
+#include "host/plan/render_plan.h"
 
 namespace kelto::host {
 namespace {

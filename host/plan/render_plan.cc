@@ -1,0 +1,49 @@
+#include "host/plan/render_plan.h"
+
+#include <algorithm>
+
+namespace kelto::host {
+
+Setting& RenderPlan::SettingOf(const std::string& parameter) {
+  const auto found = std::find_if(settings.begin(), settings.end(), [&](const Setting& setting) {
+    return setting.parameter == parameter;
+  });
+  if (found != settings.end()) return *found;
+  settings.push_back({parameter, std::nullopt, {}, -1});
+  return settings.back();
+}
+
+const Setting* RenderPlan::FindSetting(const std::string& parameter) const {
+  const auto found = std::find_if(settings.begin(), settings.end(), [&](const Setting& setting) {
+    return setting.parameter == parameter;
+  });
+  return found == settings.end() ? nullptr : &*found;
+}
+
+void RenderPlan::Set(const std::string& parameter, const SettingValue& value) {
+  // Without keys: the effect resets a list whose keys are all inactive to its first entry.
+  SettingOf(parameter) = {parameter, value, {}, -1};
+}
+
+void RenderPlan::SetViews(std::span<const ViewKey> keys) {
+  Setting zoom{"size", std::nullopt, {}, -1}, position{"position", std::nullopt, {}, -1},
+      arrival{"invelocity", std::nullopt, {}, -1}, departure{"outvelocity", std::nullopt, {}, -1};
+  for (const ViewKey& key : keys) {
+    zoom.keys.push_back({key.time, key.view.zoom});
+    position.keys.push_back({key.time, std::array{key.view.x, key.view.y}});
+    arrival.keys.push_back({key.time, key.arrival});
+    departure.keys.push_back({key.time, key.departure});
+  }
+  for (const Setting& setting : std::array{zoom, position, arrival, departure}) {
+    SettingOf(setting.parameter) = setting;
+  }
+}
+
+std::array<double, 3> BackgroundFor(Colour colour) {
+  // The effect works in studio range and takes the parameter's levels, 0..255, for studio levels:
+  // where it minds at all, it cuts them to 16..235 without scaling. So they are scaled here.
+  const auto studio = [](uint8_t level) { return static_cast<int>(level * 219 / 255.0 + 16.5); };
+  return {studio(colour.red) / 255.0, studio(colour.green) / 255.0, studio(colour.blue) / 255.0};
+}
+
+}  // namespace kelto::host

@@ -1,0 +1,35 @@
+// What the effect's parameters are set to, by their keys and texts.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace kelto::host {
+
+/// A parameter's value: a switch, a number, a point, a colour (0..1 a channel), or the text of a
+/// list's entry.
+using SettingValue =
+    std::variant<bool, double, std::array<double, 2>, std::array<double, 3>, std::string>;
+
+/// A value at a time, 0..1 over the film.
+struct SettingKey {
+  double time = 0.0;
+  SettingValue value;
+  bool operator==(const SettingKey&) const = default;
+};
+
+/// One of the effect's parameters, by its key such as "size".
+struct Setting {
+  std::string parameter;
+  /// What holds while there are no keys; none: what the effect begins with.
+  std::optional<SettingValue> value;
+  std::vector<SettingKey> keys;  ///< in order of time
+  int32_t activeKey = -1;        ///< index of the key being edited, -1 for none
+  bool operator==(const Setting&) const = default;
+};
+
+}  // namespace kelto::host
