@@ -3,8 +3,10 @@
 #include <benchmark/benchmark.h>
 
 #include <cmath>
+#include <cstring>
 
 #include "bench/engine/view.h"
+#include "platform/ipl.h"
 #include "resample/filtered.h"
 #include "resample/fixed_weights.h"
 #include "resample/geometry.h"
@@ -18,10 +20,24 @@ const char* const kFilterNames[] = {"realtime", "triangle", "quadratic", "cubic"
                                     "catmull",  "gaussian", "hiqual",    "ultra"};
 constexpr double kScales[] = {6, 3.125, 1.5, 1 / 1.5, 1.0 / 6};
 
-/// One picture and one frame for all benchmarks.
-struct Pictures {
-  std::vector<uint8_t> image = NoisyBytes(size_t{4} * kImageWidth * kImageHeight);
+/// One picture and one frame for all benchmarks. The picture lies where the effect keeps its own.
+class Pictures {
+ public:
+  Pictures() {
+    header_ = iplCreateImageHeader(4, 0, IPL_DEPTH_8U, "RGBA", "BGRA", IPL_DATA_ORDER_PIXEL,
+                                   IPL_ORIGIN_TL, IPL_ALIGN_DWORD, kImageWidth, kImageHeight,
+                                   nullptr, nullptr, nullptr, nullptr);
+    iplAllocateImage(header_, 0, 0);
+    const std::vector<uint8_t> noise = NoisyBytes(size_t{4} * kImageWidth * kImageHeight);
+    std::memcpy(header_->imageData, noise.data(), noise.size());
+  }
+  uint8_t* Image() const {
+    return static_cast<uint8_t*>(static_cast<void*>(header_->imageData));
+  }
   std::vector<uint8_t> frame = NoisyBytes(size_t{4} * kFrameWidth * kFrameHeight);
+
+ private:
+  IplImage* header_;  // as long as the process lives
 };
 
 Pictures& Shared() {
@@ -31,7 +47,7 @@ Pictures& Shared() {
 
 ResampleJob Job(int32_t mode, double scale, int frame, int32_t bytesPerPixel) {
   ResampleJob job;
-  job.source = {Shared().image.data(), kImageWidth, kImageHeight, ptrdiff_t{4} * kImageWidth};
+  job.source = {Shared().Image(), kImageWidth, kImageHeight, ptrdiff_t{4} * kImageWidth};
   job.dest = {Shared().frame.data(), kFrameWidth, kFrameHeight,
               ptrdiff_t{bytesPerPixel} * kFrameWidth};
   job.sourceRect = SourceRect(MovingView(scale, frame));

@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-#include "bench/engine/view.h"
+#include "bench/engine/planes.h"
 
 extern "C" {
 #include <libswscale/swscale.h>
@@ -12,18 +12,6 @@ extern "C" {
 
 namespace kelto::bench {
 namespace {
-
-struct Planes {
-  std::vector<uint8_t> bytes[3];
-  int strides[3];
-
-  Planes(int32_t width, int32_t height) {
-    for (int i = 0; i < 3; ++i) {
-      strides[i] = i == 0 ? width : width / 2;
-      bytes[i] = NoisyBytes(static_cast<size_t>(strides[i]) * static_cast<size_t>(height) + 64);
-    }
-  }
-};
 
 void Scale(benchmark::State& state, int flags, double scale) {
   static Planes source(kImageWidth, kImageHeight), dest(kFrameWidth, kFrameHeight);

@@ -4,46 +4,101 @@ import statistics
 import subprocess
 import sys
 
-ROUNDS = 5
+ROUNDS = int(os.environ.get("KELTO_BENCH_ROUNDS", "5"))
 SIZE = "1920x1080"
+FRAMES = 150
+LAST = FRAMES - 1
+FFMPEG = ["ffmpeg", "-nostdin", "-v", "error", "-threads", "1", "-filter_threads", "1"]
+# The command's own encoder settings, so that all films cost the same to encode.
+H264 = ["-c:v", "libx264", "-preset", "medium", "-crf", "18", "-pix_fmt", "yuv420p", "-threads", "1"]
+# How much of the picture's sides the view shows while frame `n` is drawn: from 1 to 1/2.
+SHOWN = f"(1/(1+{{n}}/{LAST}))"
 
 
-def zoompan(photo, before=""):
-    """FFmpeg's command of the move; `before` are filters that come first."""
-    move = (f"{before}zoompan=z='1+on/150':x='iw/2-iw/zoom/2':y='ih/2-ih/zoom/2'"
-            f":d=150:s={SIZE}:fps=25,format=yuyv422")
-    return ["ffmpeg", "-nostdin", "-v", "error", "-threads", "1", "-filter_threads", "1",
-            "-i", photo, "-vf", move, "-f", "rawvideo", "-y", "film.yuyv"]
+def ffmpeg(film, photo, filters, before=()):
+    """FFmpeg's command that draws the move by these filters."""
+    raw = film.endswith(".yuyv")
+    output = ["-f", "rawvideo"] if raw else H264
+    picture = ",format=yuyv422" if raw else ""
+    return [*FFMPEG, *before, "-i", photo, "-vf", filters + picture, "-frames:v", str(FRAMES),
+            *output, "-y", film]
 
 
-def cpu_seconds(command):
+def zoompan(film, photo, before=""):
+    """Filters `before` come first."""
+    move = (f"{before}zoompan=z='1+on/{LAST}':x='iw/2-iw/zoom/2':y='ih/2-ih/zoom/2'"
+            f":d={FRAMES}:s={SIZE}:fps=25")
+    return ffmpeg(film, photo, move)
+
+
+def perspective(film, photo):
+    """On the still scaled to twice the film's size, the most that the move's end needs."""
+    near = f"(1-{SHOWN.format(n='in')})/2"
+    far = f"(1+{SHOWN.format(n='in')})/2"
+    corners = "".join(f":x{i}='W*{x}':y{i}='H*{y}'" for i, (x, y) in enumerate(
+        [(near, near), (far, near), (near, far), (far, far)]))
+    move = (f"scale=3840:2160,loop={FRAMES - 1}:1,"
+            f"perspective=eval=frame:interpolation=cubic{corners},scale={SIZE}")
+    return ffmpeg(film, photo, move)
+
+
+def affine(film, photo, interpolation):
+    """MLT's rectangle is the whole picture's place in the frame."""
+    output = (["f=rawvideo", "vcodec=rawvideo", "pix_fmt=yuyv422"] if film.endswith(".yuyv")
+              else ["vcodec=libx264", "preset=medium", "crf=18", "threads=1"])
+    return ["melt", "-silent", "-profile", "atsc_1080p_25", photo, f"out={LAST}",
+            "-filter", "affine", f"transition.rect=0=0 0 1920 1080;{LAST}=-960 -540 3840 2160",
+            "transition.fill=1", "transition.distort=1", f"consumer.rescale={interpolation}",
+            f"rescale={interpolation}", "-consumer", f"avformat:{film}", *output,
+            "real_time=-1", "an=1"]
+
+
+def kelto_render(kelto, film, photo):
+    """The last core is given to each program alone, so one job is what all of them have."""
+    return [kelto, "render", photo, "-o", film, "--size", SIZE, "--frames", str(FRAMES),
+            "--from", "1", "--to", "2", "--filter", "hiqual"]
+
+
+def cpu_seconds(command, film):
     """Of one run on the last core, without what its film leaves behind."""
     core = str(max(os.sched_getaffinity(0)))
     before = os.times()
-    subprocess.run(["taskset", "-c", core, *command], check=True, stderr=subprocess.DEVNULL)
+    subprocess.run(["taskset", "-c", core, *command], check=True, stdout=subprocess.DEVNULL,
+                   stderr=subprocess.DEVNULL)
     after = os.times()
-    os.remove("film.yuyv")
+    if os.path.getsize(film) == 0:
+        sys.exit(f"{command[0]}: the film is empty")
+    os.remove(film)
     return (after.children_user - before.children_user
             + after.children_system - before.children_system)
 
 
-def main(kelto, photo):
+def table(title, film, kelto, photo):
+    """Prints one table of every program's times."""
     jobs = {
-        "kelto render, Hi Qual": [
-            kelto, "render", photo, "-o", "film.yuyv", "--size", SIZE, "--frames", "150",
-            "--from", "1", "--to", "2", "--filter", "hiqual"],
-        "FFmpeg zoompan": zoompan(photo),
-        "FFmpeg zoompan after upscaling": zoompan(photo, "scale=12000:-1,"),
+        "`kelto render`, Hi Qual": kelto_render(kelto, film, photo),
+        "FFmpeg `zoompan`": zoompan(film, photo),
+        "FFmpeg `zoompan` after upscaling": zoompan(film, photo, "scale=12000:-1,"),
+        "FFmpeg `perspective`, cubic, at twice the size": perspective(film, photo),
+        "melt `affine`, bilinear": affine(film, photo, "bilinear"),
+        "melt `affine`, bicubic": affine(film, photo, "bicubic"),
     }
     times = {name: [] for name in jobs}
     for _ in range(ROUNDS):
         for name, command in jobs.items():
-            times[name].append(cpu_seconds(command))
+            times[name].append(cpu_seconds(command, film))
     ours = statistics.median(next(iter(times.values())))
-    print("| whole job | CPU s | times ours |\n|---|---:|---:|")
+    print(f"| {title} | CPU s | times ours |\n|---|---:|---:|")
     for name, values in times.items():
         seconds = statistics.median(values)
         print(f"| {name} | {seconds:.2f} | {seconds / ours:.2f} |")
+    print(flush=True)
+
+
+def main(kelto, photo):
+    """Raw frames, then H.264."""
+    table("150 raw frames", "film.yuyv", kelto, photo)
+    table("the same in H.264", "film.mp4", kelto, photo)
 
 
 if __name__ == "__main__":
