@@ -17,6 +17,13 @@ set_target_properties(Boost::filesystem PROPERTIES
   IMPORTED_LOCATION ${libraries}/lib/libboost_filesystem.a
   INTERFACE_COMPILE_DEFINITIONS "BOOST_FILESYSTEM_STATIC_LINK;BOOST_ALL_NO_LIB")
 
+add_library(PkgConfig::HIGHWAY STATIC IMPORTED GLOBAL)
+set_target_properties(PkgConfig::HIGHWAY PROPERTIES
+  IMPORTED_LOCATION ${libraries}/lib/libhwy.a
+  # Unasked, Highway leaves AVX2 out in 32 bits, where not all compilers manage it; this one does.
+  # AVX-512 uses instructions of 64 bits.
+  INTERFACE_COMPILE_DEFINITIONS "HWY_BROKEN_TARGETS=(HWY_AVX3|HWY_AVX3_DL)")
+
 if(KELTO_TESTS)
   set(INSTALL_GTEST OFF)
   set(CMAKE_POLICY_DEFAULT_CMP0077 NEW)
@@ -25,6 +32,7 @@ if(KELTO_TESTS)
     if(NOT TARGET GTest::${part})
       add_library(GTest::${part} ALIAS ${part})
     endif()
+    target_compile_options(${part} PRIVATE -O1)
   endforeach()
 endif()
 

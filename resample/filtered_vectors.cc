@@ -23,7 +23,10 @@
 #include "resample/filtered_store.h"
 
 HWY_BEFORE_NAMESPACE();
-#if HWY_TARGET == HWY_AVX3_DL
+#if HWY_TARGET == HWY_AVX3_DL && defined(__clang__)
+HWY_POP_ATTRIBUTES
+HWY_PUSH_ATTRIBUTES(HWY_TARGET_STR ",avx512vnni")
+#elif HWY_TARGET == HWY_AVX3_DL
 #pragma GCC target("avx512vnni")
 #endif
 namespace kelto {

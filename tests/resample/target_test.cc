@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <stdexcept>
 
@@ -43,14 +44,36 @@ TEST(Targets, ThatTheMachineLacksAreRefused) {
   }
 }
 
+#if defined(KELTO_HIGHWAY) && (defined(__x86_64__) || defined(__i386__))
+TEST(Targets, AreAllThatTheProcessorReports) {
+  const std::vector<Target> targets = AvailableTargets();
+  const auto available = [&](Target target) {
+    return std::find(targets.begin(), targets.end(), target) != targets.end();
+  };
+  EXPECT_EQ(available(Target::Sse4), __builtin_cpu_supports("sse4.2") &&
+                                         __builtin_cpu_supports("aes") &&
+                                         __builtin_cpu_supports("pclmul"));
+  EXPECT_EQ(available(Target::Avx2), available(Target::Sse4) && __builtin_cpu_supports("avx2") &&
+                                         __builtin_cpu_supports("fma") &&
+                                         __builtin_cpu_supports("bmi2"));
+#if defined(__i386__)
+  EXPECT_FALSE(available(Target::Avx512)) << "its instructions need 64 bits";
+#else
+  EXPECT_EQ(available(Target::Avx512),
+            available(Target::Avx2) && __builtin_cpu_supports("avx512bw") &&
+                __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl"));
+#endif
+}
+#endif
+
 TEST_P(OnEveryTarget, TheCodeThatRunsIsTheTargetsOwn) {
   SetTarget(GetParam());
   EXPECT_EQ(CurrentTarget(), GetParam());
 }
 
-class RandomJobs {
+class RandomPictures {
  public:
-  explicit RandomJobs(uint32_t seed) : random_(seed) {}
+  explicit RandomPictures(uint32_t seed) : random_(seed) {}
   int32_t Whole(int32_t low, int32_t high) {
     return std::uniform_int_distribution<int32_t>(low, high)(random_);
   }
@@ -81,7 +104,7 @@ class RandomJobs {
 };
 
 TEST_P(OnEveryTarget, RandomJobsComeWithinOneLevelOfTheScalarEngine) {
-  RandomJobs random(20241107);
+  RandomPictures random(20241107);
   for (int i = 0; i < 700; ++i) {
     SourceImage image = random.Image();
     const int32_t width = random.Whole(1, 90), rows = random.Whole(1, 50);
@@ -120,7 +143,7 @@ TEST_P(OnEveryTarget, RandomJobsComeWithinOneLevelOfTheScalarEngine) {
 TEST_P(OnEveryTarget, ResultsAreTheSameAsOnEveryOtherVectorTargetAndRun) {
   // The scalar engine rounds otherwise: of it, only the second run is compared.
   const bool scalar = GetParam() == Target::Scalar;
-  RandomJobs random(4711);
+  RandomPictures random(4711);
   for (int i = 0; i < 60; ++i) {
     SourceImage image = random.Image();
     const int32_t width = random.Whole(1, 200), height = random.Whole(1, 90);
@@ -140,7 +163,7 @@ TEST_P(OnEveryTarget, ResultsAreTheSameAsOnEveryOtherVectorTargetAndRun) {
 
 TEST_P(OnEveryTarget, ConstantPicturesStayExactlyConstant) {
   SetTarget(GetParam());
-  RandomJobs random(99);
+  RandomPictures random(99);
   for (int i = 0; i < 200; ++i) {
     const int32_t level = i % 2 == 0 ? random.Whole(0, 255) : i % 4 == 1 ? 255 : 0;
     SourceImage image(random.Whole(1, 130), random.Whole(1, 130),

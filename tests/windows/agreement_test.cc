@@ -89,9 +89,11 @@ TEST(BothBuilds, AgreeWithinOneLevelOfTheEffectsOwnFrames) {
     EXPECT_LE(RenderAndCompare(film).largest, BoundFor(film));
     ++compared;
   }
-  EXPECT_GE(compared, 8u);
+  EXPECT_GE(compared, 11u);
 }
 
+// Wine's JPEG library enlarges chroma in the frequency domain, the Linux one by weighting
+// neighbours.
 TEST(BothBuilds, ShowTheSamePhotographWhereTheirDecodersDiffer) {
   std::filesystem::current_path(KELTO_NATIVE_FRAMES);
   for (const Film& film : Films()) {

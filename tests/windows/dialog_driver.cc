@@ -37,13 +37,13 @@ std::string TextOf(HWND window) {
   return text;
 }
 
-BOOL CALLBACK NoteLabel(HWND window, LPARAM texts) {
+BOOL CALLBACK NotePart(HWND window, LPARAM dialog) {
+  SeenDialog& seen = *reinterpret_cast<SeenDialog*>(dialog);
   char kind[16] = "";
   GetClassNameA(window, kind, sizeof kind);
   const std::string text = TextOf(window);
-  if (std::string(kind) == "Static" && !text.empty()) {
-    reinterpret_cast<std::vector<std::string>*>(texts)->push_back(text);
-  }
+  if (std::string(kind) == "Static" && !text.empty()) seen.texts.push_back(text);
+  if (std::string(kind) == "Button" && IsWindowVisible(window)) ++seen.buttons;
   return TRUE;
 }
 
@@ -62,7 +62,7 @@ SeenDialog Answer(HWND dialog, const DialogAnswer& answer) {
       SendMessageA(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(answer.name.c_str()));
     }
   }
-  EnumChildWindows(dialog, NoteLabel, reinterpret_cast<LPARAM>(&seen.texts));
+  EnumChildWindows(dialog, NotePart, reinterpret_cast<LPARAM>(&seen));
   PostMessageA(dialog, WM_COMMAND, answer.accept ? IDOK : IDCANCEL, 0);
   return seen;
 }

@@ -21,6 +21,7 @@ struct SeenDialog {
   std::string title;
   std::string name;                ///< in a file dialog's name field
   std::vector<std::string> texts;  ///< of its labels
+  size_t buttons = 0;
 };
 
 /// Answers the dialogs that come, one after the other, and notes what they show.

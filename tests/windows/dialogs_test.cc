@@ -16,6 +16,7 @@ using test::Accept;
 using test::Cancel;
 using test::DialogDriver;
 using testing::Contains;
+using testing::ElementsAre;
 
 class Dialogs : public testing::Test {
  protected:
@@ -67,6 +68,15 @@ TEST_F(Dialogs, AChosenPictureIsSavedIn2048BytesAndShown) {
   EXPECT_EQ(Record(), RecordOf(folder / "red.bmp"));
   EXPECT_TRUE(Modified());
   EXPECT_GT(Redness(), 200);
+}
+
+TEST_F(Dialogs, ARecordOfSlashesAndAColonCountsAsNoPicture) {
+  SetSavedPath("//:");
+  DialogDriver user({Accept(folder / "red.bmp")});
+  EXPECT_TRUE(effect.instance().ChooseImage());
+  ASSERT_EQ(user.Seen().size(), 1u);
+  EXPECT_EQ(user.Seen()[0].title, "Please choose an image:");
+  EXPECT_EQ(Record(), RecordOf(folder / "red.bmp"));
 }
 
 TEST_F(Dialogs, CancellingTheChoiceLeavesTheRecordAlone) {
@@ -123,7 +133,8 @@ TEST_F(Dialogs, APictureThatMemoryDoesNotHoldIsToldInAMessageBox) {
   EXPECT_TRUE(effect.instance().ChooseImage()) << "a file was chosen";
   ASSERT_EQ(user.Seen().size(), 2u);
   EXPECT_EQ(user.Seen()[1].title, "Kelto Pan & Zoom Error");
-  EXPECT_THAT(user.Seen()[1].texts, Contains("Not enough memory to load image."));
+  EXPECT_THAT(user.Seen()[1].texts, ElementsAre("Not enough memory to load image."));
+  EXPECT_EQ(user.Seen()[1].buttons, 1u);
   EXPECT_EQ(Record(), std::string(2048, '\0'));
 }
 

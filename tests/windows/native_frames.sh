@@ -16,6 +16,14 @@ cp "$photo" "$folder/JPEG"
 # Without loss, so that both builds start from the same pixels whatever their decoders do.
 ffmpeg -loglevel error -i "$photo" -pix_fmt bgr24 "$folder/photo.bmp"
 mv "$folder/photo.bmp" "$folder/PHOTO"
+# Other files that decoders may not read in two ways: full-size chroma, deep colour, packed rows.
+convert() {
+  ffmpeg -loglevel error -i "$photo" -vf scale=1280:960 "$@" "$folder/photo.$form"
+  mv "$folder/photo.$form" "$folder/$name"
+}
+name=JPEG444 form=jpg convert -pix_fmt yuvj444p -q:v 2
+name=PNG48 form=png convert -pix_fmt rgb48be
+name=TIFF form=tif convert -pix_fmt rgb24 -compression_algo lzw
 
 # 256 x 192 pixels with each level of each colour.
 python3 - "$folder/MADE" <<'PYTHON'

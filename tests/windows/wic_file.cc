@@ -37,8 +37,10 @@ Bytes EncodeByWic(const GUID& container, const Picture& picture, bool alpha) {
   Check(frame->SetPixelFormat(&format));
   if (format != wanted) throw std::runtime_error("WIC's encoder takes other pixels");
   Bytes pixels;
+  pixels.reserve(picture.pixels.size() * (alpha ? 4 : 3));
   for (const Pixel& p : picture.pixels) {
-    Append(pixels, alpha ? Bytes{p.b, p.g, p.r, p.a} : Bytes{p.b, p.g, p.r});
+    for (const uint8_t component : {p.b, p.g, p.r}) pixels.push_back(component);
+    if (alpha) pixels.push_back(p.a);
   }
   // Rows without padding; the encoders take any number of bytes a row.
   Check(frame->WritePixels(height, width * (alpha ? 4 : 3), static_cast<UINT>(pixels.size()),
