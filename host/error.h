@@ -18,4 +18,10 @@ class UsageError : public Error {
   using Error::Error;
 };
 
+/// Something could not be done, and the user knows already.
+class ToldError : public Error {
+ public:
+  ToldError() : Error("some films could not be made") {}
+};
+
 }  // namespace kelto::host

@@ -4,7 +4,19 @@
 #include <exception>
 #include <new>
 
+#include "host/commands/batch.h"
+#include "host/commands/completion.h"
+#include "host/commands/doctor.h"
+#include "host/commands/inspect.h"
+#if defined(KELTO_SDL)
+#include "host/commands/play.h"
+#endif
+#include "host/commands/new.h"
 #include "host/commands/render.h"
+#include "host/commands/slideshow.h"
+#if defined(KELTO_CAIRO)
+#include "host/commands/storyboard.h"
+#endif
 #include "host/error.h"
 #include "host/terminal/interrupt.h"
 #include "host/terminal/terminal.h"
@@ -38,13 +50,21 @@ void AnswerModules() {
 
 int Run(int argc, char** argv) {
   CLI::App app("Pans and zooms over photographs.", "kelto");
-  app.set_version_flag("--version", "kelto " KELTO_VERSION);
+  app.set_version_flag("--version", VersionText, "Version, instruction set and libraries");
   // One command line on all systems; "/photo.jpg" is a file, not an option.
   app.allow_windows_style_options(false);
   app.require_subcommand(1);
   app.footer(kExitCodes);
 
-  for (const auto add : {AddRender}) add(app)->footer(kExitCodes);
+  for (const auto add :
+       {AddRender, AddNew, AddBatch, AddSlideshow, AddInspect, AddDoctor, AddCompletion})
+    add(app)->footer(kExitCodes);
+#if defined(KELTO_CAIRO)
+  AddStoryboard(app)->footer(kExitCodes);
+#endif
+#if defined(KELTO_SDL)
+  AddPlay(app)->footer(kExitCodes);
+#endif
 
   try {
     app.parse(argc, argv);
@@ -60,13 +80,15 @@ int RunAndReport(int argc, char** argv) {
   try {
     return Run(argc, argv);
   } catch (const UsageError& error) {
-    PrintMessage(error.what());
+    PrintFailure(error.what());
     return kMisused;
+  } catch (const ToldError&) {
+    return kFailed;
   } catch (const std::bad_alloc&) {
-    if (InterruptSignal() == 0) PrintMessage("there is not enough memory");
+    if (InterruptSignal() == 0) PrintFailure("there is not enough memory");
   } catch (const std::exception& error) {
     // An interrupt is no failure worth a message.
-    if (InterruptSignal() == 0) PrintMessage(error.what());
+    if (InterruptSignal() == 0) PrintFailure(error.what());
   }
   ClearProgress();
   return kFailed;

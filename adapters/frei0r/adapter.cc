@@ -22,6 +22,8 @@ uint64_t NewSceneId() {
   return ++last;
 }
 
+constexpr uint32_t kBlack = 0xff000000;
+
 /// What a host means by 0 where 0 is nothing: it left the place in its list of values empty.
 double ZeroMeans(int index, double value) { return index == kZoom && value == 0.0 ? 1.0 : value; }
 
@@ -80,7 +82,7 @@ void Adapter::Render(double time, const uint32_t* in, uint32_t* out) noexcept {
   if (out == nullptr || width_ == 0 || height_ == 0) return;
   try {
     ReadParameters();
-    RenderOver(in, out, clock_.Next(time, scene_->rate.PerSecond()));
+    RenderOver(in, out, clock_.Next(time, scene_->format.rate.PerSecond()));
   } catch (const std::exception& error) {
     // Beyond what RenderOver minds: memory.
     FillBackground(in, out);
@@ -90,7 +92,7 @@ void Adapter::Render(double time, const uint32_t* in, uint32_t* out) noexcept {
 
 void Adapter::ReadParameters() {
   if (!changed_) return;
-  Scene scene = SceneOf(values_, role_);
+  Scene scene = SceneOf(values_, role_, *scene_);
   if (!effect_ || scene.photo != scene_->photo || scene.levels != scene_->levels) {
     effect_.reset();  // first, so that a picture nobody else shows makes room for the new one
     if (!scene.photo.empty()) effect_ = PhotoEffect::Share(scene.photo, scene.levels);
@@ -116,9 +118,14 @@ void Adapter::RenderOver(const uint32_t* in, uint32_t* out, int64_t frame) {
   request.quality = values_.numbers[kQuality];
   // The effect demands an input. Of this one it takes nothing: it draws over a colour.
   const uint32_t* behind = out;
-  if (!scene_->background && in != nullptr) {
-    // It overwrites the video, which is the host's and not to be written to.
-    videoCopy_.assign(in, in + size_t{rowLength_} * (height_ - 1) + width_);
+  if (!scene_->background) {
+    // It overwrites the video, which is the host's and not to be written to. A source has none.
+    const size_t pixels = size_t{rowLength_} * (height_ - 1) + width_;
+    if (in != nullptr) {
+      videoCopy_.assign(in, in + pixels);
+    } else {
+      videoCopy_.assign(pixels, kBlack);
+    }
     behind = videoCopy_.data();
   }
   hfxImage input = ImageOf(behind), output = ImageOf(out);

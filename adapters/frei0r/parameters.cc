@@ -26,11 +26,14 @@ using Table = std::array<Parameter, kParameterCount>;
 Table MakeTable(Role role) {
   const bool filter = role == Role::kFilter;
   return {
-      Text("image", "", "The photograph's path"),
+      Text("image", "",
+           "Path of the photograph, or of a project file that the command wrote, .json"),
       Text("from", "", "First view of a motion, ZOOM or ZOOM@X,Y; overrules zoom, x and y"),
       Text("to", "", "Last view of a motion"),
       Text("frames", "",
-           "Length of the motion in frames, which then runs by itself; else progress says where"),
+           "Length of the motion in frames, which then runs by itself; else progress says where, "
+           "or a "
+           "project runs as long as it says"),
       Choice("filter", "filter",
              "realtime, triangle, quadratic, cubic, catmull, gaussian, hiqual or ultra"),
       filter ? Text("background", "video", "What the photograph does not cover: video or #rrggbb")
@@ -40,7 +43,9 @@ Table MakeTable(Role role) {
       Choice("path", "path", "Path between the views: linear or spline"),
       Choice("levels", "levels", "Levels of the photograph: rgb (full range) or 601 (studio)"),
       Choice("display", "display", "target: the view; source: the photograph with it outlined"),
-      Text("fps", "25", "Frames a second, to tell frames by the host's time: 25, 29.97 ..."),
+      Text("fps", "",
+           "The host's frames a second, by which its times are read: 29.97 ...; else 25, or as a "
+           "project has it"),
       Number("zoom", 1.0, host::kMinZoom, host::kMaxZoom,
              "How close the view is, 0.1 to 20; at 1 the photograph fits the frame; 0 means 1"),
       Number("x", 0.0, -host::kMaxCentre, host::kMaxCentre,

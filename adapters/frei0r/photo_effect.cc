@@ -1,5 +1,6 @@
 #include "adapters/frei0r/photo_effect.h"
 
+#include <array>
 #include <exception>
 #include <map>
 #include <mutex>
@@ -8,6 +9,7 @@
 #include "adapters/frei0r/effect_file.h"
 #include "host/error.h"
 #include "host/session/effect_settings.h"
+#include "host/session/render_state.h"
 
 namespace kelto::frei0r {
 namespace {
@@ -82,29 +84,49 @@ std::string PhotoEffect::Render(const FrameRequest& request) {
   try {
     if (sceneId_ != request.sceneId) SetUp(*request.scene);
     sceneId_ = request.sceneId;
-    const hfxImage& output = *request.output;
-    hfx::RenderState state;
-    state.currentFrame = request.moment.frame;
-    state.totalFrames = request.moment.frames;
-    state.displayAspect = static_cast<double>(output.GetWidth()) / output.GetHeight();
-    state.quality = request.quality;
-    Draw(state, *request.input, *request.output);
+    Draw(request);
     return "";
   } catch (const std::exception& error) {
     return error.what();
   }
 }
 
-void PhotoEffect::Draw(const hfx::RenderState& state, hfxImage& input, hfxImage& output) {
+void PhotoEffect::Draw(const FrameRequest& request) {
+  const hfxImage& output = *request.output;
+  host::RenderPlan plan;
+  plan.format = request.scene->format;
+  plan.format.size = {output.GetWidth(), output.GetHeight()};
+  plan.frames = request.moment.frames;
   std::string error;
-  if (!effect_->BeginRender(hfxPlayModeRender, &error)) throw host::Error("the effect: " + error);
-  const bool rendered = effect_->Render(state, &input, &output, &error);
+  if (!effect_->BeginRender(request.scene->playMode, &error)) {
+    throw host::Error("the effect: " + error);
+  }
+  bool rendered = true;
+  for (int32_t field = 0; rendered && field < host::FieldsOf(plan); ++field) {
+    const hfx::RenderState state =
+        host::FieldState(plan, request.moment.frame, field, request.quality);
+    hfxImage to = *request.output, from = *request.input;
+    if (plan.format.Interlaced()) {
+      to = hfx::FieldView(to, state.topField);
+      from = hfx::FieldView(from, state.topField);
+    }
+    rendered = effect_->Render(state, &from, &to, &error);
+  }
   const bool ended = effect_->EndRender(rendered ? &error : nullptr);
   if (!rendered || !ended) throw host::Error("the effect: " + error);
 }
 
 void PhotoEffect::SetUp(const Scene& scene) {
   sceneId_ = 0;  // until all is set
+  // What this scene leaves to the effect, another one may have set, or a render.
+  for (hfxParameter* parameter : hfx::ParametersOf(effect_->instance())) {
+    std::array<uint8_t, 3 * sizeof(double)> bytes{};
+    const int32_t size = hfx::ValueSizeOf(*parameter);
+    hfx::RemoveAllKeys(*parameter);
+    if (hfx::DefaultValueOf(*parameter, bytes.data(), size)) {
+      hfx::SetBoundValue(*parameter, bytes.data(), size);
+    }
+  }
   for (const host::Setting& setting : scene.settings) host::Apply(*effect_, setting);
   effect_->ParametersChanged();
 }

@@ -52,7 +52,7 @@ class PhotoEffect {
   PhotoEffect(const std::string& photo, const std::string& levels);
   ~PhotoEffect() = default;
   void Load(const std::string& path, const std::string& levels);
-  void Draw(const hfx::RenderState& state, hfxImage& input, hfxImage& output);
+  void Draw(const FrameRequest& request);
   void SetUp(const Scene& scene);
 
   std::shared_ptr<hfx::Module> module_;

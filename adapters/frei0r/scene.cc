@@ -1,19 +1,34 @@
 #include "adapters/frei0r/scene.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
-#include <filesystem>
 
 #include "adapters/frei0r/console.h"
 #include "host/error.h"
 #include "host/options/choices.h"
 #include "host/options/rate.h"
 #include "host/options/view.h"
+#include "host/project/project_file.h"
 
 namespace kelto::frei0r {
 namespace {
 
 constexpr const char* kVideo = "video";
+// First entries of the effect's lists.
 constexpr const char* kDisplaySource = "Display: Source";
+constexpr const char* kFirstLevels = "Source Has RGB Levels";
+constexpr const char* kColourBehind = "Background: Color";
+constexpr const char* kVideoBehind = "Background: Video";
+
+/// The value that the effect holds a constant parameter to; null for that which it begins with, or
+/// the first entry where no key is active.
+const host::SettingValue* HeldValue(const host::Setting* setting) {
+  if (setting == nullptr) return nullptr;
+  if (setting->keys.empty()) return setting->value ? &*setting->value : nullptr;
+  if (setting->activeKey < 0) return nullptr;
+  return &setting->keys.at(static_cast<size_t>(setting->activeKey)).value;
+}
 
 /// What `parse` makes of a text; of the default, when that fails.
 template <typename Parse>
@@ -58,36 +73,107 @@ std::optional<host::Colour> BackgroundAt(const Values& values, Role role) {
   });
 }
 
-/// The photograph that the parameter "image" names. Its text may also come to name a project file,
-/// which the reference host's library does not read yet; this is the place where it will be opened.
-std::string PhotoOf(const std::string& image) {
-  if (std::filesystem::path(image).extension() != ".json") return image;
-  SayOnce("image " + image + ": project files are not read here yet; showing the background");
-  return "";
+/// Whether a text is still as it was at first.
+bool IsUnset(const Values& values, Role role, int index) {
+  const std::string& text = values.texts[static_cast<size_t>(index)];
+  return text.empty() || text == Parameters(role)[static_cast<size_t>(index)].text;
+}
+
+bool ViewsAreUnset(const Values& values, Role role) {
+  const Values usual = DefaultValues(role);
+  for (const int index : {kZoom, kX, kY}) {
+    if (values.numbers[static_cast<size_t>(index)] != usual.numbers[static_cast<size_t>(index)]) {
+      return false;
+    }
+  }
+  return IsUnset(values, role, kFrom) && IsUnset(values, role, kTo);
+}
+
+/// The plan of a project; null, told on the console, when there is none to be had.
+std::shared_ptr<const host::RenderPlan> ProjectAt(const std::string& path) {
+  try {
+    return std::make_shared<const host::RenderPlan>(host::ReadProject(path));
+  } catch (const host::Error& error) {
+    SayOnce("image " + std::string(error.what()));
+    return nullptr;
+  }
+}
+
+/// Sets the velocity of every key there is.
+void SetVelocity(host::RenderPlan& plan, const std::string& parameter, const std::string& entry) {
+  for (host::SettingKey& key : plan.SettingOf(parameter).keys) key.value = entry;
+}
+
+/// Lets the parameters change `plan`: all of them, or those that are not as they were at first.
+void ApplyParameters(const Values& values, Role role, bool all, host::RenderPlan& plan) {
+  for (const int index : {kFilter, kPath, kDisplay, kLevels}) {
+    if (!all && IsUnset(values, role, index)) continue;
+    plan.Set(Parameters(role)[static_cast<size_t>(index)].list, EntryAt(values, role, index));
+  }
+  if (all || !ViewsAreUnset(values, role)) plan.SetViews(KeysOf(values, role));
+  for (const int index : {kLeave, kArrive}) {
+    if (IsUnset(values, role, index)) continue;
+    SetVelocity(plan, Parameters(role)[static_cast<size_t>(index)].list,
+                EntryAt(values, role, index));
+  }
+  if (!all && IsUnset(values, role, kBackground)) return;
+  const auto background = BackgroundAt(values, role);
+  plan.Set("compositeover", std::string(background ? kColourBehind : kVideoBehind));
+  if (background) plan.Set("bgcolor", host::BackgroundFor(*background));
+}
+
+/// The entry of a list that the effect holds it to: its active key's, or the first without one.
+std::string HeldEntry(const host::RenderPlan& plan, const char* list, const char* first) {
+  const host::SettingValue* value = HeldValue(plan.FindSetting(list));
+  const std::string* entry = value == nullptr ? nullptr : std::get_if<std::string>(value);
+  return entry == nullptr ? first : *entry;
+}
+
+/// The colour that is seen beside the picture; none where the video is.
+std::optional<host::Colour> ColourBehind(const host::RenderPlan& plan) {
+  if (HeldEntry(plan, "compositeover", kColourBehind) == kVideoBehind) return std::nullopt;
+  const host::SettingValue* value = HeldValue(plan.FindSetting("bgcolor"));
+  const auto* rgb = value == nullptr ? nullptr : std::get_if<std::array<double, 3>>(value);
+  if (rgb == nullptr) return host::Colour{};
+  // Back from the studio levels that the effect takes.
+  const auto seen = [](double channel) {
+    return static_cast<uint8_t>(std::clamp((channel * 255.0 - 16.0) * 255.0 / 219.0, 0.0, 255.0) +
+                                0.5);
+  };
+  return host::Colour{seen((*rgb)[0]), seen((*rgb)[1]), seen((*rgb)[2])};
 }
 
 }  // namespace
 
-Scene SceneOf(const Values& values, Role role) {
+Scene SceneOf(const Values& values, Role role, const Scene& last) {
+  const std::string& image = values.texts[kImage];
+  if (image.empty()) SayOnce("no photograph: set the parameter \"image\"");
   Scene scene;
-  scene.photo = PhotoOf(values.texts[kImage]);
-  scene.levels = EntryAt(values, role, kLevels);
   host::RenderPlan plan;
-  for (const int index : {kFilter, kPath, kDisplay, kLevels}) {
-    plan.Set(Parameters(role)[static_cast<size_t>(index)].list, EntryAt(values, role, index));
+  if (host::IsProjectName(image)) {
+    scene.projectPath = image;
+    scene.project = last.projectPath == image ? last.project : ProjectAt(image);
+    if (scene.project) plan = *scene.project;
+  } else {
+    plan.photo = image;
   }
-  plan.SetViews(KeysOf(values, role));
-  scene.background = BackgroundAt(values, role);
-  plan.Set("compositeover",
-           std::string(scene.background ? "Background: Color" : "Background: Video"));
-  if (scene.background) plan.Set("bgcolor", host::BackgroundFor(*scene.background));
+  ApplyParameters(values, role, scene.project == nullptr, plan);
+  scene.photo = plan.photo;
   scene.settings = plan.settings;
-  scene.outlined = EntryAt(values, role, kDisplay) == kDisplaySource;
-  scene.frames = Read(values, role, kFrames, [](const std::string& text) {
-    return text.empty() ? 0 : host::ParseFrames(text);
+  scene.playMode = plan.playMode;
+  scene.format = plan.format;
+  scene.levels = HeldEntry(plan, "levels", kFirstLevels);
+  const bool projectsBackground = scene.project && IsUnset(values, role, kBackground);
+  scene.background = projectsBackground ? ColourBehind(plan) : BackgroundAt(values, role);
+  scene.outlined = HeldEntry(plan, "display", kDisplaySource) == kDisplaySource;
+  // A project runs by itself, too, unless the host leads it.
+  if (scene.project && values.numbers[kProgress] == 0.0) scene.frames = plan.frames;
+  scene.frames = Read(values, role, kFrames, [&](const std::string& text) {
+    return text.empty() ? scene.frames : host::ParseFrames(text);
   });
-  scene.rate = Read(values, role, kFps, host::ParseRate);
-  if (values.texts[kImage].empty()) SayOnce("no photograph: set the parameter \"image\"");
+  scene.format.rate = Read(values, role, kFps, [&](const std::string& text) {
+    return text.empty() ? scene.format.rate : host::ParseRate(text);
+  });
   return scene;
 }
 

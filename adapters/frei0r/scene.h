@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,7 +23,10 @@ struct Scene {
   std::optional<host::Colour> background;  ///< as seen; none: the incoming video
   bool outlined = false;                   ///< the whole photograph with the view outlined
   int32_t frames = 0;                      ///< length of a motion that runs by itself, or 0
-  host::FrameRate rate;                    ///< of the stream, for the host's times
+  host::FilmFormat format;  ///< rate of the stream, for the host's times; fields; pixels' shape
+  int32_t playMode = 0;     ///< a hfxPlayMode
+  std::string projectPath;  ///< what "image" named, if that was a project
+  std::shared_ptr<const host::RenderPlan> project;  ///< as read; null when it could not be
 };
 
 /// A place along a motion that is `frames` long.
@@ -31,8 +35,9 @@ struct Moment {
 };
 
 /// Reads the parameters. A text that makes no sense leaves its default in force and is told on the
-/// console.
-Scene SceneOf(const Values& values, Role role);
+/// console. Where "image" names a project file, parameters that are not as they were at first
+/// overrule it; of `last`, an earlier scene, a project that was read already is taken.
+Scene SceneOf(const Values& values, Role role, const Scene& last);
 
 /// The moment at `progress`, 0..1: the fraction with the smallest denominator that meets it. A host
 /// that runs `progress` over N frames thus gets the very times of a motion of N frames.

@@ -1,7 +1,6 @@
 #include "host/commands/plan_options.h"
 
 #include <CLI/CLI.hpp>
-#include <optional>
 
 #include "host/commands/option_text.h"
 #include "host/error.h"
@@ -10,12 +9,15 @@
 #include "host/options/number.h"
 #include "host/options/rate.h"
 #include "host/options/size.h"
-#include "host/options/view.h"
+#if defined(KELTO_FFMPEG)
+#include "host/video/video_info.h"
+#endif
+#include "host/plan/default_plan.h"
+#include "host/project/project_file.h"
 
 namespace kelto::host {
 namespace {
 
-constexpr double kDefaultSeconds = 5.0;
 constexpr const char* kArrival = "invelocity";
 constexpr const char* kDeparture = "outvelocity";
 
@@ -36,6 +38,23 @@ int32_t ParsePlayMode(const std::string& text) {
   return static_cast<int32_t>(*mode);
 }
 
+/// The sound, and the video that the film lies over and takes rate and length from.
+void ApplyMedia(const PlanOptions& options, RenderPlan& plan) {
+  if (!options.audio.empty()) plan.audio = options.audio;
+#if defined(KELTO_FFMPEG)
+  if (options.over.empty()) return;
+  if (!options.background.empty()) {
+    throw UsageError("--over and --background both say what is beside the photo; give one of them");
+  }
+  const VideoInfo video = LookAtVideo(options.over);
+  plan.over = options.over;
+  plan.format.rate = video.rate;
+  plan.frames = video.frames;
+  plan.Set("compositeover", std::string("Background: Video"));
+  if (plan.audio.empty() && video.sound) plan.audio = options.over;
+#endif
+}
+
 void ApplyFilm(const PlanOptions& options, RenderPlan& plan) {
   FilmFormat& format = plan.format;
   if (!options.size.empty()) format.size = ReadOption("--size", options.size, ParseSize);
@@ -43,6 +62,9 @@ void ApplyFilm(const PlanOptions& options, RenderPlan& plan) {
     const double seconds = plan.frames / format.rate.PerSecond();
     format.rate = ReadOption("--fps", options.rate, ParseRate);
     plan.frames = FramesOf(seconds, format.rate);
+  }
+  if (!options.frames.empty() && !options.seconds.empty()) {
+    throw UsageError("--frames and --seconds both say how long the film is; give one of them");
   }
   if (!options.frames.empty()) plan.frames = ReadOption("--frames", options.frames, ParseFrames);
   if (!options.seconds.empty()) {
@@ -53,9 +75,12 @@ void ApplyFilm(const PlanOptions& options, RenderPlan& plan) {
   if (!options.fields.empty()) format.fields = ReadOption("--fields", options.fields, ParseFields);
 }
 
-/// Sets the velocity of every key there is.
+/// Sets the velocity of every key there is; of every view, where there is no such key.
 void SetVelocity(RenderPlan& plan, const std::string& parameter, const std::string& entry) {
-  for (SettingKey& key : plan.SettingOf(parameter).keys) key.value = entry;
+  Setting& velocity = plan.SettingOf(parameter);
+  const Setting* zoom = plan.FindSetting("size");
+  if (velocity.keys.empty() && zoom != nullptr) velocity.keys = zoom->keys;
+  for (SettingKey& key : velocity.keys) key.value = entry;
 }
 
 void ApplyLists(const PlanOptions& options, RenderPlan& plan) {
@@ -73,28 +98,7 @@ void ApplyLists(const PlanOptions& options, RenderPlan& plan) {
   }
 }
 
-std::optional<View> ViewAsked(const std::string& option, const std::string& text) {
-  if (text.empty()) return std::nullopt;
-  return ReadOption(option, text, ParseView);
-}
-
-void ApplyViews(const PlanOptions& options, RenderPlan& plan) {
-  const auto from = ViewAsked("--from", options.from), to = ViewAsked("--to", options.to);
-  if (!from && !to) return;
-  SetMove(plan, from.value_or(to.value_or(View{})), to.value_or(from.value_or(View{})));
-}
-
 }  // namespace
-
-void SetMove(RenderPlan& plan, const View& from, const View& to) {
-  const auto preset = [](const char* parameter) {
-    const ChoiceList& list = ListOf(parameter);
-    return EntryOf(list, list.preset);
-  };
-  const std::string arrival = preset(kArrival), departure = preset(kDeparture);
-  const ViewKey keys[] = {{0.0, from, arrival, departure}, {1.0, to, arrival, departure}};
-  plan.SetViews(keys);
-}
 
 void DeclarePlan(CLI::App& command, PlanOptions& options) {
   const auto declare = [&](const char* group, const char* option, const char* type,
@@ -105,18 +109,20 @@ void DeclarePlan(CLI::App& command, PlanOptions& options) {
   constexpr const char* kFilm = "Film";
   declare(kFilm, "--size", "WxH", options.size, "Frame size in pixels [1920x1080]");
   declare(kFilm, "--fps", "RATE", options.rate, "Frames a second: 25, 29.97, 30000/1001 ... [25]");
-  CLI::Option* seconds =
-      declare(kFilm, "--seconds", "TIME", options.seconds, "Length in seconds [5]");
-  declare(kFilm, "--frames", "N", options.frames, "Length in frames")->excludes(seconds);
+  declare(kFilm, "--seconds", "TIME", options.seconds, "Length in seconds [5]");
+  declare(kFilm, "--frames", "N", options.frames, "Length in frames");
+#if defined(KELTO_FFMPEG)
+  declare(kFilm, "--audio", "FILE", options.audio,
+          "Sound for the film: that of this file, from its beginning");
+  declare(kFilm, "--over", "FILE", options.over,
+          "Lay the photo over this video: its rate, length and sound become the film's unless "
+          "other options say otherwise");
+#endif
   declare(kFilm, "--fields", "ORDER", options.fields,
           "Interlaced, with this field first: top, bottom [whole frames]");
 
   constexpr const char* kPicture = "Picture";
-  declare(kPicture, "--from", "VIEW", options.from,
-          "First view, ZOOM or ZOOM@X,Y: zoom 0.1 to 20, centre in picture widths and heights to "
-          "the right of and below the picture's centre");
-  declare(kPicture, "--to", "VIEW", options.to,
-          "Last view; with only one of the two the view stands still");
+  DeclareViews(command, kPicture, options.views);
   options.words.resize(ChoiceLists().size());
   for (size_t i = 0; i < ChoiceLists().size(); ++i) {
     const ChoiceList& list = ChoiceLists()[i];
@@ -129,29 +135,16 @@ void DeclarePlan(CLI::App& command, PlanOptions& options) {
           "What the effect is told it renders for: 0 final quality, 1 preview [0]");
 }
 
-RenderPlan DefaultPlan(const std::string& photo) {
-  RenderPlan plan;
-  plan.photo = photo;
-  plan.frames = FramesOf(kDefaultSeconds, plan.format.rate);
-  for (const ChoiceList& list : ChoiceLists()) {
-    const std::string parameter = list.parameter;
-    if (parameter == kArrival || parameter == kDeparture) continue;
-    plan.Set(parameter, EntryOf(list, list.preset));
-  }
-  plan.Set("bgcolor", BackgroundFor({}));
-  SetMove(plan, {}, {});
-  return plan;
-}
-
 RenderPlan PlanFor(const std::string& input, const PlanOptions& options) {
-  RenderPlan plan = DefaultPlan(input);
+  RenderPlan plan = IsProjectName(input) ? ReadProject(input) : DefaultPlan(input);
   ApplyOptions(options, plan);
   return plan;
 }
 
 void ApplyOptions(const PlanOptions& options, RenderPlan& plan) {
+  ApplyMedia(options, plan);
   ApplyFilm(options, plan);
-  ApplyViews(options, plan);
+  ApplyViews(options.views, plan);
   ApplyLists(options, plan);
   if (!options.background.empty()) {
     plan.Set("bgcolor", BackgroundFor(ReadOption("--background", options.background, ParseColour)));

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "host/commands/view_options.h"
 #include "host/plan/render_plan.h"
 
 namespace CLI {
@@ -15,8 +16,9 @@ namespace kelto::host {
 /// The options as they were typed; empty where nothing was.
 struct PlanOptions {
   std::string size, rate, seconds, frames, fields;
-  std::string from, to;
+  ViewOptions views;
   std::string background, playMode;
+  std::string over, audio;
   /// A word for each of ChoiceLists(), in its order.
   std::vector<std::string> words;
 };
@@ -24,17 +26,12 @@ struct PlanOptions {
 /// Declares the options on `command`, to be parsed into `options`, which must outlive the parsing.
 void DeclarePlan(CLI::App& command, PlanOptions& options);
 
-/// The plan of `input`, a photograph's path, with the options that were given. Throws UsageError
-/// that names the option.
+/// The plan of `input`, the path of a photograph or of a project file, with the options
+/// that were given. Throws UsageError that names the option, and Error for the project.
 RenderPlan PlanFor(const std::string& input, const PlanOptions& options);
 
-/// What a film of a photograph is when no option says otherwise.
-RenderPlan DefaultPlan(const std::string& photo);
-
-/// Moves `plan`'s view from one to the other, with the usual velocities.
-void SetMove(RenderPlan& plan, const View& from, const View& to);
-
-/// Lets the options that were given change `plan`. Throws UsageError that names the option.
+/// Lets the options that were given change `plan`. Throws UsageError that names the option, and
+/// Error for a photo that an option needs to know the size of.
 void ApplyOptions(const PlanOptions& options, RenderPlan& plan);
 
 }  // namespace kelto::host

@@ -3,13 +3,17 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
+#include "host/commands/film_options.h"
+#include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
 #include "host/error.h"
-#include "host/film/formats.h"
-#include "host/film/output_file.h"
-#include "host/session/effect_session.h"
+#include "host/jobs/film_job.h"
+#include "host/jobs/film_record.h"
+#include "host/options/frame_range.h"
+#include "host/project/project_file.h"
 #include "host/session/module_file.h"
-#include "host/terminal/interrupt.h"
+#include "host/terminal/events.h"
+#include "host/terminal/progress.h"
 #include "host/terminal/terminal.h"
 
 namespace kelto::host {
@@ -17,46 +21,67 @@ namespace {
 
 /// The options as they were typed; empty where nothing was.
 struct RenderOptions {
-  std::string photo, output, format, module;
+  std::string photo, output, project, record;
+  FilmOptions film;
   PlanOptions plan;
 };
 
-std::string FormatHelp() {
-  std::string help = "Kind of film, when the output's name does not end in it:";
-  for (const FilmKind& kind : FilmKinds()) {
-    help += std::string("\n") + kind.name + ": " + kind.description;
+/// What to render of which plan: --frames says how long the film is, or which part is wanted.
+Scene SceneFor(const RenderOptions& options) {
+  const std::string& frames = options.plan.frames;
+  if (!IsFrameRange(frames)) {
+    const RenderPlan plan = PlanFor(options.photo, options.plan);
+    return {plan, {0, plan.frames}};
   }
-#if !defined(KELTO_FFMPEG)
-  help += "\nH.264 films (mp4, mkv, mov) are written by the Linux command only";
-#endif
-  return help;
+  PlanOptions others = options.plan;
+  others.frames.clear();
+  const RenderPlan plan = PlanFor(options.photo, others);
+  return {plan, ReadOption("--frames", frames, [&](const std::string& text) {
+            return ParseFrameRange(text, plan.frames);
+          })};
 }
 
-void Run(const RenderOptions& options) {
+FilmJob JobFor(const RenderOptions& options) {
   if (options.photo.empty()) throw UsageError("PHOTO is empty; name the photograph");
   if (options.output.empty()) throw UsageError("-o is empty; name the film");
-  const RenderPlan plan = PlanFor(options.photo, options.plan);
-  const FilmKind& kind = KindFor(options.output, options.format);
-  const FilmRequest request{options.output, plan.format, plan.frames};
-  CheckRequest(kind, request);
-  if (options.output == kStandardOutput && StandardOutputIsTerminal()) {
-    throw UsageError("-o -: will not write a film to the terminal; send it to a program or file");
+  FilmJob job;
+  job.scene = SceneFor(options);
+  const FrameRange& part = job.scene.part;
+  const bool whole = !IsFrameRange(options.plan.frames);
+  job.kind = &KindFor(options.output, options.film.format);
+  job.request = {options.output,
+                 job.scene.plan.format,
+                 part.Count(),
+                 options.film.codec,
+                 whole ? SoundFor(job.scene.plan, *job.kind) : "",
+                 part.first};
+  if (!whole && !options.plan.audio.empty()) {
+    throw UsageError("--audio: parts of a film are silent; add the sound when they are joined");
   }
-  const std::string module = FindModule(options.module);
-  const Photo photo = OpenPhoto(plan.photo);
-  if (WouldReplace(kind, request, plan.photo)) {
-    throw UsageError(options.output + ": is the photo itself; give the film another name");
-  }
+  job.workers = JobsAsked(options.film, UsualWorkers(part.Count()));
+  return job;
+}
 
-  const std::unique_ptr<FrameSink> film = kind.open(request);
-  EffectSession session(module, plan, photo, kind.layout);
-  session.SetAbortQuery([] { return InterruptSignal() != 0; });
-  for (int32_t frame = 0; frame < plan.frames; ++frame) {
-    film->Write(session.Render(frame));
-    ShowProgress(frame + 1, plan.frames);
+void Run(const RenderOptions& options, const CLI::App& command) {
+  ApplyReporting(options.film);
+  FilmJob job = JobFor(options);
+  job.module = FindModule(options.film.module);
+  CheckJob(job);
+  if (!options.project.empty()) WriteProject(options.project, job.scene.plan);
+  const bool events = CurrentReporting() == Reporting::kJson;
+  if (events) {
+    PrintEvent("start", {{"output", options.output},
+                         {"frames", int64_t{job.request.frames}},
+                         {"jobs", int64_t{job.workers}}});
   }
-  film->Finish();
-  ClearProgress();
+  {
+    Progress progress("frame", job.request.frames);
+    MakeFilm(job, [&](int32_t done) { progress.Show(done); });
+  }
+  if (!options.record.empty()) {
+    WriteRecord(options.record, RecordOf(options.photo, WordsGiven(command)));
+  }
+  if (events) PrintEvent("done", {{"output", options.output}});
 }
 
 }  // namespace
@@ -64,23 +89,32 @@ void Run(const RenderOptions& options) {
 CLI::App* AddRender(CLI::App& app) {
   CLI::App* command = app.add_subcommand("render", "Make a film of a photograph");
   const auto options = std::make_shared<RenderOptions>();
-  command->add_option("PHOTO", options->photo, "The photograph")->required()->type_name("");
-  constexpr const char* kFiles = "Files";
+  command->add_option("PHOTO", options->photo, "The photograph, or a project file, .json")
+      ->required()
+      ->type_name("");
   command
       ->add_option("-o,--output", options->output,
                    "The film, replaced if it is there; - writes to the standard output")
-      ->group(kFiles)
+      ->group("Files")
       ->type_name("FILE")
       ->required();
-  command->add_option("--format", options->format, FormatHelp())->group(kFiles)->type_name("KIND");
+  DeclareFilm(*command, options->film,
+              "Processes that render, each with a photograph of its own in memory; the film is the "
+              "same [one for each core, and for every 25 frames]");
   command
-      ->add_option("--module", options->module,
-                   std::string("The effect's module; else the environment variable ") +
-                       kModuleVariable + ", else the installed " + kModuleName)
-      ->group(kFiles)
+      ->add_option("--record", options->record,
+                   "Note in this file how the film was made, for kelto batch --resume")
+      ->group("Files")
+      ->type_name("FILE");
+  command
+      ->add_option("--save-project", options->project,
+                   "Write what the film shows, with all options, into this project file, .json")
+      ->group("Files")
       ->type_name("FILE");
   DeclarePlan(*command, options->plan);
-  command->final_callback([options] { Run(*options); });
+  command->get_option("--frames")
+      ->description("Length in frames; or A..B, frames A to B - 1 of the film, the first being 0");
+  command->final_callback([options, command] { Run(*options, *command); });
   return command;
 }
 

@@ -13,8 +13,9 @@
 
 namespace kelto::host {
 
-/// The matrices of ITU-R BT.601-7 (section 2.5) and BT.709-6 (section 3).
-enum class ColourMatrix { kBt601, kBt709 };
+/// The matrices of ITU-R BT.601-7 (section 2.5), BT.709-6 (section 3), BT.2020-2 (table 4,
+/// non-constant luminance) and SMPTE ST 240. Films are written in the first two.
+enum class ColourMatrix { kBt601, kBt709, kBt2020, kSmpte240 };
 
 /// The matrix in which a film of this size is coded: BT.709 above 576 rows, BT.601 else.
 ColourMatrix MatrixFor(FrameSize size);
@@ -31,5 +32,17 @@ struct ChromaMap {
 
 /// The map from the effect's frames into `matrix`.
 ChromaMap MapInto(ColourMatrix matrix);
+
+/// The way back, from a video's luma and chroma: luma' = 16 + lumaGain (luma - lumaBlack) +
+/// (lumaCb cb + lumaCr cr), and chroma as in ChromaMap; lumaBlack is in levels of eight bits.
+struct VideoMap {
+  ChromaMap chroma;
+  int32_t lumaGain;
+  int32_t lumaBlack;
+};
+
+/// The map from a video coded with `matrix`, in studio range or full range, into the effect's
+/// frames.
+VideoMap MapFrom(ColourMatrix matrix, bool fullRange);
 
 }  // namespace kelto::host

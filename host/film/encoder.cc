@@ -1,112 +1,72 @@
 #include "host/film/encoder.h"
 
 extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
 #include <libavutil/opt.h>
 }
 
-#include <cerrno>
-#include <exception>
-#include <new>
+#include <algorithm>
 #include <string>
 
 #include "host/error.h"
-#include "host/film/output_file.h"
+#include "host/film/container_output.h"
+#include "host/film/libav.h"
 #include "host/film/planes.h"
+#include "host/film/sound_track.h"
 
 namespace kelto::host {
 namespace {
 
-/// Constant quality of libx264: 18 is commonly held to look like the source.
-constexpr const char* kQuality = "18";
-constexpr int kBlockBytes = 1 << 20;
+/// A kind of film and what FFmpeg calls its container.
+struct Container {
+  const char* kind;
+  const char* muxer;
+  bool fragments;  ///< of the MP4 family, with an index that a pipe has to do without
+};
 
-std::string TextOf(int code) {
-  char text[AV_ERROR_MAX_STRING_SIZE];
-  av_strerror(code, text, sizeof text);
-  return text;
+AVPixelFormat PixelFormatOf(CodedForm form) {
+  switch (form) {
+    case CodedForm::k422:
+      return AV_PIX_FMT_YUV422P;
+    case CodedForm::k422TenBit:
+      return AV_PIX_FMT_YUV422P10;
+    case CodedForm::k420:
+      break;
+  }
+  return AV_PIX_FMT_YUV420P;
 }
 
-/// The container's bytes on their way into an OutputFile. Exceptions must not cross the library's C
-/// frames: the first one is kept and thrown by Check.
-class ContainerOutput {
- public:
-  explicit ContainerOutput(const std::string& output) : file_(output) {
-    auto* block = static_cast<uint8_t*>(av_malloc(kBlockBytes));
-    context_ = block == nullptr
-                   ? nullptr
-                   : avio_alloc_context(block, kBlockBytes, 1, this, nullptr, &WriteBytes,
-                                        file_.CanSeek() ? &SeekTo : nullptr);
-    if (context_ == nullptr) {
-      av_free(block);
-      throw std::bad_alloc();
-    }
+/// The first encoder of the codec that takes frames of this size and is installed.
+const FilmEncoder* FindEncoder(const FilmCodec& codec, FrameSize size) {
+  const auto found = std::find_if(codec.encoders.begin(), codec.encoders.end(), [&](auto& each) {
+    return std::min(size.width, size.height) >= each.minimumSide &&
+           avcodec_find_encoder_by_name(each.name) != nullptr;
+  });
+  return found == codec.encoders.end() ? nullptr : &*found;
+}
+
+void Fill(const FrameView& frame, const ChromaMap& map, bool interlaced, const AVFrame& to) {
+  if (to.format == AV_PIX_FMT_YUV422P10) {
+    const auto plane = [&](int i) { return reinterpret_cast<uint16_t*>(to.data[i]); };
+    FillPlanes422(
+        frame, map,
+        TenBitPlanes{plane(0), plane(1), plane(2), to.linesize[0], to.linesize[1], to.linesize[2]});
+    return;
   }
-  ~ContainerOutput() {
-    av_freep(&context_->buffer);
-    avio_context_free(&context_);
+  const Planes planes{to.data[0],     to.data[1],     to.data[2],
+                      to.linesize[0], to.linesize[1], to.linesize[2]};
+  if (to.format == AV_PIX_FMT_YUV422P) {
+    FillPlanes422(frame, map, planes);
+  } else {
+    FillPlanes420(frame, map, interlaced, planes);
   }
-  ContainerOutput(const ContainerOutput&) = delete;
-  ContainerOutput& operator=(const ContainerOutput&) = delete;
-
-  AVIOContext* Context() const { return context_; }
-  OutputFile& File() { return file_; }
-  /// Throws the failure of a write so far, if there was one.
-  void Check() const {
-    if (failure_) std::rethrow_exception(failure_);
-  }
-
- private:
-  static int WriteBytes(void* self, uint8_t* bytes, int size) {
-    auto& output = *static_cast<ContainerOutput*>(self);
-    const auto write = [&] { output.file_.Write(bytes, static_cast<size_t>(size)); };
-    return output.Guard(write) ? size : AVERROR(EIO);
-  }
-
-  static int64_t SeekTo(void* self, int64_t offset, int whence) {
-    auto& output = *static_cast<ContainerOutput*>(self);
-    if ((whence & AVSEEK_SIZE) != 0) return output.file_.Size();
-    if (whence != SEEK_SET) return AVERROR(EINVAL);
-    return output.Guard([&] { output.file_.Seek(offset); }) ? offset : AVERROR(EIO);
-  }
-
-  template <typename Step>
-  bool Guard(Step step) {
-    if (failure_) return false;
-    try {
-      step();
-    } catch (...) {
-      failure_ = std::current_exception();
-    }
-    return failure_ == nullptr;
-  }
-
-  OutputFile file_;
-  AVIOContext* context_ = nullptr;
-  std::exception_ptr failure_;
-};
-
-struct Free {
-  void operator()(AVFormatContext* context) const { avformat_free_context(context); }
-  void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
-  void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-  void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-};
-template <typename Record>
-using Owned = std::unique_ptr<Record, Free>;
-
-template <typename Record>
-Owned<Record> Own(Record* record) {
-  if (record == nullptr) throw std::bad_alloc();
-  return Owned<Record>(record);
 }
 
 class Encoder : public FrameSink {
  public:
-  Encoder(const FilmRequest& request, const char* container)
+  Encoder(const FilmRequest& request, const Container& container)
       : name_(request.output),
         format_(request.format),
+        choice_(CodecFor(container.kind, request.codec)),
         map_(MapInto(MatrixFor(request.format.size))),
         output_(request.output),
         frame_(Own(av_frame_alloc())),
@@ -114,39 +74,44 @@ class Encoder : public FrameSink {
     OpenContainer(container);
     OpenCodec();
     PrepareFrame();
+    AddPictures(container);
+    if (!request.audio.empty()) AddSound(request, container);
     BeginFile(container);
   }
 
   void Write(const FrameView& frame) override {
     Check(av_frame_make_writable(frame_.get()), "take a frame");
-    const AVFrame& to = *frame_;
-    FillPlanes420(
-        frame, map_, format_.Interlaced(),
-        {to.data[0], to.data[1], to.data[2], to.linesize[0], to.linesize[1], to.linesize[2]});
+    Fill(frame, map_, format_.Interlaced(), *frame_);
     frame_->pts = next_++;
     Encode(frame_.get());
+    // In step with the pictures, so that neither has to wait in memory for the other.
+    if (sound_) sound_->WriteUntil(next_);
+    output_.Check();
   }
 
   void Finish() override {
     Encode(nullptr);
+    if (sound_) sound_->WriteUntil(next_);
     Check(av_write_trailer(container_.get()), "end the film");
-    avio_flush(output_.Context());
-    output_.Check();
-    output_.File().Finish();
+    output_.Finish();
   }
 
  private:
   void Check(int code, const char* doing) const {
     output_.Check();
-    if (code < 0) throw Error(name_ + ": cannot " + doing + ": " + TextOf(code));
+    if (code < 0) throw Error(name_ + ": cannot " + doing + ": " + LibavText(code));
   }
 
-  void OpenContainer(const char* name) {
+  void OpenContainer(const Container& kind) {
     AVFormatContext* container = nullptr;
-    Check(avformat_alloc_output_context2(&container, nullptr, name, nullptr), "make a container");
+    Check(avformat_alloc_output_context2(&container, nullptr, kind.muxer, nullptr),
+          "make a container");
     container_.reset(container);
     container_->pb = output_.Context();
-    container_->flags |= AVFMT_FLAG_CUSTOM_IO;
+    // Bit-exact: without the marks by which two films of the same frames would differ.
+    container_->flags |= AVFMT_FLAG_CUSTOM_IO | AVFMT_FLAG_BITEXACT;
+    // The picture begins at 0, whatever the sound's decoder wants to have before.
+    container_->avoid_negative_ts = kind.fragments ? AVFMT_AVOID_NEG_TS_AUTO : 0;
     // Moving the index to the front reads the file again by this name; "file:" keeps a colon in the
     // name from being taken for a protocol.
     const std::string url = "file:" + output_.File().WorkPath().string();
@@ -155,30 +120,39 @@ class Encoder : public FrameSink {
   }
 
   void OpenCodec() {
-    const AVCodec* encoder = avcodec_find_encoder_by_name("libx264");
-    if (encoder == nullptr) {
-      throw Error(name_ + ": the installed FFmpeg has no libx264; choose another --format");
+    const FilmEncoder* chosen = FindEncoder(choice_, format_.size);
+    if (chosen == nullptr) {
+      throw Error(name_ + ": the installed FFmpeg has no " + choice_.encoders.back().name +
+                  ", the encoder for " + choice_.name + "; choose another --codec or --format");
     }
+    const AVCodec* encoder = avcodec_find_encoder_by_name(chosen->name);
     codec_ = Own(avcodec_alloc_context3(encoder));
     codec_->width = format_.size.width;
     codec_->height = format_.size.height;
-    codec_->pix_fmt = AV_PIX_FMT_YUV420P;
+    codec_->pix_fmt = PixelFormatOf(choice_.form);
     codec_->framerate = {format_.rate.numerator, format_.rate.denominator};
     codec_->time_base = av_inv_q(codec_->framerate);
-    codec_->sample_aspect_ratio = {1, 1};
+    codec_->sample_aspect_ratio = {format_.sampleAspect.width, format_.sampleAspect.height};
     SetColours();
     SetFields();
     if ((container_->oformat->flags & AVFMT_GLOBALHEADER) != 0) {
       codec_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     }
+    codec_->flags |= AV_CODEC_FLAG_BITEXACT;
     AVDictionary* options = nullptr;
-    av_dict_set(&options, "crf", kQuality, 0);
+    int code = av_dict_parse_string(&options, chosen->options, "=", " ", 0);
     // The order of the frames alone comes too late for what the encoder says of the film.
-    if (format_.fields == FieldOrder::kBottomFirst)
+    if (chosen->name == std::string("libx264") && format_.fields == FieldOrder::kBottomFirst) {
       av_dict_set(&options, "x264-params", "bff=1", 0);
-    const int code = avcodec_open2(codec_.get(), encoder, &options);
+    }
+    if (code >= 0) code = avcodec_open2(codec_.get(), encoder, &options);
+    const AVDictionaryEntry* unknown = av_dict_get(options, "", nullptr, AV_DICT_IGNORE_SUFFIX);
+    const std::string lack = unknown == nullptr ? "" : unknown->key;
     av_dict_free(&options);
-    Check(code, "start the H.264 encoder");
+    Check(code, (std::string("start the encoder ") + chosen->name).c_str());
+    if (!lack.empty()) {
+      throw Error(name_ + ": the encoder " + chosen->name + " knows no option " + lack);
+    }
   }
 
   void SetColours() {
@@ -205,6 +179,7 @@ class Encoder : public FrameSink {
     frame_->format = codec_->pix_fmt;
     frame_->width = codec_->width;
     frame_->height = codec_->height;
+    frame_->sample_aspect_ratio = codec_->sample_aspect_ratio;
     frame_->colorspace = codec_->colorspace;
     frame_->color_primaries = codec_->color_primaries;
     frame_->color_trc = codec_->color_trc;
@@ -212,15 +187,28 @@ class Encoder : public FrameSink {
     Check(av_frame_get_buffer(frame_.get(), 0), "make a frame");
   }
 
-  void BeginFile(const std::string& container) {
+  void AddPictures(const Container& kind) {
     AVStream* stream = avformat_new_stream(container_.get(), nullptr);
     if (stream == nullptr) throw std::bad_alloc();
     Check(avcodec_parameters_from_context(stream->codecpar, codec_.get()), "describe the film");
     stream->time_base = codec_->time_base;
     stream->avg_frame_rate = codec_->framerate;
     stream->sample_aspect_ratio = codec_->sample_aspect_ratio;
+    // The mark by which all players of MP4 know H.265.
+    if (codec_->codec_id == AV_CODEC_ID_HEVC && kind.fragments) {
+      stream->codecpar->codec_tag = MKTAG('h', 'v', 'c', '1');
+    }
+  }
+
+  void AddSound(const FilmRequest& request, const Container& kind) {
+    const bool editList = kind.fragments && output_.File().CanSeek();
+    sound_ = OpenSoundTrack({request.audio, kind.kind, editList, codec_->time_base, request.frames},
+                            *container_);
+  }
+
+  void BeginFile(const Container& kind) {
     AVDictionary* options = nullptr;
-    if (container != "matroska") {
+    if (kind.fragments) {
       av_dict_set(&options, "movflags",
                   output_.File().CanSeek() ? "faststart" : "frag_keyframe+empty_moov", 0);
     }
@@ -247,25 +235,43 @@ class Encoder : public FrameSink {
 
   std::string name_;
   FilmFormat format_;
+  const FilmCodec& choice_;
   ChromaMap map_;
   ContainerOutput output_;  // outlives the container, which writes to it
   Owned<AVFrame> frame_;
   Owned<AVPacket> packet_;
   Owned<AVFormatContext> container_;
   Owned<AVCodecContext> codec_;
+  std::unique_ptr<SoundTrack> sound_;
   int64_t next_ = 0;
 };
 
-std::unique_ptr<FrameSink> Open(const FilmRequest& request, const char* container) {
-  // Failures are told once, by exceptions.
-  av_log_set_level(AV_LOG_QUIET);
+std::unique_ptr<FrameSink> Open(const FilmRequest& request, const Container& container) {
+  SilenceLibav();
   return std::make_unique<Encoder>(request, container);
 }
 
 }  // namespace
 
-std::unique_ptr<FrameSink> OpenMp4(const FilmRequest& request) { return Open(request, "mp4"); }
-std::unique_ptr<FrameSink> OpenMov(const FilmRequest& request) { return Open(request, "mov"); }
-std::unique_ptr<FrameSink> OpenMkv(const FilmRequest& request) { return Open(request, "matroska"); }
+std::unique_ptr<FrameSink> OpenMp4(const FilmRequest& request) {
+  return Open(request, {"mp4", "mp4", true});
+}
+
+std::unique_ptr<FrameSink> OpenMov(const FilmRequest& request) {
+  return Open(request, {"mov", "mov", true});
+}
+
+std::unique_ptr<FrameSink> OpenMkv(const FilmRequest& request) {
+  return Open(request, {"mkv", "matroska", false});
+}
+
+std::unique_ptr<FrameSink> OpenWebm(const FilmRequest& request) {
+  return Open(request, {"webm", "webm", false});
+}
+
+std::string InstalledEncoder(const FilmCodec& codec, FrameSize size) {
+  const FilmEncoder* encoder = FindEncoder(codec, size);
+  return encoder == nullptr ? "" : encoder->name;
+}
 
 }  // namespace kelto::host

@@ -2,16 +2,24 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
+#include "host/film/codecs.h"
 #include "host/film/formats.h"
 
 namespace kelto::host {
 
-/// H.264, 4:2:0 studio range, near-transparent quality, with its colours, field order and square
-/// pixels marked. MP4 and MOV files play while they are still being fetched; on the standard
-/// output, where nothing can be put in front afterwards, they are written in fragments.
+/// Studio range, near-transparent quality, with colours, field order and pixel shape marked, in the
+/// codec of the request, and with its sound. MP4 and MOV files play while they are still being
+/// fetched; on the standard output, where nothing can be put in front afterwards, they are written
+/// in fragments. A film of the same frames is the same file, byte for byte.
 std::unique_ptr<FrameSink> OpenMp4(const FilmRequest& request);
 std::unique_ptr<FrameSink> OpenMov(const FilmRequest& request);
 std::unique_ptr<FrameSink> OpenMkv(const FilmRequest& request);
+std::unique_ptr<FrameSink> OpenWebm(const FilmRequest& request);
+
+/// The name of the installed FFmpeg's encoder that codes frames of this size; empty when it has
+/// none.
+std::string InstalledEncoder(const FilmCodec& codec, FrameSize size = {});
 
 }  // namespace kelto::host

@@ -25,11 +25,24 @@ struct FrameRate {
 /// holds the frame's rows 0, 2, 4 ...
 enum class FieldOrder { kProgressive, kTopFirst, kBottomFirst };
 
+/// The shape of a pixel as shown, width to height, in lowest terms; both 1..65535.
+struct SampleAspect {
+  int32_t width = 1;
+  int32_t height = 1;
+  double Ratio() const { return static_cast<double>(width) / height; }
+  bool operator==(const SampleAspect&) const = default;
+};
+
 struct FilmFormat {
   FrameSize size;
   FrameRate rate;
   FieldOrder fields = FieldOrder::kProgressive;
+  SampleAspect sampleAspect{};
   bool Interlaced() const { return fields != FieldOrder::kProgressive; }
+  /// Width over height of the frame as shown.
+  double DisplayAspect() const {
+    return static_cast<double>(size.width) / size.height * sampleAspect.Ratio();
+  }
 };
 
 /// Bytes of a frame in memory.

@@ -7,10 +7,11 @@
 #include <system_error>
 
 #include "host/error.h"
+#include "host/film/codecs.h"
 #include "host/film/encoder.h"
 #include "host/film/frame_pattern.h"
 #include "host/film/output_file.h"
-#include "host/film/png_sequence.h"
+#include "host/film/picture_sequence.h"
 #include "host/film/raw_video.h"
 #include "host/film/y4m.h"
 #include "host/options/size.h"
@@ -23,21 +24,30 @@ constexpr PixelLayout kBGRA = PixelLayout::kBGRA;
 
 constexpr FilmKind kKinds[] = {
 #if defined(KELTO_FFMPEG)
-    {"mp4", "H.264 in MP4", kYCbYCr, 2, 2, 4, OpenMp4},
-    {"mkv", "H.264 in Matroska", kYCbYCr, 2, 2, 4, OpenMkv},
-    {"mov", "H.264 in MOV", kYCbYCr, 2, 2, 4, OpenMov},
+    {"mp4", nullptr, "MP4; H.264 unless --codec says otherwise", kYCbYCr, 2, 1, 2, false, OpenMp4},
+    {"mkv", nullptr, "Matroska; H.264 unless --codec says otherwise", kYCbYCr, 2, 1, 2, false,
+     OpenMkv},
+    {"mov", nullptr, "MOV; H.264 unless --codec says otherwise", kYCbYCr, 2, 1, 2, false, OpenMov},
+    {"webm", nullptr, "WebM; VP9 unless --codec says otherwise", kYCbYCr, 2, 1, 2, false, OpenWebm},
 #endif
-    {"png", "numbered pictures, as in frame-%04d.png, the first one 0", kBGRA, 1, 1, 2,
-     OpenPngSequence},
-    {"y4m", "uncompressed planar 4:2:2 with a header", kYCbYCr, 2, 1, 2, OpenY4m},
-    {"yuyv", "raw bytes Y Cb Y Cr as the effect gives them, BT.601", kYCbYCr, 2, 1, 2,
-     OpenRawYCbYCr},
-    {"bgra", "raw bytes B G R A", kBGRA, 1, 1, 2, OpenRawBGRA},
+    {"png", nullptr, "numbered pictures, as in frame-%04d.png, the first one 0", kBGRA, 1, 1, 2,
+     true, OpenPngSequence},
+#if !defined(_WIN32)
+    {"tiff", "tif", "numbered pictures, lossless", kBGRA, 1, 1, 2, true, OpenTiffSequence},
+    {"jpeg", "jpg", "numbered pictures of quality 95", kBGRA, 1, 1, 2, true, OpenJpegSequence},
+#endif
+    {"y4m", nullptr, "uncompressed planar 4:2:2 with a header", kYCbYCr, 2, 1, 2, false, OpenY4m},
+    {"yuyv", nullptr, "raw bytes Y Cb Y Cr as the effect gives them, BT.601", kYCbYCr, 2, 1, 2,
+     false, OpenRawYCbYCr},
+    {"bgra", nullptr, "raw bytes B G R A", kBGRA, 1, 1, 2, false, OpenRawBGRA},
 };
 
-std::string Names() {
+bool Every(const std::string&) { return true; }
+
+std::string Names(bool (*wanted)(const std::string&) = &Every) {
   std::string names;
   for (const FilmKind& kind : kKinds) {
+    if (!wanted(kind.name)) continue;
     names += names.empty() ? "" : ", ";
     names += kind.name;
   }
@@ -45,8 +55,9 @@ std::string Names() {
 }
 
 const FilmKind* Find(const std::string& name) {
-  const auto kind = std::find_if(std::begin(kKinds), std::end(kKinds),
-                                 [&](const FilmKind& each) { return each.name == name; });
+  const auto kind = std::find_if(std::begin(kKinds), std::end(kKinds), [&](const FilmKind& each) {
+    return each.name == name || (each.otherEnding != nullptr && each.otherEnding == name);
+  });
   return kind == std::end(kKinds) ? nullptr : kind;
 }
 
@@ -64,6 +75,19 @@ int32_t Fitted(int32_t side, int32_t step) { return std::max(side / step * step,
 std::string Multiple(const char* side, int32_t step) {
   if (step == 2) return std::string("an even ") + side;
   return std::string("a ") + side + " that is a multiple of " + std::to_string(step);
+}
+
+void CheckSize(const FilmKind& kind, FrameSize size, int32_t heightStep, bool interlaced) {
+  const bool widthFits = size.width % kind.widthStep == 0;
+  const bool heightFits = size.height % heightStep == 0;
+  if (widthFits && heightFits) return;
+  std::string need;
+  if (!widthFits) need += Multiple("width", kind.widthStep);
+  if (!widthFits && !heightFits) need += " and ";
+  if (!heightFits) need += Multiple("height", heightStep);
+  const FrameSize fitted{Fitted(size.width, kind.widthStep), Fitted(size.height, heightStep)};
+  throw UsageError("--size " + ToString(size) + ": " + (interlaced ? "interlaced " : "") +
+                   kind.name + " needs " + need + ", such as " + ToString(fitted));
 }
 
 }  // namespace
@@ -84,25 +108,26 @@ const FilmKind& KindFor(const std::string& output, const std::string& format) {
 }
 
 void CheckRequest(const FilmKind& kind, const FilmRequest& request) {
-  const FrameSize size = request.format.size;
   const bool interlaced = request.format.Interlaced();
-  const int32_t heightStep = interlaced ? kind.interlacedHeightStep : kind.heightStep;
-  const bool widthFits = size.width % kind.widthStep == 0;
-  const bool heightFits = size.height % heightStep == 0;
-  if (!widthFits || !heightFits) {
-    std::string need;
-    if (!widthFits) need += Multiple("width", kind.widthStep);
-    if (!widthFits && !heightFits) need += " and ";
-    if (!heightFits) need += Multiple("height", heightStep);
-    const FrameSize fitted{Fitted(size.width, kind.widthStep), Fitted(size.height, heightStep)};
-    throw UsageError("--size " + ToString(size) + ": " + (interlaced ? "interlaced " : "") +
-                     kind.name + " needs " + need + ", such as " + ToString(fitted));
+  int32_t heightStep = interlaced ? kind.interlacedHeightStep : kind.heightStep;
+  if (IsContainer(kind.name)) {
+    const FilmCodec& codec = CodecFor(kind.name, request.codec);
+    CheckFormat(codec, request.format);
+    heightStep = codec.HeightStep(interlaced);
+  } else {
+    const auto refuse = [&](const std::string& option, const std::string& lack) {
+      throw UsageError(option + ": " + kind.name + " films have no " + lack + "; use one of " +
+                       Names(&IsContainer));
+    };
+    if (!request.codec.empty()) refuse("--codec " + request.codec, "codec");
+    if (!request.audio.empty()) refuse("--audio " + request.audio, "sound");
   }
-  if (kind.open == OpenPngSequence && request.output != kStandardOutput) {
+  CheckSize(kind, request.format.size, heightStep, interlaced);
+  if (kind.pictures && request.output != kStandardOutput) {
     const FramePattern pattern(request.output);
     if (request.frames > 1 && !pattern.Numbered()) {
       throw UsageError(request.output + ": " + std::to_string(request.frames) +
-                       " pictures need a number in the name, as in frame-%04d.png");
+                       " pictures need a number in the name, as in frame-%04d." + kind.name);
     }
   }
 }
@@ -113,10 +138,10 @@ bool WouldReplace(const FilmKind& kind, const FilmRequest& request, const std::s
     std::error_code error;
     return std::filesystem::equivalent(path, other, error) && !error;
   };
-  if (kind.open != OpenPngSequence) return same(request.output);
+  if (!kind.pictures) return same(request.output);
   const FramePattern pattern(request.output);
   for (int32_t i = 0; i < request.frames; ++i) {
-    if (same(pattern.PathOf(i))) return true;
+    if (same(pattern.PathOf(request.firstNumber + i))) return true;
   }
   return false;
 }

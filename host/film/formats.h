@@ -15,14 +15,19 @@ struct FilmRequest {
   std::string output;  ///< path, path with a place for numbers, or kStandardOutput
   FilmFormat format;
   int32_t frames = 1;
+  std::string codec{};      ///< name of a FilmCodec; empty for the one usual in films of the kind
+  std::string audio{};      ///< file whose sound goes into the film; empty for a silent one
+  int32_t firstNumber = 0;  ///< of numbered pictures
 };
 
 struct FilmKind {
   const char* name;         ///< as --format takes it; a dot before it makes the file name's ending
+  const char* otherEnding;  ///< another ending that means this kind, else null
   const char* description;  ///< for the help text
   PixelLayout layout;       ///< of the frames that its sinks take
-  /// Width and height must be multiples of these.
+  /// Width and height must be multiples of these; of a container, the codec asks for more.
   int32_t widthStep, heightStep, interlacedHeightStep;
+  bool pictures;  ///< a file a frame
   std::unique_ptr<FrameSink> (*open)(const FilmRequest& request);
 };
 
@@ -32,11 +37,11 @@ std::span<const FilmKind> FilmKinds();
 /// UsageError that says which there are.
 const FilmKind& KindFor(const std::string& output, const std::string& format);
 
-/// Throws UsageError when the kind cannot hold frames of this format or this many of them; the text
-/// says what it can hold.
+/// Throws UsageError when the kind cannot hold frames of this format or this many of them, or not
+/// the codec or the sound; the text says what it can hold. Opens no file.
 void CheckRequest(const FilmKind& kind, const FilmRequest& request);
 
-/// Whether writing the film would replace the file `path`.
+/// Whether writing the film would replace the file `path`: the photo, or what the sound comes from.
 bool WouldReplace(const FilmKind& kind, const FilmRequest& request, const std::string& path);
 
 }  // namespace kelto::host

@@ -5,48 +5,70 @@
 namespace kelto::host {
 namespace {
 
-/// `value` in units of 1 / 2^shift, to the nearest byte.
-uint8_t ToByte(int32_t value, int32_t shift) {
-  return static_cast<uint8_t>(std::clamp((value + (1 << (shift - 1))) >> shift, 0, 255));
+/// `value` in units of 1 / 2^shift of an 8-bit level, to the nearest level of the sample.
+template <typename Sample>
+Sample ToSample(int32_t value, int32_t shift) {
+  constexpr int32_t kMoreBits = sizeof(Sample) == 1 ? 0 : 2;
+  const int32_t drop = shift - kMoreBits;
+  return static_cast<Sample>(
+      std::clamp((value + (1 << (drop - 1))) >> drop, 0, (256 << kMoreBits) - 1));
+}
+
+template <typename Sample>
+Sample* RowOf(Sample* plane, ptrdiff_t rowBytes, int32_t row) {
+  return plane + row * (rowBytes / static_cast<ptrdiff_t>(sizeof(Sample)));
 }
 
 /// One row's luma; both pixels of a pair take the pair's chroma into account.
-void LumaRow(const uint8_t* row, int32_t pairs, const ChromaMap& map, uint8_t* luma) {
+template <typename Sample>
+void LumaRow(const uint8_t* row, int32_t pairs, const ChromaMap& map, Sample* luma) {
   for (int32_t i = 0; i < pairs; ++i, row += 4, luma += 2) {
     const int32_t shift = map.lumaCb * (row[1] - 128) + map.lumaCr * (row[3] - 128);
-    luma[0] = ToByte(row[0] * ChromaMap::kOne + shift, ChromaMap::kShift);
-    luma[1] = ToByte(row[2] * ChromaMap::kOne + shift, ChromaMap::kShift);
+    luma[0] = ToSample<Sample>(row[0] * ChromaMap::kOne + shift, ChromaMap::kShift);
+    luma[1] = ToSample<Sample>(row[2] * ChromaMap::kOne + shift, ChromaMap::kShift);
   }
 }
 
 /// One row of chroma from two rows of the frame, weighed in quarters that add up to 4.
+template <typename Sample>
 void ChromaRow(const uint8_t* upper, const uint8_t* lower, int32_t upperQuarters, int32_t pairs,
-               const ChromaMap& map, uint8_t* cbRow, uint8_t* crRow) {
+               const ChromaMap& map, Sample* cbRow, Sample* crRow) {
   constexpr int32_t kShift = ChromaMap::kShift + 2;
   constexpr int32_t kMiddle = 128 << kShift;
   const int32_t lowerQuarters = 4 - upperQuarters;
   for (int32_t i = 0; i < pairs; ++i) {
     const int32_t cb = upper[4 * i + 1] * upperQuarters + lower[4 * i + 1] * lowerQuarters - 512;
     const int32_t cr = upper[4 * i + 3] * upperQuarters + lower[4 * i + 3] * lowerQuarters - 512;
-    cbRow[i] = ToByte(kMiddle + map.cbCb * cb + map.cbCr * cr, kShift);
-    crRow[i] = ToByte(kMiddle + map.crCb * cb + map.crCr * cr, kShift);
+    cbRow[i] = ToSample<Sample>(kMiddle + map.cbCb * cb + map.cbCr * cr, kShift);
+    crRow[i] = ToSample<Sample>(kMiddle + map.crCb * cb + map.crCr * cr, kShift);
   }
 }
 
-void FillLuma(const FrameView& frame, const ChromaMap& map, const Planes& planes) {
+template <typename Sample>
+void FillLuma(const FrameView& frame, const ChromaMap& map, const PlanesOf<Sample>& planes) {
   for (int32_t row = 0; row < frame.size.height; ++row) {
-    LumaRow(frame.Row(row), frame.size.width / 2, map, planes.luma + row * planes.lumaRowBytes);
+    LumaRow(frame.Row(row), frame.size.width / 2, map,
+            RowOf(planes.luma, planes.lumaRowBytes, row));
+  }
+}
+
+template <typename Sample>
+void Fill422(const FrameView& frame, const ChromaMap& map, const PlanesOf<Sample>& planes) {
+  FillLuma(frame, map, planes);
+  for (int32_t row = 0; row < frame.size.height; ++row) {
+    ChromaRow(frame.Row(row), frame.Row(row), 4, frame.size.width / 2, map,
+              RowOf(planes.cb, planes.cbRowBytes, row), RowOf(planes.cr, planes.crRowBytes, row));
   }
 }
 
 }  // namespace
 
 void FillPlanes422(const FrameView& frame, const ChromaMap& map, const Planes& planes) {
-  FillLuma(frame, map, planes);
-  for (int32_t row = 0; row < frame.size.height; ++row) {
-    ChromaRow(frame.Row(row), frame.Row(row), 4, frame.size.width / 2, map,
-              planes.cb + row * planes.cbRowBytes, planes.cr + row * planes.crRowBytes);
-  }
+  Fill422(frame, map, planes);
+}
+
+void FillPlanes422(const FrameView& frame, const ChromaMap& map, const TenBitPlanes& planes) {
+  Fill422(frame, map, planes);
 }
 
 void FillPlanes420(const FrameView& frame, const ChromaMap& map, bool interlaced,

@@ -10,15 +10,20 @@
 namespace kelto::host {
 
 /// Planes to be filled; each row starts `rowBytes` behind the one above it.
-struct Planes {
-  uint8_t* luma;
-  uint8_t* cb;
-  uint8_t* cr;
+template <typename Sample>
+struct PlanesOf {
+  Sample* luma;
+  Sample* cb;
+  Sample* cr;
   ptrdiff_t lumaRowBytes, cbRowBytes, crRowBytes;
 };
+using Planes = PlanesOf<uint8_t>;
+/// Samples of ten bits in the low end of sixteen; levels are four times those of eight bits.
+using TenBitPlanes = PlanesOf<uint16_t>;
 
 /// Full-height chroma planes. The frame is in PixelLayout::kYCbYCr and of even width.
 void FillPlanes422(const FrameView& frame, const ChromaMap& map, const Planes& planes);
+void FillPlanes422(const FrameView& frame, const ChromaMap& map, const TenBitPlanes& planes);
 
 /// Half-height chroma planes. Chroma rows lie midway between two rows; when `interlaced`, they are
 /// made within each field and lie a quarter of a field row below its first row in the top field,

@@ -62,8 +62,9 @@ std::unique_ptr<FrameSink> OpenY4m(const FilmRequest& request) {
 std::string Y4mHeader(const FilmFormat& format) {
   return "YUV4MPEG2 W" + std::to_string(format.size.width) + " H" +
          std::to_string(format.size.height) + " F" + std::to_string(format.rate.numerator) + ":" +
-         std::to_string(format.rate.denominator) + " I" + ScanLetter(format.fields) +
-         " A1:1 C422 XYSCSS=422 XCOLORRANGE=LIMITED\n";
+         std::to_string(format.rate.denominator) + " I" + ScanLetter(format.fields) + " A" +
+         std::to_string(format.sampleAspect.width) + ":" +
+         std::to_string(format.sampleAspect.height) + " C422 XYSCSS=422 XCOLORRANGE=LIMITED\n";
 }
 
 }  // namespace kelto::host

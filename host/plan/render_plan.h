@@ -25,6 +25,8 @@ struct ViewKey {
 
 struct RenderPlan {
   std::string photo;
+  std::string over{};   ///< the video behind the photo; empty for none
+  std::string audio{};  ///< file whose sound goes into the film; empty for none
   FilmFormat format;
   int32_t frames = 1;
   std::vector<Setting> settings;  ///< one for each parameter at most

@@ -4,6 +4,7 @@
 
 #include "host/error.h"
 #include "host/session/effect_settings.h"
+#include "host/session/render_state.h"
 
 namespace kelto::host {
 namespace {
@@ -14,12 +15,6 @@ constexpr const char* kLevels = "levels";
 
 int32_t ColorspaceOf(PixelLayout layout) {
   return layout == PixelLayout::kBGRA ? hfxColorspaceRGB : hfxColorspaceYCbCr;
-}
-
-int32_t VideoTypeOf(const FilmFormat& format) {
-  if (!format.Interlaced()) return hfxVideoTypeProgressive;
-  const bool pal = format.rate == FrameRate{25, 1} || format.rate == FrameRate{50, 1};
-  return pal ? hfxVideoType625 : hfxVideoType525;
 }
 
 }  // namespace
@@ -36,7 +31,8 @@ EffectSession::EffectSession(const std::string& modulePath, const RenderPlan& pl
   if (!effect_) throw Error(modulePath + ": " + error);
   SetPhoto(*effect_, photo);
   if (const Setting* levels = plan_.FindSetting(kLevels)) Apply(*effect_, *levels);
-  if (!HasPicture(*effect_, photo, FirstState(), plan_.playMode, *input_.image(), output_)) {
+  if (!HasPicture(*effect_, photo, FrameState(plan_, 0), plan_.playMode, *input_.image(),
+                  output_)) {
     const std::string reason = WhyNoPicture(photo);
     if (!reason.empty()) throw Error(reason);
   }
@@ -52,22 +48,30 @@ void EffectSession::SetAbortQuery(std::function<bool()> query) {
 }
 
 FrameView EffectSession::Render(int32_t number, double quality) {
-  hfx::RenderState state = FirstState();
-  state.currentFrame = number;
-  state.quality = quality;
   hfxImage& whole = *output_.image();
-  if (plan_.format.Interlaced()) {
-    state.fieldMode = hfxFieldModeSeparate;
-    for (state.field = 0; state.field < 2; ++state.field) {
-      state.topField = (plan_.format.fields == FieldOrder::kTopFirst) == (state.field == 0);
+  RenderFrame(whole, number, quality);
+  return {whole.GetRowPtr(0), whole.GetRowDelta(), plan_.format.size};
+}
+
+void EffectSession::RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number,
+                               double quality) {
+  const hfxImage& own = *output_.image();
+  hfxImage whole(own.GetWidth(), own.GetHeight(), pixels, rowBytes, own.GetColorspace(),
+                 own.GetImgFormat());
+  RenderFrame(whole, number, quality);
+}
+
+void EffectSession::RenderFrame(hfxImage& whole, int32_t number, double quality) {
+  for (int32_t field = 0; field < FieldsOf(plan_); ++field) {
+    const hfx::RenderState state = FieldState(plan_, number, field, quality);
+    if (plan_.format.Interlaced()) {
       hfxImage input = hfx::FieldView(Input(), state.topField);
       hfxImage output = hfx::FieldView(whole, state.topField);
       RenderField(state, input, output);
+    } else {
+      RenderField(state, Input(), whole);
     }
-  } else {
-    RenderField(state, Input(), whole);
   }
-  return {whole.GetRowPtr(0), whole.GetRowDelta(), plan_.format.size};
 }
 
 void EffectSession::Change(const Setting& setting) {
@@ -78,14 +82,6 @@ void EffectSession::Change(const Setting& setting) {
 void EffectSession::RenderField(const hfx::RenderState& state, hfxImage& input, hfxImage& output) {
   std::string error;
   if (!effect_->Render(state, &input, &output, &error)) throw Error("the effect: " + error);
-}
-
-hfx::RenderState EffectSession::FirstState() const {
-  hfx::RenderState state;
-  state.totalFrames = plan_.frames;
-  state.videoType = VideoTypeOf(plan_.format);
-  state.displayAspect = static_cast<double>(plan_.format.size.width) / plan_.format.size.height;
-  return state;
 }
 
 }  // namespace kelto::host

@@ -36,13 +36,16 @@ class EffectSession {
   /// the next call.
   FrameView Render(int32_t number, double quality = 1.0);
 
+  /// The same into memory of the caller's, `rowBytes` from one row to the row below. What the
+  /// effect leaves alone in a frame keeps what it has there.
+  void RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number, double quality = 1.0);
+
   /// Changes one of the plan's settings for the frames to come.
   void Change(const Setting& setting);
 
  private:
+  void RenderFrame(hfxImage& whole, int32_t number, double quality);
   void RenderField(const hfx::RenderState& state, hfxImage& input, hfxImage& output);
-  /// The state of frame 0 as the plan has it.
-  hfx::RenderState FirstState() const;
 
   RenderPlan plan_;
   hfx::ImageBuffer input_;  ///< the effect demands an input even where nothing of it is seen

@@ -27,7 +27,9 @@ using Importer = std::unique_ptr<std::remove_pointer_t<GraphicsImportComponent>,
 /// Why the importer failed, without the path that messages begin with anyway.
 std::string Reason(const std::string& path) {
   std::string reason = StillImporterLastError();
-  if (reason.starts_with(path + ": ")) reason.erase(0, path.size() + 2);
+  for (const std::string& name : {path, fs::path(path).filename().string()}) {
+    if (reason.starts_with(name + ": ")) reason.erase(0, name.size() + 2);
+  }
   return reason.empty() ? "unknown form" : reason;
 }
 
@@ -52,10 +54,12 @@ Importer OpenImporter(const std::string& path) {
   return Importer(importer);
 }
 
-/// Decodes into a buffer that is thrown away.
-bool Draw(GraphicsImportComponent importer, const StillRect& bounds) {
+/// Decodes the whole picture into `pixels`; false when that fails.
+bool Draw(GraphicsImportComponent importer, std::vector<uint8_t>& pixels) {
+  StillRect bounds{};
+  if (GraphicsImportGetNaturalBounds(importer, &bounds) != noErr) return false;
   const int32_t rowBytes = 4 * (bounds.right - bounds.left);
-  std::vector<uint8_t> pixels(static_cast<size_t>(rowBytes) * (bounds.bottom - bounds.top));
+  pixels.resize(static_cast<size_t>(rowBytes) * (bounds.bottom - bounds.top));
   GWorldPtr world = nullptr;
   if (QTNewGWorldFromPtr(&world, k32BGRAPixelFormat, &bounds, nullptr, nullptr, 0, pixels.data(),
                          rowBytes) != noErr) {
@@ -105,13 +109,19 @@ Photo OpenPhoto(const std::string& path) {
   return photo;
 }
 
+std::vector<uint8_t> DecodePhoto(const Photo& photo) {
+  const Importer importer = OpenImporter(photo.path);
+  std::vector<uint8_t> pixels;
+  if (!importer || !Draw(importer.get(), pixels)) {
+    throw Error(photo.given + ": cannot be read as a picture: " + Reason(photo.path));
+  }
+  return pixels;
+}
+
 std::optional<std::string> FindFault(const Photo& photo) {
   const Importer importer = OpenImporter(photo.path);
-  StillRect bounds{};
-  if (importer && GraphicsImportGetNaturalBounds(importer.get(), &bounds) == noErr &&
-      Draw(importer.get(), bounds)) {
-    return std::nullopt;
-  }
+  std::vector<uint8_t> pixels;
+  if (importer && Draw(importer.get(), pixels)) return std::nullopt;
   return Reason(photo.path);
 }
 

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace kelto::host {
 
@@ -20,6 +21,9 @@ struct Photo {
 
 /// Opens a photo as far as its size. Throws Error when there is no such picture.
 Photo OpenPhoto(const std::string& path);
+
+/// The photo's pixels, B, G, R, A without padding, upright. Throws Error when it cannot be decoded.
+std::vector<uint8_t> DecodePhoto(const Photo& photo);
 
 /// Decodes the photo to find out why it could not be drawn; nothing when it could.
 std::optional<std::string> FindFault(const Photo& photo);

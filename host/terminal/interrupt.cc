@@ -34,6 +34,7 @@ void CatchInterrupts() {
 #else
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) Catch(signal);
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
 #endif
 }
 

@@ -4,7 +4,8 @@
 namespace kelto::host {
 
 /// From now on the first interrupt, termination or hang-up signal is only noted (a second one ends
-/// the process at once), and a reader that went away is an ordinary write error.
+/// the process at once), and a reader that went away or a file beyond the size allowed is an
+/// ordinary write error.
 void CatchInterrupts();
 
 /// The signal noted, 0 when there was none.

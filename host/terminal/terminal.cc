@@ -1,6 +1,9 @@
 #include "host/terminal/terminal.h"
 
 #include <cstdio>
+#include <utility>
+
+#include "host/terminal/events.h"
 
 #if defined(_WIN32)
 #include <io.h>
@@ -15,31 +18,50 @@ namespace {
 
 /// Whether a progress line stands on the terminal.
 bool shown = false;
+Reporting reporting = Reporting::kUsual;
+std::function<void(const std::string&)> messageSink;
+
+void PrintLine(const char* event, const std::string& text) {
+  ClearProgress();
+  std::string line = text;
+  while (!line.empty() && line.back() == '\n') line.pop_back();
+  if (reporting == Reporting::kJson) {
+    PrintEvent(event, {{"text", line}});
+  } else {
+    std::fprintf(stderr, "kelto: %s\n", line.c_str());
+  }
+}
 
 }  // namespace
 
-void ShowProgress(int32_t done, int32_t total) {
-  static const bool terminal = isatty(fileno(stderr)) != 0;
-  if (!terminal) return;
-  std::fprintf(stderr, "\rframe %d of %d (%d %%)", done, total,
-               static_cast<int>(int64_t{100} * done / total));
+void SetReporting(Reporting wanted) { reporting = wanted; }
+Reporting CurrentReporting() { return reporting; }
+
+void DrawProgress(const std::string& line) {
+  // Back to the line's start, and erase what a longer line leaves.
+  std::fprintf(stderr, "\r%s\033[K", line.c_str());
   shown = true;
 }
 
 void ClearProgress() {
   if (!shown) return;
-  // Back to the line's start, and erase to its end.
   std::fputs("\r\033[K", stderr);
   shown = false;
 }
 
 void PrintMessage(const std::string& text) {
-  ClearProgress();
-  std::string line = text;
-  while (!line.empty() && line.back() == '\n') line.pop_back();
-  std::fprintf(stderr, "kelto: %s\n", line.c_str());
+  if (messageSink) {
+    messageSink(text);
+  } else if (reporting != Reporting::kQuiet) {
+    PrintLine("message", text);
+  }
 }
 
+void PrintFailure(const std::string& text) { PrintLine("error", text); }
+
+void SetMessageSink(std::function<void(const std::string&)> sink) { messageSink = std::move(sink); }
+
 bool StandardOutputIsTerminal() { return isatty(fileno(stdout)) != 0; }
+bool StandardErrorIsTerminal() { return isatty(fileno(stderr)) != 0; }
 
 }  // namespace kelto::host

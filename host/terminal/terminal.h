@@ -2,19 +2,34 @@
 // the standard output.
 #pragma once
 
-#include <cstdint>
+#include <functional>
 #include <string>
 
 namespace kelto::host {
 
-/// Shows how far a film is, in one line that is written over, when the error stream is a terminal.
-void ShowProgress(int32_t done, int32_t total);
-/// Takes the line away.
+/// How the command tells what it does.
+enum class Reporting {
+  kUsual,  ///< progress and messages as lines
+  kQuiet,  ///< failures only
+  kJson,   ///< events, see events.h
+};
+void SetReporting(Reporting reporting);
+Reporting CurrentReporting();
+
+/// Writes `line` over the progress line that stands there, if any.
+void DrawProgress(const std::string& line);
+/// Takes the progress line away.
 void ClearProgress();
 
-/// Prints "kelto: " and `text`, one line, clear of the progress line.
+/// Prints "kelto: " and `text`, one line, clear of the progress line. Not when quiet.
 void PrintMessage(const std::string& text);
+/// The same for what went wrong; always.
+void PrintFailure(const std::string& text);
+
+/// Where PrintMessage sends its texts instead; an empty function restores it.
+void SetMessageSink(std::function<void(const std::string&)> sink);
 
 bool StandardOutputIsTerminal();
+bool StandardErrorIsTerminal();
 
 }  // namespace kelto::host

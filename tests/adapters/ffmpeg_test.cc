@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 
 #include "tests/adapters/run.h"
 
@@ -56,6 +57,54 @@ TEST_F(Ffmpeg, SourceRendersTheFramesOfTheCommandAtEverySize) {
                                ":framerate=25:filter_name=kelto_pan_zoom_src:filter_params=";
     ExpectSameFrames(Render(source + photo_ + kMoveInPlaces, size),
                      RenderByCommand(photo_, size, kMove), size.Text());
+  }
+}
+
+TEST_F(Ffmpeg, AProjectRendersTheFramesOfTheCommandInBothPlugins) {
+  const Size size{854, 480};
+  const std::string project = folder_ / "film.json";
+  test::WriteTestProject(project, "photo.bmp", 6);
+  const Frames command = test::RenderByCommand(project, size, {});
+  ASSERT_EQ(command.Count(), 6u);
+  ExpectSameFrames(Render(Video(size, "50") + ",frei0r=kelto_pan_zoom:" + project, size, 6),
+                   command, "filter");
+  EXPECT_TRUE(outcome_.Lines().empty()) << outcome_.err;
+  ExpectSameFrames(Render("frei0r_src=size=854x480:framerate=50:filter_name=kelto_pan_zoom_src:"
+                          "filter_params=" +
+                              project,
+                          size, 6),
+                   command, "source");
+}
+
+TEST_F(Ffmpeg, FieldsAndThePixelsShapeOfAProjectAreItsOwn) {
+  const Size size{720, 576};
+  const std::string project = folder_ / "film.json";
+  std::ofstream(project) << R"({"image": "photo.bmp",
+    "film": {"width": 720, "height": 576, "frames": 4, "fields": "top", "displayAspect": "16:9"},
+    "parameters": {"size": [{"time": 0, "value": 1.2}, {"time": 1, "value": 2}],
+                   "position": [{"time": 0, "value": [-0.1, 0]}, {"time": 1, "value": [0.2, 0]}]}})";
+  ExpectSameFrames(Render(Video(size) + ",frei0r=kelto_pan_zoom:" + project, size),
+                   test::RenderByCommand(project, size, {}), "fields");
+}
+
+TEST_F(Ffmpeg, ParametersGivenBesideAProjectOverruleIt) {
+  const Size size{854, 480};
+  const std::string project = folder_ / "film.json";
+  test::WriteTestProject(project, "photo.bmp", 4);
+  ExpectSameFrames(
+      Render(Video(size, "50") + ",frei0r=kelto_pan_zoom:" + project + "||||gaussian|#00ff00",
+             size),
+      test::RenderByCommand(project, size, {"--filter", "gaussian", "--background", "#00ff00"}),
+      "filter and background");
+}
+
+TEST_F(Ffmpeg, AProjectOfAMissingPhotographOrOfNonsenseGivesTheVideoAndOneLine) {
+  const Size size{320, 180};
+  const std::string project = folder_ / "film.json";
+  for (const char* photo : {"nowhere.jpg", "a\"b"}) {
+    test::WriteTestProject(project, photo, 4);
+    Render(Video(size) + ",frei0r=kelto_pan_zoom:" + project, size);
+    EXPECT_EQ(outcome_.Lines().size(), 1u) << outcome_.err;
   }
 }
 

@@ -105,6 +105,23 @@ TEST_F(Melt, ProducerWithKeyframedZoomRendersTheViewsInBetween) {
   }
 }
 
+TEST_F(Melt, AProjectRendersTheFramesOfTheCommandOnManyThreads) {
+  const Size size{854, 480};
+  const std::string project = folder_ / "film.json";
+  test::WriteTestProject(project, "photo.bmp", 8);
+  const Frames command = test::RenderByCommand(project, size, {});
+  const Words producer{"frei0r.kelto_pan_zoom_src", "out=7", "image=" + project};
+  Words led = producer, timed = producer;
+  led.push_back("progress=0=0;7=1");
+  ExpectSameFrames(Render(led, size, 4), command, "led by progress");
+  timed.push_back("fps=25");  // the profile's
+  ExpectSameFrames(Render(timed, size, 4), command, "by itself");
+  EXPECT_TRUE(outcome_.Lines().empty()) << outcome_.err;
+  const Words filter{"colour:red",       "out=7",           "-filter", "frei0r.kelto_pan_zoom",
+                     "image=" + project, "progress=0=0;7=1"};
+  ExpectSameFrames(Render(filter, size, 4), command, "filter");
+}
+
 TEST_F(Melt, AMissingPhotographGivesOneLineForAllThreads) {
   const Size size{321, 237};
   photo_ = folder_ / "nowhere.jpg";

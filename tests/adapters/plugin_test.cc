@@ -188,7 +188,7 @@ TEST_F(FreiPlugin, APhotographThatCannotBeDecodedGivesOneLineThatSaysWhy) {
   }
 }
 
-TEST_F(FreiPlugin, AProjectFileGivesTheInputAndOneLineThatItIsNotReadYet) {
+TEST_F(FreiPlugin, AnUnreadableProjectGivesTheInputAndOneLineThatNamesTheFault) {
   std::ofstream(folder_ / "film.json") << "{";
   Instance instance(FilterPlugin(), 64, 48);
   instance.Set(kImage, folder_ / "film.json");
@@ -197,7 +197,7 @@ TEST_F(FreiPlugin, AProjectFileGivesTheInputAndOneLineThatItIsNotReadYet) {
     instance.Render();
   });
   EXPECT_TRUE(IsOneLine(said)) << said;
-  EXPECT_NE(said.find("film.json: project files are not read here yet"), std::string::npos) << said;
+  EXPECT_NE(said.find("film.json: is no JSON"), std::string::npos) << said;
   EXPECT_TRUE(instance.IsAll(Instance::kGrey));
 }
 

@@ -134,4 +134,21 @@ void WriteTestPhoto(const std::string& path, int32_t width, int32_t height) {
   });
 }
 
+void WriteTestProject(const std::string& path, const std::string& photo, int32_t frames) {
+  std::ofstream(path) << R"({"image": ")" << photo << R"(",
+  "film": {"width": 854, "height": 480, "rate": 50, "frames": )"
+                      << frames << R"(},
+  "parameters": {
+    "size": [{"time": 0, "value": 0.8}, {"time": 0.4, "value": 2}, {"time": 1, "value": 1.3}],
+    "position": [{"time": 0, "value": [0.1, 0]}, {"time": 0.4, "value": [-0.2, 0.1]},
+                 {"time": 1, "value": [0, -0.1]}],
+    "invelocity": [{"time": 0, "value": 0}, {"time": 0.4, "value": 1}, {"time": 1, "value": 0}],
+    "outvelocity": [{"time": 0, "value": 1}, {"time": 0.4, "value": 0}, {"time": 1, "value": 0}],
+    "path": {"value": "Path: Spline"},
+    "filter": {"value": "Filter: Cubic"},
+    "bgcolor": {"value": "#203040"}
+  }
+})";
+}
+
 }  // namespace kelto::test

@@ -53,4 +53,8 @@ Outcome RunMelt(const Words& words, const std::string& out);
 /// A picture of gradients and edges, larger than the frames, in a file of this name.
 void WriteTestPhoto(const std::string& path, int32_t width = 2400, int32_t height = 1500);
 
+/// Writes a project of `photo`, which lies beside it, with several keys, another rate than usual
+/// and a background: a size of 854x480, `frames` long.
+void WriteTestProject(const std::string& path, const std::string& photo, int32_t frames);
+
 }  // namespace kelto::test

@@ -27,17 +27,22 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"image", {"platform", "state", "resample"}},
     {"render", {"platform", "curves", "resample", "state", "image"}},
     {"plugin", {"platform", "curves", "state", "image", "render"}},
-    // The command is a host: it knows modules only through the host interface.
-    {"host", {"platform", "runtime/hfx"}},
+    // The command is a host: it knows modules only through the host interface. Where frames come
+    // from in the photo no interface tells, so one small folder, which knows nothing of the
+    // command, asks the module's own code.
+    {"host/geometry", {"platform", "state", "image", "render"}},
+    {"host", {"platform", "runtime/hfx", "host/geometry"}},
     // Hosts too, made of the command's parts.
     {"adapters", {"platform", "runtime/hfx", "host"}},
 };
 
+/// The longest folder of the table that holds `path`.
 std::string FolderOf(const std::string& path) {
-  const size_t first = path.find('/');
-  if (first == std::string::npos) return "";
-  if (path.compare(0, first, "runtime") != 0) return path.substr(0, first);
-  return path.substr(0, path.find('/', first + 1));
+  std::string folder;
+  for (const auto& [name, allowed] : kMayInclude) {
+    if (path.starts_with(name + "/") && name.size() > folder.size()) folder = name;
+  }
+  return folder.empty() ? path.substr(0, path.find('/')) : folder;
 }
 
 struct Include {

@@ -140,7 +140,11 @@ TEST(Help, TellsOptionsFormatsAndExitCodes) {
 TEST(Help, TellsTheVersion) {
   const Outcome outcome = RunKelto({"--version"});
   EXPECT_EQ(outcome.code, 0);
-  EXPECT_THAT(outcome.out, testing::MatchesRegex("kelto [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+  EXPECT_THAT(outcome.out, testing::ContainsRegex(
+                               "^kelto [0-9]+\\.[0-9]+\\.[0-9]+\ninstruction set: [a-z0-9]+\n"));
+  for (const char* library : {"FFmpeg", "libavcodec", "libjpeg", "libpng", "libtiff", "libwebp"}) {
+    EXPECT_THAT(outcome.out, testing::ContainsRegex(std::string(library) + "[a-z-]* [0-9]+\\."));
+  }
 }
 
 }  // namespace

@@ -6,27 +6,32 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
 namespace kelto::test {
 
-Command::Command(const Words& arguments, const std::string& output)
-    : output_(output.empty() ? folder_ / "out" : output) {
-  std::vector<std::string> words{KELTO_COMMAND};
+Command::Command(const Words& arguments, const std::string& output, const std::string& errors,
+                 const std::string& program)
+    : output_(output.empty() ? folder_ / "out" : output),
+      errors_(errors.empty() ? folder_ / "err" : errors) {
+  std::vector<std::string> words{program};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
   argv.reserve(words.size() + 1);
   for (std::string& word : words) argv.push_back(word.data());
   argv.push_back(nullptr);
-  const std::string errors = folder_ / "err";
   process_ = fork();
   if (process_ != 0) return;
+  // As from a shell's command line, even where the tests themselves run in the background.
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, SIG_DFL);
   const int out = open(output_.c_str(), O_WRONLY | O_CREAT, 0600);
-  const int err = open(errors.c_str(), O_WRONLY | O_CREAT, 0600);
+  const int err = open(errors_.c_str(), O_WRONLY | O_CREAT, 0600);
   if (out < 0 || err < 0 || dup2(out, 1) < 0 || dup2(err, 2) < 0) _exit(126);
-  execv(KELTO_COMMAND, argv.data());
+  execvp(program.c_str(), argv.data());
   _exit(127);
 }
 
@@ -37,12 +42,33 @@ Outcome Command::Wait() {
   if (WIFEXITED(status)) outcome.code = WEXITSTATUS(status);
   if (WIFSIGNALED(status)) outcome.signal = WTERMSIG(status);
   if (output_ == folder_ / "out") outcome.out = BytesOf(output_);
-  outcome.err = BytesOf(folder_ / "err");
+  if (errors_ == folder_ / "err") outcome.err = BytesOf(errors_);
   return outcome;
 }
 
 Outcome RunKelto(const Words& arguments, const std::string& output) {
   return Command(arguments, output).Wait();
+}
+
+Outcome RunShell(const std::string& script) {
+  return Command({"-c", script, KELTO_COMMAND}, "", "", "sh").Wait();
+}
+
+std::vector<pid_t> ChildrenOf(pid_t parent) {
+  std::vector<pid_t> children;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+    std::ifstream stat(entry.path() / "stat");
+    std::string text;
+    if (!std::getline(stat, text)) continue;
+    // "PID (NAME) STATE PARENT ...", and the name may hold anything.
+    std::istringstream rest(text.substr(text.rfind(')') + 1));
+    char state = 0;
+    pid_t its = 0;
+    if (rest >> state >> its && its == parent && state != 'Z') {
+      children.push_back(static_cast<pid_t>(std::stoi(entry.path().filename().string())));
+    }
+  }
+  return children;
 }
 
 Outcome Render(const std::string& photo, const std::string& out, const Words& more) {

@@ -21,20 +21,27 @@ using Words = std::vector<std::string>;
 /// A command under way.
 class Command {
  public:
-  /// Starts `kelto` with these arguments. Its standard output goes to the file `output`, or, when
-  /// that is empty, into the outcome.
-  explicit Command(const Words& arguments, const std::string& output = "");
+  /// Starts `kelto` with these arguments. Its standard output goes to the file `output` and its
+  /// standard error to `errors`, or, when those are empty, into the outcome.
+  explicit Command(const Words& arguments, const std::string& output = "",
+                   const std::string& errors = "", const std::string& program = KELTO_COMMAND);
   pid_t Process() const { return process_; }
   Outcome Wait();
 
  private:
   TempFolder folder_;
-  std::string output_;
+  std::string output_, errors_;
   pid_t process_ = -1;
 };
 
 /// Runs `kelto` to its end.
 Outcome RunKelto(const Words& arguments, const std::string& output = "");
+
+/// Runs a shell script to its end. In it, "$0" is `kelto`.
+Outcome RunShell(const std::string& script);
+
+/// Processes that `parent` has begun and that have not ended.
+std::vector<pid_t> ChildrenOf(pid_t parent);
 
 /// `kelto render PHOTO -o OUT`, small and short unless `more` says otherwise.
 Outcome Render(const std::string& photo, const std::string& out, const Words& more = {});

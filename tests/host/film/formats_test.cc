@@ -28,6 +28,11 @@ TEST(Formats, AreChosenByTheNamesEnding) {
   EXPECT_STREQ(KindFor("FILM.MKV", "").name, "mkv");
   EXPECT_STREQ(KindFor("frame-%04d.png", "").name, "png");
   EXPECT_STREQ(KindFor("film.mp4.y4m", "").name, "y4m");
+  EXPECT_STREQ(KindFor("film.webm", "").name, "webm");
+  EXPECT_STREQ(KindFor("f%d.tif", "").name, "tiff");
+  EXPECT_STREQ(KindFor("f%d.TIFF", "").name, "tiff");
+  EXPECT_STREQ(KindFor("f%d.jpg", "").name, "jpeg");
+  EXPECT_STREQ(KindFor("f%d.jpeg", "").name, "jpeg");
 }
 
 TEST(Formats, ANamedFormatGoesBeforeTheEnding) {
@@ -67,6 +72,39 @@ TEST(Formats, FieldsNeedHeightsThatTheyDivide) {
   EXPECT_EQ(SizeMisuse("mp4", {720, 480}, kTop), "none");
   EXPECT_EQ(SizeMisuse("y4m", {720, 486}, kTop), "none");
   EXPECT_THAT(SizeMisuse("png", {720, 485}, kTop), HasSubstr("such as 720x484"));
+}
+
+TEST(Formats, FramesOf422NeedNoEvenHeight) {
+  const auto misuse = [](const char* kind, const char* codec, FrameSize size, FieldOrder fields) {
+    return MisuseOf([&] {
+      CheckRequest(KindFor("-", kind), {"-", {size, {25, 1}, fields}, 1, codec});
+    });
+  };
+  EXPECT_EQ(misuse("mkv", "ffv1", {720, 485}, FieldOrder::kProgressive), "none");
+  EXPECT_EQ(misuse("mov", "prores", {720, 486}, FieldOrder::kTopFirst), "none");
+  EXPECT_THAT(misuse("mkv", "ffv1", {720, 485}, FieldOrder::kTopFirst), HasSubstr("720x484"));
+  EXPECT_THAT(misuse("mkv", "h265", {720, 485}, FieldOrder::kProgressive), HasSubstr("720x484"));
+}
+
+TEST(Formats, CodecsAndSoundAreForContainers) {
+  const auto misuse = [](const char* kind, const char* codec, const char* audio) {
+    return MisuseOf([&] { CheckRequest(KindFor("-", kind), {"-", {}, 1, codec, audio}); });
+  };
+  EXPECT_EQ(misuse("png", "h264", ""),
+            "--codec h264: png films have no codec; use one of mp4, mkv, mov, webm");
+  EXPECT_EQ(misuse("y4m", "", "a.wav"),
+            "--audio a.wav: y4m films have no sound; use one of mp4, mkv, mov, webm");
+  EXPECT_EQ(misuse("mp4", "ffv1", ""), "--codec ffv1: does not go into mp4; use mkv");
+  EXPECT_THAT(misuse("mp4", "mpeg2", ""), HasSubstr("choose one of h264, h265"));
+  EXPECT_EQ(misuse("mp4", "h265", "a.wav"), "none");
+  EXPECT_EQ(misuse("webm", "", "a.wav"), "none");
+}
+
+TEST(Formats, CodecsWithoutFieldsSaySo) {
+  const FilmRequest request{"-", {{64, 64}, {25, 1}, FieldOrder::kTopFirst}, 1, "vp9"};
+  EXPECT_EQ(MisuseOf([&] { CheckRequest(KindFor("-", "webm"), request); }),
+            "--fields: vp9 holds whole frames only; use --codec h264, prores, ffv1, or leave "
+            "--fields out");
 }
 
 TEST(Formats, ManyPicturesNeedANumberInTheirName) {

@@ -69,6 +69,28 @@ TEST(Planes, ValuesPastTheRangeOfAByteStopAtItsEnds) {
   EXPECT_EQ(film.cr, (std::vector<uint8_t>{255, 0}));
 }
 
+TEST(Planes, OfTenBitsAreTheSameLevelsWithinHalfALevel) {
+  std::mt19937 random(2);
+  for (int i = 0; i < 500; ++i) {
+    EffectFrame frame{{4, 2}, std::vector<uint8_t>(16)};
+    for (uint8_t& byte : frame.bytes) byte = static_cast<uint8_t>(16 + random() % 220);
+    Film film({4, 2}, 2);
+    std::vector<uint16_t> luma(8), cb(4), cr(4);
+    const ChromaMap map = MapInto(ColourMatrix::kBt709);
+    FillPlanes422(frame.View(), map, film.planes);
+    FillPlanes422(frame.View(), map, TenBitPlanes{luma.data(), cb.data(), cr.data(), 8, 4, 4});
+    const auto expectSame = [](const auto& eight, const auto& ten) {
+      for (size_t at = 0; at < eight.size(); ++at) {
+        if (eight[at] == 0 || eight[at] == 255) continue;
+        EXPECT_NEAR(ten[at] / 4.0, eight[at], 0.5);
+      }
+    };
+    expectSame(film.luma, luma);
+    expectSame(film.cb, cb);
+    expectSame(film.cr, cr);
+  }
+}
+
 /// A frame of grey luma whose Cb is `cb(row)`.
 template <typename RowFunction>
 EffectFrame WithCb(RowFunction cb) {

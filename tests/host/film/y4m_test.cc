@@ -16,6 +16,11 @@ TEST(Y4m, TheHeaderTellsSizeRateFieldsAndForm) {
   EXPECT_NE(Y4mHeader({{2, 2}, {25, 1}, FieldOrder::kBottomFirst}).find(" Ib "), std::string::npos);
 }
 
+TEST(Y4m, TheHeaderTellsTheShapeOfPixels) {
+  const FilmFormat format{{720, 576}, {25, 1}, FieldOrder::kTopFirst, {16, 15}};
+  EXPECT_NE(Y4mHeader(format).find(" It A16:15 C422 "), std::string::npos);
+}
+
 class Y4mColours : public testing::TestWithParam<FrameSize> {};
 
 TEST_P(Y4mColours, AreThoseThatReadersExpectAtTheFramesHeight) {

@@ -24,7 +24,15 @@ void Copy(const AVFrame& from, DecodedFrame& to) {
     const int height = plane == 0 ? to.height : to.chromaHeight;
     for (int row = 0; row < height; ++row) {
       const uint8_t* start = from.data[plane] + ptrdiff_t{row} * from.linesize[plane];
-      to.planes[plane].insert(to.planes[plane].end(), start, start + width);
+      if (form->comp[plane].depth == 8) {
+        to.planes[plane].insert(to.planes[plane].end(), start, start + width);
+        continue;
+      }
+      // Ten bits, to the nearest level of eight.
+      const auto* deep = reinterpret_cast<const uint16_t*>(start);
+      for (int x = 0; x < width; ++x) {
+        to.planes[plane].push_back(static_cast<uint8_t>(std::min((deep[x] + 2) / 4, 255)));
+      }
     }
   }
   to.interlaced = from.interlaced_frame != 0;
@@ -44,6 +52,7 @@ void Describe(const AVFormatContext& container, const AVStream& stream, DecodedF
   film.transfer = codec.color_trc;
   film.range = codec.color_range;
   film.fields = codec.field_order;
+  film.streams = static_cast<int>(container.nb_streams);
   film.seconds = static_cast<double>(container.duration) / AV_TIME_BASE;
 }
 
@@ -58,8 +67,9 @@ DecodedFilm ReadFilm(const std::string& path) {
   AVFormatContext* container = nullptr;
   const std::string url = "file:" + path;
   if (avformat_open_input(&container, url.c_str(), nullptr, nullptr) < 0 ||
-      avformat_find_stream_info(container, nullptr) < 0 || container->nb_streams != 1) {
-    ADD_FAILURE() << path << " is no film of one stream";
+      avformat_find_stream_info(container, nullptr) < 0 || container->nb_streams < 1 ||
+      container->streams[0]->codecpar->codec_type != AVMEDIA_TYPE_VIDEO) {
+    ADD_FAILURE() << path << " is no film";
     avformat_close_input(&container);
     return film;
   }
@@ -73,6 +83,10 @@ DecodedFilm ReadFilm(const std::string& path) {
   AVPacket* packet = av_packet_alloc();
   for (bool more = true; more;) {
     more = av_read_frame(container, packet) >= 0;
+    if (more && packet->stream_index != 0) {
+      av_packet_unref(packet);
+      continue;
+    }
     EXPECT_GE(avcodec_send_packet(codec, more ? packet : nullptr), 0) << path;
     av_packet_unref(packet);
     while (avcodec_receive_frame(codec, frame) >= 0) {

@@ -15,7 +15,7 @@ extern "C" {
 
 namespace kelto::test {
 
-/// One decoded frame: tightly packed planes Y, Cb, Cr.
+/// One decoded frame: tightly packed planes Y, Cb, Cr, ten bits rounded to eight.
 struct DecodedFrame {
   int width = 0, height = 0;
   int chromaWidth = 0, chromaHeight = 0;
@@ -39,10 +39,11 @@ struct DecodedFilm {
   AVColorRange range = AVCOL_RANGE_UNSPECIFIED;
   AVFieldOrder fields = AV_FIELD_UNKNOWN;
   double seconds = 0.0;
+  int streams = 0;
   std::vector<DecodedFrame> frames;
 };
 
-/// Decodes all frames. Fails the test and returns what there is when the file cannot be read.
+/// Decodes all frames of the first stream. Fails the test and returns what there is when the file cannot be read.
 DecodedFilm ReadFilm(const std::string& path);
 
 /// The colour of a pixel in a studio-range frame coded with `matrix` (BT.709, else BT.601).

@@ -1,0 +1,254 @@
+#include "host/commands/batch.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+#include "host/commands/film_options.h"
+#include "host/commands/plan_options.h"
+#include "host/error.h"
+#include "host/jobs/film_job.h"
+#include "host/jobs/film_record.h"
+#include "host/jobs/picture_list.h"
+#include "host/jobs/task_line.h"
+#include "host/jobs/task_processes.h"
+#include "host/plan/default_plan.h"
+#include "host/session/module_file.h"
+#include "host/terminal/events.h"
+#include "host/terminal/progress.h"
+#include "host/terminal/terminal.h"
+
+namespace kelto::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+#if defined(KELTO_FFMPEG)
+constexpr const char* kUsualKind = "mp4";
+#else
+constexpr const char* kUsualKind = "y4m";
+#endif
+/// Where the records of the films in a folder are.
+constexpr const char* kRecords = ".kelto";
+
+/// The options as they were typed; empty where nothing was.
+struct BatchOptions {
+  std::string input, folder;
+  bool resume = false, list = false;
+  FilmOptions film;
+  PlanOptions plan;
+};
+
+/// A picture and its film.
+struct Item {
+  std::string picture, film, record;
+};
+
+std::string Absolute(const std::string& path) {
+  std::error_code error;
+  const fs::path absolute = fs::absolute(path, error);
+  return error ? path : absolute.lexically_normal().string();
+}
+
+class Batch {
+ public:
+  Batch(const BatchOptions& options, std::vector<std::string> words)
+      : options_(options),
+        words_(std::move(words)),
+        kind_(KindFor("", options.film.format.empty() ? kUsualKind : options.film.format)) {
+    if (options.folder.empty()) throw UsageError("-o is empty; name the folder for the films");
+    if (kind_.pictures) {
+      throw UsageError("--format " + options.film.format +
+                       ": a batch makes a film of each picture; render numbered pictures one film "
+                       "at a time");
+    }
+    // What is wrong with the options is told once, not of every picture.
+    RenderPlan plan = DefaultPlan("");
+    try {
+      ApplyOptions(options.plan, plan);
+    } catch (const UsageError&) {
+      throw;
+    } catch (const Error&) {
+      // Some options mean what they mean for a certain picture, and there is none yet.
+    }
+    CheckRequest(kind_, RequestFor("film", plan));
+    CollectItems();
+  }
+
+  void PrintTasks() const {
+    std::string tasks;
+    for (const Item& item : items_) tasks += TaskLine(TaskOf(item)) + "\n";
+    std::fputs(tasks.c_str(), stdout);
+  }
+
+  void Run() {
+    module_ = FindModule(options_.film.module);
+    std::error_code error;
+    fs::create_directories(fs::path(options_.folder), error);
+    if (error) throw Error(options_.folder + ": cannot be made a folder: " + error.message());
+    const int32_t jobs = JobsAsked(options_.film, CoreCount());
+    if (Events()) {
+      PrintEvent("start", {{"output", options_.folder},
+                           {"films", static_cast<int64_t>(items_.size())},
+                           {"kept", kept_},
+                           {"jobs", int64_t{jobs}}});
+    }
+    {
+      Progress progress("film", std::max<int64_t>(1, static_cast<int64_t>(items_.size())));
+      RunTasks({items_.size(), [&](size_t index) { Make(items_[index]); },
+                [&](size_t index, const std::string& failure) {
+                  Tell(items_[index], failure);
+                  progress.Show(++over_);
+                },
+                [&](size_t index, const std::string& text) {
+                  PrintMessage(items_[index].picture + ": " + text);
+                }},
+               jobs);
+    }
+    if (Events()) {
+      PrintEvent("done",
+                 {{"output", options_.folder}, {"films", over_ - failed_}, {"failed", failed_}});
+    }
+    if (failed_ > 0) throw ToldError();
+  }
+
+ private:
+  static bool Events() { return CurrentReporting() == Reporting::kJson; }
+
+  FilmRequest RequestFor(const std::string& film, const RenderPlan& plan) const {
+    return {film, plan.format, plan.frames, options_.film.codec, SoundFor(plan, kind_)};
+  }
+
+  /// The pictures whose films are to be made; with --resume those that have none yet.
+  void CollectItems() {
+    const std::vector<std::string> pictures = PicturesOf(options_.input);
+    const std::vector<std::string> names = FilmNames(pictures, kind_.name);
+    std::vector<std::string> others;
+    for (size_t i = 0; i < pictures.size(); ++i) {
+      const fs::path folder = options_.folder;
+      const Item item{pictures[i], (folder / names[i]).string(),
+                      (folder / kRecords / (names[i] + ".json")).string()};
+      if (options_.resume && IsMade(item, others)) {
+        ++kept_;
+      } else {
+        items_.push_back(item);
+      }
+    }
+    if (others.empty()) return;
+    throw UsageError("--resume: " + others.front() +
+                     (others.size() == 1 ? "" : " and others have been") +
+                     (others.size() == 1 ? " has been" : "") +
+                     " made with other options; leave --resume out to make all films again, or "
+                     "choose another folder");
+  }
+
+  /// Whether the film is there, of the picture as it is now. A film has its name only when it is
+  /// whole, and its record only after that. One made with other options is added to `others`.
+  bool IsMade(const Item& item, std::vector<std::string>& others) const {
+    std::error_code error;
+    if (!fs::is_regular_file(item.film, error)) return false;
+    const auto record = ReadRecord(item.record);
+    if (!record) return false;
+    const FilmRecord now = RecordOf(item.picture, words_);
+    if (record->input == now.input && record->options != now.options) others.push_back(item.film);
+    return *record == now;
+  }
+
+  void Make(const Item& item) const {
+    FilmJob job;
+    const RenderPlan plan = PlanFor(item.picture, options_.plan);
+    job.module = module_;
+    job.scene = {plan, {0, plan.frames}};
+    job.kind = &kind_;
+    job.request = RequestFor(item.film, plan);
+    CheckJob(job);
+    const FilmRecord record = RecordOf(item.picture, words_);
+    std::error_code ignored;
+    fs::remove(item.record, ignored);  // that of an older film
+    MakeFilm(job, [](int32_t) {});
+    WriteRecord(item.record, record);
+  }
+
+  void Tell(const Item& item, const std::string& failure) {
+    const bool named = failure.starts_with(item.picture) || failure.starts_with(item.film);
+    const std::string text = named ? failure : item.picture + ": " + failure;
+    if (!failure.empty()) ++failed_;
+    if (!Events()) {
+      if (!failure.empty()) PrintFailure(text);
+    } else if (failure.empty()) {
+      PrintEvent("film", {{"picture", item.picture}, {"output", item.film}, {"state", "made"}});
+    } else {
+      PrintEvent(
+          "film",
+          {{"picture", item.picture}, {"output", item.film}, {"state", "failed"}, {"text", text}});
+    }
+  }
+
+  std::vector<std::string> TaskOf(const Item& item) const {
+    std::vector<std::string> task{
+        ProgramPath(), "render",   Absolute(item.picture), "-o", Absolute(item.film), "--jobs",
+        "1",           "--record", Absolute(item.record)};
+    if (!options_.film.module.empty()) {
+      task.insert(task.end(), {"--module", Absolute(options_.film.module)});
+    }
+    task.insert(task.end(), words_.begin(), words_.end());
+    return task;
+  }
+
+  const BatchOptions& options_;
+  std::vector<std::string> words_;
+  const FilmKind& kind_;
+  std::string module_;
+  std::vector<Item> items_;
+  int64_t kept_ = 0, over_ = 0, failed_ = 0;
+};
+
+void Run(const BatchOptions& options, const CLI::App& command) {
+  ApplyReporting(options.film);
+  Batch batch(options, WordsGiven(command));
+  if (options.list) {
+    batch.PrintTasks();
+  } else {
+    batch.Run();
+  }
+}
+
+}  // namespace
+
+CLI::App* AddBatch(CLI::App& app) {
+  CLI::App* command = app.add_subcommand("batch", "Make a film of each of many photographs");
+  const auto options = std::make_shared<BatchOptions>();
+  command
+      ->add_option("INPUT", options->input,
+                   "A folder of photographs, or a text file with the path of one on each line")
+      ->required()
+      ->type_name("");
+  constexpr const char* kFiles = "Files";
+  command
+      ->add_option("-o,--output", options->folder,
+                   "Folder for the films, named like their photographs; made if it is not there")
+      ->group(kFiles)
+      ->type_name("FOLDER")
+      ->required();
+  DeclareFilm(*command, options->film,
+              "Films made side by side, each by a process [one for each core]");
+  command->get_option("--format")
+      ->description(std::string("Kind of the films; see kelto render --help [") + kUsualKind + "]");
+  command
+      ->add_flag("--resume", options->resume,
+                 "Go on where a batch with the same options was stopped: films that are there stay")
+      ->group("Work");
+  command
+      ->add_flag("--plan", options->list,
+                 "Print the work as lines for a shell, a film each, and do nothing; with --resume "
+                 "those that are left")
+      ->group("Work");
+  DeclarePlan(*command, options->plan);
+  command->final_callback([options, command] { Run(*options, *command); });
+  return command;
+}
+
+}  // namespace kelto::host

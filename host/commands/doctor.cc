@@ -1,0 +1,71 @@
+#include "host/commands/doctor.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+
+#include "host/error.h"
+#include "host/machine/checks.h"
+#include "host/machine/libraries.h"
+#include "host/session/module_file.h"
+#include "host/terminal/terminal.h"
+
+namespace kelto::host {
+namespace {
+
+void Print(const std::string& line) { std::printf("%s\n", line.c_str()); }
+
+void PrintChecks(const char* title, const std::vector<Check>& checks) {
+  Print(title);
+  for (const Check& check : checks) {
+    Print("  " + check.name + ": " + (check.fault.empty() ? "yes" : "no: " + check.fault));
+  }
+}
+
+Check TryNamedModule(const std::string& given) {
+  try {
+    return TryModule(FindModule(given));
+  } catch (const Error& error) {
+    return {"", error.what()};
+  }
+}
+
+void Run(const std::string& given) {
+  Print(VersionText());
+  const Check module = TryNamedModule(given);
+  Print("module: " + (module.fault.empty() ? module.name + ", renders" : "no: " + module.fault));
+  const std::vector<Check> stills = TryStills();
+  PrintChecks("reads photographs:", stills);
+  const std::vector<Check> films = TryFilms();
+  PrintChecks("writes films:", films);
+  // Single codecs may be missing from an installation that does all that its owner wants.
+  const auto works = [](const Check& check) { return check.fault.empty(); };
+  const bool able = works(module) && std::any_of(stills.begin(), stills.end(), works) &&
+                    std::any_of(films.begin(), films.end(), works);
+  Print(able ? "kelto can render on this machine" : "kelto cannot render on this machine");
+  if (!able) throw ToldError();
+}
+
+}  // namespace
+
+std::string VersionText() {
+  std::string text = "kelto " KELTO_VERSION;
+  text += "\ninstruction set: " + InstructionSet();
+  for (const Library& library : Libraries()) text += "\n" + library.name + " " + library.version;
+  return text;
+}
+
+CLI::App* AddDoctor(CLI::App& app) {
+  CLI::App* command = app.add_subcommand("doctor", "Tell what this machine can decode and encode");
+  const auto module = std::make_shared<std::string>();
+  command
+      ->add_option("--module", *module,
+                   std::string("The effect's module; else the environment variable ") +
+                       kModuleVariable + ", else the installed " + kModuleName)
+      ->type_name("FILE");
+  command->final_callback([module] { Run(*module); });
+  return command;
+}
+
+}  // namespace kelto::host

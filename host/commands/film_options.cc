@@ -1,0 +1,120 @@
+#include "host/commands/film_options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <filesystem>
+
+#include "host/commands/option_text.h"
+#include "host/error.h"
+#include "host/film/codecs.h"
+#include "host/options/number.h"
+#include "host/session/module_file.h"
+#include "host/terminal/terminal.h"
+
+namespace kelto::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int64_t kMaxJobs = 256;
+
+/// Options that leave a film as it is.
+constexpr std::array kSettleNoPicture = {
+    "output", "format",       "module", "jobs",         "quiet", "json",    "record",
+    "resume", "save-project", "plan",   "save-project", "help",  "help-all"};
+
+bool NamesFile(const std::string& option) { return option == "audio" || option == "over"; }
+
+std::string FormatHelp() {
+  std::string help = "Kind of film, when the output's name does not end in it:";
+  for (const FilmKind& kind : FilmKinds()) {
+    help += std::string("\n") + kind.name + ": " + kind.description;
+  }
+#if !defined(KELTO_FFMPEG)
+  help += "\nH.264 films (mp4, mkv, mov) are written by the Linux command only";
+#endif
+  return help;
+}
+
+#if defined(KELTO_FFMPEG)
+std::string CodecHelp() {
+  std::string help = "How the pictures are coded:";
+  for (const FilmCodec& codec : FilmCodecs()) {
+    help += std::string("\n") + codec.name + ": " + codec.title;
+  }
+  return help + "\n[vp9 in webm, else h264]";
+}
+#endif
+
+int32_t ParseJobs(const std::string& text) {
+  const auto jobs = ParseWhole(text);
+  if (!jobs || *jobs < 1 || *jobs > kMaxJobs) {
+    throw UsageError("the number of processes is a whole number from 1 to " +
+                     std::to_string(kMaxJobs));
+  }
+#if defined(_WIN32)
+  if (*jobs > 1) throw UsageError("on this system one process does all the work");
+#endif
+  return static_cast<int32_t>(*jobs);
+}
+
+}  // namespace
+
+void DeclareFilm(CLI::App& command, FilmOptions& options, const std::string& jobs) {
+  const auto declare = [&](const char* group, const char* option, const char* type,
+                           std::string& text, const std::string& help) {
+    command.add_option(option, text, help)->group(group)->type_name(type);
+  };
+  constexpr const char* kFiles = "Files";
+  declare(kFiles, "--format", "KIND", options.format, FormatHelp());
+#if defined(KELTO_FFMPEG)
+  declare(kFiles, "--codec", "NAME", options.codec, CodecHelp());
+#endif
+  declare(kFiles, "--module", "FILE", options.module,
+          std::string("The effect's module; else the environment variable ") + kModuleVariable +
+              ", else the installed " + kModuleName);
+  constexpr const char* kWork = "Work";
+  declare(kWork, "--jobs", "N", options.jobs, jobs);
+  command.add_flag("--quiet", options.quiet, "Print failures only")->group(kWork);
+  command
+      .add_flag("--json", options.json,
+                "Report in JSON, an object a line, on the standard error: events \"start\", "
+                "\"progress\", \"message\", \"film\", \"error\", \"done\"")
+      ->group(kWork)
+      ->excludes("--quiet");
+}
+
+void ApplyReporting(const FilmOptions& options) {
+  if (options.quiet) SetReporting(Reporting::kQuiet);
+  if (options.json) SetReporting(Reporting::kJson);
+}
+
+int32_t JobsAsked(const FilmOptions& options, int32_t usual) {
+  if (options.jobs.empty()) return usual;
+  return ReadOption("--jobs", options.jobs, ParseJobs);
+}
+
+std::vector<std::string> WordsGiven(const CLI::App& command) {
+  std::vector<std::string> words;
+  for (const CLI::Option* option : command.get_options()) {
+    if (option->count() == 0 || option->get_lnames().empty()) continue;
+    const std::string& name = option->get_lnames().front();
+    if (std::find(kSettleNoPicture.begin(), kSettleNoPicture.end(), name) !=
+        kSettleNoPicture.end()) {
+      continue;
+    }
+    if (option->get_expected_max() == 0) {
+      words.push_back("--" + name);
+      continue;
+    }
+    for (const std::string& value : option->results()) {
+      words.push_back("--" + name);
+      // The words may be read in another folder.
+      words.push_back(NamesFile(name) ? fs::absolute(value).lexically_normal().string() : value);
+    }
+  }
+  return words;
+}
+
+}  // namespace kelto::host

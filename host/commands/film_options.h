@@ -1,0 +1,36 @@
+// The options that settle a film's file and how it is made, shared by the commands that make films.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/jobs/film_job.h"
+
+namespace CLI {
+class App;
+}
+
+namespace kelto::host {
+
+/// The options as they were typed; empty where nothing was.
+struct FilmOptions {
+  std::string format, codec, module, jobs;
+  bool quiet = false, json = false;
+};
+
+/// Declares the options on `command`, to be parsed into `options`, which must outlive the parsing.
+/// `jobs` is the help text of --jobs.
+void DeclareFilm(CLI::App& command, FilmOptions& options, const std::string& jobs);
+
+/// Sets how the command reports from now on.
+void ApplyReporting(const FilmOptions& options);
+
+/// The number of --jobs, or `usual` when it was not given. Throws UsageError.
+int32_t JobsAsked(const FilmOptions& options, int32_t usual);
+
+/// The options given that settle what a film shows and how it is coded, as words of a command line:
+/// not those that name files or say how the work is done.
+std::vector<std::string> WordsGiven(const CLI::App& command);
+
+}  // namespace kelto::host

@@ -1,0 +1,52 @@
+#include "host/commands/play.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "host/commands/plan_options.h"
+#include "host/error.h"
+#include "host/player/player.h"
+#include "host/session/module_file.h"
+
+namespace kelto::host {
+namespace {
+
+/// The options as they were typed; empty where nothing was.
+struct Options {
+  std::string input, module;
+  PlayerOptions player;
+  PlanOptions plan;
+};
+
+void Run(const Options& options) {
+  const RenderPlan plan = PlanFor(options.input, options.plan);
+  const std::string module = FindModule(options.module);
+  PlayInWindow(module, plan, OpenPhoto(plan.photo), options.player);
+}
+
+}  // namespace
+
+CLI::App* AddPlay(CLI::App& app) {
+  CLI::App* command = app.add_subcommand(
+      "play", "Play a film in a window, in real time; h in the window tells the keys");
+  const auto options = std::make_shared<Options>();
+  command->add_option("INPUT", options->input, "The photograph or project")
+      ->required()
+      ->type_name("");
+  constexpr const char* kPlayer = "Player";
+  command->add_flag("--loop", options->player.loop, "Start over at the end, instead of pausing")
+      ->group(kPlayer);
+  command->add_flag("--paused", options->player.paused, "Begin paused at the first frame")
+      ->group(kPlayer);
+  command
+      ->add_option("--module", options->module,
+                   std::string("The effect's module; else the environment variable ") +
+                       kModuleVariable + ", else the installed " + kModuleName)
+      ->group(kPlayer)
+      ->type_name("FILE");
+  DeclarePlan(*command, options->plan);
+  command->final_callback([options] { Run(*options); });
+  return command;
+}
+
+}  // namespace kelto::host

@@ -1,0 +1,70 @@
+#include "host/commands/storyboard.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "host/commands/option_text.h"
+#include "host/commands/plan_options.h"
+#include "host/error.h"
+#include "host/options/number.h"
+#include "host/preview/storyboard.h"
+#include "host/session/module_file.h"
+
+namespace kelto::host {
+namespace {
+
+/// Sheets of more would be taller than pictures may be.
+constexpr int32_t kMaxStrip = 120;
+
+/// The options as they were typed; empty where nothing was.
+struct Options {
+  std::string input, output, strip, module;
+  PlanOptions plan;
+};
+
+int32_t ParseStrip(const std::string& text) {
+  const auto frames = ParseWhole(text);
+  if (!frames || *frames < 1 || *frames > kMaxStrip) {
+    throw UsageError("a strip has 1 to " + std::to_string(kMaxStrip) + " frames");
+  }
+  return static_cast<int32_t>(*frames);
+}
+
+void Run(const Options& options) {
+  StoryboardOptions sheet;
+  sheet.file = options.output;
+  if (!options.strip.empty()) sheet.frames = ReadOption("--strip", options.strip, ParseStrip);
+  const RenderPlan plan = PlanFor(options.input, options.plan);
+  const std::string module = FindModule(options.module);
+  DrawStoryboard(module, plan, OpenPhoto(plan.photo), sheet);
+}
+
+}  // namespace
+
+CLI::App* AddStoryboard(CLI::App& app) {
+  CLI::App* command = app.add_subcommand(
+      "storyboard", "Draw a film on one sheet: the photo with the views, and some frames");
+  const auto options = std::make_shared<Options>();
+  command->add_option("INPUT", options->input, "The photograph or project")
+      ->required()
+      ->type_name("");
+  constexpr const char* kSheet = "Sheet";
+  command->add_option("-o,--output", options->output, "The sheet, .png or .svg")
+      ->group(kSheet)
+      ->type_name("FILE")
+      ->required();
+  command->add_option("--strip", options->strip, "Frames under the photo [12]")
+      ->group(kSheet)
+      ->type_name("N");
+  command
+      ->add_option("--module", options->module,
+                   std::string("The effect's module; else the environment variable ") +
+                       kModuleVariable + ", else the installed " + kModuleName)
+      ->group(kSheet)
+      ->type_name("FILE");
+  DeclarePlan(*command, options->plan);
+  command->final_callback([options] { Run(*options); });
+  return command;
+}
+
+}  // namespace kelto::host

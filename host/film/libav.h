@@ -1,0 +1,37 @@
+// The FFmpeg libraries' records with owners, and their errors as text.
+#pragma once
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+}
+
+#include <memory>
+#include <new>
+#include <string>
+
+namespace kelto::host {
+
+struct FreeLibav {
+  void operator()(AVFormatContext* context) const { avformat_free_context(context); }
+  void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
+  void operator()(AVFrame* frame) const { av_frame_free(&frame); }
+  void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+};
+template <typename Record>
+using Owned = std::unique_ptr<Record, FreeLibav>;
+
+/// Takes a record that a library made; throws std::bad_alloc when it made none.
+template <typename Record>
+Owned<Record> Own(Record* record) {
+  if (record == nullptr) throw std::bad_alloc();
+  return Owned<Record>(record);
+}
+
+/// A library's error code in words.
+std::string LibavText(int code);
+
+/// Keeps the libraries from printing: failures are told once, by exceptions.
+void SilenceLibav();
+
+}  // namespace kelto::host

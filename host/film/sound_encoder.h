@@ -1,0 +1,70 @@
+// Sound in another codec than it came in.
+#pragma once
+
+extern "C" {
+#include <libavutil/audio_fifo.h>
+#include <libswresample/swresample.h>
+}
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "host/film/sound_packets.h"
+#include "host/film/sound_source.h"
+
+namespace kelto::host {
+
+/// Decodes a source's sound and codes it anew, mono or stereo (more channels are mixed into two),
+/// at the source's rate where the encoder takes it, else at 48 kHz. Where the source has a hole,
+/// there is silence.
+class SoundEncoder : public SoundPackets {
+ public:
+  /// `encoder` is FFmpeg's name; `globalHeader` as the container wants it; the sound ends after
+  /// `length` units of `unit` seconds. Throws Error.
+  SoundEncoder(std::unique_ptr<SoundSource> source, const std::string& encoder, bool globalHeader,
+               int64_t length, AVRational unit);
+
+  bool Read(AVPacket& packet) override;
+  AVRational TimeBase() const override { return codec_->time_base; }
+  void Describe(AVCodecParameters& sound) const override;
+
+ private:
+  struct FreeSound {
+    void operator()(SwrContext* context) const { swr_free(&context); }
+    void operator()(AVAudioFifo* fifo) const { av_audio_fifo_free(fifo); }
+  };
+
+  void OpenEncoder(const std::string& name, bool globalHeader);
+  bool FitsResampler(const AVFrame& frame) const;
+  void OpenResampler(const AVFrame& frame);
+  void Check(int code, const char* doing) const;
+  /// Puts more samples into the queue; false at the end of the source.
+  bool FillQueue();
+  /// Decodes a frame; false at the end of the source.
+  bool Decode();
+  /// Samples missing between what is queued and the frame decoded; negative when it is early.
+  int64_t HoleBefore(const AVFrame& frame) const;
+  /// Resamples a frame into the queue; null: what the resampler still holds.
+  void Queue(const AVFrame* frame);
+  void QueueSilence();
+  /// Hands the encoder one frame of its size, the last one shorter; false when there is none.
+  bool Feed();
+  Owned<AVFrame> MakeFrame(int samples) const;
+
+  std::unique_ptr<SoundSource> source_;
+  Owned<AVCodecContext> decoder_, codec_;
+  Owned<AVFrame> decoded_;
+  Owned<AVPacket> read_;
+  std::unique_ptr<SwrContext, FreeSound> resampler_;
+  int format_ = 0, rate_ = 0, channels_ = 0;  ///< that the resampler was opened for
+  std::unique_ptr<AVAudioFifo, FreeSound> queue_;
+  int64_t end_ = 0;      ///< samples of sound at the most
+  int64_t queued_ = 0;   ///< samples that have gone into the queue: the time of the next one
+  int64_t fed_ = 0;      ///< samples that have gone into the encoder
+  int64_t silence_ = 0;  ///< samples of silence to queue before the frame decoded
+  int64_t early_ = 0;    ///< samples to drop, since they sound before the film
+  bool holdsFrame_ = false, begun_ = false, sourceEnded_ = false, drained_ = false;
+};
+
+}  // namespace kelto::host

@@ -1,0 +1,114 @@
+#include "host/film/sound_track.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "host/error.h"
+#include "host/film/sound_encoder.h"
+#include "host/film/sound_source.h"
+
+namespace kelto::host {
+namespace {
+
+AVStream& AddStream(AVFormatContext& container) {
+  AVStream* stream = avformat_new_stream(&container, nullptr);
+  if (stream == nullptr) throw std::bad_alloc();
+  return *stream;
+}
+
+bool IsMatroska(const std::string& kind) { return kind == "mkv" || kind == "webm"; }
+
+class Track : public SoundTrack {
+ public:
+  Track(const SoundRequest& request, AVFormatContext& container,
+        std::unique_ptr<SoundPackets> packets)
+      : request_(request),
+        container_(container),
+        packets_(std::move(packets)),
+        timeBase_(packets_->TimeBase()),
+        end_(av_rescale_q(request.frames, request.frameTime, timeBase_)),
+        stream_(AddStream(container)),
+        packet_(Own(av_packet_alloc())) {
+    packets_->Describe(*stream_.codecpar);
+    stream_.time_base = timeBase_;
+    const AVCodecParameters& sound = *stream_.codecpar;
+    mayStartEarly_ = request.editList;
+    if (sound.codec_id == AV_CODEC_ID_OPUS && IsMatroska(request.kind)) {
+      // Matroska tells beside the stream how much of Opus is not heard; its times count that too.
+      mayStartEarly_ = true;
+      delay_ = av_rescale_q(sound.initial_padding, {1, sound.sample_rate}, timeBase_);
+    }
+    more_ = packets_->Read(*packet_);
+  }
+
+  void WriteUntil(int64_t frame) override {
+    while (more_ && av_compare_ts(packet_->pts, timeBase_, frame, request_.frameTime) < 0) {
+      if (Belongs(*packet_)) Write(*packet_);
+      more_ = packets_->Read(*packet_);
+    }
+  }
+
+ private:
+  bool Belongs(const AVPacket& packet) const {
+    if (packet.pts + delay_ >= end_) return false;
+    if (packet.pts >= 0) return true;
+    // What a decoder needs before time 0 is a few packets, not minutes.
+    return mayStartEarly_ && packet.pts + 4 * packet.duration >= 0;
+  }
+
+  void Write(AVPacket& packet) {
+    packet.pts += delay_;
+    packet.dts = packet.pts;
+    CutAtEnd(packet);
+    packet.stream_index = stream_.index;
+    packet.pos = -1;
+    av_packet_rescale_ts(&packet, timeBase_, stream_.time_base);
+    const int code = av_interleaved_write_frame(&container_, &packet);
+    if (code < 0) throw Error(request_.file + ": its sound cannot be written: " + LibavText(code));
+  }
+
+  /// Coded sound cannot be cut within a packet, but its time can; plain samples can be cut.
+  void CutAtEnd(AVPacket& packet) const {
+    if (packet.duration <= end_ - packet.pts) return;
+    packet.duration = end_ - packet.pts;
+    const AVCodecParameters& sound = *stream_.codecpar;
+    if (av_get_exact_bits_per_sample(sound.codec_id) == 0 || sound.block_align == 0) return;
+    const int64_t samples = av_rescale_q(packet.duration, timeBase_, {1, sound.sample_rate});
+    av_shrink_packet(&packet, static_cast<int>(samples * sound.block_align));
+  }
+
+  SoundRequest request_;
+  AVFormatContext& container_;
+  std::unique_ptr<SoundPackets> packets_;
+  AVRational timeBase_;
+  int64_t end_;  ///< of the film, in units of timeBase_
+  AVStream& stream_;
+  Owned<AVPacket> packet_;
+  bool mayStartEarly_ = false;
+  int64_t delay_ = 0;  ///< added to times as written
+  bool more_ = false;
+};
+
+bool CanCopy(const AVFormatContext& container, const AVCodecParameters& sound) {
+  // AAC without its description is the form of broadcasts; containers want the other one.
+  if (sound.codec_id == AV_CODEC_ID_AAC && sound.extradata_size == 0) return false;
+  return avformat_query_codec(container.oformat, sound.codec_id, FF_COMPLIANCE_NORMAL) == 1;
+}
+
+}  // namespace
+
+std::unique_ptr<SoundTrack> OpenSoundTrack(const SoundRequest& request,
+                                           AVFormatContext& container) {
+  std::unique_ptr<SoundPackets> packets;
+  auto source = std::make_unique<SoundSource>(request.file);
+  if (CanCopy(container, *source->Stream().codecpar)) {
+    packets = std::move(source);
+  } else {
+    packets = std::make_unique<SoundEncoder>(
+        std::move(source), request.kind == "webm" ? "libopus" : "aac",
+        (container.oformat->flags & AVFMT_GLOBALHEADER) != 0, request.frames, request.frameTime);
+  }
+  return std::make_unique<Track>(request, container, std::move(packets));
+}
+
+}  // namespace kelto::host

@@ -1,0 +1,98 @@
+#include "host/film/tiff_file.h"
+
+#include <tiffio.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+
+namespace kelto::host {
+namespace {
+
+/// A file in memory, in the form of the library's callbacks.
+struct Memory {
+  std::vector<uint8_t> bytes;
+  size_t position = 0;
+};
+
+tmsize_t Read(thandle_t handle, void* to, tmsize_t size) {
+  auto& file = *static_cast<Memory*>(handle);
+  const size_t there = file.bytes.size() - std::min(file.position, file.bytes.size());
+  const size_t count = std::min(static_cast<size_t>(size), there);
+  std::memcpy(to, file.bytes.data() + file.position, count);
+  file.position += count;
+  return static_cast<tmsize_t>(count);
+}
+
+tmsize_t Write(thandle_t handle, void* from, tmsize_t size) {
+  auto& file = *static_cast<Memory*>(handle);
+  const size_t end = file.position + static_cast<size_t>(size);
+  if (end > file.bytes.size()) file.bytes.resize(end);
+  std::memcpy(file.bytes.data() + file.position, from, static_cast<size_t>(size));
+  file.position = end;
+  return size;
+}
+
+toff_t Seek(thandle_t handle, toff_t offset, int whence) {
+  auto& file = *static_cast<Memory*>(handle);
+  const size_t from = whence == SEEK_CUR   ? file.position
+                      : whence == SEEK_END ? file.bytes.size()
+                                           : 0;
+  return file.position = from + offset;
+}
+
+int Close(thandle_t) { return 0; }
+toff_t Size(thandle_t handle) { return static_cast<Memory*>(handle)->bytes.size(); }
+
+struct CloseTiff {
+  void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+};
+
+void Check(bool done) {
+  if (!done) throw std::runtime_error("the TIFF library refuses the picture");
+}
+
+void Describe(TIFF* tiff, FrameSize size, SampleAspect aspect) {
+  const auto set = [&](uint32_t tag, auto value) { Check(TIFFSetField(tiff, tag, value) == 1); };
+  set(TIFFTAG_IMAGEWIDTH, static_cast<uint32_t>(size.width));
+  set(TIFFTAG_IMAGELENGTH, static_cast<uint32_t>(size.height));
+  set(TIFFTAG_SAMPLESPERPIXEL, 3);
+  set(TIFFTAG_BITSPERSAMPLE, 8);
+  set(TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
+  set(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+  set(TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
+  set(TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE);
+  set(TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+  set(TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff, 0));
+  // Densities without a unit: the wider a pixel, the fewer go into a length.
+  set(TIFFTAG_RESOLUTIONUNIT, RESUNIT_NONE);
+  set(TIFFTAG_XRESOLUTION, static_cast<double>(aspect.height));
+  set(TIFFTAG_YRESOLUTION, static_cast<double>(aspect.width));
+}
+
+}  // namespace
+
+std::vector<uint8_t> EncodeTiff(const FrameView& frame, SampleAspect aspect) {
+  Memory file;
+  std::unique_ptr<TIFF, CloseTiff> tiff(
+      TIFFClientOpen("frame", "w", &file, &Read, &Write, &Seek, &Close, &Size, nullptr, nullptr));
+  Check(tiff != nullptr);
+  Describe(tiff.get(), frame.size, aspect);
+  std::vector<uint8_t> rgb(static_cast<size_t>(frame.size.width) * 3);
+  for (int32_t row = 0; row < frame.size.height; ++row) {
+    const uint8_t* from = frame.Row(row);
+    for (size_t at = 0; at < rgb.size(); at += 3, from += 4) {
+      rgb[at] = from[2];
+      rgb[at + 1] = from[1];
+      rgb[at + 2] = from[0];
+    }
+    Check(TIFFWriteScanline(tiff.get(), rgb.data(), static_cast<uint32_t>(row), 0) == 1);
+  }
+  Check(TIFFFlush(tiff.get()) == 1);
+  tiff.reset();
+  return std::move(file.bytes);
+}
+
+}  // namespace kelto::host

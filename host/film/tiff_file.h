@@ -1,0 +1,15 @@
+// A frame as the bytes of a TIFF file.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "host/film/film_format.h"
+
+namespace kelto::host {
+
+/// Codes a frame of PixelLayout::kBGRA as a TIFF file of eight bits, red, green and blue, deflated;
+/// the frame's alpha is left out. Throws std::runtime_error with the encoder's reason.
+std::vector<uint8_t> EncodeTiff(const FrameView& frame, SampleAspect aspect);
+
+}  // namespace kelto::host

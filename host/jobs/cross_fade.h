@@ -1,0 +1,29 @@
+// From one picture to the next.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "host/film/film_format.h"
+
+namespace kelto::host {
+
+/// Blends two frames of one size and layout; holds the result.
+class CrossFade {
+ public:
+  CrossFade(const FilmFormat& format, PixelLayout layout);
+
+  /// Frame `step` of a fade of `steps` frames from `from` to `to`: neither the first nor the last
+  /// is one of them alone. Levels are mixed as they are coded, as video mixers do. In interlaced
+  /// films the later field is half a step further. The view holds until the next call.
+  FrameView Blend(const FrameView& from, const FrameView& to, int32_t step, int32_t steps);
+
+ private:
+  bool IsLaterField(int32_t row) const;
+
+  FilmFormat format_;
+  size_t rowBytes_;
+  std::vector<uint8_t> bytes_;
+};
+
+}  // namespace kelto::host

@@ -1,0 +1,73 @@
+#include "host/jobs/film_job.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "host/error.h"
+#include "host/film/codecs.h"
+#include "host/film/output_file.h"
+#include "host/session/photo.h"
+#include "host/terminal/terminal.h"
+
+#if defined(__linux__)
+#include <sched.h>
+#endif
+
+namespace kelto::host {
+namespace {
+
+/// Fewer do not pay for a worker's loading of the photograph.
+constexpr int32_t kFramesPerWorker = 25;
+
+}  // namespace
+
+int32_t CoreCount() {
+#if defined(__linux__)
+  cpu_set_t cores;
+  CPU_ZERO(&cores);
+  if (sched_getaffinity(0, sizeof cores, &cores) == 0) return std::max(1, CPU_COUNT(&cores));
+#endif
+  return 1;
+}
+
+int32_t UsualWorkers(int32_t frames) {
+  return std::clamp(frames / kFramesPerWorker, 1, CoreCount());
+}
+
+std::string SoundFor(const RenderPlan& plan, const FilmKind& kind) {
+  return plan.audio == plan.over && !IsContainer(kind.name) ? "" : plan.audio;
+}
+
+void CheckJob(const FilmJob& job) {
+  CheckRequest(*job.kind, job.request);
+  if (job.request.output == kStandardOutput && StandardOutputIsTerminal()) {
+    throw UsageError("-o -: will not write a film to the terminal; send it to a program or file");
+  }
+  const std::string& photo = job.scene.plan.photo;
+  OpenPhoto(photo);
+  if (WouldReplace(*job.kind, job.request, photo)) {
+    throw UsageError(job.request.output + ": is the photo itself; give the film another name");
+  }
+  for (const std::string& source : {job.scene.plan.over, job.request.audio}) {
+    if (!source.empty() && WouldReplace(*job.kind, job.request, source)) {
+      throw UsageError(job.request.output +
+                       ": is what the film is made of; give the film another name");
+    }
+  }
+}
+
+void MakeFilm(const FilmJob& job, const std::function<void(int32_t done)>& shown) {
+  SceneList list{job.module, job.kind->layout, {job.scene}};
+  // Workers before the encoder, which has threads.
+  const std::unique_ptr<FrameSource> frames =
+      job.workers > 1 ? RenderInWorkers(std::move(list), job.workers) : RenderHere(std::move(list));
+  const std::unique_ptr<FrameSink> film = job.kind->open(job.request);
+  const int32_t count = job.scene.part.Count();
+  for (int32_t done = 1; done <= count; ++done) {
+    film->Write(frames->Next());
+    shown(done);
+  }
+  film->Finish();
+}
+
+}  // namespace kelto::host

@@ -1,0 +1,39 @@
+// A film of one plan, from the photograph to the file.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "host/film/formats.h"
+#include "host/jobs/frame_source.h"
+
+namespace kelto::host {
+
+struct FilmJob {
+  std::string module;  ///< path of the effect's module
+  Scene scene;
+  const FilmKind* kind = nullptr;
+  FilmRequest request;
+  int32_t workers = 1;  ///< processes that render; 1: this one
+};
+
+/// Processes that a film of so many frames is worth, where nobody says: one for each core that this
+/// process may use, but no more than have a second's worth of frames each.
+int32_t UsualWorkers(int32_t frames);
+
+/// The cores that this process may use, at least 1.
+int32_t CoreCount();
+
+/// The file of the film's sound; empty where the kind has none and the sound is that of the video
+/// behind, for which nobody asked by name.
+std::string SoundFor(const RenderPlan& plan, const FilmKind& kind);
+
+/// Throws what can be known to go wrong before any work: UsageError or Error.
+void CheckJob(const FilmJob& job);
+
+/// Makes the film of a job that CheckJob let pass; the same bytes for any number of workers.
+/// `shown` is told how many frames are done. Throws Error.
+void MakeFilm(const FilmJob& job, const std::function<void(int32_t done)>& shown);
+
+}  // namespace kelto::host

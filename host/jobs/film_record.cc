@@ -1,0 +1,98 @@
+#include "host/jobs/film_record.h"
+
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <system_error>
+#include <utility>
+
+#include "host/film/output_file.h"
+
+namespace kelto::host {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+/// Paths are any bytes and JSON is UTF-8, so each byte is written as the character of its number.
+std::string ToText(const std::string& bytes) {
+  std::string text;
+  for (const char c : bytes) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x80) {
+      text += c;
+    } else {
+      text += static_cast<char>(0xc0 | byte >> 6);
+      text += static_cast<char>(0x80 | (byte & 0x3f));
+    }
+  }
+  return text;
+}
+
+std::vector<std::string> ToTexts(const std::vector<std::string>& words) {
+  std::vector<std::string> texts;
+  texts.reserve(words.size());
+  for (const std::string& word : words) texts.push_back(ToText(word));
+  return texts;
+}
+
+Json ToJson(const FilmRecord& record) {
+  return {{"input", ToText(record.input)},
+          {"bytes", record.bytes},
+          {"time", record.time},
+          {"options", ToTexts(record.options)}};
+}
+
+}  // namespace
+
+FilmRecord RecordOf(const std::string& input, std::vector<std::string> options) {
+  std::error_code error;
+  const fs::path absolute = fs::absolute(input, error).lexically_normal();
+  FilmRecord record{error ? input : absolute.string(), 0, 0, std::move(options)};
+  const auto bytes = fs::file_size(input, error);
+  if (!error) record.bytes = static_cast<int64_t>(bytes);
+  const auto time = fs::last_write_time(input, error);
+  if (!error) record.time = static_cast<int64_t>(time.time_since_epoch().count());
+  return record;
+}
+
+std::optional<FilmRecord> ReadRecord(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) return std::nullopt;
+  const auto bytesOf = [](const std::string& text) {
+    std::string bytes;
+    for (size_t i = 0; i < text.size(); ++i) {
+      const auto first = static_cast<unsigned char>(text[i]);
+      if (first < 0x80 || i + 1 == text.size()) {
+        bytes += text[i];
+      } else {
+        bytes += static_cast<char>(first << 6 | (static_cast<unsigned char>(text[++i]) & 0x3f));
+      }
+    }
+    return bytes;
+  };
+  try {
+    const Json json = Json::parse(file);
+    FilmRecord record{bytesOf(json.at("input").get<std::string>()),
+                      json.at("bytes").get<int64_t>(),
+                      json.at("time").get<int64_t>(),
+                      {}};
+    for (const Json& word : json.at("options")) {
+      record.options.push_back(bytesOf(word.get<std::string>()));
+    }
+    return record;
+  } catch (const Json::exception&) {
+    return std::nullopt;
+  }
+}
+
+void WriteRecord(const std::string& path, const FilmRecord& record) {
+  std::error_code ignored;  // a folder that is missing then is told of by the file
+  fs::create_directories(fs::path(path).parent_path(), ignored);
+  OutputFile file(path);
+  const std::string text = ToJson(record).dump(2) + "\n";
+  file.Write(text.data(), text.size());
+  file.Finish();
+}
+
+}  // namespace kelto::host

@@ -1,0 +1,30 @@
+// How a film was made, kept beside it so that the work need not be done again.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kelto::host {
+
+/// What a film was made from and how.
+struct FilmRecord {
+  std::string input;  ///< absolute path of the photograph or project
+  int64_t bytes = 0;  ///< its size
+  int64_t time = 0;   ///< when it was last changed, in the file system's own count
+  /// The options that settle what the film shows, as words of a command line.
+  std::vector<std::string> options;
+  bool operator==(const FilmRecord&) const = default;
+};
+
+/// The record of a film of `input` made now. A file that is not there has no size and no time.
+FilmRecord RecordOf(const std::string& input, std::vector<std::string> options);
+
+/// The record in a file; nothing when there is none that can be read.
+std::optional<FilmRecord> ReadRecord(const std::string& path);
+
+/// Writes a record, making its folder. Throws Error.
+void WriteRecord(const std::string& path, const FilmRecord& record);
+
+}  // namespace kelto::host

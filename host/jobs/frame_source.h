@@ -1,0 +1,51 @@
+// Where the frames of a film come from: the effect, in this process or in several.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/film/film_format.h"
+#include "host/options/frame_range.h"
+#include "host/plan/render_plan.h"
+
+namespace kelto::host {
+
+/// Frames in their order.
+class FrameSource {
+ public:
+  virtual ~FrameSource() = default;
+  /// The next frame. The view holds until the next call. Throws Error; not to be called again then,
+  /// nor after the last frame.
+  virtual FrameView Next() = 0;
+
+ protected:
+  FrameSource() = default;
+  FrameSource(const FrameSource&) = delete;
+  FrameSource& operator=(const FrameSource&) = delete;
+};
+
+/// Some frames of a plan.
+struct Scene {
+  RenderPlan plan;
+  FrameRange part;
+};
+
+/// Scenes to be rendered one after the other; all of one frame size.
+struct SceneList {
+  std::string module;  ///< path of the effect's module
+  PixelLayout layout = PixelLayout::kYCbYCr;
+  std::vector<Scene> scenes;
+};
+
+/// Renders in this process. Nothing is opened before the first frame is asked for.
+std::unique_ptr<FrameSource> RenderHere(SceneList list);
+
+/// Renders in `workers` processes, each with a module of its own, frame i of all the scenes in
+/// worker i modulo `workers`. They begin at once, and no worker is more than a few frames ahead. To
+/// be called before this process has any thread: workers begin as its copies. What the module
+/// prints in several workers is printed once. Not on Windows, where it throws Error.
+std::unique_ptr<FrameSource> RenderInWorkers(SceneList list, int32_t workers);
+
+}  // namespace kelto::host

@@ -1,0 +1,104 @@
+#include "host/jobs/picture_list.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <set>
+#include <system_error>
+
+#include "host/error.h"
+
+namespace kelto::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::array kEndings = {".jpg", ".jpeg", ".jpe", ".png", ".tif",  ".tiff", ".webp",
+                                 ".gif", ".bmp",  ".dib", ".tga", ".heic", ".heif"};
+
+std::string Lowered(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text;
+}
+
+bool EndsLikeAPicture(const fs::path& path) {
+  const std::string ending = Lowered(path.extension().string());
+  return std::find(kEndings.begin(), kEndings.end(), ending) != kEndings.end();
+}
+
+std::vector<std::string> InFolder(const std::string& folder) {
+  std::error_code error;
+  std::vector<std::string> pictures;
+  fs::directory_iterator entry(folder, error);
+  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+    const fs::path& path = entry->path();
+    std::error_code ignored;
+    if (path.filename().string().starts_with('.') || !EndsLikeAPicture(path)) continue;
+    if (!entry->is_directory(ignored)) pictures.push_back(path.string());
+  }
+  if (error) throw Error(folder + ": cannot be read: " + error.message());
+  std::sort(pictures.begin(), pictures.end());
+  if (pictures.empty()) throw Error(folder + ": there are no pictures in this folder");
+  return pictures;
+}
+
+std::vector<std::string> InList(const std::string& list) {
+  std::ifstream file(list);
+  if (!file) throw Error(list + ": cannot be read as a list of pictures");
+  const fs::path folder = fs::path(list).parent_path();
+  std::vector<std::string> pictures;
+  for (std::string line; std::getline(file, line);) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (line.find('\0') != line.npos) {
+      throw Error(list + ": is no list; write a file with the path of a picture on each line");
+    }
+    if (!line.empty()) pictures.push_back((folder / line).string());
+  }
+  if (pictures.empty()) throw Error(list + ": names no pictures");
+  return pictures;
+}
+
+}  // namespace
+
+std::vector<std::string> PicturesOf(const std::string& input) {
+  std::error_code error;
+  const fs::file_status status = fs::status(input, error);
+  if (!fs::exists(status)) throw Error(input + ": there is no such folder or list");
+  return fs::is_directory(status) ? InFolder(input) : InList(input);
+}
+
+std::vector<std::string> FilmNames(const std::vector<std::string>& pictures,
+                                   const std::string& ending) {
+  const auto shortName = [&](const std::string& picture) {
+    return fs::path(picture).stem().string() + "." + ending;
+  };
+  std::map<std::string, int> wanted;
+  for (const std::string& picture : pictures) ++wanted[Lowered(shortName(picture))];
+  std::set<std::string> taken;
+  // The short names that are one picture's alone stay with it, whatever comes before.
+  for (const auto& [name, count] : wanted) {
+    if (count == 1) taken.insert(name);
+  }
+  std::vector<std::string> names;
+  for (const std::string& picture : pictures) {
+    std::string name = shortName(picture);
+    if (wanted[Lowered(name)] > 1) {
+      const std::string base = fs::path(picture).filename().string();
+      const std::string last = "." + ending;
+      name = base;
+      name += last;
+      for (int i = 2; !taken.insert(Lowered(name)).second; ++i) {
+        name = base;
+        name.append("-").append(std::to_string(i)).append(last);
+      }
+    }
+    names.push_back(name);
+  }
+  return names;
+}
+
+}  // namespace kelto::host

@@ -1,0 +1,70 @@
+// The effect at work on one scene after the other.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "host/jobs/frame_source.h"
+#include "host/session/effect_session.h"
+
+namespace kelto::host {
+
+class VideoReader;
+
+/// Renders any frame of a list's scenes; holds one session at a time, so scenes are best asked for
+/// in their order. Operations throw Error.
+class SceneRenderer {
+ public:
+  /// `aborted` is asked while frames render; once it answers true, Render throws.
+  SceneRenderer(SceneList list, std::function<bool()> aborted);
+  ~SceneRenderer();
+
+  /// Frame `number` of a scene's film. The view holds until the next call.
+  FrameView Render(size_t scene, int32_t number);
+  /// The same into a frame's memory; see EffectSession::RenderInto.
+  void RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, size_t scene, int32_t number);
+
+ private:
+  void Open(size_t scene);
+  /// Opens the scene and lays the video's frame under the photo.
+  void Prepare(size_t scene, int32_t number);
+
+  SceneList list_;
+  std::function<bool()> aborted_;
+  size_t open_;  ///< the scene of session_
+  std::unique_ptr<EffectSession> session_;
+  std::unique_ptr<VideoReader> video_;  ///< what lies behind; null for none
+};
+
+/// Frame `index` of all scenes' frames: which scene's, and which of its film.
+struct ScenePlace {
+  size_t scene;
+  int32_t number;
+};
+
+/// Counts through the frames of all scenes.
+class SceneCursor {
+ public:
+  explicit SceneCursor(const SceneList& list) : list_(list) { Settle(); }
+  /// Whether there is a frame left.
+  bool More() const { return scene_ < list_.scenes.size(); }
+  ScenePlace Place() const { return {scene_, list_.scenes[scene_].part.first + passed_}; }
+  void Advance() {
+    ++passed_;
+    Settle();
+  }
+
+ private:
+  void Settle() {
+    while (More() && passed_ >= list_.scenes[scene_].part.Count()) {
+      ++scene_;
+      passed_ = 0;
+    }
+  }
+
+  const SceneList& list_;
+  size_t scene_ = 0;
+  int32_t passed_ = 0;
+};
+
+}  // namespace kelto::host

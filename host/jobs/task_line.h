@@ -1,0 +1,19 @@
+// Lines for programs that spread work over cores and machines: a shell command each.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kelto::host {
+
+/// `word` as a POSIX shell reads it back.
+std::string ShellQuoted(const std::string& word);
+
+/// The words with blanks between, each quoted. Throws Error for a word of more than one line, which
+/// no line can hold.
+std::string TaskLine(const std::vector<std::string>& words);
+
+/// Path of this program's file.
+std::string ProgramPath();
+
+}  // namespace kelto::host

@@ -1,0 +1,20 @@
+// The libraries that the command runs with, and the processor.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kelto::host {
+
+struct Library {
+  std::string name;
+  std::string version;
+};
+
+/// Versions as the libraries tell them at run time; where one does not, that of its headers.
+std::vector<Library> Libraries();
+
+/// The instruction set that the effect's module draws with here, by its name for it.
+std::string InstructionSet();
+
+}  // namespace kelto::host

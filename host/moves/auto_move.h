@@ -1,0 +1,29 @@
+// The move that a picture suggests.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "host/moves/photo_views.h"
+#include "host/moves/presets.h"
+
+namespace kelto::host {
+
+/// Pixels B, G, R, A without padding, upright.
+struct PhotoPixels {
+  PixelSize size;
+  std::vector<uint8_t> bytes;
+};
+
+/// Whether this build can look for what is interesting in a picture.
+bool CanFindInterest();
+
+/// First and last view of a slow move in, to where the picture is most out of the ordinary: to the
+/// window with the most of what remains of the picture when what its spectrum has in common with
+/// everybody's is taken away (Hou and Zhang, Saliency Detection: A Spectral Residual Approach,
+/// 2007), which is where eyes go. The first view holds the last one; neither leaves the photo but
+/// as far as `fit` asks for it. The same picture gets the same move. Throws UsageError in a build
+/// without.
+std::vector<PhotoRect> AutoMove(const PhotoViews& views, const PhotoPixels& pixels, Fit fit);
+
+}  // namespace kelto::host

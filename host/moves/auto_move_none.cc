@@ -1,0 +1,13 @@
+// A build without the library that looks at pictures.
+#include "host/error.h"
+#include "host/moves/auto_move.h"
+
+namespace kelto::host {
+
+bool CanFindInterest() { return false; }
+
+std::vector<PhotoRect> AutoMove(const PhotoViews&, const PhotoPixels&, Fit) {
+  throw UsageError("this build cannot look at pictures; choose one of " + MoveNames());
+}
+
+}  // namespace kelto::host

@@ -1,0 +1,124 @@
+#include "host/moves/photo_views.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "host/error.h"
+#include "host/session/render_state.h"
+
+namespace kelto::host {
+namespace {
+
+/// The effect holds a constant parameter with keys to its active key, and at false without one.
+bool SwitchedOn(const RenderPlan& plan, const char* parameter, bool usual) {
+  const Setting* setting = plan.FindSetting(parameter);
+  if (setting == nullptr) return usual;
+  const SettingValue* value = setting->value ? &*setting->value : nullptr;
+  if (!setting->keys.empty()) {
+    if (setting->activeKey < 0) return false;
+    value = &setting->keys.at(static_cast<size_t>(setting->activeKey)).value;
+  }
+  const bool* on = value != nullptr ? std::get_if<bool>(value) : nullptr;
+  return on != nullptr ? *on : usual;
+}
+
+DrawnFrame FrameOf(const RenderPlan& plan, PixelSize photo) {
+  const hfx::RenderState state = FieldState(plan, 0, 0);
+  DrawnFrame frame;
+  frame.photo = photo;
+  frame.frame = {plan.format.size.width, plan.format.size.height};
+  frame.output = frame.frame;
+  if (plan.format.Interlaced()) {
+    frame.output.height = (frame.frame.height + (state.topField ? 1 : 0)) / 2;
+  }
+  frame.fieldMode = state.fieldMode;
+  frame.videoType = state.videoType;
+  frame.playMode = plan.playMode;
+  frame.displayAspect = state.displayAspect;
+  frame.squarePixels = SwitchedOn(plan, "squarepixels", true);
+  return frame;
+}
+
+/// Where a stretch of this length begins that is moved into 0..`end`, or about its middle.
+double Moved(double begin, double length, double end) {
+  if (length >= end) return (end - length) / 2;
+  return std::clamp(begin, 0.0, end - length);
+}
+
+}  // namespace
+
+PhotoViews::PhotoViews(const RenderPlan& plan, PixelSize photo) : frame_(FrameOf(plan, photo)) {
+  const DrawnArea base = AreaOf(frame_);
+  baseWidth_ = base.right - base.left;
+  baseHeight_ = base.bottom - base.top;
+}
+
+PhotoRect PhotoViews::Photo() const {
+  return {0.0, 0.0, static_cast<double>(frame_.photo.width),
+          static_cast<double>(frame_.photo.height)};
+}
+
+PhotoRect PhotoViews::About(double x, double y, double width) const {
+  width = std::max(width, baseWidth_ / kMaxZoom);
+  const double height = width * baseHeight_ / baseWidth_;
+  return {x - width / 2, y - height / 2, width, height};
+}
+
+PhotoRect PhotoViews::Whole() const {
+  const PhotoRect photo = Photo();
+  return About(photo.CentreX(), photo.CentreY(),
+               std::max(photo.width, photo.height * baseWidth_ / baseHeight_));
+}
+
+PhotoRect PhotoViews::Fill() const {
+  const PhotoRect photo = Photo();
+  return About(photo.CentreX(), photo.CentreY(),
+               std::min(photo.width, photo.height * baseWidth_ / baseHeight_));
+}
+
+PhotoRect PhotoViews::Around(const PhotoRect& part) const {
+  const PhotoRect view = About(part.CentreX(), part.CentreY(),
+                               std::max(part.width, part.height * baseWidth_ / baseHeight_));
+  const PhotoRect photo = Photo(), moved = Inside(view);
+  PhotoRect around = view;
+  if (part.x >= 0.0 && part.Right() <= photo.width) around.x = moved.x;
+  if (part.y >= 0.0 && part.Bottom() <= photo.height) around.y = moved.y;
+  return around;
+}
+
+PhotoRect PhotoViews::Inside(PhotoRect view) const {
+  const PhotoRect photo = Photo();
+  view.x = Moved(view.x, view.width, photo.width);
+  view.y = Moved(view.y, view.height, photo.height);
+  return view;
+}
+
+PhotoRect PhotoViews::PartOf(const View& view) const {
+  DrawnFrame frame = frame_;
+  frame.zoom = view.zoom;
+  frame.x = view.x;
+  frame.y = view.y;
+  const DrawnArea area = AreaOf(frame);
+  return {area.left, area.top, area.right - area.left, area.bottom - area.top};
+}
+
+View PhotoViews::ViewOf(const PhotoRect& part) const {
+  constexpr double kRounding = 1e-5;  // of the module's single precision
+  View view{baseWidth_ / part.width, 0.0, 0.0};
+  if (view.zoom < kMinZoom * (1 - kRounding) || view.zoom > kMaxZoom * (1 + kRounding)) {
+    throw UsageError("takes a zoom of " + std::to_string(view.zoom) +
+                     ", and zooms go from 0.1 to 20");
+  }
+  view.zoom = std::clamp(view.zoom, kMinZoom, kMaxZoom);
+  // The centre enters evenly, from where the zoom alone has it.
+  const PhotoRect at0 = PartOf({view.zoom, 0.0, 0.0}), at1 = PartOf({view.zoom, 1.0, 1.0});
+  view.x = (part.CentreX() - at0.CentreX()) / (at1.CentreX() - at0.CentreX());
+  view.y = (part.CentreY() - at0.CentreY()) / (at1.CentreY() - at0.CentreY());
+  if (std::abs(view.x) > kMaxCentre || std::abs(view.y) > kMaxCentre) {
+    throw UsageError("lies too far from the photo");
+  }
+  return view;
+}
+
+}  // namespace kelto::host

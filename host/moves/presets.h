@@ -1,0 +1,30 @@
+// Moves by name.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/moves/photo_views.h"
+
+namespace kelto::host {
+
+/// What the widest view of a move shows: nothing but photo, or all of the photo.
+enum class Fit { kFill, kWhole };
+
+/// Reads "fill" or "whole". Throws UsageError.
+Fit ParseFit(std::string_view text);
+
+/// The names of the moves, "in, out, ...", without "auto".
+std::string MoveNames();
+
+/// Throws UsageError that says which names there are when `name` is none of them.
+void CheckMoveName(std::string_view name);
+
+/// First and last view of the move called `name`: "in" and "out" zoom by half as much again,
+/// "left", "up-right" and the like pan as far as the photo goes that way, "hold" stands still. No
+/// view shows what lies beside the photo, but as far as `fit` asks for it. Throws UsageError as
+/// CheckMoveName does.
+std::vector<PhotoRect> MoveViews(const PhotoViews& views, std::string_view name, Fit fit);
+
+}  // namespace kelto::host

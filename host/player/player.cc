@@ -1,0 +1,210 @@
+#include "host/player/player.h"
+
+#include <chrono>
+#include <cmath>
+#include <deque>
+#include <filesystem>
+#include <optional>
+
+#include "host/error.h"
+#include "host/player/playback.h"
+#include "host/player/quality_control.h"
+#include "host/player/status_bar.h"
+#include "host/player/window.h"
+#include "host/preview/key_times.h"
+#include "host/session/effect_session.h"
+#include "host/terminal/interrupt.h"
+
+namespace kelto::host {
+namespace {
+
+constexpr const char* kSource = "Display: Source";
+constexpr const char* kTarget = "Display: Target";
+/// How long nothing but the user is waited for; Ctrl-C is noticed after that.
+constexpr double kPatience = 0.1;
+
+double Now() {
+  using Seconds = std::chrono::duration<double>;
+  return Seconds(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+RenderPlan Playing(RenderPlan plan) {
+  plan.playMode = hfxPlayModePreview;
+  return plan;
+}
+
+std::vector<double> Times(const std::vector<KeyTime>& keys) {
+  std::vector<double> times;
+  times.reserve(keys.size());
+  for (const KeyTime& key : keys) times.push_back(key.time);
+  return times;
+}
+
+bool ShowsTarget(const RenderPlan& plan) {
+  const Setting* display = plan.FindSetting("display");
+  return display != nullptr && display->value == SettingValue(std::string(kTarget));
+}
+
+class Player {
+ public:
+  Player(const std::string& modulePath, const RenderPlan& plan, const Photo& photo,
+         const PlayerOptions& options)
+      : plan_(Playing(plan)),
+        name_(std::filesystem::path(photo.given).filename().string()),
+        session_(modulePath, plan_, photo, PixelLayout::kBGRA),
+        window_(name_, plan.format.size, plan.format.sampleAspect, StatusBar::kHeight),
+        bar_(Times(KeyTimesOf(plan))),
+        clock_(plan.frames, plan.format.rate, options.loop),
+        control_(1.0 / plan.format.rate.PerSecond()),
+        target_(ShowsTarget(plan)) {
+    session_.SetAbortQuery([] { return InterruptSignal() != 0; });
+    if (!options.paused) clock_.Play(Now());
+  }
+
+  void Run() {
+    while (!quit_) {
+      if (InterruptSignal() != 0) throw Error("interrupted");
+      Draw();
+      double wait = clock_.Playing() ? clock_.NextDue(Now()) - Now() : kPatience;
+      while (const auto wish = window_.Next(std::min(wait, kPatience))) {
+        Grant(*wish);
+        wait = 0.0;
+      }
+    }
+  }
+
+ private:
+  void Grant(const Wish& wish);
+  /// Renders the frame due, unless the window shows it already, and shows it with the bar.
+  void Draw();
+  void Render(int32_t frame, double quality);
+  PlayerStatus Status(double now);
+
+  RenderPlan plan_;
+  std::string name_;
+  EffectSession session_;
+  Window window_;
+  StatusBar bar_;
+  std::unique_ptr<Drawing> help_;  ///< while it is shown
+  Playback clock_;
+  QualityControl control_;
+  bool target_;
+  bool quit_ = false;
+  bool redraw_ = true;    ///< the window needs drawing though the frame stays
+  bool rerender_ = true;  ///< the frame needs rendering though its number stays
+  bool sought_ = true;    ///< the frame due is not the one after the last for a reason
+  int32_t shown_ = 0;
+  double shownQuality_ = 0.0;
+  bool shownPlaying_ = false;
+  int32_t dropped_ = 0;
+  std::deque<double> shownAt_;  ///< the last second's frames
+};
+
+void Player::Grant(const Wish& wish) {
+  const double now = Now();
+  redraw_ = true;
+  switch (wish.kind) {
+    case Wish::kQuit:
+      quit_ = true;
+      break;
+    case Wish::kPause:
+      if (clock_.Playing()) {
+        clock_.Pause(now);
+      } else {
+        clock_.Play(now);
+      }
+      sought_ = true;
+      break;
+    case Wish::kStep:
+      clock_.Step(static_cast<int64_t>(wish.amount), now);
+      break;
+    case Wish::kSeconds:
+      clock_.Seek(clock_.FrameAt(now) + std::llround(wish.amount * plan_.format.rate.PerSecond()),
+                  now);
+      sought_ = true;
+      break;
+    case Wish::kFirst:
+      clock_.Seek(0, now);
+      sought_ = true;
+      break;
+    case Wish::kLast:
+      clock_.Seek(plan_.frames - 1, now);
+      sought_ = true;
+      break;
+    case Wish::kBar: {
+      const double fraction =
+          StatusBar::FractionAt(static_cast<int32_t>(wish.amount), window_.BarWidth());
+      clock_.Seek(std::llround(fraction * (plan_.frames - 1)), now);
+      sought_ = true;
+      break;
+    }
+    case Wish::kDisplay:
+      target_ = !target_;
+      session_.Change({"display", std::string(target_ ? kTarget : kSource), {}, -1});
+      rerender_ = true;
+      break;
+    case Wish::kHelp:
+      help_ = help_ ? nullptr : DrawHelp();
+      break;
+    case Wish::kFullScreen:
+      window_.SwitchFullScreen();
+      break;
+    case Wish::kRedraw:
+      break;
+  }
+}
+
+void Player::Render(int32_t frame, double quality) {
+  window_.SetPicture(session_.Render(frame, quality));
+  const bool on = frame > shown_ && !sought_;
+  if (on && clock_.Playing()) dropped_ += frame - shown_ - 1;
+  shown_ = frame;
+  shownQuality_ = quality;
+  rerender_ = sought_ = false;
+}
+
+void Player::Draw() {
+  const double begin = Now();
+  const int32_t due = clock_.FrameAt(begin);
+  const bool playing = clock_.Playing();
+  const double quality = playing ? control_.Quality() : QualityControl::kFull;
+  // While playing, better quality comes with the next frame.
+  const bool render = rerender_ || due != shown_ || (!playing && quality != shownQuality_);
+  if (!render && !redraw_ && playing == shownPlaying_) return;
+  if (render) Render(due, quality);
+  const PlayerStatus status = Status(Now());
+  const FrameView bar = bar_.Draw(window_.BarWidth(), status);
+  window_.Show(bar, help_ ? std::optional(help_->Pixels()) : std::nullopt);
+  window_.SetTitle(name_ + " - " + PlaceText(status) + ", " + DrawingText(status));
+  redraw_ = false;
+  shownPlaying_ = playing;
+  if (!playing || !render) return;
+  const double end = Now();
+  shownAt_.push_back(end);
+  control_.Drawn(end - begin, end);
+}
+
+PlayerStatus Player::Status(double now) {
+  while (!shownAt_.empty() && shownAt_.front() <= now - 1.0) shownAt_.pop_front();
+  const double rate = plan_.format.rate.PerSecond();
+  PlayerStatus status;
+  status.frame = shown_;
+  status.frames = plan_.frames;
+  status.seconds = shown_ / rate;
+  status.length = plan_.frames / rate;
+  status.playing = clock_.Playing();
+  status.fullQuality = shownQuality_ == QualityControl::kFull;
+  status.target = target_;
+  status.shownRate = static_cast<double>(shownAt_.size());
+  status.dropped = dropped_;
+  return status;
+}
+
+}  // namespace
+
+void PlayInWindow(const std::string& modulePath, const RenderPlan& plan, const Photo& photo,
+                  const PlayerOptions& options) {
+  Player(modulePath, plan, photo, options).Run();
+}
+
+}  // namespace kelto::host

@@ -1,0 +1,22 @@
+// Plays a plan in a window, as an editor plays its timeline.
+#pragma once
+
+#include <string>
+
+#include "host/plan/render_plan.h"
+#include "host/session/photo.h"
+
+namespace kelto::host {
+
+struct PlayerOptions {
+  bool loop = false;    ///< start over at the end, else pause
+  bool paused = false;  ///< begin paused
+};
+
+/// Plays until the user quits. The effect is told that it plays, so that it draws from a copy of
+/// `photo`, the plan's, of the frame's size; at half quality where it would not keep up; and frames
+/// that come too late are skipped. Paused, frames are of full quality. Throws Error.
+void PlayInWindow(const std::string& modulePath, const RenderPlan& plan, const Photo& photo,
+                  const PlayerOptions& options);
+
+}  // namespace kelto::host

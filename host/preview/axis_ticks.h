@@ -1,0 +1,25 @@
+// Where a diagram's axis has its numbers.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kelto::host {
+
+struct Ticks {
+  double least = 0.0, most = 1.0;  ///< ends of the axis
+  std::vector<double> at;          ///< round numbers within them
+  int decimals = 0;                ///< that tell the numbers apart
+};
+
+/// An axis of about `count` numbers for values from `least` to `most`, a little longer than they
+/// reach; values that are all the same get some room on either side.
+Ticks TicksFor(double least, double most, int count);
+
+/// The same, but ending where the values do.
+Ticks TicksWithin(double least, double most, int count);
+
+/// With the decimals, a dot, and no minus in front of zero.
+std::string TickText(double value, int decimals);
+
+}  // namespace kelto::host

@@ -1,0 +1,45 @@
+// What the effect makes of a plan's keys, frame by frame.
+//
+// The effect writes each frame's view into the fields that its parameters are bound to, where any
+// host can read it. So the numbers are asked of the module itself, by having it render frames of
+// four pixels without a picture, which takes microseconds.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "host/options/view.h"
+#include "host/plan/render_plan.h"
+#include "runtime/hfx/host.h"
+
+namespace kelto::host {
+
+/// What settles a frame's look.
+struct FrameMotion {
+  View view;
+  bool target = true;        ///< "Display: Target": the view, not the whole photo
+  bool squarePixels = true;  ///< of the photo
+  std::string filter;        ///< entry of the list "filter"
+};
+
+/// Asks an instance of its own of the module's first effect. Operations throw Error.
+class Motion {
+ public:
+  Motion(const std::string& modulePath, const RenderPlan& plan);
+  ~Motion();
+  Motion(const Motion&) = delete;
+  Motion& operator=(const Motion&) = delete;
+
+  /// The motion at frame `number`, 0-based; of an interlaced film, at one of its fields, 0 the
+  /// first in time.
+  FrameMotion At(int32_t number, int32_t field = 0);
+
+ private:
+  RenderPlan plan_;
+  hfx::ImageBuffer input_, output_;
+  std::unique_ptr<hfx::Module> module_;
+  std::unique_ptr<hfx::Effect> effect_;  // goes before its module
+};
+
+}  // namespace kelto::host

@@ -1,0 +1,20 @@
+// JSON read strictly: texts that come from anywhere.
+#pragma once
+
+#include <cstddef>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+namespace kelto::host {
+
+/// Bytes of a project file at most.
+constexpr size_t kMaxJsonText = size_t{16} << 20;
+/// Objects and arrays within each other at most.
+constexpr int kMaxJsonDepth = 16;
+/// Bytes of a text within it at most; no path is longer.
+constexpr size_t kMaxJsonString = 4096;
+
+/// Parses `text`. Throws Error where it is no JSON, says one thing twice or passes a limit.
+nlohmann::json ParseJson(const std::string& text);
+
+}  // namespace kelto::host

@@ -1,0 +1,206 @@
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <system_error>
+
+#include "host/error.h"
+#include "host/options/rate.h"
+#include "host/plan/default_plan.h"
+#include "host/project/complaint.h"
+#include "host/project/display_aspect.h"
+#include "host/project/json_text.h"
+#include "host/project/paths.h"
+#include "host/project/project_file.h"
+#include "host/project/schema.h"
+
+namespace kelto::host {
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+/// Times of keys, on either side of the film; the schema's bounds of "time".
+constexpr double kMaxTime = 1000.0;
+
+/// What `read` makes of a field's text; its complaint is told with the field in front.
+template <typename Read>
+auto ReadField(const FieldPath& path, Read read) {
+  try {
+    return read();
+  } catch (const Error& error) {
+    throw Error(ToString(path) + ": " + error.what());
+  }
+}
+
+/// A number as it is typed on a command line.
+std::string TextOf(const json& value) {
+  return value.is_string() ? value.get<std::string>() : value.dump();
+}
+
+std::string ReadPath(const json& document, const char* field, const std::string& project) {
+  if (!document.contains(field)) return "";
+  const std::string named = document[field];
+  // Nowhere in a path, and nowhere in a message of one line.
+  if (std::any_of(named.begin(), named.end(), [](unsigned char c) { return c < 32; })) {
+    throw Error(std::string(field) + ": " + Shown(named) + " has control characters in it");
+  }
+  return FromProject(project, named);
+}
+
+void ReadFilm(const json& film, RenderPlan& plan) {
+  FilmFormat& format = plan.format;
+  const double usualSeconds = plan.frames / format.rate.PerSecond();
+  format.size.width = film.value("width", format.size.width);
+  format.size.height = film.value("height", format.size.height);
+  if (film.contains("rate")) {
+    format.rate = ReadField({"film", "rate"}, [&] { return ParseRate(TextOf(film["rate"])); });
+  }
+  const double seconds = film.value("seconds", usualSeconds);
+  plan.frames = film.contains("frames") ? film["frames"].get<int32_t>()
+                                        : ReadField({"film", "seconds"},
+                                                    [&] { return FramesOf(seconds, format.rate); });
+  const std::string fields = film.value("fields", "progressive");
+  format.fields = fields == "top"      ? FieldOrder::kTopFirst
+                  : fields == "bottom" ? FieldOrder::kBottomFirst
+                                       : FieldOrder::kProgressive;
+  if (film.contains("displayAspect")) {
+    format.sampleAspect = ReadField({"film", "displayAspect"}, [&] {
+      return ParseDisplayAspect(TextOf(film["displayAspect"]), format.size);
+    });
+  }
+}
+
+SettingValue ReadValue(const std::string& parameter, const json& value) {
+  if (value.is_boolean()) return value.get<bool>();
+  if (value.is_array()) {
+    if (value.size() == 2) return value.get<std::array<double, 2>>();
+    return value.get<std::array<double, 3>>();
+  }
+  const std::vector<std::string> entries = ListEntries(parameter);
+  if (entries.empty()) {
+    if (value.is_string()) return BackgroundFor(ParseColour(value.get<std::string>()));
+    return value.get<double>();
+  }
+  if (value.is_string()) return value.get<std::string>();
+  return entries.at(value.get<size_t>());
+}
+
+/// A key's time, 0..1 over a film of this length and rate.
+double ReadTime(const json& key, const RenderPlan& plan, FieldPath path) {
+  if (key.contains("time")) return key["time"];
+  const bool byFrame = key.contains("frame");
+  path.emplace_back(byFrame ? "frame" : "seconds");
+  const double frame = byFrame ? key["frame"].get<double>()
+                               : key["seconds"].get<double>() * plan.format.rate.PerSecond();
+  const double time = frame / std::max(plan.frames - 1, 1);
+  if (std::abs(time) > kMaxTime) {
+    throw Error(ToString(path) + ": " + Shown(key[path.back()]) + " is far outside the film");
+  }
+  return time;
+}
+
+Setting ReadKeys(const std::string& parameter, const json& keys, const RenderPlan& plan) {
+  Setting setting{parameter, std::nullopt, {}, -1};
+  setting.keys.reserve(keys.size());
+  for (size_t i = 0; i < keys.size(); ++i) {
+    FieldPath path{"parameters", parameter, PlaceStep(i)};
+    const double time = ReadTime(keys[i], plan, path);
+    if (i > 0 && !(time > setting.keys.back().time)) {
+      throw Error(ToString(path) + ": does not come after the key before it");
+    }
+    setting.keys.push_back({time, ReadValue(parameter, keys[i]["value"])});
+    if (!keys[i].value("active", false)) continue;
+    if (setting.activeKey >= 0) {
+      path.emplace_back("active");
+      throw Error(ToString(path) + ": key " + PlaceStep(static_cast<size_t>(setting.activeKey)) +
+                  " is active already");
+    }
+    setting.activeKey = static_cast<int32_t>(i);
+  }
+  return setting;
+}
+
+void ReadParameters(const json& parameters, RenderPlan& plan) {
+  for (const std::string& name : ProjectParameters()) {
+    if (!parameters.contains(name)) continue;
+    const json& given = parameters[name];
+    if (given.empty()) {
+      std::erase_if(plan.settings, [&](const Setting& s) { return s.parameter == name; });
+    } else if (given.is_array()) {
+      plan.SettingOf(name) = ReadKeys(name, given, plan);
+    } else {
+      plan.Set(name, ReadValue(name, given["value"]));
+    }
+  }
+}
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+std::string ReadText(const std::string& path) {
+  std::error_code error;
+  const fs::file_status status = fs::status(path, error);
+  if (!fs::exists(status)) throw Error("there is no such file");
+  // A pipe could be waited for without end.
+  if (!fs::is_regular_file(status)) throw Error("is not an ordinary file");
+  const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "rb"));
+  if (!file) throw Error("cannot be read: " + std::generic_category().message(errno));
+  std::string text;
+  char block[65536];
+  while (text.size() <= kMaxJsonText) {
+    const size_t got = std::fread(block, 1, sizeof block, file.get());
+    if (got == 0) break;
+    text.append(block, got);
+  }
+  if (std::ferror(file.get()) != 0) {
+    throw Error("cannot be read: " + std::generic_category().message(errno));
+  }
+  return text;
+}
+
+RenderPlan PlanOf(const std::string& text, const std::string& path) {
+  const json document = ParseJson(text);
+  CheckProject(document);
+  RenderPlan plan = DefaultPlan(ReadPath(document, "image", path));
+  plan.over = ReadPath(document, "over", path);
+  plan.audio = ReadPath(document, "audio", path);
+  plan.playMode = document.value("playMode", plan.playMode);
+  ReadFilm(document.value("film", json::object()), plan);
+  ReadParameters(document.value("parameters", json::object()), plan);
+  return plan;
+}
+
+}  // namespace
+
+bool IsProjectName(const std::string& path) {
+  std::string ending = fs::path(path).extension().string();
+  for (char& c : ending) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return ending == ".json";
+}
+
+RenderPlan ParseProject(const std::string& text, const std::string& path) {
+  try {
+    return PlanOf(text, path);
+  } catch (const Error& error) {
+    throw Error(path + ": " + error.what());
+  }
+}
+
+RenderPlan ReadProject(const std::string& path) {
+  std::string text;
+  try {
+    text = ReadText(path);
+  } catch (const Error& error) {
+    throw Error(path + ": " + error.what());
+  }
+  return ParseProject(text, path);
+}
+
+}  // namespace kelto::host

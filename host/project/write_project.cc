@@ -1,0 +1,109 @@
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <system_error>
+
+#include "host/error.h"
+#include "host/film/output_file.h"
+#include "host/project/display_aspect.h"
+#include "host/project/layout.h"
+#include "host/project/paths.h"
+#include "host/project/project_file.h"
+#include "host/project/schema.h"
+
+namespace kelto::host {
+namespace {
+
+using nlohmann::ordered_json;
+
+ordered_json FilmOf(const RenderPlan& plan) {
+  const FilmFormat& format = plan.format;
+  ordered_json film;
+  film["width"] = format.size.width;
+  film["height"] = format.size.height;
+  if (format.rate.denominator == 1) {
+    film["rate"] = format.rate.numerator;
+  } else {
+    film["rate"] =
+        std::to_string(format.rate.numerator) + "/" + std::to_string(format.rate.denominator);
+  }
+  film["frames"] = plan.frames;
+  film["fields"] = format.fields == FieldOrder::kTopFirst      ? "top"
+                   : format.fields == FieldOrder::kBottomFirst ? "bottom"
+                                                               : "progressive";
+  film["displayAspect"] = DisplayAspectText(format);
+  return film;
+}
+
+ordered_json JsonOf(const SettingValue& value) {
+  return std::visit([](const auto& held) { return ordered_json(held); }, value);
+}
+
+ordered_json JsonOf(const Setting& setting) {
+  if (setting.keys.empty()) {
+    ordered_json constant = ordered_json::object();
+    if (setting.value) constant["value"] = JsonOf(*setting.value);
+    return constant;
+  }
+  ordered_json keys = ordered_json::array();
+  for (size_t i = 0; i < setting.keys.size(); ++i) {
+    ordered_json key;
+    key["time"] = setting.keys[i].time;
+    key["value"] = JsonOf(setting.keys[i].value);
+    if (static_cast<int32_t>(i) == setting.activeKey) key["active"] = true;
+    keys.push_back(std::move(key));
+  }
+  return keys;
+}
+
+ordered_json ParametersOf(const RenderPlan& plan) {
+  ordered_json parameters = ordered_json::object();
+  for (const std::string& name : ProjectParameters()) {
+    const Setting* setting = plan.FindSetting(name);
+    // Said outright, since a project that is silent means the usual value.
+    parameters[name] = setting != nullptr ? JsonOf(*setting) : ordered_json::object();
+  }
+  for (const Setting& setting : plan.settings) {
+    if (!parameters.contains(setting.parameter)) {
+      throw Error("a project has no parameter \"" + setting.parameter + "\"");
+    }
+  }
+  return parameters;
+}
+
+}  // namespace
+
+std::string ProjectText(const std::string& path, const RenderPlan& plan) {
+  try {
+    ordered_json document;
+#if defined(KELTO_INSTALLED_SCHEMA)
+    document["$schema"] = KELTO_INSTALLED_SCHEMA;
+#endif
+    document["image"] = ForProject(path, plan.photo);
+    if (!plan.over.empty()) document["over"] = ForProject(path, plan.over);
+    if (!plan.audio.empty()) document["audio"] = ForProject(path, plan.audio);
+    document["film"] = FilmOf(plan);
+    document["playMode"] = plan.playMode;
+    document["parameters"] = ParametersOf(plan);
+    std::string text = LaidOut(document);
+    // Nothing is written that could not be read.
+    ParseProject(text, path);
+    return text;
+  } catch (const Error& error) {
+    throw Error("cannot be kept as a project: " + std::string(error.what()));
+  }
+}
+
+void WriteProject(const std::string& path, const RenderPlan& plan) {
+  const std::string text = ProjectText(path, plan);
+  for (const std::string& used : {plan.photo, plan.over, plan.audio}) {
+    std::error_code error;
+    if (std::filesystem::equivalent(path, used, error)) {
+      throw Error(path + ": is used by the project itself; give the project another name");
+    }
+  }
+  OutputFile file(path);
+  file.Write(text.data(), text.size());
+  file.Finish();
+}
+
+}  // namespace kelto::host

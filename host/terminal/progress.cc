@@ -1,0 +1,98 @@
+#include "host/terminal/progress.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iomanip>
+#include <sstream>
+#include <utility>
+
+#include "host/terminal/events.h"
+#include "host/terminal/terminal.h"
+
+namespace kelto::host {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kBarInterval = 100ms;
+constexpr auto kEventInterval = 500ms;
+constexpr auto kLineInterval = 10s;
+
+std::string Fixed(double value, int decimals) {
+  std::ostringstream text;
+  text << std::fixed << std::setprecision(decimals) << value;
+  return text.str();
+}
+
+/// "0:05", "12:34", "1:00:00".
+std::string ClockText(double seconds) {
+  // At most "99:59:59", as wide as the line has room.
+  const auto whole = static_cast<int>(std::min(std::ceil(seconds), 359999.0));
+  const int hours = whole / 3600, minutes = whole / 60 % 60;
+  std::ostringstream text;
+  text << std::setfill('0');
+  if (hours > 0) text << hours << ':' << std::setw(2);
+  text << minutes << ':' << std::setw(2) << whole % 60;
+  return text.str();
+}
+
+std::chrono::steady_clock::duration Interval() {
+  if (CurrentReporting() == Reporting::kJson) return kEventInterval;
+  if (StandardErrorIsTerminal()) return kBarInterval;
+  return kLineInterval;
+}
+
+}  // namespace
+
+Pace PaceOf(int64_t done, int64_t total, double seconds) {
+  Pace pace{done, total};
+  if (done > 0 && seconds > 0.0) {
+    pace.perSecond = static_cast<double>(done) / seconds;
+    pace.secondsLeft = static_cast<double>(total - done) / pace.perSecond;
+  }
+  return pace;
+}
+
+std::string BarText(const Pace& pace, const std::string& unit) {
+  constexpr int kWidth = 20;
+  const auto filled = static_cast<int>(kWidth * pace.done / pace.total);
+  std::ostringstream text;
+  text << '[' << std::setfill('=') << std::setw(filled) << "" << std::setfill(' ')
+       << std::setw(kWidth - filled) << ""
+       << "] " << std::setw(3) << 100 * pace.done / pace.total << " %  " << unit << ' ' << pace.done
+       << " of " << pace.total << "  " << Fixed(pace.perSecond, 1) << "/s  "
+       << ClockText(pace.secondsLeft) << " left";
+  return text.str();
+}
+
+std::string PlainText(const Pace& pace, const std::string& unit) {
+  std::ostringstream text;
+  text << unit << ' ' << pace.done << " of " << pace.total << ", " << Fixed(pace.perSecond, 1)
+       << " a second, " << Fixed(std::ceil(pace.secondsLeft), 0) << " s left";
+  return text.str();
+}
+
+Progress::Progress(std::string unit, int64_t total)
+    : unit_(std::move(unit)), total_(total), start_(Clock::now()), next_(start_ + Interval()) {}
+
+Progress::~Progress() { ClearProgress(); }
+
+void Progress::Show(int64_t done) {
+  const auto now = Clock::now();
+  if (now < next_ || CurrentReporting() == Reporting::kQuiet) return;
+  next_ = now + Interval();
+  const Pace pace = PaceOf(done, total_, std::chrono::duration<double>(now - start_).count());
+  if (CurrentReporting() == Reporting::kJson) {
+    PrintEvent("progress", {{"unit", unit_},
+                            {"done", pace.done},
+                            {"total", pace.total},
+                            {"perSecond", pace.perSecond},
+                            {"secondsLeft", pace.secondsLeft}});
+  } else if (StandardErrorIsTerminal()) {
+    DrawProgress(BarText(pace, unit_));
+  } else {
+    PrintMessage(PlainText(pace, unit_));
+  }
+}
+
+}  // namespace kelto::host

@@ -1,0 +1,258 @@
+#include "host/video/video_file.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+
+#include "host/error.h"
+
+namespace kelto::host {
+namespace {
+
+constexpr const char* kWhat = "a video";
+/// Farther ahead than this, in seconds, looking for a nearer place to begin costs less than
+/// decoding all that is between.
+constexpr double kSeekAhead = 3.0;
+constexpr AVRational kUsualRate{25, 1};
+constexpr int32_t kMaxAspectTerm = 65535;
+
+/// Rates that files keep as rounded durations, made what they stand for.
+FrameRate Snapped(AVRational rate) {
+  const double value = av_q2d(rate);
+  const double whole = std::round(value);
+  if (std::abs(value - whole) < 2e-4 * whole) return {static_cast<int32_t>(whole), 1};
+  const double ntsc = std::round(value * 1.001);
+  if (std::abs(value * 1.001 - ntsc) < 2e-4 * ntsc)
+    return {static_cast<int32_t>(ntsc) * 1000, 1001};
+  return {rate.num, rate.den};
+}
+
+std::string Shown(double seconds) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.2f", seconds);
+  return text;
+}
+
+FieldOrder FieldsOf(AVFieldOrder order) {
+  switch (order) {
+    case AV_FIELD_TT:
+    case AV_FIELD_TB:
+      return FieldOrder::kTopFirst;
+    case AV_FIELD_BB:
+    case AV_FIELD_BT:
+      return FieldOrder::kBottomFirst;
+    default:
+      return FieldOrder::kProgressive;
+  }
+}
+
+}  // namespace
+
+VideoInfo LookAtVideo(const std::string& path) { return VideoFile(path).Info(); }
+
+VideoFile::VideoFile(const std::string& path)
+    : path_(path),
+      file_(OpenMedia(path, kWhat)),
+      packet_(Own(av_packet_alloc())),
+      shown_(Own(av_frame_alloc())),
+      next_(Own(av_frame_alloc())) {
+  stream_ = PictureStreamOf(*file_);
+  if (stream_ < 0) {
+    const bool sound = SoundStreamOf(*file_) >= 0;
+    throw Error(path + ": has no moving pictures" + (sound ? ", only sound" : ""));
+  }
+  decoder_ = OpenDecoder(Stream(), path);
+  if (decoder_->width <= 0 || decoder_->height <= 0) {
+    throw Error(path + ": cannot be read as a video: its pictures have no size");
+  }
+  Describe();
+  for (unsigned i = 0; i < file_->nb_streams; ++i) {
+    if (static_cast<int>(i) != stream_) file_->streams[i]->discard = AVDISCARD_ALL;
+  }
+  if (!Decode()) throw Error(path + ": none of its pictures can be decoded");
+  const bool whole = info_.fields == FieldOrder::kProgressive;
+  if (whole && next_->interlaced_frame != 0 && turn_.Upright()) {
+    info_.fields = next_->top_field_first != 0 ? FieldOrder::kTopFirst : FieldOrder::kBottomFirst;
+  }
+  Advance();
+}
+
+void VideoFile::Describe() {
+  start_ = StartOf(*file_);
+  // Where the clock is coarse, its ticks are frames.
+  tolerance_ = std::min(0.5 * av_q2d(Stream().time_base), 0.001) + 1e-7;
+  DescribeRate();
+  info_.size = {decoder_->width, decoder_->height};
+  const AVRational aspect = av_guess_sample_aspect_ratio(file_.get(), &Stream(), nullptr);
+  if (aspect.num > 0 && aspect.den > 0) {
+    av_reduce(&info_.sampleAspect.width, &info_.sampleAspect.height, aspect.num, aspect.den,
+              kMaxAspectTerm);
+  }
+  info_.fields = FieldsOf(Stream().codecpar->field_order);
+  info_.sound = SoundStreamOf(*file_) >= 0;
+  DescribeTurn();
+  const Ends ends = ReadEnds();
+  CheckWhole(ends);
+  Rewind();
+  info_.seconds = std::max(ends.pictures - start_, 1.0 / info_.rate.PerSecond());
+  const double frames = std::round(info_.seconds * info_.rate.PerSecond());
+  info_.frames = static_cast<int32_t>(std::clamp(frames, 1.0, 1e9));
+}
+
+void VideoFile::DescribeRate() {
+  AVStream& stream = Stream();
+  const auto fits = [](AVRational rate) {
+    return rate.num > 0 && rate.den > 0 && av_q2d(rate) <= 1000.0 && av_q2d(rate) >= 0.1;
+  };
+  AVRational rate = av_guess_frame_rate(file_.get(), &stream, nullptr);
+  if (!fits(rate)) rate = stream.avg_frame_rate;
+  if (!fits(rate)) rate = kUsualRate;
+  info_.rate = Snapped(rate);
+}
+
+void VideoFile::DescribeTurn() {
+  const uint8_t* matrix = av_stream_get_side_data(&Stream(), AV_PKT_DATA_DISPLAYMATRIX, nullptr);
+  if (matrix == nullptr) return;
+  turn_ = OrientationOf(reinterpret_cast<const int32_t*>(matrix));
+  if (turn_.transposed) {
+    std::swap(info_.size.width, info_.size.height);
+    std::swap(info_.sampleAspect.width, info_.sampleAspect.height);
+  }
+  // Fields lie in the rows as stored.
+  if (!turn_.Upright()) info_.fields = FieldOrder::kProgressive;
+}
+
+VideoFile::Ends VideoFile::ReadEnds() {
+  if (file_->duration > 0) {
+    const int64_t begin = file_->start_time == AV_NOPTS_VALUE ? 0 : file_->start_time;
+    const int64_t end = begin + file_->duration;
+    avformat_seek_file(file_.get(), -1, std::numeric_limits<int64_t>::min(), end, end, 0);
+  }
+  Ends ends;
+  int64_t untimed = 0;
+  while (av_read_frame(file_.get(), packet_.get()) >= 0) {
+    const double tick = av_q2d(file_->streams[packet_->stream_index]->time_base);
+    const bool picture = packet_->stream_index == stream_;
+    double end = static_cast<double>(packet_->pts + packet_->duration) * tick;
+    if (picture && packet_->duration <= 0) end += 1.0 / info_.rate.PerSecond();
+    if (packet_->pts == AV_NOPTS_VALUE) {
+      // Bare streams have no times, and are read from the beginning.
+      end = picture ? static_cast<double>(++untimed) / info_.rate.PerSecond() : 0.0;
+    }
+    if ((packet_->flags & AV_PKT_FLAG_CORRUPT) == 0) {
+      if (picture) ends.pictures = std::max(ends.pictures, end);
+      ends.all = std::max(ends.all, end);
+    }
+    av_packet_unref(packet_.get());
+  }
+  return ends;
+}
+
+void VideoFile::CheckWhole(const Ends& ends) const {
+  // Containers round lengths, and some leave out the last frame's.
+  const double slack = 2.0 / info_.rate.PerSecond() + 0.1;
+  const auto check = [&](int64_t duration, double unit, double start, double end) {
+    if (duration == AV_NOPTS_VALUE || duration <= 0) return;
+    const double promised = static_cast<double>(duration) * unit;
+    // Some containers count the length from the clock's 0.
+    if (std::max(end - start, end) + slack >= promised) return;
+    throw Error(path_ + ": ends before its " + Shown(promised) +
+                " seconds are over; it is damaged or not whole");
+  };
+  check(Stream().duration, av_q2d(Stream().time_base), start_, ends.pictures);
+  if (file_->duration_estimation_method != AVFMT_DURATION_FROM_BITRATE) {
+    const int64_t begin = file_->start_time == AV_NOPTS_VALUE ? 0 : file_->start_time;
+    check(file_->duration, 1.0 / AV_TIME_BASE, static_cast<double>(begin) / AV_TIME_BASE, ends.all);
+  }
+  if (ends.pictures < start_) throw Error(path_ + ": none of its pictures can be read");
+}
+
+const AVFrame& VideoFile::At(double seconds) {
+  const double time = seconds + tolerance_;
+  const bool back = time < shownAt_ && shownAt_ > tolerance_;
+  const bool farAhead = hasNext_ && nextAt_ + kSeekAhead < std::min(time, info_.seconds);
+  if (back || (farAhead && NearerPlaceFor(seconds)))
+    SeekTo(std::clamp(seconds, 0.0, info_.seconds));
+  while (hasNext_ && nextAt_ <= time) Advance();
+  return *shown_;
+}
+
+void VideoFile::Advance() {
+  std::swap(shown_, next_);
+  shownAt_ = nextAt_;
+  hasShown_ = true;
+  Decode();
+}
+
+bool VideoFile::NearerPlaceFor(double seconds) const {
+  AVStream& stream = Stream();
+  const double tick = av_q2d(stream.time_base);
+  const auto target = static_cast<int64_t>((start_ + seconds) / tick);
+  const AVIndexEntry* place =
+      avformat_index_get_entry_from_timestamp(&stream, target, AVSEEK_FLAG_BACKWARD);
+  // Without an index there is no telling.
+  return place == nullptr || static_cast<double>(place->timestamp) * tick - start_ > nextAt_;
+}
+
+void VideoFile::SeekTo(double seconds) {
+  const AVStream& stream = Stream();
+  const auto target =
+      static_cast<int64_t>(std::floor((start_ + seconds) / av_q2d(stream.time_base)));
+  const int code = avformat_seek_file(file_.get(), stream_, std::numeric_limits<int64_t>::min(),
+                                      target, target, 0);
+  avcodec_flush_buffers(decoder_.get());
+  drained_ = false;
+  hasShown_ = hasNext_ = false;
+  // The place found may lie behind the target, where a file's index is coarse or wrong.
+  if (code < 0 || !Decode() || nextAt_ > seconds + tolerance_) {
+    Rewind();
+    if (!Decode()) throw Error(path_ + ": none of its pictures can be decoded");
+  }
+  Advance();
+}
+
+void VideoFile::Rewind() {
+  const AVStream& stream = Stream();
+  const int64_t first = stream.start_time == AV_NOPTS_VALUE ? 0 : stream.start_time;
+  int code = avformat_seek_file(file_.get(), stream_, std::numeric_limits<int64_t>::min(), first,
+                                first, 0);
+  if (code < 0) code = avformat_seek_file(file_.get(), -1, 0, 0, 0, AVSEEK_FLAG_BYTE);
+  if (code < 0)
+    throw Error(path_ + ": cannot be read from the beginning again: " + LibavText(code));
+  avcodec_flush_buffers(decoder_.get());
+  drained_ = false;
+  hasShown_ = hasNext_ = false;
+  nextAt_ = shownAt_ = 0.0;
+}
+
+bool VideoFile::Decode() {
+  const double previous = nextAt_;
+  for (;;) {
+    av_frame_unref(next_.get());
+    int code = avcodec_receive_frame(decoder_.get(), next_.get());
+    if (code >= 0) {
+      const bool first = !hasShown_ && !hasNext_;
+      const double own = SecondsOf(*next_);
+      nextAt_ = !std::isnan(own) ? own : first ? 0.0 : previous + 1.0 / info_.rate.PerSecond();
+      return hasNext_ = true;
+    }
+    if (code == AVERROR_EOF) return hasNext_ = false;
+    drained_ = av_read_frame(file_.get(), packet_.get()) < 0;
+    if (drained_ || packet_->stream_index == stream_) {
+      // Damaged packets are passed over, as players do.
+      code = avcodec_send_packet(decoder_.get(), drained_ ? nullptr : packet_.get());
+      if (code == AVERROR(ENOMEM)) throw std::bad_alloc();
+    }
+    av_packet_unref(packet_.get());
+  }
+}
+
+double VideoFile::SecondsOf(const AVFrame& frame) const {
+  if (frame.best_effort_timestamp == AV_NOPTS_VALUE) {
+    return std::numeric_limits<double>::quiet_NaN();
+  }
+  return static_cast<double>(frame.best_effort_timestamp) * av_q2d(Stream().time_base) - start_;
+}
+
+}  // namespace kelto::host

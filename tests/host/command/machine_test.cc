@@ -1,0 +1,139 @@
+// What the command tells of itself: to people, to shells and in its manual.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <regex>
+#include <set>
+
+#include "tests/host/command/run.h"
+
+namespace kelto::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+const char* const kCommands[] = {"render", "batch", "slideshow", "inspect", "doctor"};
+
+/// Every option that a help text lists at the beginning of a line.
+std::set<std::string> OptionsIn(const std::string& help) {
+  std::set<std::string> options;
+  const std::regex line("(^|\n)  (-[a-zA-Z],)?(--[a-z-]+)");
+  for (std::sregex_iterator i(help.begin(), help.end(), line), end; i != end; ++i) {
+    options.insert((*i)[3]);
+  }
+  return options;
+}
+
+/// Runs a script that is told the completions in the file "$1".
+class Completion : public testing::Test {
+ protected:
+  std::string Script(const std::string& shell) {
+    const Outcome outcome = RunKelto({"completion", shell});
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    std::ofstream(folder_ / shell) << outcome.out;
+    return folder_ / shell;
+  }
+  /// What bash offers for a line of words, the last of them unfinished.
+  std::set<std::string> BashOffers(const std::string& words) {
+    const Outcome outcome =
+        RunShell("bash -c '. " + Script("bash") + "; COMP_WORDS=(kelto " + words +
+                 "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _kelto; printf \"%s\\n\" "
+                 "\"${COMPREPLY[@]}\"'");
+    EXPECT_EQ(outcome.err, "");
+    std::set<std::string> offers;
+    std::istringstream lines(outcome.out);
+    for (std::string line; std::getline(lines, line);) {
+      if (!line.empty()) offers.insert(line);
+    }
+    return offers;
+  }
+
+  TempFolder folder_;
+};
+
+TEST_F(Completion, InBashOffersCommandsOptionsAndWords) {
+  EXPECT_THAT(BashOffers("re"), testing::ElementsAre("render"));
+  EXPECT_THAT(BashOffers("render photo.jpg --fil"), testing::ElementsAre("--filter"));
+  EXPECT_THAT(BashOffers("render --filter ul"), testing::ElementsAre("ultra"));
+  EXPECT_THAT(BashOffers("batch --format mp"), testing::ElementsAre("mp4"));
+  EXPECT_THAT(BashOffers("render --size \"\""), IsEmpty());
+  std::ofstream(folder_ / "photo.jpg") << "x";
+  EXPECT_THAT(BashOffers("render " + (folder_ / "ph")),
+              testing::ElementsAre(folder_ / "photo.jpg"));
+}
+
+TEST_F(Completion, InEveryShellKnowsEveryOption) {
+  for (const char* shell : {"bash", "zsh", "fish"}) {
+    const std::string script = BytesOf(Script(shell));
+    for (const char* command : kCommands) {
+      for (const std::string& option : OptionsIn(RunKelto({command, "--help"}).out)) {
+        // fish has the names without their dashes.
+        const std::string name = shell == std::string("fish") ? "-l " + option.substr(2) : option;
+        EXPECT_THAT(script, HasSubstr(name)) << shell << ", " << command;
+      }
+    }
+  }
+}
+
+TEST_F(Completion, ScriptsAreWhatTheShellsRead) {
+  for (const char* shell : {"bash", "zsh", "fish"}) {
+    const std::string script = Script(shell);
+    const Outcome outcome = RunShell(std::string(shell) + " -n " + script);
+    EXPECT_EQ(outcome.code, 0) << shell;
+    EXPECT_EQ(outcome.err, "") << shell;
+  }
+}
+
+TEST_F(Completion, InFishOffersWords) {
+  const Outcome outcome = RunShell("HOME=" + (folder_ / "") + " fish -N -c 'source " +
+                                   Script("fish") + "; complete -C \"kelto render --filter ul\"'");
+  EXPECT_THAT(outcome.out, HasSubstr("ultra"));
+}
+
+TEST_F(Completion, ForOtherShellsIsMisuse) { EXPECT_EQ(RunKelto({"completion", "csh"}).code, 2); }
+
+TEST(ManPage, HasEveryOptionThatHelpHas) {
+  std::string page = RunKelto({"completion", "man"}).out;
+  page = std::regex_replace(page, std::regex("\\\\-"), "-");
+  for (const char* command : kCommands) {
+    const std::set<std::string> options = OptionsIn(RunKelto({command, "--help"}).out);
+    EXPECT_GE(options.size(), 2u) << command;
+    const size_t start = page.find(std::string(".SS kelto ") + command + "\n");
+    ASSERT_NE(start, page.npos) << command;
+    const std::string section = page.substr(start, page.find("\n.S", start + 1) - start);
+    for (const std::string& option : options) {
+      EXPECT_THAT(section, HasSubstr("\\fB" + option + "\\fR")) << command;
+    }
+  }
+}
+
+TEST(ManPage, IsOneThatManReadsWithoutWarnings) {
+  const TempFolder folder;
+  std::ofstream(folder / "kelto.1") << RunKelto({"completion", "man"}).out;
+  const Outcome outcome = RunShell("mandoc -Tlint -Wwarning " + (folder / "kelto.1"));
+  EXPECT_EQ(outcome.code, 0) << outcome.out;
+}
+
+TEST(Doctor, TellsWhatThisMachineReadsAndWrites) {
+  const Outcome outcome = RunKelto({"doctor"});
+  EXPECT_EQ(outcome.code, 0) << outcome.out;
+  EXPECT_EQ(outcome.err, "");
+  for (const char* line :
+       {"instruction set: ", "module: ", ", renders\n", "  JPEG: yes\n", "  PNG: yes\n",
+        "  TIFF: yes\n", "  WebP: yes\n", "  GIF: yes\n", "  BMP: yes\n", "  TGA: yes\n",
+        "  h264 in mp4, by libx264: yes\n", "  png: yes\n", "  y4m: yes\n"}) {
+    EXPECT_THAT(outcome.out, HasSubstr(line));
+  }
+}
+
+TEST(Doctor, FailsWhereNothingCanBeRendered) {
+  const Outcome outcome = RunKelto({"doctor", "--module", "/none.hfx"});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_THAT(outcome.out, HasSubstr("module: no: --module /none.hfx: there is no such file"));
+  EXPECT_THAT(outcome.out, HasSubstr("cannot render"));
+}
+
+}  // namespace
+}  // namespace kelto::test

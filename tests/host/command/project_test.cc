@@ -1,0 +1,203 @@
+// Projects and moves, as the command writes and renders them.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/host/command/run.h"
+
+namespace kelto::test {
+namespace {
+
+class Projects : public testing::Test {
+ protected:
+  /// Red runs from left to right, green from top to bottom; 200 x 100.
+  Projects() {
+    WritePng(photo_, MakePicture(200, 100, [](int x, int y) {
+               return Rgb{uint8_t(x), uint8_t(2 * y), 128};
+             }));
+  }
+
+  void Run(const Words& words) {
+    const Outcome outcome = RunKelto(words);
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_EQ(outcome.err, "");
+  }
+  std::string FilmOf(const std::string& input, const Words& more = {}) {
+    Words words{"render", input, "-o", folder_ / "film.bgra"};
+    words.insert(words.end(), more.begin(), more.end());
+    Run(words);
+    return BytesOf(folder_ / "film.bgra");
+  }
+  /// First and last frame of a film of two.
+  std::vector<Picture> Ends(const Words& more) {
+    Words words{"--size", "160x90", "--frames", "2", "--filter", "triangle"};
+    words.insert(words.end(), more.begin(), more.end());
+    const Outcome outcome = Render(photo_, folder_ / "f%d.png", words);
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    return {ReadPng(folder_ / "f0.png"), ReadPng(folder_ / "f1.png")};
+  }
+  /// The photo's pixel that a frame shows at a place, by its colours.
+  static double Column(const Picture& frame, int x) { return frame.At(x, 45).r; }
+  static double Row(const Picture& frame, int y) { return frame.At(80, y).g / 2.0; }
+
+  TempFolder folder_;
+  const std::string photo_ = folder_ / "photo.png";
+};
+
+const Words kSmall{"--size", "64x36", "--frames", "5"};
+const Words kMany{"--size",      "64x36",  "--fps",        "30000/1001", "--seconds", "0.2",
+                  "--fields",    "bottom", "--from",       "0.8@0.1,0",  "--to",      "2@0,0.2",
+                  "--in",        "linear", "--out",        "constant",   "--path",    "spline",
+                  "--filter",    "cubic",  "--levels",     "601",        "--display", "source",
+                  "--play-mode", "1",      "--background", "#804020"};
+
+TEST_F(Projects, ASavedProjectRendersTheSameFilmAsTheOptions) {
+  for (const Words& options : {kSmall, kMany}) {
+    Words saving = options;
+    saving.insert(saving.end(), {"--save-project", folder_ / "p.json"});
+    const std::string film = FilmOf(photo_, saving);
+    EXPECT_FALSE(film.empty());
+    EXPECT_EQ(FilmOf(folder_ / "p.json"), film);
+  }
+}
+
+TEST_F(Projects, OptionsOverruleTheProject) {
+  Run({"new", photo_, "-o", folder_ / "p.json", "--size", "64x36", "--frames", "9", "--from", "2"});
+  EXPECT_EQ(
+      FilmOf(folder_ / "p.json", {"--frames", "5", "--from", "3", "--filter", "cubic"}),
+      FilmOf(photo_, {"--size", "64x36", "--frames", "5", "--from", "3", "--filter", "cubic"}));
+}
+
+TEST_F(Projects, ANewProjectRendersAMoveIn) {
+  Run({"new", photo_, "-o", folder_ / "p.json", "--size", "64x36", "--frames", "4"});
+  EXPECT_EQ(FilmOf(folder_ / "p.json"),
+            FilmOf(photo_, {"--size", "64x36", "--frames", "4", "--move", "in"}));
+}
+
+TEST_F(Projects, ANewProjectIsNamedAfterThePhotoAndReplacesNothingUnasked) {
+  std::filesystem::current_path(folder_ / "");
+  Run({"new", "photo.png"});
+  EXPECT_NE(BytesOf("photo.json").find("\"image\": \"photo.png\""), std::string::npos);
+  std::ofstream("photo.json") << "mine";
+  const Outcome refused = RunKelto({"new", "photo.png"});
+  EXPECT_EQ(refused.code, 2);
+  EXPECT_TRUE(IsOneLine(refused.err)) << refused.err;
+  EXPECT_EQ(BytesOf("photo.json"), "mine");
+  Run({"new", "photo.png", "--force"});
+  EXPECT_NE(BytesOf("photo.json"), "mine");
+  EXPECT_EQ(NamesIn(folder_), (std::vector<std::string>{"photo.json", "photo.png"}));
+  std::filesystem::current_path("/");
+}
+
+TEST_F(Projects, ANewProjectNeedsAPhotoAndSparesIt) {
+  for (const Words& words : {Words{"new", folder_ / "no.jpg", "-o", folder_ / "p.json"},
+                             Words{"new", photo_, "-o", photo_, "--force"}}) {
+    const std::string before = BytesOf(photo_);
+    const Outcome outcome = RunKelto(words);
+    EXPECT_NE(outcome.code, 0);
+    EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+    EXPECT_EQ(BytesOf(photo_), before);
+  }
+  EXPECT_EQ(NamesIn(folder_), std::vector<std::string>{"photo.png"});
+}
+
+TEST_F(Projects, AFaultyProjectIsToldByFileAndField) {
+  std::ofstream(folder_ / "p.json")
+      << R"({"image": "photo.png", "parameters": {"filter": {"value": "Lens"}}})";
+  const Outcome outcome = RunKelto({"render", folder_ / "p.json", "-o", folder_ / "f.bgra"});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+  EXPECT_EQ(
+      outcome.err.find("kelto: " + (folder_ / "p.json") +
+                       ": parameters.filter.value: \"Lens\" is not one of \"Filter: Real Time\""),
+      0u)
+      << outcome.err;
+}
+
+TEST_F(Projects, MissingPhotosAreToldByTheirOwnName) {
+  std::ofstream(folder_ / "p.json") << R"({"image": "gone.png"})";
+  const Outcome outcome = RunKelto({"render", folder_ / "p.json", "-o", folder_ / "f.bgra"});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_NE(outcome.err.find(folder_ / "gone.png"), std::string::npos) << outcome.err;
+}
+
+TEST_F(Projects, AnAreaOfThePhotoIsAView) {
+  const auto film = Ends({"--from", "100,40,80,45", "--to", "20,0,160,90"});
+  EXPECT_NEAR(Column(film[0], 0), 100, 3);
+  EXPECT_NEAR(Column(film[0], 159), 179, 3);
+  EXPECT_NEAR(Row(film[0], 0), 40, 3);
+  EXPECT_NEAR(Row(film[0], 89), 84, 3);
+  EXPECT_NEAR(Column(film[1], 0), 20, 3);
+  EXPECT_NEAR(Row(film[1], 89), 89, 3);
+}
+
+TEST_F(Projects, PixelsOfAPhotoTakenOnItsSideAreThoseOfTheUprightPicture) {
+  // Stored lying: 100 x 200, red from top to bottom, green from right to left.
+  WriteJpeg(folder_ / "lying.jpg", MakePicture(100, 200, [](int x, int y) {
+              return Rgb{uint8_t(y), uint8_t(2 * (99 - x)), 128};
+            }));
+  std::string bytes = BytesOf(folder_ / "lying.jpg");
+  // Orientation 8: to be turned left.
+  const char mark[] =
+      "\xff\xe1\0\x22"
+      "Exif\0\0II*\0\x08\0\0\0\x01\0\x12\x01\x03\0\x01\0\0\0\x08\0\0\0\0\0\0\0";
+  bytes.insert(2, mark, sizeof mark - 1);
+  std::ofstream(folder_ / "lying.jpg", std::ios::binary) << bytes;
+  Run({"render", folder_ / "lying.jpg", "-o", folder_ / "e%d.png", "--size", "160x90", "--frames",
+       "1", "--filter", "triangle", "--view", "100,40,80,45"});
+  const Picture frame = ReadPng(folder_ / "e0.png");
+  EXPECT_NEAR(Column(frame, 0), 100, 4);
+  EXPECT_NEAR(Column(frame, 159), 179, 4);
+  EXPECT_NEAR(Row(frame, 0), 40, 4);
+  EXPECT_NEAR(Row(frame, 89), 84, 4);
+}
+
+TEST_F(Projects, ViewsAreKeysEvenlySpacedAndOneStandsStill) {
+  const auto still = Ends({"--view", "100,40,80,45"});
+  EXPECT_EQ(still[0].bytes, still[1].bytes);
+  EXPECT_NEAR(Column(still[0], 0), 100, 3);
+  Run({"render", photo_, "-o", folder_ / "g%d.png", "--size", "160x90", "--frames", "5", "--filter",
+       "triangle", "--view", "0,0,80,45", "--view", "120,0,80,45", "--view", "2@0,0"});
+  EXPECT_NEAR(Column(ReadPng(folder_ / "g0.png"), 0), 0, 3);
+  EXPECT_NEAR(Column(ReadPng(folder_ / "g2.png"), 0), 120, 3);
+  EXPECT_NEAR(Column(ReadPng(folder_ / "g4.png"), 0), 50, 3);
+}
+
+TEST_F(Projects, FitShowsNothingButPhotoOrAllOfIt) {
+  // Wider than the frame: whole has bars above and below.
+  const auto fill = Ends({"--fit", "fill"}), whole = Ends({"--fit", "whole"});
+  EXPECT_EQ(fill[0].bytes, fill[1].bytes);
+  EXPECT_NEAR(Row(fill[0], 0), 0, 3);
+  EXPECT_NEAR(Column(fill[0], 0), 11, 4);
+  EXPECT_LE(Distance(whole[0].At(80, 1), {0, 0, 0}), 3);
+  EXPECT_NEAR(Column(whole[0], 1), 1, 4);
+  EXPECT_NEAR(Column(whole[0], 158), 198, 4);
+}
+
+TEST_F(Projects, AMoveAcrossGoesToThePhotosEnds) {
+  const auto film = Ends({"--move", "right"});
+  EXPECT_NEAR(Column(film[0], 0), 0, 3);
+  EXPECT_NEAR(Column(film[1], 159), 199, 3);
+  const Outcome outcome = Render(photo_, folder_ / "x.bgra", {"--move", "sideways"});
+  EXPECT_EQ(outcome.code, 2);
+  EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+}
+
+TEST_F(Projects, AnAutomaticMoveIsTheSameEveryTime) {
+  const Words words{"--size", "64x36", "--frames", "3", "--move", "auto"};
+  EXPECT_EQ(FilmOf(photo_, words), FilmOf(photo_, words));
+}
+
+TEST_F(Projects, MovesAndViewsExcludeEachOther) {
+  for (const Words& words :
+       {Words{"--move", "in", "--from", "2"}, Words{"--view", "2", "--to", "2"},
+        Words{"--fit", "fill", "--view", "2"}}) {
+    const Outcome outcome = Render(photo_, folder_ / "x.bgra", words);
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+  }
+}
+
+}  // namespace
+}  // namespace kelto::test

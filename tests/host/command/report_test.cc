@@ -1,0 +1,181 @@
+// What the user and other programs see while films are made.
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "tests/host/command/run.h"
+
+namespace kelto::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using Json = nlohmann::json;
+
+class Report : public testing::Test {
+ protected:
+  Report() {
+    WritePng(photo_, MakePicture(64, 64, [](int x, int y) {
+               return Rgb{uint8_t(4 * x), uint8_t(4 * y), 0};
+             }));
+  }
+  static std::vector<Json> EventsOf(const std::string& text) {
+    std::vector<Json> events;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) events.push_back(Json::parse(line));
+    return events;
+  }
+
+  TempFolder photos_, films_;
+  const std::string photo_ = photos_ / "photo.png";
+};
+
+/// A terminal that a command can be started on.
+class Terminal {
+ public:
+  Terminal() : own_(posix_openpt(O_RDWR | O_NOCTTY)) {
+    grantpt(own_);
+    unlockpt(own_);
+    // Stays open so that there is something to read before and after the command.
+    other_ = open(Name().c_str(), O_RDWR | O_NOCTTY);
+  }
+  ~Terminal() {
+    close(other_);
+    close(own_);
+  }
+  Terminal(const Terminal&) = delete;
+  Terminal& operator=(const Terminal&) = delete;
+  std::string Name() const { return ptsname(own_); }
+  /// What was written so far.
+  std::string Seen() {
+    std::string text;
+    char bytes[4096];
+    pollfd ready{own_, POLLIN, 0};
+    while (poll(&ready, 1, 100) > 0) {
+      const ssize_t count = read(own_, bytes, sizeof bytes);
+      if (count <= 0) break;
+      text.append(bytes, static_cast<size_t>(count));
+    }
+    return text;
+  }
+
+ private:
+  int own_, other_;
+};
+
+TEST_F(Report, OnATerminalIsALineThatGoesAway) {
+  Terminal terminal;
+  Command command({"render", photo_, "-o", films_ / "f.y4m", "--size", "960x540", "--frames", "400",
+                   "--filter", "ultra", "--to", "2", "--jobs", "2"},
+                  "", terminal.Name());
+  std::string seen;
+  while (waitid(P_PID, static_cast<id_t>(command.Process()), nullptr,
+                WNOHANG | WNOWAIT | WEXITED) == 0 &&
+         seen.find(" left") == seen.npos) {
+    seen += terminal.Seen();
+  }
+  EXPECT_EQ(command.Wait().code, 0);
+  seen += terminal.Seen();
+  EXPECT_THAT(seen, testing::ContainsRegex("\r\\[=* *\\] +[0-9]+ %  frame [0-9]+ of 400  "
+                                           "[0-9.]+/s  0:[0-9]+ left"));
+  EXPECT_TRUE(seen.ends_with("\r\x1b[K")) << "the line is erased at the end";
+  EXPECT_EQ(seen.find('\n'), seen.npos);
+}
+
+TEST_F(Report, ElsewhereShortWorkIsSilent) { EXPECT_EQ(Render(photo_, films_ / "f.mp4").err, ""); }
+
+TEST_F(Report, InJsonIsAnObjectALine) {
+  const Outcome outcome = Render(
+      photo_, films_ / "f.y4m",
+      {"--json", "--frames", "700", "--size", "960x540", "--filter", "ultra", "--jobs", "1"});
+  EXPECT_EQ(outcome.code, 0);
+  const std::vector<Json> events = EventsOf(outcome.err);
+  ASSERT_GE(events.size(), 3u) << outcome.err;
+  EXPECT_EQ(events.front()["event"], "start");
+  EXPECT_EQ(events.front()["frames"], 700);
+  EXPECT_EQ(events.back()["event"], "done");
+  EXPECT_EQ(events.back()["output"], films_ / "f.y4m");
+  int before = 0;
+  for (size_t i = 1; i + 1 < events.size(); ++i) {
+    EXPECT_EQ(events[i]["event"], "progress");
+    EXPECT_GT(events[i]["done"].get<int>(), before);
+    EXPECT_EQ(events[i]["total"], 700);
+    EXPECT_GT(events[i]["perSecond"].get<double>(), 0.0);
+    EXPECT_GE(events[i]["secondsLeft"].get<double>(), 0.0);
+    before = events[i]["done"];
+  }
+}
+
+TEST_F(Report, InJsonTellsFailuresToo) {
+  const std::string odd = photos_ / "gr\xfc\xdf.jpg";  // no UTF-8
+  std::ofstream(odd) << "no picture";
+  const Outcome outcome = Render(odd, films_ / "f.mp4", {"--json"});
+  EXPECT_EQ(outcome.code, 1);
+  const std::vector<Json> events = EventsOf(outcome.err);
+  ASSERT_FALSE(events.empty());
+  EXPECT_EQ(events.back()["event"], "error");
+  EXPECT_THAT(events.back()["text"].get<std::string>(), HasSubstr("cannot be read as a picture"));
+}
+
+TEST_F(Report, QuietOnesAreOfFailuresOnly) {
+  Terminal terminal;
+  Command command({"render", photo_, "-o", films_ / "f.y4m", "--frames", "60", "--quiet"}, "",
+                  terminal.Name());
+  EXPECT_EQ(command.Wait().code, 0);
+  EXPECT_EQ(terminal.Seen(), "");
+  EXPECT_TRUE(IsOneLine(Render(photos_ / "none.jpg", films_ / "f.mp4", {"--quiet"}).err));
+}
+
+TEST_F(Report, QuietAndJsonExcludeEachOther) {
+  EXPECT_EQ(Render(photo_, films_ / "f.mp4", {"--quiet", "--json"}).code, 2);
+}
+
+class Trouble : public Report {
+ protected:
+  void ExpectNothingLeft(const Outcome& outcome, const std::string& hint) {
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+    EXPECT_THAT(outcome.err, HasSubstr(hint));
+    EXPECT_THAT(NamesIn(films_), IsEmpty());
+  }
+};
+
+TEST_F(Trouble, AFileThatMayNotGrowIsAFailureWithoutAFilm) {
+  // Noise, which no encoder makes small.
+  WritePng(photo_, MakePicture(320, 180, [](int x, int y) {
+             const unsigned mixed = (x * 7919u + y * 104729u) * 2654435761u;
+             return Rgb{uint8_t(mixed >> 8), uint8_t(mixed >> 16), uint8_t(mixed >> 24)};
+           }));
+  for (const char* name : {"f.yuyv", "f.y4m", "f.mp4", "f.mkv", "f.mov"}) {
+    for (const char* jobs : {"1", "2"}) {
+      // 100 blocks of 512 bytes.
+      ExpectNothingLeft(RunShell("ulimit -f 100; exec \"$0\" render " + photo_ + " -o " +
+                                 (films_ / name) + " --size 320x180 --frames 50 --jobs " + jobs),
+                        films_ / name);
+    }
+  }
+}
+
+TEST_F(Trouble, AFolderThatMayNotBeWrittenIsAFailure) {
+  if (geteuid() == 0) {
+    // Nothing is forbidden to root but what the system itself keeps.
+    const Outcome outcome = Render(photo_, "/proc/film.mp4");
+    ExpectNothingLeft(outcome, "/proc/film.mp4");
+    return;
+  }
+  std::filesystem::permissions(
+      films_ / "", std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+  const Outcome outcome = Render(photo_, films_ / "f.mp4");
+  std::filesystem::permissions(films_ / "", std::filesystem::perms::owner_all);
+  ExpectNothingLeft(outcome, films_ / "f.mp4");
+}
+
+}  // namespace
+}  // namespace kelto::test

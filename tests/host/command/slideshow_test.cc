@@ -1,0 +1,122 @@
+// Many pictures in one film.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/host/command/run.h"
+#include "tests/host/support/film_reader.h"
+
+namespace kelto::test {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr int kWidth = 96, kHeight = 64;
+
+class SlideshowCommand : public testing::Test {
+ protected:
+  SlideshowCommand() {
+    int i = 0;
+    for (const Rgb colour : {Rgb{200, 40, 40}, Rgb{40, 200, 40}, Rgb{40, 40, 200}}) {
+      WritePng(photos_ / ("p" + std::to_string(++i) + ".png"),
+               MakePicture(48, 32, [&](int, int) { return colour; }));
+    }
+  }
+  Outcome Show(const std::string& out, Words more) {
+    Words words{"slideshow", photos_ / "", "-o", out, "--size", "96x64"};
+    words.insert(words.end(), more.begin(), more.end());
+    return RunKelto(words);
+  }
+  /// The middle pixel of each frame of a raw film.
+  std::vector<Rgb> Middles(const std::string& film) {
+    const std::string bytes = BytesOf(film);
+    std::vector<Rgb> colours;
+    constexpr size_t kFrame = size_t{4} * kWidth * kHeight;
+    for (size_t at = kFrame / 2 + 2 * kWidth; at < bytes.size(); at += kFrame) {
+      colours.push_back({uint8_t(bytes[at + 2]), uint8_t(bytes[at + 1]), uint8_t(bytes[at])});
+    }
+    return colours;
+  }
+
+  TempFolder photos_, films_;
+};
+
+TEST_F(SlideshowCommand, ShowsEachPictureInTurnWithFadesBetween) {
+  // 10 frames each, 4 of them shared by neighbours.
+  const Outcome outcome = Show(films_ / "f.bgra", {"--each", "0.4", "--fade", "0.16"});
+  ASSERT_EQ(outcome.code, 0) << outcome.err;
+  const std::vector<Rgb> seen = Middles(films_ / "f.bgra");
+  ASSERT_EQ(seen.size(), 3u * 10 - 2 * 4);
+  const Rgb first{200, 40, 40}, second{40, 200, 40}, third{40, 40, 200};
+  const auto expect = [&](int frame, Rgb wanted) {
+    EXPECT_LE(Distance(seen[frame], wanted), 4) << frame << ": " << ToString(seen[frame]);
+  };
+  for (int i = 0; i < 6; ++i) expect(i, first);
+  for (int i = 0; i < 4; ++i) {
+    const int risen = 160 * (i + 1) / 5;
+    expect(6 + i, {uint8_t(200 - risen), uint8_t(40 + risen), 40});
+    expect(12 + i, {40, uint8_t(200 - risen), uint8_t(40 + risen)});
+  }
+  expect(10, second);
+  expect(11, second);
+  for (int i = 16; i < 22; ++i) expect(i, third);
+}
+
+TEST_F(SlideshowCommand, WithoutFadesCutsFromOneToTheNext) {
+  ASSERT_EQ(Show(films_ / "f.bgra", {"--each", "0.2", "--fade", "0"}).err, "");
+  EXPECT_EQ(Middles(films_ / "f.bgra").size(), 15u);
+}
+
+TEST_F(SlideshowCommand, IsTheSameForEveryNumberOfJobs) {
+  const Words words{"--each", "0.4", "--fade", "0.2", "--from", "1", "--to", "1.5", "--jobs"};
+  std::string first;
+  for (const char* jobs : {"1", "2", "5"}) {
+    Words asked = words;
+    asked.push_back(jobs);
+    ASSERT_EQ(Show(films_ / "f.mp4", asked).err, "");
+    if (first.empty()) first = BytesOf(films_ / "f.mp4");
+    EXPECT_EQ(BytesOf(films_ / "f.mp4"), first);
+  }
+  EXPECT_EQ(ReadFilm(films_ / "f.mp4").frames.size(), 20u);
+}
+
+TEST_F(SlideshowCommand, OfOnePictureIsItsFilm) {
+  std::ofstream(photos_ / "list.txt") << "p2.png\n";
+  ASSERT_EQ(RunKelto({"slideshow", photos_ / "list.txt", "-o", films_ / "a.yuyv", "--size", "96x64",
+                      "--each", "0.4", "--to", "2"})
+                .err,
+            "kelto: --fade 1: two fades do not fit into --each 0.4\n");
+  ASSERT_EQ(RunKelto({"slideshow", photos_ / "list.txt", "-o", films_ / "a.yuyv", "--size", "96x64",
+                      "--each", "0.4", "--fade", "0.1", "--to", "2"})
+                .err,
+            "");
+  ASSERT_EQ(Render(photos_ / "p2.png", films_ / "b.yuyv", {"--frames", "10", "--to", "2"}).err, "");
+  EXPECT_EQ(BytesOf(films_ / "a.yuyv"), BytesOf(films_ / "b.yuyv"));
+}
+
+TEST_F(SlideshowCommand, ABadPictureIsNamedAndNoFilmLeft) {
+  std::ofstream(photos_ / "p4.jpg") << "not a picture";
+  const Outcome outcome = Show(films_ / "f.mp4", {"--each", "0.4", "--fade", "0.2"});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+  EXPECT_THAT(outcome.err, HasSubstr("p4.jpg"));
+  EXPECT_THAT(NamesIn(films_), testing::IsEmpty());
+}
+
+TEST_F(SlideshowCommand, TimesThatMakeNoSenseAreMisuse) {
+  for (const Words& times : {Words{"--each", "0"},
+                             {"--each", "x"},
+                             {"--fade", "-1"},
+                             {"--fade", "x"},
+                             {"--each", "1", "--fade", "0.6"}}) {
+    const Outcome outcome = Show(films_ / "f.mp4", times);
+    EXPECT_EQ(outcome.code, 2) << times[0] << " " << times[1];
+    EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+    EXPECT_THAT(outcome.err, HasSubstr(times[times.size() - 2]));
+  }
+}
+
+}  // namespace
+}  // namespace kelto::test

@@ -1,0 +1,57 @@
+#include "host/jobs/cross_fade.h"
+
+#include <gtest/gtest.h>
+
+namespace kelto::host {
+namespace {
+
+constexpr FrameSize kSize{4, 4};
+
+/// A frame of one level, whose rows have padding between them.
+struct FlatFrame {
+  explicit FlatFrame(uint8_t level) : bytes(size_t{12} * kSize.height, level) {}
+  FrameView View() const { return {bytes.data(), 12, kSize}; }
+  std::vector<uint8_t> bytes;
+};
+
+FilmFormat FormatOf(FieldOrder fields) {
+  FilmFormat format;
+  format.size = kSize;
+  format.fields = fields;
+  return format;
+}
+
+TEST(CrossFade, GoesInEvenStepsThatNeitherStandStill) {
+  CrossFade fade(FormatOf(FieldOrder::kProgressive), PixelLayout::kYCbYCr);
+  const FlatFrame from(40), to(200);
+  for (int32_t step = 0; step < 3; ++step) {
+    const FrameView frame = fade.Blend(from.View(), to.View(), step, 3);
+    for (int32_t row = 0; row < kSize.height; ++row) {
+      for (int x = 0; x < 8; ++x) EXPECT_EQ(frame.Row(row)[x], 40 + 40 * (step + 1));
+    }
+  }
+}
+
+TEST(CrossFade, OfEqualFramesIsTheFrame) {
+  CrossFade fade(FormatOf(FieldOrder::kTopFirst), PixelLayout::kYCbYCr);
+  for (const int level : {0, 1, 16, 128, 254, 255}) {
+    const FlatFrame frame(static_cast<uint8_t>(level));
+    for (int32_t step = 0; step < 25; ++step) {
+      EXPECT_EQ(fade.Blend(frame.View(), frame.View(), step, 25).Row(1)[0], level);
+    }
+  }
+}
+
+TEST(CrossFade, LetsTheLaterFieldBeHalfAStepFurther) {
+  const FlatFrame from(0), to(240);
+  for (const FieldOrder order : {FieldOrder::kTopFirst, FieldOrder::kBottomFirst}) {
+    CrossFade fade(FormatOf(order), PixelLayout::kYCbYCr);
+    const FrameView frame = fade.Blend(from.View(), to.View(), 0, 2);
+    const int first = order == FieldOrder::kTopFirst ? 0 : 1;
+    EXPECT_NEAR(frame.Row(first)[0], 80, 1);
+    EXPECT_NEAR(frame.Row(1 - first)[0], 120, 1);
+  }
+}
+
+}  // namespace
+}  // namespace kelto::host

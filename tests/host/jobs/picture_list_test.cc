@@ -1,0 +1,71 @@
+#include "host/jobs/picture_list.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <set>
+
+#include "host/error.h"
+#include "tests/support/photo.h"
+
+namespace kelto::host {
+namespace {
+
+using test::TempFolder;
+using testing::ElementsAre;
+
+void Touch(const std::string& path) { std::ofstream(path) << "x"; }
+
+TEST(PictureList, OfAFolderHasTheFilesThatEndAsPicturesDoInOrder) {
+  const TempFolder folder;
+  for (const char* name : {"b.JPG", "a.tiff", "c.heic", "notes.txt", ".hidden.jpg", "Thumbs.db"}) {
+    Touch(folder / name);
+  }
+  std::filesystem::create_directory(folder / "d.png");
+  EXPECT_THAT(PicturesOf(folder / ""),
+              ElementsAre(folder / "a.tiff", folder / "b.JPG", folder / "c.heic"));
+}
+
+TEST(PictureList, OfAListHasItsLinesFromTheListsFolder) {
+  const TempFolder folder;
+  std::ofstream(folder / "list.txt") << "x/1.jpg\r\n\n/else/where 2.png\nlast.tif";
+  EXPECT_THAT(PicturesOf(folder / "list.txt"),
+              ElementsAre(folder / "x/1.jpg", "/else/where 2.png", folder / "last.tif"));
+}
+
+TEST(PictureList, WithoutPicturesIsAnError) {
+  const TempFolder folder;
+  EXPECT_THROW(PicturesOf(folder / ""), Error) << "an empty folder";
+  EXPECT_THROW(PicturesOf(folder / "none"), Error) << "nothing there";
+  Touch(folder / "photo.jpg");
+  std::ofstream(folder / "photo.jpg") << std::string("\xff\xd8\0\0", 4);
+  EXPECT_THROW(PicturesOf(folder / "photo.jpg"), Error) << "a picture is no list";
+  std::ofstream(folder / "blank.txt") << "\n\n";
+  EXPECT_THROW(PicturesOf(folder / "blank.txt"), Error);
+}
+
+TEST(FilmNames, AreThePicturesWithAnotherEnding) {
+  EXPECT_THAT(FilmNames({"x/a.jpg", "x/b.c.png"}, "mp4"), ElementsAre("a.mp4", "b.c.mp4"));
+}
+
+TEST(FilmNames, KeepTheEndingOfPicturesThatShareAName) {
+  EXPECT_THAT(FilmNames({"a.jpg", "a.png", "b.png"}, "mp4"),
+              ElementsAre("a.jpg.mp4", "a.png.mp4", "b.mp4"));
+}
+
+TEST(FilmNames, NeverClash) {
+  const std::vector<std::string> pictures = {"x/a.jpg",   "y/a.jpg",     "A.JPG",         "a.png",
+                                             "a.jpg.tif", "a.jpg-2.tif", "z/a.jpg-2.gif", "a.jpg"};
+  const std::vector<std::string> names = FilmNames(pictures, "mp4");
+  std::set<std::string> lowered;
+  for (std::string name : names) {
+    for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    EXPECT_TRUE(lowered.insert(name).second) << name;
+  }
+  EXPECT_EQ(names.size(), pictures.size());
+}
+
+}  // namespace
+}  // namespace kelto::host

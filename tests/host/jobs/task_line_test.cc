@@ -1,0 +1,42 @@
+#include "host/jobs/task_line.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+
+#include "host/error.h"
+
+namespace kelto::host {
+namespace {
+
+/// What a shell makes of a word.
+std::string ByShell(const std::string& quoted) {
+  const std::string line = "printf %s " + quoted;
+  std::FILE* shell = popen(line.c_str(), "r");
+  std::string text;
+  std::array<char, 256> buffer;
+  for (size_t n; (n = std::fread(buffer.data(), 1, buffer.size(), shell)) > 0;) {
+    text.append(buffer.data(), n);
+  }
+  pclose(shell);
+  return text;
+}
+
+TEST(TaskLine, OrdinaryWordsStayAsTheyAre) {
+  EXPECT_EQ(TaskLine({"kelto", "render", "/a/b-1.jpg", "--from", "1@0.5,-0.1"}),
+            "kelto render /a/b-1.jpg --from 1@0.5,-0.1");
+}
+
+TEST(TaskLine, AShellReadsEveryWordBack) {
+  for (const std::string word : {"it's", "a b", "$HOME", "`x`", "\"", "\\", "*", "#rrggbb", "~",
+                                 "!", "tab\there", "Zürich", "'", "''", "-n;ls", "{1,2}"}) {
+    EXPECT_EQ(ByShell(ShellQuoted(word)), word);
+  }
+  EXPECT_EQ(ShellQuoted(""), "''");
+}
+
+TEST(TaskLine, AWordOfTwoLinesIsRefused) { EXPECT_THROW(TaskLine({"a\nb"}), Error); }
+
+}  // namespace
+}  // namespace kelto::host

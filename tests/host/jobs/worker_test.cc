@@ -1,0 +1,98 @@
+#include "host/jobs/worker.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+
+#include "host/error.h"
+#include "host/jobs/shared_frames.h"
+#include "host/terminal/terminal.h"
+
+namespace kelto::host {
+namespace {
+
+TEST(Worker, SpeaksToItsOwner) {
+  Worker worker(WorkerEnd::kAtOnce, [](Channel& line) {
+    const auto question = line.Receive();
+    line.Send({MessageKind::kDone, question->text + "!"});
+  });
+  worker.Line().Send({MessageKind::kDone, std::string(100000, 'x')});
+  const auto answer = worker.Line().Receive();
+  ASSERT_TRUE(answer);
+  EXPECT_EQ(answer->text, std::string(100000, 'x') + "!");
+  EXPECT_EQ(worker.WaitForEnd(), "");
+}
+
+TEST(Worker, TellsWhatItThrewAndPrinted) {
+  Worker worker(WorkerEnd::kAtOnce, [](Channel&) {
+    PrintMessage("hello");
+    throw UsageError("no such thing");
+  });
+  auto message = worker.Line().Receive();
+  ASSERT_TRUE(message);
+  EXPECT_EQ(message->kind, MessageKind::kConsole);
+  EXPECT_EQ(message->text, "hello");
+  message = worker.Line().Receive();
+  ASSERT_TRUE(message);
+  EXPECT_EQ(message->kind, MessageKind::kMisused);
+  EXPECT_EQ(message->text, "no such thing");
+  EXPECT_FALSE(worker.Line().Receive());
+}
+
+TEST(Worker, ThatDiesIsMissedAtOnceThoughOthersLive) {
+  Worker dying(WorkerEnd::kAtOnce, [](Channel& line) {
+    line.Receive();
+    raise(SIGABRT);
+  });
+  // Begun later, so its process has copies of what was open before.
+  Worker other(WorkerEnd::kAtOnce, [](Channel& line) { line.Receive(); });
+  dying.Line().Send({});
+  EXPECT_FALSE(dying.Line().Receive());
+  EXPECT_THAT(dying.WaitForEnd(), testing::StartsWith("was ended by signal 6 ("));
+}
+
+TEST(Worker, SeesItsOwnerGo) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const pid_t owner = fork();
+  if (owner == 0) {
+    Worker worker(WorkerEnd::kAtOnce, [&](Channel& line) {
+      close(ends[0]);
+      line.Send({});
+      for (;;) pause();
+    });
+    worker.Line().Receive();
+    kill(getpid(), SIGKILL);
+  }
+  close(ends[1]);
+  waitpid(owner, nullptr, 0);
+  // The end of the pipe comes when the worker, which holds its other side, is gone.
+  char byte = 0;
+  EXPECT_EQ(read(ends[0], &byte, 1), 0);
+  close(ends[0]);
+}
+
+TEST(Worker, EndsWithTheObject) {
+  Worker worker(WorkerEnd::kAtOnce, [](Channel&) {
+    for (;;) pause();
+  });
+}
+
+TEST(SharedFrames, WrittenInAWorkerAreSeenByTheOwner) {
+  constexpr FrameSize kSize{3, 2};
+  SharedFrames frames(kSize, PixelLayout::kBGRA, 2);
+  Worker worker(WorkerEnd::kAtOnce, [&](Channel& line) {
+    const std::vector<uint8_t> bytes(size_t{16} * 2, 7);
+    frames.Store(1, {bytes.data(), 16, kSize});
+    line.Send({});
+  });
+  ASSERT_TRUE(worker.Line().Receive());
+  EXPECT_EQ(frames.View(1).Row(1)[11], 7);
+  EXPECT_EQ(frames.View(0).Row(1)[11], 0);
+}
+
+}  // namespace
+}  // namespace kelto::host

@@ -1,0 +1,220 @@
+// `kelto play` as its user sees it, on a screen of its own.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <optional>
+
+#include "tests/host/command/run.h"
+#include "tests/host/player/screen.h"
+
+namespace kelto::test {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr int kWidth = 640, kHeight = 360, kBar = 52;
+constexpr int kFrames = 101;
+constexpr int kTolerance = 9;  // levels: resampling, and two conversions of colour
+
+/// The number behind "frame ".
+int FrameOf(const std::string& title) {
+  const size_t at = title.find("frame ");
+  return at == title.npos ? -1 : std::atoi(title.c_str() + at + 6);
+}
+
+class Playing : public testing::Test {
+ protected:
+  /// Red runs from left to right, green from top to bottom. The view goes from the left to the
+  /// right, so that the red in its middle tells the frame.
+  Playing() {
+    WritePng(photo_, MakePicture(256, 144, [](int x, int y) {
+               return Rgb{uint8_t(x), uint8_t(y * 255 / 143), 128};
+             }));
+  }
+
+  void Start(const Words& more = {}) {
+    Words words{"play", photo_, "--size", "640x360", "--in", "linear", "--out", "linear"};
+    const auto preset = [&](const char* option, const std::string& value) {
+      if (std::find(more.begin(), more.end(), option) != more.end()) return;
+      words.insert(words.end(), {option, value});
+    };
+    preset("--frames", std::to_string(kFrames));
+    preset("--from", "2@-0.25,0");
+    preset("--to", "2@0.25,0");
+    words.insert(words.end(), more.begin(), more.end());
+    player_.emplace(words);
+    ASSERT_TRUE(screen_.Find("photo.png"));
+  }
+  void ExpectQuits(const char* key) {
+    screen_.Press(key);
+    const Outcome outcome = player_->Wait();
+    player_.reset();
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_EQ(outcome.err, "");
+  }
+  void TearDown() override {
+    if (!player_) return;
+    kill(player_->Process(), SIGKILL);
+    player_->Wait();
+  }
+
+  static Rgb Middle(const Picture& picture) { return picture.At(kWidth / 2, kHeight / 2); }
+  static Rgb MiddleOfFrame(int frame) { return {uint8_t(64 + 128 * frame / 100), 128, 128}; }
+  void ExpectShows(int frame) {
+    EXPECT_THAT(screen_.WaitForTitle("frame " + std::to_string(frame) + " of"),
+                HasSubstr("frame " + std::to_string(frame) + " of"));
+    const Rgb middle = Middle(screen_.Look());
+    EXPECT_LE(Distance(middle, MiddleOfFrame(frame)), kTolerance) << ToString(middle);
+  }
+
+  TempFolder folder_;
+  const std::string photo_ = folder_ / "photo.png";
+  Screen screen_;
+  std::optional<Command> player_;
+};
+
+TEST_F(Playing, KeepsTimeAndStopsAtTheLastFrame) {
+  Start();
+  const int from = FrameOf(screen_.WaitForTitle([](const auto& t) { return FrameOf(t) > 2; }));
+  const auto begin = std::chrono::steady_clock::now();
+  const int to = FrameOf(screen_.WaitForTitle([](const auto& t) { return FrameOf(t) > 70; }));
+  const double seconds =
+      std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+  EXPECT_NEAR((to - from) / 25.0, seconds, 0.4);
+  screen_.WaitForTitle("paused");
+  ExpectShows(kFrames - 1);
+  ExpectQuits("q");
+}
+
+TEST_F(Playing, PausesAndGoesOn) {
+  Start({"--loop"});
+  screen_.WaitForTitle([](const auto& title) { return FrameOf(title) > 10; });
+  screen_.Press("space");
+  const std::string paused = screen_.WaitForTitle("paused");
+  EXPECT_THAT(paused, HasSubstr("full quality, paused"));
+  const Picture first = screen_.Look(), second = screen_.Look();
+  EXPECT_EQ(first.bytes, second.bytes);
+  EXPECT_LE(Distance(Middle(first), MiddleOfFrame(FrameOf(paused))), kTolerance);
+  screen_.Press("space");
+  EXPECT_THAT(screen_.WaitForTitle("fps"), HasSubstr("fps"));
+  EXPECT_NE(screen_.Look().bytes, first.bytes);
+  ExpectQuits("Escape");
+}
+
+TEST_F(Playing, StepsAndSeeksToFrames) {
+  Start({"--paused"});
+  ExpectShows(0);
+  screen_.Press("period period period");
+  ExpectShows(3);
+  screen_.Press("comma");
+  ExpectShows(2);
+  screen_.Press("Right");
+  ExpectShows(27);
+  screen_.Press("End");
+  ExpectShows(100);
+  screen_.Press("Left Left");
+  ExpectShows(50);
+  screen_.Press("Home");
+  ExpectShows(0);
+  ExpectQuits("q");
+}
+
+TEST_F(Playing, TheBarSeeksWhereItIsClickedAndDragged) {
+  Start({"--paused"});
+  const int y = kHeight + kBar / 3;
+  screen_.Click(kWidth / 2, y);
+  ExpectShows(50);
+  screen_.Drag(kWidth / 2, y, kWidth - 16, y);
+  ExpectShows(100);
+  screen_.Drag(kWidth - 16, y, 5, y - 200);  // once begun, a drag may leave the bar
+  ExpectShows(0);
+  screen_.Click(kWidth / 2, kHeight / 2);  // the picture is no bar
+  ExpectShows(0);
+  ExpectQuits("q");
+}
+
+TEST_F(Playing, SwitchesBetweenTheTwoDisplays) {
+  Start({"--paused"});
+  screen_.WaitForTitle("Display: Target");
+  const Picture target = screen_.Look();
+  // The view's left edge is the photo's: half of the photo shows.
+  EXPECT_LE(Distance(target.At(6, kHeight / 2), {1, 128, 128}), kTolerance);
+  EXPECT_LE(Distance(target.At(kWidth - 6, kHeight / 2), {127, 128, 128}), kTolerance);
+  screen_.Press("d");
+  EXPECT_THAT(screen_.WaitForTitle("Display: Source"), HasSubstr("Display: Source"));
+  const Picture source = screen_.Look();
+  EXPECT_LE(Distance(source.At(kWidth - 20, 20), {247, 14, 128}), kTolerance)
+      << ToString(source.At(kWidth - 20, 20));
+  EXPECT_LE(Distance(source.At(kWidth / 4 * 3, kHeight / 2), {192, 128, 128}), kTolerance);
+  screen_.Press("d");
+  screen_.WaitForTitle("Display: Target");
+  EXPECT_EQ(screen_.Look().bytes, target.bytes);
+  ExpectQuits("q");
+}
+
+TEST_F(Playing, TellsTheKeysOverThePicture) {
+  Start({"--paused"});
+  const Picture before = screen_.Look();
+  screen_.Press("h");
+  Picture help = screen_.Look();
+  for (int i = 0; i < 50 && help.bytes == before.bytes; ++i) help = screen_.Look();
+  EXPECT_NE(Distance(Middle(help), Middle(before)), 0);
+  EXPECT_EQ(Distance(help.At(5, 5), before.At(5, 5)), 0);
+  screen_.Press("h");
+  Picture after = screen_.Look();
+  for (int i = 0; i < 50 && after.bytes != before.bytes; ++i) after = screen_.Look();
+  EXPECT_EQ(after.bytes, before.bytes);
+  ExpectQuits("q");
+}
+
+TEST_F(Playing, ShowsTrueColours) {
+  const auto bars = BarColours();
+  WritePng(photo_, MakePicture(256, 144, [&](int x, int) { return bars[size_t(x) / 32 % 8]; }));
+  Start({"--paused", "--from", "1", "--to", "1"});
+  screen_.WaitForTitle("frame 0");
+  const Picture shown = screen_.Look();
+  for (int bar = 0; bar < 8; ++bar) {
+    const Rgb colour = shown.At(bar * kWidth / 8 + kWidth / 16, 100);
+    EXPECT_LE(Distance(colour, bars[size_t(bar)]), 4) << bar << ": " << ToString(colour);
+  }
+  ExpectQuits("q");
+}
+
+TEST_F(Playing, DrawsAtHalfQualityWhereItCannotKeepUp) {
+  // A thousand frames a second no machine draws with this filter.
+  Start({"--loop", "--fps", "1000", "--frames", "100000", "--filter", "ultra"});
+  EXPECT_THAT(screen_.WaitForTitle("half quality"), HasSubstr("half quality"));
+  EXPECT_THAT(screen_.WaitForTitle([](const std::string& title) {
+    return title.find(" 0 dropped") == title.npos && title.find(" dropped") != title.npos;
+  }),
+              testing::Not(HasSubstr(" 0 dropped")));
+  screen_.Press("space");
+  EXPECT_THAT(screen_.WaitForTitle("paused"), HasSubstr("full quality, paused"));
+  ExpectQuits("q");
+}
+
+TEST_F(Playing, EndsAsTheSignalSaysOnCtrlC) {
+  Start();
+  kill(player_->Process(), SIGINT);
+  EXPECT_EQ(player_->Wait().signal, SIGINT);
+  player_.reset();
+}
+
+TEST(PlayingWithoutAScreen, IsAClearErrorOfOneLine) {
+  TempFolder folder;
+  const std::string photo = folder / "photo.png";
+  WritePng(photo, MakePicture(64, 36, [](int, int) { return Rgb{1, 2, 3}; }));
+  unsetenv("DISPLAY");
+  unsetenv("WAYLAND_DISPLAY");
+  const Outcome outcome = RunKelto({"play", photo});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+  EXPECT_THAT(outcome.err, HasSubstr("playing needs a screen"));
+}
+
+}  // namespace
+}  // namespace kelto::test

@@ -1,0 +1,162 @@
+// Plots and storyboards: where things are drawn, and what of.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "host/error.h"
+#include "host/preview/axis_ticks.h"
+#include "host/preview/key_times.h"
+#include "host/preview/motion_plot.h"
+#include "host/preview/storyboard.h"
+#include "tests/host/support/pictures.h"
+
+namespace kelto::host {
+namespace {
+
+using test::Distance;
+using test::Rgb;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class Drawings : public testing::Test {
+ protected:
+  Drawings() {
+    hfx::SetConsole([](const std::string&) {});
+    test::WritePng(folder_ / "photo.png", test::MakePicture(400, 300, [](int x, int) {
+                     return x < 200 ? Rgb{200, 30, 30} : Rgb{30, 30, 200};
+                   }));
+    plan_.photo = folder_ / "photo.png";
+    plan_.format.size = {160, 90};
+    plan_.frames = 50;
+    plan_.Set("display", std::string("Display: Target"));
+    const ViewKey keys[] = {{0.0, {2.0, -0.25, 0.0}, "In: Linear", "Out: Linear"},
+                            {1.0, {2.0, 0.25, 0.0}, "In: Linear", "Out: Linear"}};
+    plan_.SetViews(keys);
+  }
+  void TearDown() override { hfx::SetConsole({}); }
+
+  void Plot(const std::string& file) {
+    const Photo photo = OpenPhoto(plan_.photo);
+    FrameInspector inspector(KELTO_MODULE, plan_, photo);
+    DrawMotionPlot(inspector, photo, file);
+  }
+  test::Picture Sheet(int32_t frames) {
+    const std::string file = folder_ / "sheet.png";
+    DrawStoryboard(KELTO_MODULE, plan_, OpenPhoto(plan_.photo), {file, frames});
+    return test::ReadPng(file);
+  }
+
+  test::TempFolder folder_;
+  RenderPlan plan_;
+};
+
+TEST_F(Drawings, ThePlotHasTitleNamesAndUnits) {
+  Plot(folder_ / "plot.svg");
+  Plot(folder_ / "plot.png");
+  std::ifstream file(folder_ / "plot.svg");
+  const std::string svg{std::istreambuf_iterator<char>(file), {}};
+  EXPECT_THAT(svg, HasSubstr("<svg"));
+  EXPECT_THAT(svg, HasSubstr("</svg>"));
+  const test::Picture plot = test::ReadPng(folder_ / "plot.png");
+  ASSERT_EQ(plot.width, 1200);
+  // Letters of the title and of the time axis's name.
+  const auto inked = [&](int left, int right, int top, int bottom) {
+    int count = 0;
+    for (int y = top; y < bottom; ++y) {
+      for (int x = left; x < right; ++x) count += plot.At(x, y).g < 100 ? 1 : 0;
+    }
+    return count;
+  };
+  EXPECT_GT(inked(96, 400, 20, 45), 300);
+  EXPECT_GT(inked(560, 700, 940, 962), 100);
+}
+
+TEST_F(Drawings, ThePlotsCurveRisesWhereTheViewGoesRight) {
+  Plot(folder_ / "plot.png");
+  const test::Picture plot = test::ReadPng(folder_ / "plot.png");
+  const auto curveAt = [&](int x) {  // blue in the first panel
+    for (int y = 106; y < 330; ++y) {
+      const Rgb c = plot.At(x, y);
+      if (c.b > c.r + 100) return y;
+    }
+    return -1;
+  };
+  const int early = curveAt(200), middle = curveAt(632), late = curveAt(1060);
+  ASSERT_GT(early, 0);
+  EXPECT_LT(late, middle);
+  EXPECT_LT(middle, early);
+  EXPECT_NEAR(middle, (early + late) / 2, 6) << "a linear move is a straight line";
+}
+
+TEST_F(Drawings, TheStoryboardShowsTheWholePhotoAndFramesOfTheFilm) {
+  const test::Picture sheet = Sheet(3);
+  ASSERT_EQ(sheet.width, 1600);
+  // The photo, 1200 x 900 in the middle, from its upper left corner to the lower right.
+  EXPECT_LE(Distance(sheet.At(220, 90), {200, 30, 30}), 6);
+  EXPECT_LE(Distance(sheet.At(1380, 960), {30, 30, 200}), 6);
+  // The strip: the first frame sees the left half alone, the last the right half.
+  const int y = 76 + 900 + 32 + 100;
+  EXPECT_LE(Distance(sheet.At(100, y), {200, 30, 30}), 6);
+  EXPECT_LE(Distance(sheet.At(450, y), {200, 30, 30}), 6);
+  EXPECT_LE(Distance(sheet.At(1500, y), {30, 30, 200}), 6);
+  EXPECT_LE(Distance(sheet.At(700, y), {200, 30, 30}), 6) << "the middle one sees both";
+  EXPECT_LE(Distance(sheet.At(900, y), {30, 30, 200}), 6);
+}
+
+TEST_F(Drawings, TheStoryboardOutlinesTheViewOfEachKey) {
+  const test::Picture sheet = Sheet(1);
+  // Key 2 sees the right half of the width: its upper edge, halfway along it, at
+  // (150 - 112.5 / 2) / 300 of the photo's height.
+  const int y = 76 + static_cast<int>(93.75 * 3);
+  bool found = false;
+  for (int dy = -4; dy <= 4; ++dy) found |= Distance(sheet.At(1250, y + dy), {255, 153, 51}) < 30;
+  EXPECT_TRUE(found);
+}
+
+TEST_F(Drawings, OtherKindsOfFilesAreRefused) {
+  EXPECT_THROW(Plot(folder_ / "plot.jpg"), UsageError);
+  EXPECT_THROW(Plot(folder_ / "no/plot.png"), Error);
+}
+
+TEST_F(Drawings, AFilmOfOneFrameIsDrawnToo) {
+  plan_.frames = 1;
+  EXPECT_NO_THROW(Plot(folder_ / "plot.png"));
+  EXPECT_EQ(Sheet(12).width, 1600);
+}
+
+TEST(StripFrames, AreEvenFromFirstToLast) {
+  EXPECT_THAT(StripFrames(5, 101), ElementsAre(0, 25, 50, 75, 100));
+  EXPECT_THAT(StripFrames(12, 3), ElementsAre(0, 1, 2));
+  EXPECT_THAT(StripFrames(1, 50), ElementsAre(0));
+}
+
+TEST(KeyTimes, AreThoseOfZoomAndPositionWithinTheFilm) {
+  RenderPlan plan;
+  plan.frames = 11;
+  plan.SettingOf("size").keys = {{0.0, 1.0}, {0.52, 2.0}, {1.5, 3.0}};
+  plan.SettingOf("position").keys = {{0.0, std::array{0.0, 0.0}}, {1.0, std::array{0.1, 0.0}}};
+  const auto keys = KeyTimesOf(plan);
+  ASSERT_EQ(keys.size(), 3u);
+  EXPECT_EQ(keys[1].frame, 5);
+  EXPECT_EQ(keys[2].frame, 10);
+}
+
+TEST(AxisTicks, AreRoundNumbers) {
+  const Ticks ticks = TicksWithin(0.0, 4.96, 10);
+  EXPECT_EQ(ticks.at.size(), 10u);
+  EXPECT_NEAR(ticks.at[1], 0.5, 1e-12);
+  EXPECT_EQ(ticks.decimals, 1);
+  EXPECT_EQ(TickText(-0.0001, 1), "0.0");
+  EXPECT_EQ(TickText(-1.25, 2), "-1.25");
+}
+
+TEST(AxisTicks, LeaveRoomAroundAValueThatStandsStill) {
+  const Ticks ticks = TicksFor(2.0, 2.0, 5);
+  EXPECT_LT(ticks.least, 2.0);
+  EXPECT_GT(ticks.most, 2.0);
+}
+
+}  // namespace
+}  // namespace kelto::host

@@ -1,0 +1,89 @@
+// Plans with every parameter, by chance.
+#pragma once
+
+#include <cmath>
+#include <random>
+#include <string>
+
+#include "host/plan/default_plan.h"
+#include "host/project/schema.h"
+
+namespace kelto::test {
+
+class RandomPlan {
+ public:
+  explicit RandomPlan(uint32_t seed, int32_t maxKeys = 12) : random_(seed), maxKeys_(maxKeys) {}
+
+  host::RenderPlan Make() {
+    host::RenderPlan plan =
+        host::DefaultPlan("folder/photo " + std::to_string(Whole(999)) + ".jpg");
+    plan.format.size = {Whole(16382) + 2, Whole(16382) + 2};
+    plan.format.rate =
+        Pick<host::FrameRate>({{25, 1}, {30000, 1001}, {24000, 1001}, {1, 2}, {60, 1}});
+    plan.format.fields =
+        Pick<host::FieldOrder>({host::FieldOrder::kProgressive, host::FieldOrder::kTopFirst,
+                                host::FieldOrder::kBottomFirst});
+    plan.format.sampleAspect = Pick<host::SampleAspect>({{1, 1}, {64, 45}, {8, 9}, {4096, 4095}});
+    plan.frames = Whole(9'999'999) + 1;
+    plan.playMode = Whole(255);
+    if (Whole(1) == 1) plan.over = "clips/street.mp4";
+    if (Whole(1) == 1) plan.audio = "music.flac";
+    for (const std::string& parameter : host::ProjectParameters()) {
+      plan.SettingOf(parameter) = SettingOf(parameter);
+    }
+    return plan;
+  }
+
+  int32_t Whole(int32_t last) { return std::uniform_int_distribution<int32_t>(0, last)(random_); }
+
+ private:
+  template <typename Value>
+  Value Pick(std::initializer_list<Value> values) {
+    return values.begin()[Whole(static_cast<int32_t>(values.size()) - 1)];
+  }
+
+  /// Numbers with few digits and with all of them, tiny ones too.
+  double Real(double least, double most) {
+    const double value = std::uniform_real_distribution<double>(least, most)(random_);
+    switch (Whole(4)) {
+      case 0:
+        return std::clamp(std::round(value), std::ceil(least), most);
+      case 1:
+        return std::clamp(std::round(value * 100) / 100, least, most);
+      case 2:
+        return std::clamp(std::ldexp(value, -Whole(1000)), least, most);
+      default:
+        return value;
+    }
+  }
+
+  host::SettingValue Value(const std::string& parameter) {
+    const std::vector<std::string> entries = host::ListEntries(parameter);
+    if (!entries.empty()) return entries[Whole(static_cast<int32_t>(entries.size()) - 1)];
+    if (parameter == "size") return Real(0.1, 20);
+    if (parameter == "position") return std::array{Real(-100, 100), Real(-100, 100)};
+    if (parameter == "bgcolor") return std::array{Real(0, 1), Real(0, 1), Real(0, 1)};
+    return Whole(1) == 1;
+  }
+
+  host::Setting SettingOf(const std::string& parameter) {
+    host::Setting setting{parameter, std::nullopt, {}, -1};
+    const int32_t keys = Whole(3) == 0 ? 0 : Whole(maxKeys_);
+    if (keys == 0) {
+      setting.value = Value(parameter);
+      return setting;
+    }
+    double time = Real(-0.5, 0.5);
+    for (int32_t i = 0; i < keys; ++i) {
+      setting.keys.push_back({time, Value(parameter)});
+      time = std::nextafter(time + Real(0, 0.3), 1e9);
+    }
+    setting.activeKey = Whole(keys) - 1;
+    return setting;
+  }
+
+  std::mt19937 random_;
+  int32_t maxKeys_;
+};
+
+}  // namespace kelto::test

@@ -1,0 +1,107 @@
+// What is saved is what is read.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "host/error.h"
+#include "host/project/project_file.h"
+#include "tests/host/project/random_plan.h"
+#include "tests/support/photo.h"
+
+namespace kelto::host {
+namespace {
+
+std::string BytesOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void ExpectSame(const RenderPlan& a, const RenderPlan& b) {
+  EXPECT_EQ(a.photo, b.photo);
+  EXPECT_EQ(a.over, b.over);
+  EXPECT_EQ(a.audio, b.audio);
+  EXPECT_EQ(a.format.size, b.format.size);
+  EXPECT_EQ(a.format.rate, b.format.rate);
+  EXPECT_EQ(a.format.fields, b.format.fields);
+  EXPECT_EQ(a.format.sampleAspect, b.format.sampleAspect);
+  EXPECT_EQ(a.frames, b.frames);
+  EXPECT_EQ(a.playMode, b.playMode);
+  for (const std::string& parameter : ProjectParameters()) {
+    const Setting *first = a.FindSetting(parameter), *second = b.FindSetting(parameter);
+    ASSERT_EQ(first == nullptr, second == nullptr) << parameter;
+    // Values and times to the last bit: == of doubles.
+    if (first != nullptr) {
+      EXPECT_EQ(*first, *second) << parameter;
+    }
+  }
+}
+
+class RoundTrip : public testing::Test {
+ protected:
+  /// `plan`, its files lying in the folder.
+  RenderPlan Here(RenderPlan plan) {
+    plan.photo = folder_ / plan.photo;
+    if (!plan.over.empty()) plan.over = folder_ / plan.over;
+    if (!plan.audio.empty()) plan.audio = folder_ / plan.audio;
+    return plan;
+  }
+  test::TempFolder folder_;
+};
+
+TEST_F(RoundTrip, EveryParameterWith200SetsOfKeysSurvivesToTheLastBit) {
+  const std::string first = folder_ / "first.json", second = folder_ / "second.json";
+  test::RandomPlan random(20261121);
+  for (int i = 0; i < 200; ++i) {
+    const RenderPlan plan = Here(random.Make());
+    WriteProject(first, plan);
+    const RenderPlan read = ReadProject(first);
+    ExpectSame(plan, read);
+    WriteProject(second, read);
+    ASSERT_EQ(BytesOf(first), BytesOf(second)) << i;
+    if (HasFailure()) FAIL() << BytesOf(first);
+  }
+}
+
+TEST_F(RoundTrip, WhatThePlanLeavesToTheEffectStaysThere) {
+  RenderPlan plan = Here(DefaultPlan("photo.jpg"));
+  std::erase_if(plan.settings, [](const Setting& s) { return s.parameter == "filter"; });
+  WriteProject(folder_ / "p.json", plan);
+  ExpectSame(plan, ReadProject(folder_ / "p.json"));
+}
+
+TEST_F(RoundTrip, FilesBesideAndBelowTheProjectAreNamedRelativeToItOthersInFull) {
+  RenderPlan plan = Here(DefaultPlan("sub/photo.jpg"));
+  plan.over = (std::filesystem::path(folder_ / "").parent_path().parent_path() / "x.mp4").string();
+  const std::string text = ProjectText(folder_ / "p.json", plan);
+  EXPECT_NE(text.find("\"image\": \"sub/photo.jpg\""), std::string::npos) << text;
+  EXPECT_NE(text.find("\"over\": \"" + plan.over + "\""), std::string::npos) << text;
+}
+
+TEST_F(RoundTrip, PathsAreRelativeToTheProjectNotToTheCurrentFolder) {
+  const RenderPlan plan = ParseProject(R"({"image": "a/b.jpg", "audio": "/c.wav"})", "x/y.json");
+  EXPECT_EQ(plan.photo, "x/a/b.jpg");
+  EXPECT_EQ(plan.audio, "/c.wav");
+  EXPECT_EQ(ParseProject(R"({"image": "b.jpg"})", "y.json").photo, "b.jpg");
+}
+
+TEST_F(RoundTrip, APlanThatNoProjectCanHoldIsRefusedAndNothingWritten) {
+  const auto refused = [&](const RenderPlan& plan) {
+    EXPECT_THROW(WriteProject(folder_ / "p.json", plan), Error);
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "p.json"));
+  };
+  RenderPlan plan = DefaultPlan("photo.jpg");
+  plan.Set("size", 50.0);
+  refused(plan);
+  plan = DefaultPlan("photo.jpg");
+  plan.Set("lens", 1.0);
+  refused(plan);
+  refused(DefaultPlan("photo \xff.jpg"));
+  plan = DefaultPlan("photo.jpg");
+  plan.SettingOf("size").keys = {{0.5, 1.0}, {0.5, 2.0}};
+  refused(plan);
+}
+
+}  // namespace
+}  // namespace kelto::host

@@ -1,0 +1,81 @@
+#!/bin/sh
+# slurm_test.sh KELTO DOCUMENT: starts a Slurm of one node in a folder of its own, and runs the
+# recipe for job arrays on it. Needs root. Exit code 77: not tried.
+set -eu
+kelto=$1 document=$2
+here=$(cd "$(dirname "$0")" && pwd)
+fail() { echo "slurm_test: $*" >&2; exit 1; }
+if [ "$(id -u)" -ne 0 ]; then
+  echo "slurm_test: NOT TRIED: only root can start Slurm's daemons" >&2
+  exit 77
+fi
+for program in munged slurmctld slurmd sbatch; do
+  command -v "$program" >/dev/null || fail "$program is missing; ./dev setup installs it"
+done
+
+folder=$(mktemp -d)
+daemons=
+stop() {
+  # Only what was started here, the last one first.
+  for daemon in $daemons; do kill "$daemon" 2>/dev/null || true; done
+  for daemon in $daemons; do wait "$daemon" 2>/dev/null || true; done
+  rm -rf "$folder"
+}
+trap stop EXIT
+trap 'exit 1' INT TERM
+chmod 755 "$folder"
+mkdir "$folder/state" "$folder/spool" "$folder/munge"
+dd if=/dev/urandom of="$folder/munge/key" bs=1024 count=1 2>/dev/null
+chmod 400 "$folder/munge/key"
+node=$(hostname -s)
+# Ports that another test on this machine is unlikely to have.
+port=$((20000 + $$ % 20000))
+cat >"$folder/slurm.conf" <<END
+ClusterName=test
+SlurmctldHost=$node(127.0.0.1)
+SlurmctldPort=$port
+SlurmdPort=$((port + 1))
+SlurmUser=root
+AuthType=auth/munge
+AuthInfo=socket=$folder/munge/socket
+CredType=cred/munge
+StateSaveLocation=$folder/state
+SlurmdSpoolDir=$folder/spool
+SlurmctldPidFile=$folder/slurmctld.pid
+SlurmdPidFile=$folder/slurmd.pid
+SlurmdParameters=config_overrides
+SlurmctldLogFile=$folder/slurmctld.log
+SlurmdLogFile=$folder/slurmd.log
+ProctrackType=proctrack/linuxproc
+TaskPlugin=task/none
+JobAcctGatherType=jobacct_gather/none
+SelectType=select/cons_tres
+SelectTypeParameters=CR_CPU
+MailProg=/bin/true
+ReturnToService=2
+MpiDefault=none
+SchedulerParameters=sched_interval=1,batch_sched_delay=1,bf_interval=1
+NodeName=$node NodeAddr=127.0.0.1 CPUs=$(nproc) State=UNKNOWN
+PartitionName=all Nodes=$node Default=YES State=UP
+END
+export SLURM_CONF="$folder/slurm.conf"
+
+munged --foreground --force --key-file="$folder/munge/key" --socket="$folder/munge/socket" \
+  --pid-file="$folder/munge/pid" --log-file="$folder/munge/log" --seed-file="$folder/munge/seed" \
+  >"$folder/munged.out" 2>&1 &
+daemons=$!
+slurmctld -D >"$folder/slurmctld.out" 2>&1 &
+daemons="$! $daemons"
+slurmd -D -N "$node" >"$folder/slurmd.out" 2>&1 &
+daemons="$! $daemons"
+
+for _ in $(seq 60); do
+  state=$(sinfo -h -o %t 2>/dev/null || true)
+  [ "$state" = idle ] && break
+  sleep 1
+done
+if [ "$state" != idle ]; then
+  tail -n 20 "$folder"/*.out "$folder"/*.log "$folder/munge/log" >&2 2>/dev/null
+  fail "the node does not come up"
+fi
+sh "$here/recipe_test.sh" "$kelto" "$document" Slurm

@@ -1,0 +1,51 @@
+#!/bin/sh
+# install_test.sh BUILD SOURCE: installs the build into an empty folder, moves it, and uses all of it
+# from there.
+set -eu
+build=$1 source=$2
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+fail() { echo "install_test: $*" >&2; exit 1; }
+unset KELTO_MODULE LD_LIBRARY_PATH
+
+cmake --install "$build" --prefix "$folder/first" >"$folder/log" || { cat "$folder/log"; exit 1; }
+mv "$folder/first" "$folder/tree"
+tree=$folder/tree
+
+for file in bin/kelto lib/kelto/KeltoPanAndZoom.hfx lib/frei0r-1/kelto_pan_zoom.so \
+  share/man/man1/kelto.1 share/bash-completion/completions/kelto \
+  share/zsh/vendor-completions/_kelto share/fish/vendor_completions.d/kelto.fish \
+  share/kelto/project.schema.json include/kelto/runtime/hfx/host.h; do
+  [ -s "$tree/$file" ] || fail "$file is missing"
+done
+
+# Nothing of the machine that it was built on.
+for path in "$build" "$source"; do
+  if grep -rlF "$path" "$tree"; then fail "the files above hold the path $path"; fi
+done
+for file in "$tree"/bin/kelto "$tree"/lib/kelto/* "$tree"/lib/frei0r-1/*.so; do
+  if ldd "$file" | grep "not found"; then fail "$file lacks the libraries above"; fi
+  if ldd "$file" | grep -F "$build"; then fail "$file uses the build's libraries"; fi
+done
+
+"$tree/bin/kelto" doctor >"$folder/doctor" || { cat "$folder/doctor"; fail "the doctor says no"; }
+grep -qF "module: $tree/lib/kelto/KeltoPanAndZoom.hfx, renders" "$folder/doctor" ||
+  { cat "$folder/doctor"; fail "another module was found"; }
+
+# A program of somebody else's, by CMake and by pkg-config.
+consumer=$source/tests/packaging/consumer
+cmake -S "$consumer" -B "$folder/consumer" -DCMAKE_PREFIX_PATH="$tree" >"$folder/log" 2>&1 &&
+  cmake --build "$folder/consumer" >>"$folder/log" 2>&1 || { cat "$folder/log"; fail "CMake"; }
+module=$tree/lib/kelto/KeltoPanAndZoom.hfx
+byCmake=$("$folder/consumer/consumer" "$module")
+[ -n "$byCmake" ] || fail "the effect has no name"
+
+pc=$(dirname "$(find "$tree" -name hfx.pc)")
+libraries=$(PKG_CONFIG_PATH=$pc pkg-config --variable=libdir hfx)
+# shellcheck disable=SC2046  # one word a flag
+c++ -std=c++20 "$consumer/consumer.cc" -o "$folder/by-pkg-config" \
+  $(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs hfx)
+[ "$(LD_LIBRARY_PATH=$libraries "$folder/by-pkg-config" "$module")" = "$byCmake" ] ||
+  fail "pkg-config's program tells something else"
+[ "$(PKG_CONFIG_PATH=$pc pkg-config --modversion hfx)" = \
+  "$("$tree/bin/kelto" --version | sed -n '1s/kelto //p')" ] || fail "hfx.pc tells another version"
