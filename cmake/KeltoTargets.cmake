@@ -7,7 +7,8 @@ target_include_directories(kelto_options INTERFACE ${CMAKE_SOURCE_DIR})
 target_compile_options(kelto_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
   -Wformat=2 -Wimplicit-fallthrough -Werror
-  # GCC 12 takes the places of std::variant that are not in use for values that are not set.
+  # GCC 12 takes the places of std::variant that are not in use, and the sanitizers' own checks, for
+  # uses of values that are not set.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
   # Frames must not depend on which multiply-adds a compiler chose to fuse.
   -ffp-contract=off)
@@ -16,12 +17,18 @@ if(KELTO_SANITIZE)
   # libraries' templates minutes to compile.
   target_compile_options(kelto_options INTERFACE
     -fsanitize=address $<$<NOT:$<BOOL:$<TARGET_PROPERTY:KELTO_TEST>>>:-fsanitize=undefined>
-    -fno-sanitize-recover=all -fno-omit-frame-pointer
-    # The compiler takes the sanitizers' own checks for uses of what is not set.
-    -Wno-maybe-uninitialized)
+    -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(kelto_options INTERFACE -fsanitize=address,undefined)
 endif()
-target_compile_definitions(kelto_options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+if(KELTO_FUZZ)
+  target_compile_options(kelto_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+if(KELTO_COVERAGE)
+  target_compile_options(kelto_options INTERFACE -fprofile-instr-generate -fcoverage-mapping)
+  target_link_options(kelto_options INTERFACE -fprofile-instr-generate)
+endif()
+target_compile_definitions(kelto_options INTERFACE
+  $<$<OR:$<CONFIG:Debug>,$<BOOL:${KELTO_SANITIZE}>>:_GLIBCXX_ASSERTIONS>)
 
 # kelto_library(NAME [SHARED] SOURCES ... LINK ...): a library of this project.
 function(kelto_library name)
@@ -46,6 +53,11 @@ function(kelto_test name)
   target_link_libraries(${name} PRIVATE kelto_options GTest::gmock GTest::gtest_main ${ARG_LINK})
   # The tests' own code need not be fast, but there is much of it to compile.
   target_compile_options(${name} PRIVATE -O1)
+  if(WIN32)
+    # Several files are compiled as one here, since reading their libraries' headers takes longest:
+    # a program's tests must not use a name for two things.
+    set_target_properties(${name} PROPERTIES UNITY_BUILD ON)
+  endif()
   target_compile_definitions(${name} PRIVATE
     KELTO_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data"
     KELTO_SOURCE_DIR="${CMAKE_SOURCE_DIR}")

@@ -15,6 +15,10 @@ struct PathSample {
   PathPoint point;
 };
 
+/// Steps that a path is sampled at altogether: no film that is cut together comes near, and a host
+/// that counts frames without end takes neither all memory nor all time.
+constexpr int32_t kMostPathSteps = 1 << 22;
+
 double Distance(const PathPoint& p, const PathPoint& q) { return std::hypot(q.x - p.x, q.y - p.y); }
 
 /// Adds the samples of the path between key `k` and the next, without the next key's own.
@@ -43,7 +47,8 @@ std::vector<PathSample> SamplePath(PanZoomState& state, const hfxParameter& posi
   const int32_t a = position.GetKeyIndex(tA);
   const int32_t b = position.GetKeyIndex(tB);
   if (a < 0 || b <= a) return samples;
-  const int32_t steps = state.GetTotalFrames() / 4;
+  const int32_t steps =
+      std::min(state.GetTotalFrames() / 4, std::max(kMostPathSteps / position.GetNumKeys(), 1));
   const double step = steps > 0 ? (tB - tA) / steps : INFINITY;
   for (int32_t k = a; k < b; ++k) {
     const double from = position.GetKey(k)->GetTime();

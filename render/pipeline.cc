@@ -82,9 +82,9 @@ void SetVideoBackground(ResampleJob& job, hfxImage& input, Size size, int32_t co
   job.background.videoHeight = video.height;
 }
 
-/// Pixels between two inclusive bounds, `limit` at the most.
+/// Pixels between two inclusive bounds, which may lie the wrong way round, `limit` at the most.
 int32_t Extent(int32_t first, int32_t last, int32_t limit) {
-  return static_cast<int32_t>(std::min<int64_t>(int64_t{last} - first + 1, limit));
+  return static_cast<int32_t>(std::clamp<int64_t>(int64_t{last} - first + 1, 0, limit));
 }
 
 bool Renderable(int32_t colorspace) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <utility>
 
 #include "runtime/hfx/parameter.h"
@@ -121,7 +122,9 @@ void hfxInstance_v1::AddParameter(hfxParameter* parameter, hfxPGroup* group) {
   auto& added = hfxHostAccess::Of(*parameter);
   if (added.owner != nullptr) return;
   auto& list = FindParameter(parameter->GetKeyName()) ? impl_->duplicates : impl_->parameters;
+  std::unique_ptr<hfxParameter> owned(parameter);  // from here on, memory for the list or not
   list.push_back(parameter);
+  owned.release();
   added.owner = this;
   added.group = impl_->Lists(group) && group != parameter ? group : nullptr;
 }

@@ -8,6 +8,8 @@
 #include <memory>
 #include <numeric>
 
+#include "runtime/stills/lcms_context.h"
+
 namespace kelto::stills {
 namespace {
 
@@ -19,6 +21,8 @@ constexpr cmsUInt32Number kTypeCmyka8 =
 // blacks black where a profile has no perceptual table.
 constexpr cmsUInt32Number kIntent = INTENT_PERCEPTUAL;
 constexpr cmsUInt32Number kFlags = cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_COPY_ALPHA;
+
+cmsContext Raw(const LcmsContext& context) { return static_cast<cmsContext>(context.get()); }
 
 struct ProfileCloser {
   void operator()(void* profile) const { cmsCloseProfile(profile); }
@@ -32,7 +36,8 @@ using Transform = std::unique_ptr<void, TransformDeleter>;
 
 /// To B, G, R, A of sRGB.
 Transform MakeTransform(void* from, cmsUInt32Number from_type, void* to) {
-  return Transform(cmsCreateTransform(from, from_type, to, TYPE_BGRA_8, kIntent, kFlags));
+  return Transform(cmsCreateTransformTHR(cmsGetProfileContextID(from), from, from_type, to,
+                                         TYPE_BGRA_8, kIntent, kFlags));
 }
 
 /// Whether no colour of a lattice moves by more than one level: true of every variant of sRGB in
@@ -103,9 +108,12 @@ size_t BytesPerPixel(PixelFormat format) {
 ColorConverter::ColorConverter(std::span<const uint8_t> icc, ColorModel model, PixelFormat format)
     : format_(format) {
   if (icc.empty()) return;
+  context_ = std::make_shared<LcmsContext>(icc.size());
+  const cmsContext context = Raw(*context_);
   const Profile profile(
-      cmsOpenProfileFromMem(icc.data(), static_cast<cmsUInt32Number>(icc.size())));
-  const Profile srgb(cmsCreate_sRGBProfile());
+      cmsOpenProfileFromMemTHR(context, icc.data(), static_cast<cmsUInt32Number>(icc.size())));
+  const Profile srgb(cmsCreate_sRGBProfileTHR(context));
+  context_->CheckMemory();
   if (!profile || !srgb) return;
 
   const cmsColorSpaceSignature space = cmsGetColorSpace(profile.get());
@@ -113,20 +121,21 @@ ColorConverter::ColorConverter(std::span<const uint8_t> icc, ColorModel model, P
     BuildGreyTable(profile.get(), srgb.get());
   } else if ((space == cmsSigRgbData && model != ColorModel::kCmyk) ||
              (space == cmsSigCmykData && model == ColorModel::kCmyk)) {
-    if (space == cmsSigRgbData && IsSrgbInEffect(profile.get(), srgb.get())) return;
-    transform_ = MakeTransform(profile.get(), LcmsType(format), srgb.get()).release();
+    if (space == cmsSigRgbData && IsSrgbInEffect(profile.get(), srgb.get())) {
+      context_->CheckMemory();
+      return;
+    }
+    transform_ = MakeTransform(profile.get(), LcmsType(format), srgb.get());
   }
-}
-
-ColorConverter::~ColorConverter() {
-  if (transform_ != nullptr) cmsDeleteTransform(transform_);
+  context_->CheckMemory();
 }
 
 void ColorConverter::BuildGreyTable(void* profile, void* srgb) {
   const bool words = format_ == PixelFormat::kRgba16;
   // Unoptimized, since the optimized form interpolates between 33 levels: too few for shadows.
-  const Transform transform(cmsCreateTransform(profile, words ? TYPE_GRAY_16 : TYPE_GRAY_8, srgb,
-                                               TYPE_BGRA_8, kIntent, kFlags | cmsFLAGS_NOOPTIMIZE));
+  const Transform transform(
+      cmsCreateTransformTHR(Raw(*context_), profile, words ? TYPE_GRAY_16 : TYPE_GRAY_8, srgb,
+                            TYPE_BGRA_8, kIntent, kFlags | cmsFLAGS_NOOPTIMIZE));
   if (!transform) return;
   const uint32_t count = words ? 65536 : 256;
   std::vector<uint16_t> level_words(words ? count : 0);
@@ -146,7 +155,7 @@ void ColorConverter::BuildGreyTable(void* profile, void* srgb) {
 
 void ColorConverter::Convert(const void* from, uint8_t* to, uint32_t pixels) const {
   if (transform_ != nullptr) {
-    cmsDoTransform(transform_, from, to, pixels);
+    cmsDoTransform(transform_.get(), from, to, pixels);
   } else if (format_ == PixelFormat::kRgba16) {
     const uint16_t* words = static_cast<const uint16_t*>(from);
     if (grey_.empty()) {
@@ -176,18 +185,23 @@ std::vector<uint8_t> MakeRgbProfile(const Chromaticity& white, const Chromaticit
     void operator()(cmsToneCurve* curve) const { cmsFreeToneCurve(curve); }
   };
   // IEC 61966-2-1: exponent 2.4 above a linear foot.
+  const LcmsContext context(0);
   const double srgb[] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
   const std::unique_ptr<cmsToneCurve, CurveFreer> curve(
-      gamma > 0 ? cmsBuildGamma(nullptr, gamma) : cmsBuildParametricToneCurve(nullptr, 4, srgb));
+      gamma > 0 ? cmsBuildGamma(Raw(context), gamma)
+                : cmsBuildParametricToneCurve(Raw(context), 4, srgb));
+  context.CheckMemory();
   if (!curve) return {};
   const cmsCIExyY white_point = {white.x, white.y, 1};
   const cmsCIExyYTRIPLE primaries = {{red.x, red.y, 1}, {green.x, green.y, 1}, {blue.x, blue.y, 1}};
   cmsToneCurve* const curves[] = {curve.get(), curve.get(), curve.get()};
-  const Profile profile(cmsCreateRGBProfile(&white_point, &primaries, curves));
+  const Profile profile(cmsCreateRGBProfileTHR(Raw(context), &white_point, &primaries, curves));
   cmsUInt32Number length = 0;
-  if (!profile || !cmsSaveProfileToMem(profile.get(), nullptr, &length)) return {};
-  std::vector<uint8_t> bytes(length);
-  if (!cmsSaveProfileToMem(profile.get(), bytes.data(), &length)) return {};
+  const bool measured = profile && cmsSaveProfileToMem(profile.get(), nullptr, &length);
+  context.CheckMemory();
+  std::vector<uint8_t> bytes(measured ? length : 0);
+  if (!measured || !cmsSaveProfileToMem(profile.get(), bytes.data(), &length)) bytes.clear();
+  context.CheckMemory();
   return bytes;
 }
 

@@ -2,10 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
 namespace kelto::stills {
+
+class LcmsContext;
 
 /// Layouts in which decoders hand over their rows.
 enum class PixelFormat {
@@ -24,9 +27,8 @@ size_t BytesPerPixel(PixelFormat format);
 class ColorConverter {
  public:
   /// Without a profile (or with one that is damaged or made for another colour model) samples count
-  /// as sRGB, and ink as CMY darkened by K.
+  /// as sRGB, and ink as CMY darkened by K. Throws std::bad_alloc.
   ColorConverter(std::span<const uint8_t> icc, ColorModel model, PixelFormat format);
-  ~ColorConverter();
   ColorConverter(const ColorConverter&) = delete;
   ColorConverter& operator=(const ColorConverter&) = delete;
 
@@ -39,8 +41,9 @@ class ColorConverter {
   void BuildGreyTable(void* profile, void* srgb);
 
   PixelFormat format_;
-  void* transform_ = nullptr;  ///< of Little CMS
-  std::vector<uint8_t> grey_;  ///< B, G, R, A of every grey, 256 or 65536 of them
+  std::shared_ptr<LcmsContext> context_;
+  std::shared_ptr<void> transform_;  ///< of Little CMS; goes before its context
+  std::vector<uint8_t> grey_;        ///< B, G, R, A of every grey, 256 or 65536 of them
 };
 
 /// Chromaticities (CIE x, y).
@@ -49,7 +52,8 @@ struct Chromaticity {
 };
 
 /// A profile for pictures that state their primaries instead of embedding one. `gamma` is the
-/// exponent of decoding; 0 stands for the sRGB curve. Empty when the values make no sense.
+/// exponent of decoding; 0 stands for the sRGB curve. Empty when the values make no sense. Throws
+/// std::bad_alloc.
 std::vector<uint8_t> MakeRgbProfile(const Chromaticity& white, const Chromaticity& red,
                                     const Chromaticity& green, const Chromaticity& blue,
                                     double gamma);

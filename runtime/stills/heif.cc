@@ -67,7 +67,7 @@ class Picture {
   uint32_t height() const { return static_cast<uint32_t>(heif_.image_handle_get_height(handle())); }
 
   Alpha alpha() const {
-    if (!heif_.image_handle_has_alpha_channel(handle())) return Alpha::kOpaque;
+    if (!heif_.image_handle_has_alpha_channel(handle())) return Alpha::kIgnored;
     return heif_.image_handle_is_premultiplied_alpha(handle()) ? Alpha::kPremultiplied
                                                                : Alpha::kStraight;
   }
@@ -93,7 +93,11 @@ class Picture {
                              nullptr));
     Pixels pixels = {{decoded, heif_.image_release}, nullptr, 0};
     heif_error warning = {};
-    if (heif_.image_get_decoding_warnings(decoded, 0, &warning, 1) > 0) Check(warning);
+    if (heif_.image_get_decoding_warnings(decoded, 0, &warning, 1) > 0) {
+      // Some versions hand over the text of a warning that is gone already.
+      warning.message = "its decoder warns of damage";
+      Check(warning);
+    }
     pixels.rows =
         heif_.image_get_plane_readonly(decoded, heif_channel_interleaved, &pixels.row_bytes);
     if (pixels.rows == nullptr ||
@@ -111,12 +115,12 @@ class Picture {
   /// curves near sRGB's are honoured: those of high dynamic range would need tone mapping.
   std::vector<uint8_t> ProfileOfCodePoints() const {
     heif_color_profile_nclx* found = nullptr;
-    if (heif_.image_handle_get_nclx_color_profile(handle(), &found).code != heif_error_Ok ||
-        found == nullptr) {
-      return {};
-    }
+    const heif_error error = heif_.image_handle_get_nclx_color_profile(handle(), &found);
+    if (found == nullptr) return {};
+    // It may come with an error, too, and is ours even then.
     const heif_color_profile_nclx nclx = *found;
     heif_.nclx_color_profile_free(found);
+    if (error.code != heif_error_Ok) return {};
     constexpr int kNearSrgb[] = {1, 6, 13, 14, 15};
     const int transfer = nclx.transfer_characteristics;
     if (std::find(std::begin(kNearSrgb), std::end(kNearSrgb), transfer) == std::end(kNearSrgb) ||

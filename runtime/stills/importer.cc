@@ -66,6 +66,11 @@ OSErr Attempt(const std::string& name, const Operation& operation) {
   }
 }
 
+/// What a decoder left out because its file could not be read would be missing in the picture.
+void CheckReads(const StillFile& file) {
+  if (file.read_failed()) throw StillError(fnfErr, "the file cannot be read");
+}
+
 std::string NameOf(const std::string& path) {
 #if defined(_WIN32)
   const size_t slash = path.find_last_of("/\\");
@@ -108,6 +113,7 @@ OSErr GetGraphicsImporterForFile(const FSSpec* spec, GraphicsImportComponent* im
     auto opened = std::make_unique<GraphicsImporter>(name, path);
     opened->decoder = &kelto::stills::FindDecoder(opened->file);
     opened->info = opened->decoder->ReadInfo(opened->file);
+    CheckReads(opened->file);
     kelto::stills::CheckSize(opened->info, opened->file);
     *importer = opened.release();
   });
@@ -160,6 +166,7 @@ OSErr GraphicsImportDraw(GraphicsImportComponent importer) {
       throw StillError(paramErr, "the world is smaller than the picture");
     }
     importer->decoder->Decode(importer->file, info, {world.pixels, world.row_bytes});
+    CheckReads(importer->file);
   });
 }
 

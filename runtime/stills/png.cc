@@ -38,6 +38,7 @@ class Session {
       png_set_read_fn(library.png, &file, OnRead);
       png_read_info(library.png, library.info);
     });
+    if (out_of_memory_) throw std::bad_alloc();
     if (over_limit_) throw StillError(codecBadDataErr, std::string("PNG: ") + message_);
   }
   Session(const Session&) = delete;
@@ -67,7 +68,7 @@ class Session {
 
   void Remember(const char* message) {
     std::strncpy(message_, message, sizeof message_ - 1);
-    out_of_memory_ = std::strstr(message, "emory") != nullptr;
+    out_of_memory_ |= std::strstr(message, "emory") != nullptr;
   }
 
   [[noreturn]] static void OnError(png_structp png, png_const_charp message) {
@@ -76,10 +77,13 @@ class Session {
   }
 
   static void OnWarning(png_structp png, png_const_charp message) {
-    // libpng drops a chunk over the limits; drawn without its profile the picture would be wrong.
+    // libpng drops a chunk over the limits, or that it has no memory for; drawn without its profile
+    // the picture would be wrong.
+    Session& session = From(png);
+    if (std::strstr(message, "emory") != nullptr) session.out_of_memory_ = true;
     if (std::strstr(message, "exceeds application limits") == nullptr) return;
-    From(png).Remember(message);
-    From(png).over_limit_ = true;
+    session.Remember(message);
+    session.over_limit_ = true;
   }
 
   static void OnRead(png_structp png, png_bytep to, size_t count) {

@@ -81,7 +81,7 @@ void RowWriter::Commit(uint32_t y) {
   converter_.Convert(from, to, width_);
   if (alpha_ == Alpha::kStraight || whole) {
     MultiplyByAlpha(to, width_);
-  } else if (alpha_ == Alpha::kPremultiplied) {
+  } else if (alpha_ == Alpha::kPremultiplied || alpha_ == Alpha::kIgnored) {
     MakeOpaque(to, width_);
   }
 

@@ -13,6 +13,7 @@ namespace kelto::stills {
 /// What alpha means in the rows that a decoder hands over.
 enum class Alpha {
   kOpaque,         ///< alpha is 255 throughout, or full scale
+  kIgnored,        ///< nothing: what damaged files leave there must not show
   kStraight,       ///< colours are whole, alpha apart
   kPremultiplied,  ///< colours are multiplied by alpha already
 };

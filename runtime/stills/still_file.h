@@ -32,6 +32,9 @@ class StillFile {
   /// Whether a Read since the last Rewind met the end of the file: what tells truncated files from
   /// otherwise damaged ones.
   bool hit_end() const { return hit_end_; }
+  /// Whether any Read or Seek failed for another reason than the file's end or content: the disk or
+  /// the network did, and what was read cannot be trusted.
+  bool read_failed() const { return read_failed_; }
   /// The whole file. Throws StillError above kMaxWholeFileBytes.
   std::vector<uint8_t> ReadAll();
 
@@ -40,6 +43,7 @@ class StillFile {
   std::FILE* stream_ = nullptr;  ///< over a duplicate of fd_
   uint64_t size_ = 0;
   bool hit_end_ = false;
+  bool read_failed_ = false;
 };
 
 }  // namespace kelto::stills

@@ -34,7 +34,7 @@ struct OptionsFreer {
   void operator()(TIFFOpenOptions* options) const { TIFFOpenOptionsFree(options); }
 };
 
-std::string Formatted(const char* format, va_list arguments) {
+[[gnu::format(printf, 1, 0)]] std::string Formatted(const char* format, va_list arguments) {
   char text[200];
   std::vsnprintf(text, sizeof text, format, arguments);
   return text;

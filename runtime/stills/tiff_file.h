@@ -38,10 +38,10 @@ class TiffFile {
   struct Closer {
     void operator()(TIFF* tiff) const { TIFFClose(tiff); }
   };
-  static int OnError(TIFF* tiff, void* user, const char* module, const char* format,
-                     va_list arguments);
-  static int OnWarning(TIFF* tiff, void* user, const char* module, const char* format,
-                       va_list arguments);
+  [[gnu::format(printf, 4, 0)]] static int OnError(TIFF* tiff, void* user, const char* module,
+                                                   const char* format, va_list arguments);
+  [[gnu::format(printf, 4, 0)]] static int OnWarning(TIFF* tiff, void* user, const char* module,
+                                                     const char* format, va_list arguments);
 
   StillFile& file_;
   std::string message_;

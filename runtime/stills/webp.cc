@@ -123,7 +123,7 @@ class Webp final : public Decoder {
 
     const bool covers = width == info.width && height == info.height;
     RowWriter writer(info, ColorModel::kRgb, PixelFormat::kBgra8,
-                     frame.has_alpha || !covers ? Alpha::kStraight : Alpha::kOpaque, target);
+                     frame.has_alpha || !covers ? Alpha::kStraight : Alpha::kIgnored, target);
     // The codec wants rows that follow one another downwards, at least as far as a picture's size.
     const bool in_place = writer.RowsStay() && writer.RowStep() > 0;
     const size_t scratch_row = info.width * size_t{4};

@@ -10,8 +10,6 @@ size_t BytesPerPixel(PixelFormat) { return 4; }
 ColorConverter::ColorConverter(std::span<const uint8_t>, ColorModel, PixelFormat format)
     : format_(format) {}
 
-ColorConverter::~ColorConverter() = default;
-
 void ColorConverter::Convert(const void* from, uint8_t* to, uint32_t pixels) const {
   if (from != to) std::memcpy(to, from, size_t{4} * pixels);
 }

@@ -60,12 +60,17 @@ StillFile::~StillFile() {
 
 size_t StillFile::Read(void* to, size_t count) {
   const size_t got = std::fread(to, 1, count, stream_);
-  if (got < count) hit_end_ = true;
+  if (got < count) {
+    hit_end_ = true;
+    read_failed_ |= std::feof(stream_) == 0;
+  }
   return got;
 }
 
 bool StillFile::Seek(uint64_t position) {
-  return _fseeki64(stream_, static_cast<int64_t>(position), SEEK_SET) == 0;
+  if (_fseeki64(stream_, static_cast<int64_t>(position), SEEK_SET) == 0) return true;
+  read_failed_ |= errno != EINVAL;  // which is the fault of what the file says
+  return false;
 }
 
 uint64_t StillFile::Position() { return static_cast<uint64_t>(_ftelli64(stream_)); }

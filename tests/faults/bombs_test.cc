@@ -1,0 +1,202 @@
+// Small files that would become large: each is refused, or read, at the cost that the limits state.
+#include <gtest/gtest.h>
+#include <webp/encode.h>
+#include <webp/mux.h>
+#include <zlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+
+#include "runtime/stills/limits.h"
+#include "tests/runtime/stills/encode_jpeg.h"
+#include "tests/runtime/stills/encode_png.h"
+#include "tests/runtime/stills/exif_block.h"
+#include "tests/runtime/stills/still_test.h"
+
+namespace kelto::stills {
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kMemoryIsMeasured = false;  // the sanitizer's own is in the same account
+#else
+constexpr bool kMemoryIsMeasured = true;
+#endif
+
+int64_t StatusKiB(const std::string& name) {
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.rfind(name, 0) == 0) return std::stoll(line.substr(name.size() + 1));
+  }
+  return 0;
+}
+
+/// How much more memory this process held at the most since the object was made.
+class PeakMemory {
+ public:
+  PeakMemory() {
+    std::ofstream("/proc/self/clear_refs") << "5";
+    before_ = StatusKiB("VmRSS");
+  }
+  int64_t MiB() const { return kMemoryIsMeasured ? (StatusKiB("VmHWM") - before_) / 1024 : 0; }
+
+ private:
+  int64_t before_;
+};
+
+class Bomb : public StillTest {
+ protected:
+  /// Opens and draws; pixels that are never written take no memory.
+  Loaded Draw(const std::string& path) const {
+    Loaded loaded;
+    const Opened opened = OpenStill(path);
+    loaded.error = opened.error;
+    loaded.text = opened.text;
+    if (opened.error != noErr) return loaded;
+    StillRect bounds;
+    GraphicsImportGetNaturalBounds(opened.importer, &bounds);
+    const size_t width = static_cast<size_t>(bounds.right),
+                 height = static_cast<size_t>(bounds.bottom);
+    const auto pixels = std::make_unique_for_overwrite<uint8_t[]>(width * height * 4);
+    GWorldPtr world = nullptr;
+    QTNewGWorldFromPtr(&world, k32BGRAPixelFormat, &bounds, nullptr, nullptr, 0, pixels.get(),
+                       static_cast<int32_t>(width * 4));
+    GraphicsImportSetGWorld(opened.importer, world, nullptr);
+    loaded.error = GraphicsImportDraw(opened.importer);
+    loaded.text = StillImporterLastError();
+    DisposeGWorld(world);
+    CloseComponent(opened.importer);
+    return loaded;
+  }
+
+  /// Bytes behind the picture's end, so that its size alone does not look suspicious.
+  static Bytes Padded(Bytes bytes, size_t size) {
+    bytes.resize(size);
+    return bytes;
+  }
+};
+
+TEST_F(Bomb, AFileBeyondWhatACodecMayHoldWholeIsRefusedUnread) {
+  const std::string path =
+      Write("large.webp", {'R', 'I', 'F', 'F', 0, 0, 0, 0, 'W', 'E', 'B', 'P'});
+  std::filesystem::resize_file(path, kMaxWholeFileBytes + (1 << 20));
+  const PeakMemory peak;
+  EXPECT_EQ(Draw(path).text, "large.webp: a file of 513 MiB; the limit for its form is 512 MiB");
+  EXPECT_LE(peak.MiB(), 2);
+}
+
+TEST_F(Bomb, AnInterlacedPngOnItsSideIsRefusedBeforeItsRowsAreKept) {
+  PngSpec spec = PngOf(GradientPicture(8, 8));
+  spec.interlaced = true;
+  spec.chunks = [](png_structp png, png_infop info) {
+    Bytes exif = ExifBlock(6, false, true);
+    png_set_eXIf_1(png, info, static_cast<png_uint_32>(exif.size()), exif.data());
+  };
+  Bytes bytes = EncodePng(spec);
+  // The same header with other sizes.
+  Bytes header(bytes.begin() + 16, bytes.begin() + 29);
+  header[2] = header[6] = 24000 / 256;
+  header[3] = header[7] = 24000 % 256;
+  const Bytes chunk = PngChunk("IHDR", header);
+  std::copy(chunk.begin(), chunk.end(), bytes.begin() + 8);
+  const PeakMemory peak;
+  const Loaded loaded = Draw(Write("bomb.png", Padded(bytes, 100000)));
+  EXPECT_EQ(loaded.error, codecBadDataErr);
+  EXPECT_EQ(loaded.text,
+            "bomb.png: decoding needs 2197 MiB of working memory; the limit is 2048 MiB");
+  EXPECT_LE(peak.MiB(), 8);
+}
+
+TEST_F(Bomb, AProgressiveJpegIsRefusedBeforeItsCoefficientsAreKept) {
+  JpegSpec spec = JpegOf(GradientPicture(16, 16));
+  spec.progressive = true;
+  Bytes bytes = EncodeJpeg(spec);
+  for (size_t i = 0; i + 8 < bytes.size(); ++i) {
+    if (bytes[i] != 0xff || bytes[i + 1] != 0xc2) continue;
+    bytes[i + 5] = bytes[i + 7] = 32000 / 256;
+    bytes[i + 6] = bytes[i + 8] = 32000 % 256;
+    break;
+  }
+  const PeakMemory peak;
+  const Loaded loaded = Draw(Write("bomb.jpg", Padded(bytes, 200000)));
+  EXPECT_EQ(loaded.error, codecBadDataErr);
+  EXPECT_EQ(loaded.text,
+            "bomb.jpg: a progressive JPEG that needs more than 2048 MiB of working memory");
+  EXPECT_LE(peak.MiB(), 16);
+}
+
+TEST_F(Bomb, PackedTextsOfAPngTakeNoMemory) {
+  const Bytes zeros(64u << 20, 0);
+  Bytes packed(1 << 20);
+  uLongf packed_size = packed.size();
+  ASSERT_EQ(compress(packed.data(), &packed_size, zeros.data(), zeros.size()), Z_OK);
+  Bytes content = {'k', 0, 0};
+  packed.resize(packed_size);
+  Append(content, packed);
+  const Bytes chunk = PngChunk("zTXt", content);
+  Bytes bytes = EncodePng(PngOf(GradientPicture(8, 8)));
+  for (int i = 0; i < 40; ++i) {
+    bytes.insert(bytes.begin() + kPngAfterHeader, chunk.begin(), chunk.end());
+  }
+  const std::string path = Write("texts.png", bytes);
+  const PeakMemory peak;
+  EXPECT_EQ(Draw(path).error, noErr);
+  EXPECT_LE(peak.MiB(), 4);
+}
+
+TEST_F(Bomb, OfAGifWithManyFramesOnlyTheFirstIsRead) {
+  Bytes bytes = {'G', 'I', 'F', '8', '9', 'a', 1, 0, 1, 0, 0x80, 0, 0, 200, 9, 9, 0, 0, 0};
+  const Bytes frame = {0x2c, 0, 0, 0, 0, 1, 0, 1, 0, 0, 2, 2, 0x44, 1, 0};
+  for (int i = 0; i < 300000; ++i) Append(bytes, frame);
+  const std::string path = Write("frames.gif", bytes);
+  const PeakMemory peak;
+  EXPECT_EQ(Draw(path).error, noErr);
+  EXPECT_EQ(LoadStill(path).picture.at(0, 0), Rgb(200, 9, 9));
+  EXPECT_LE(peak.MiB(), 4);
+}
+
+TEST_F(Bomb, OfAWebpWithManyFramesOnlyTheFirstIsDecoded) {
+  const Picture picture = {2, 2, std::vector<Pixel>(4, Rgb(9, 200, 9))};
+  uint8_t* out = nullptr;
+  const size_t size = WebPEncodeLosslessBGRA(&picture.pixels[0].b, 2, 2, 8, &out);
+  WebPMuxFrameInfo frame = {};
+  frame.bitstream = {out, size};
+  frame.id = WEBP_CHUNK_ANMF;
+  frame.duration = 1;
+  WebPMux* mux = WebPMuxNew();
+  for (int i = 0; i < 3000; ++i) WebPMuxPushFrame(mux, &frame, 1);
+  const WebPMuxAnimParams animation = {0, 0};
+  WebPMuxSetAnimationParams(mux, &animation);
+  WebPData assembled = {};
+  ASSERT_EQ(WebPMuxAssemble(mux, &assembled), WEBP_MUX_OK);
+  const std::string path =
+      Write("frames.webp", Bytes(assembled.bytes, assembled.bytes + assembled.size));
+  WebPDataClear(&assembled);
+  WebPMuxDelete(mux);
+  WebPFree(out);
+  const PeakMemory peak;
+  EXPECT_EQ(Draw(path).error, noErr);
+  EXPECT_EQ(LoadStill(path).picture.at(1, 1), Rgb(9, 200, 9));
+  EXPECT_LE(peak.MiB(), 8);
+}
+
+TEST_F(Bomb, AnExifBlockWhoseDirectoriesContainThemselvesComesToAnEnd) {
+  Bytes exif = {'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0, 8, 0, 0, 0};
+  // Orientation 6, then three pointers back to the directory that holds them.
+  Append(exif, {4, 0});
+  Append(exif, {0x12, 1, 3, 0, 1, 0, 0, 0, 6, 0, 0, 0});
+  Append(exif, {0x69, 0x87, 4, 0, 1, 0, 0, 0, 8, 0, 0, 0});
+  Append(exif, {0x25, 0x88, 4, 0, 1, 0, 0, 0, 8, 0, 0, 0});
+  Append(exif, {0x05, 0xa0, 4, 0, 1, 0, 0, 0, 8, 0, 0, 0});
+  Append(exif, {8, 0, 0, 0});
+  JpegSpec spec = JpegOf(GradientPicture(16, 8));
+  spec.exif = exif;
+  const PeakMemory peak;
+  const Loaded loaded = Load(EncodeJpeg(spec));
+  EXPECT_EQ(loaded.error, noErr);
+  EXPECT_EQ(loaded.picture.width, 8) << "turned by orientation 6";
+  EXPECT_LE(peak.MiB(), 4);
+}
+
+}  // namespace
+}  // namespace kelto::stills
