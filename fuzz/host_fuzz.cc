@@ -39,7 +39,7 @@ constexpr int kMostSteps = 120;
 constexpr size_t kMostInstances = 12;
 /// Large photographs, which take a second, are met by few inputs and a few times by each.
 constexpr int kMostLargeSteps = 3;
-constexpr int kMostStepsWithLarge = 12;
+constexpr int kMostStepsWithLarge = 8;
 
 /// What the host's dialog and host state answer next.
 struct Answers {

@@ -123,8 +123,8 @@ void hfxInstance_v1::AddParameter(hfxParameter* parameter, hfxPGroup* group) {
   if (added.owner != nullptr) return;
   auto& list = FindParameter(parameter->GetKeyName()) ? impl_->duplicates : impl_->parameters;
   std::unique_ptr<hfxParameter> owned(parameter);  // from here on, memory for the list or not
-  list.push_back(parameter);
-  owned.release();
+  list.push_back(owned.get());
+  static_cast<void>(owned.release());  // the list's now
   added.owner = this;
   added.group = impl_->Lists(group) && group != parameter ? group : nullptr;
 }

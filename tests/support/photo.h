@@ -63,9 +63,10 @@ inline void WritePhoto(const std::string& path, int32_t width, int32_t height,
     uint8_t* row = &file[54 + size_t{rowBytes} * (height - 1 - y)];
     for (int32_t x = 0; x < width; ++x) {
       const Rgb c = pixel(x, y);
-      row[3 * x] = c.b;
-      row[3 * x + 1] = c.g;
-      row[3 * x + 2] = c.r;
+      uint8_t* to = row + size_t{3} * x;
+      to[0] = c.b;
+      to[1] = c.g;
+      to[2] = c.r;
     }
   }
   std::ofstream(path, std::ios::binary).write(reinterpret_cast<char*>(file.data()), size);

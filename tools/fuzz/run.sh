@@ -25,7 +25,7 @@ for target in "$@"; do
     host) options='-max_len=1000 -len_control=0' ;;
     *) options='-max_len=4000' ;;
   esac
-  if "build-fuzz/bin/fuzz_$target" -max_total_time="$seconds" -timeout=25 -rss_limit_mb=3000 \
+  if "build-fuzz/bin/fuzz_$target" -max_total_time="$seconds" -timeout=60 -rss_limit_mb=3000 \
     -artifact_prefix="$found/" -print_final_stats=1 $options "$corpus" $known >"$log" 2>&1; then
     runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
     echo "$target: $runs inputs in $seconds s, nothing found"

@@ -73,6 +73,7 @@ class Soak {
     std::printf("\n%d frames over %d instances, cache commands between\n", frames, instances);
     std::printf("%10s %12s %14s %10s\n", "frames", "memory MiB", "pictures MiB", "seconds");
     std::vector<EffectPtr> effects;
+    effects.reserve(static_cast<size_t>(instances));
     for (int i = 0; i < instances; ++i) {
       effects.push_back(New(Photo("small" + std::to_string(i % 7), 160 + 20 * (i % 7), 120)));
     }
@@ -155,7 +156,7 @@ class Soak {
   }
 
   std::string Photo(const std::string& name, int32_t width, int32_t height) {
-    const std::string path = folder_ / (name + ".bmp");
+    std::string path = folder_ / (name + ".bmp");
     test::WritePhoto(path, width, height, [](int32_t x, int32_t y) {
       return test::Rgb{static_cast<uint8_t>(x), static_cast<uint8_t>(y), 80};
     });

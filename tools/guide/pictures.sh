@@ -1,0 +1,24 @@
+#!/bin/sh
+# Makes the pictures of docs/guide.md anew, by its own commands. Needs a build in build/.
+set -eu
+cd "$(dirname "$0")/../.."
+guide=$PWD/docs/guide
+tools=$PWD/tools/guide
+PATH=$PWD/build/bin:$PATH
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+"$tools/prepare.sh" "$folder"
+"$tools/examples.sh" docs/guide.md | grep -v "^kelto play" >"$folder/examples.sh"
+cd "$folder"
+sh -eu ./examples.sh >/dev/null
+
+# frames FILM FRAMES PICTURE: these frames of a film side by side
+frames() {
+  ffmpeg -nostdin -v error -y -i "$1" -vf "select='$2',scale=480:-2,tile=${4}x1:padding=6" \
+    -frames:v 1 -q:v 3 "$3"
+}
+for sheet in auto parts; do convert "$sheet.png" -resize 1000x -quality 80 "$guide/$sheet.jpg"; done
+convert motion.png -resize 1000x -colors 64 "$guide/motion.png"
+frames titled.mp4 'eq(n,10)+eq(n,24)+eq(n,45)' "$guide/over.jpg" 3
+frames show.mp4 'eq(n,40)+eq(n,87)+eq(n,150)+eq(n,300)' "$guide/show.jpg" 4
+ls -l "$guide"

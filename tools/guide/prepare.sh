@@ -1,0 +1,14 @@
+#!/bin/sh
+# prepare.sh FOLDER: the photographs, video and sound that the examples of the documents speak of.
+set -eu
+cd "$1"
+photos=/usr/share/backgrounds
+ln -sf "$photos/picosdeeuropa_by_Aitzol_Berasategi.jpg" photo.jpg
+ln -sf "$photos/friends_by_Aitzol_Berasategi.jpg" portrait.jpg
+mkdir -p photos
+for name in picosdeeuropa sunset life friends; do
+  ln -sf "$photos/${name}_by_Aitzol_Berasategi.jpg" "photos/$name.jpg"
+done
+[ -f clip.mp4 ] || ffmpeg -nostdin -v error -f lavfi -i testsrc2=size=1280x720:rate=25 -f lavfi \
+  -i sine=frequency=440 -t 2 -pix_fmt yuv420p clip.mp4
+[ -f music.wav ] || ffmpeg -nostdin -v error -f lavfi -i sine=frequency=330:duration=6 music.wav
