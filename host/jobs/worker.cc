@@ -89,12 +89,19 @@ Worker::Worker(WorkerEnd end, const std::function<void(Channel&)>& work) : end_(
 Worker::~Worker() {
   std::erase(OwnersEnds(), line_->Socket());
   if (process_ < 0) return;
-  kill(process_, end_ == WorkerEnd::kAtOnce ? SIGKILL : SIGTERM);
+  if (end_ == WorkerEnd::kAtOnce) {
+    kill(process_, SIGKILL);
+  } else {
+    Stop();
+  }
   WaitForEnd();
 }
 
 void Worker::Stop() {
-  if (process_ >= 0) kill(process_, SIGTERM);
+  // A second SIGTERM would end it while it clears up.
+  if (process_ < 0 || asked_) return;
+  asked_ = true;
+  kill(process_, SIGTERM);
 }
 
 std::string Worker::WaitForEnd() {

@@ -39,6 +39,7 @@ class Worker {
 
  private:
   WorkerEnd end_;
+  bool asked_ = false;  ///< to end
   pid_t process_ = -1;
   std::unique_ptr<Channel> line_;
 };

@@ -10,6 +10,7 @@ namespace {
 using nlohmann::json;
 
 constexpr size_t kMaxShown = 60;
+constexpr auto kReplace = json::error_handler_t::replace;
 
 /// Schemas that hold for the same value.
 using Schemas = std::vector<const json*>;
@@ -179,13 +180,15 @@ std::string ToString(const FieldPath& path) {
   std::string text;
   for (const std::string& step : path) {
     text += text.empty() || IsPlace(step) ? "" : ".";
-    text += step.size() > kMaxShown ? step.substr(0, kMaxShown) + "..." : step;
+    const std::string quoted = json(step.substr(0, kMaxShown)).dump(-1, ' ', false, kReplace);
+    text += quoted.substr(1, quoted.size() - 2);  // a line break in a name stays one line
+    if (step.size() > kMaxShown) text += "...";
   }
   return text.empty() ? "the file" : text;
 }
 
 std::string Shown(const json& value) {
-  std::string text = value.dump(-1, ' ', true, json::error_handler_t::replace);
+  std::string text = value.dump(-1, ' ', true, kReplace);
   if (text.size() <= kMaxShown) return text;
   return text.substr(0, kMaxShown) + "...";
 }

@@ -9,6 +9,7 @@
 
 #include "host/error.h"
 #include "host/jobs/shared_frames.h"
+#include "host/terminal/interrupt.h"
 #include "host/terminal/terminal.h"
 
 namespace kelto::host {
@@ -79,6 +80,28 @@ TEST(Worker, EndsWithTheObject) {
   Worker worker(WorkerEnd::kAtOnce, [](Channel&) {
     for (;;) pause();
   });
+}
+
+TEST(Worker, AskedToEndIsLeftToClearUp) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  {
+    Worker worker(WorkerEnd::kClearUp, [&](Channel& line) {
+      CatchInterrupts();
+      line.Send({});
+      while (InterruptSignal() == 0) usleep(1000);
+      usleep(100'000);
+      EXPECT_EQ(write(ends[1], "x", 1), 1);
+    });
+    worker.Line().Receive();
+    worker.Stop();
+    // The object's end asks for the same, and must not do so by a second signal.
+    usleep(20'000);
+  }
+  close(ends[1]);
+  char byte = 0;
+  EXPECT_EQ(read(ends[0], &byte, 1), 1);
+  close(ends[0]);
 }
 
 TEST(SharedFrames, WrittenInAWorkerAreSeenByTheOwner) {

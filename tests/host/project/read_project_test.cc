@@ -163,6 +163,7 @@ TEST(ReadProject, EveryFaultNamesItsField) {
       {Fault(R"({"image": "a", "film": {"displayAspect": "wide"}})"), "film.displayAspect", "form"},
       {Fault(R"({"image": "a", "film": {"displayAspect": "0:1"}})"), "film.displayAspect", "65535"},
       {Fault(R"({"image": "a", "film": {"length": 1}})"), "film.length", "there is no such field"},
+      {Fault(R"({"image": "a", "film": {"a\nb": 1}})"), "film.a\\nb", "there is no such field"},
       {FaultOf("lens", "{}"), "parameters.lens", "there is no such field; there are"},
       {FaultOf("size", "2"), "parameters.size", "is not an object {...} or an array [...]"},
       {FaultOf("size", R"({"valu": 2})"), "parameters.size.valu", "there is no such field"},
