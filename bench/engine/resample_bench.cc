@@ -31,9 +31,7 @@ class Pictures {
     const std::vector<uint8_t> noise = NoisyBytes(size_t{4} * kImageWidth * kImageHeight);
     std::memcpy(header_->imageData, noise.data(), noise.size());
   }
-  uint8_t* Image() const {
-    return static_cast<uint8_t*>(static_cast<void*>(header_->imageData));
-  }
+  uint8_t* Image() const { return static_cast<uint8_t*>(static_cast<void*>(header_->imageData)); }
   std::vector<uint8_t> frame = NoisyBytes(size_t{4} * kFrameWidth * kFrameHeight);
 
  private:

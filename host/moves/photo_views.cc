@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/error.h"
+#include "host/preview/drawn_frame.h"
 #include "host/session/render_state.h"
 
 namespace kelto::host {
@@ -23,23 +24,6 @@ bool SwitchedOn(const RenderPlan& plan, const char* parameter, bool usual) {
   return on != nullptr ? *on : usual;
 }
 
-DrawnFrame FrameOf(const RenderPlan& plan, PixelSize photo) {
-  const hfx::RenderState state = FieldState(plan, 0, 0);
-  DrawnFrame frame;
-  frame.photo = photo;
-  frame.frame = {plan.format.size.width, plan.format.size.height};
-  frame.output = frame.frame;
-  if (plan.format.Interlaced()) {
-    frame.output.height = (frame.frame.height + (state.topField ? 1 : 0)) / 2;
-  }
-  frame.fieldMode = state.fieldMode;
-  frame.videoType = state.videoType;
-  frame.playMode = plan.playMode;
-  frame.displayAspect = state.displayAspect;
-  frame.squarePixels = SwitchedOn(plan, "squarepixels", true);
-  return frame;
-}
-
 /// Where a stretch of this length begins that is moved into 0..`end`, or about its middle.
 double Moved(double begin, double length, double end) {
   if (length >= end) return (end - length) / 2;
@@ -48,7 +32,9 @@ double Moved(double begin, double length, double end) {
 
 }  // namespace
 
-PhotoViews::PhotoViews(const RenderPlan& plan, PixelSize photo) : frame_(FrameOf(plan, photo)) {
+PhotoViews::PhotoViews(const RenderPlan& plan, PixelSize photo)
+    : frame_(FrameToDraw(plan, photo, FieldState(plan, 0, 0),
+                         SwitchedOn(plan, "squarepixels", true))) {
   const DrawnArea base = AreaOf(frame_);
   baseWidth_ = base.right - base.left;
   baseHeight_ = base.bottom - base.top;

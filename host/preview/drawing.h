@@ -9,7 +9,7 @@
 #include "host/film/film_format.h"
 
 // Cairo's own names, so that its header stays out of this one.
-using cairo_t = struct _cairo;  // NOLINT(bugprone-reserved-identifier)
+using cairo_t = struct _cairo;                  // NOLINT(bugprone-reserved-identifier)
 using cairo_surface_t = struct _cairo_surface;  // NOLINT(bugprone-reserved-identifier)
 
 namespace kelto::host {

@@ -1,5 +1,6 @@
 #include "host/preview/frame_facts.h"
 
+#include "host/preview/drawn_frame.h"
 #include "host/session/render_state.h"
 
 namespace kelto::host {
@@ -38,18 +39,7 @@ DrawnArea FrameInspector::ViewArea(const FrameFacts& facts) const {
 
 DrawnArea FrameInspector::Area(const FrameFacts& facts, const View& view) const {
   const hfx::RenderState state = FieldState(plan_, facts.number, facts.field, quality_);
-  DrawnFrame frame;
-  frame.photo = photo_;
-  frame.frame = {plan_.format.size.width, plan_.format.size.height};
-  frame.output = frame.frame;
-  if (plan_.format.Interlaced()) {
-    frame.output.height = (frame.frame.height + (state.topField ? 1 : 0)) / 2;
-  }
-  frame.fieldMode = state.fieldMode;
-  frame.videoType = state.videoType;
-  frame.playMode = plan_.playMode;
-  frame.displayAspect = state.displayAspect;
-  frame.squarePixels = squarePixels_;
+  DrawnFrame frame = FrameToDraw(plan_, photo_, state, squarePixels_);
   frame.zoom = view.zoom;
   frame.x = view.x;
   frame.y = view.y;

@@ -4,6 +4,7 @@
 
 #include "host/error.h"
 #include "host/film/output_file.h"
+#include "host/program/program_folder.h"
 #include "host/project/display_aspect.h"
 #include "host/project/layout.h"
 #include "host/project/paths.h"
@@ -75,9 +76,8 @@ ordered_json ParametersOf(const RenderPlan& plan) {
 std::string ProjectText(const std::string& path, const RenderPlan& plan) {
   try {
     ordered_json document;
-#if defined(KELTO_INSTALLED_SCHEMA)
-    document["$schema"] = KELTO_INSTALLED_SCHEMA;
-#endif
+    const std::string schema = SchemaUrl(ProgramFolder());
+    if (!schema.empty()) document["$schema"] = schema;
     document["image"] = ForProject(path, plan.photo);
     if (!plan.over.empty()) document["over"] = ForProject(path, plan.over);
     if (!plan.audio.empty()) document["audio"] = ForProject(path, plan.audio);

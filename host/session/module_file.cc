@@ -1,36 +1,13 @@
 #include "host/session/module_file.h"
 
 #include <cstdlib>
-#include <system_error>
 
 #include "host/error.h"
-
-#if defined(_WIN32)
-#include <windows.h>
-#endif
+#include "host/program/program_folder.h"
 
 namespace kelto::host {
-namespace {
 
 namespace fs = std::filesystem;
-
-fs::path ExecutableFolder() {
-#if defined(_WIN32)
-  char name[MAX_PATH] = {};
-  GetModuleFileNameA(nullptr, name, MAX_PATH);
-  return fs::path(name).parent_path();
-#else
-  std::error_code error;
-  return fs::read_symlink("/proc/self/exe", error).parent_path();
-#endif
-}
-
-bool IsFile(const fs::path& path) {
-  std::error_code error;
-  return fs::is_regular_file(path, error);
-}
-
-}  // namespace
 
 std::vector<fs::path> SearchedFiles(const fs::path& executableFolder) {
   const fs::path up = executableFolder.parent_path();
@@ -49,7 +26,7 @@ std::string FindModule(const std::string& given) {
     throw Error(std::string(kModuleVariable) + "=" + named + ": there is no such file");
   }
   std::string searched;
-  for (const fs::path& path : SearchedFiles(ExecutableFolder())) {
+  for (const fs::path& path : SearchedFiles(ProgramFolder())) {
     if (IsFile(path)) return path.string();
     searched += searched.empty() ? "" : ", ";
     searched += path.string();

@@ -12,8 +12,9 @@ cat >"$folder/build/bin/kelto" <<EOF
 # A film for the test need not be large; a window needs a screen and somebody who closes it.
 case " \$* " in
   *" play "*)
-    exec xvfb-run -a sh -c '"\$0" "\$@" & until xdotool search --name frame key q; do sleep 0.2; done
-      wait \$!' "$kelto" "\$@" >/dev/null 2>&1 ;;
+    exec xvfb-run -a sh -c '"\$0" "\$@" & player=\$!
+      while kill -0 \$player; do xdotool search --name frame key q >&2; sleep 0.2; done 2>/dev/null
+      wait \$player' "$kelto" "\$@" ;;
   *" --size "* | *" doctor "* | *" completion "*) exec "$kelto" "\$@" ;;
 esac
 exec "$kelto" "\$@" --size 320x180

@@ -32,6 +32,12 @@ done
 grep -qF "module: $tree/lib/kelto/KeltoPanAndZoom.hfx, renders" "$folder/doctor" ||
   { cat "$folder/doctor"; fail "another module was found"; }
 
+# Editors find the schema by a project's first line.
+ffmpeg -nostdin -v error -f lavfi -i testsrc2=64x48 -frames:v 1 "$folder/photo.png"
+"$tree/bin/kelto" new "$folder/photo.png" -o "$folder/move.json" >/dev/null
+schema=$(sed -n 's|.*"$schema": "file://\([^"]*\)".*|\1|p' "$folder/move.json")
+[ -s "$schema" ] || fail "a new project names the schema '$schema'"
+
 # A program of somebody else's, by CMake and by pkg-config.
 consumer=$source/tests/packaging/consumer
 cmake -S "$consumer" -B "$folder/consumer" -DCMAKE_PREFIX_PATH="$tree" >"$folder/log" 2>&1 &&

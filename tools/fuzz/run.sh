@@ -8,5 +8,6 @@ set -eu
 cd "$(dirname "$0")/../.."
 seconds=${1:-60}
 [ $# -eq 0 ] || shift
+[ -d build-fuzz/bin ] || { echo "fuzz: nothing is built; run ./dev fuzz" >&2; exit 1; }
 [ $# -gt 0 ] || set -- $(ls build-fuzz/bin | sed -n 's/^fuzz_//p')
 printf '%s\n' "$@" | xargs -P "$(nproc)" -n 1 sh tools/fuzz/one.sh "$seconds"

@@ -157,7 +157,7 @@ TEST_F(BatchCommand, GoesOnAfterAKillWithoutDoingWorkAgain) {
   };
   for (int i = 0; i < 200 && unfinished(); ++i) std::this_thread::sleep_for(50ms);
   const auto before = Written();
-  ASSERT_GE(before.size(), 29u);
+  ASSERT_GE(before.size(), 28u) << "two may have been unfinished";
   ASSERT_LT(before.size(), 120u);
 
   std::this_thread::sleep_for(20ms);

@@ -43,7 +43,8 @@ struct DecodedFilm {
   std::vector<DecodedFrame> frames;
 };
 
-/// Decodes all frames of the first stream. Fails the test and returns what there is when the file cannot be read.
+/// Decodes all frames of the first stream. Fails the test and returns what there is when the file
+/// cannot be read.
 DecodedFilm ReadFilm(const std::string& path);
 
 /// The colour of a pixel in a studio-range frame coded with `matrix` (BT.709, else BT.601).

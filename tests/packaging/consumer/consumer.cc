@@ -15,8 +15,7 @@ int main(int, char** argv) {
   hfx::ImageBuffer input(64, 48, hfxColorspaceRGB), output(64, 48, hfxColorspaceRGB);
   hfx::RenderState state;
   if (!effect->BeginRender(0, &error) ||
-      !effect->Render(state, input.image(), output.image(), &error) ||
-      !effect->EndRender(&error)) {
+      !effect->Render(state, input.image(), output.image(), &error) || !effect->EndRender(&error)) {
     std::fprintf(stderr, "%s\n", error.c_str());
     return 1;
   }

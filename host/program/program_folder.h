@@ -1,0 +1,19 @@
+// Where the running program lies, and so what was installed or built with it.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace kelto::host {
+
+/// The folder of the running program's file; empty when the system does not tell.
+std::filesystem::path ProgramFolder();
+
+/// Whether there is a file of that name; false, too, where that cannot be told.
+bool IsFile(const std::filesystem::path& path);
+
+/// The schema of project files beside a program in `programFolder`, as a URL for editors; empty
+/// when it is not there.
+std::string SchemaUrl(const std::filesystem::path& programFolder);
+
+}  // namespace kelto::host
