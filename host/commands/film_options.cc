@@ -20,9 +20,9 @@ namespace fs = std::filesystem;
 constexpr int64_t kMaxJobs = 256;
 
 /// Options that leave a film as it is.
-constexpr std::array kSettleNoPicture = {
-    "output", "format",       "module", "jobs",         "quiet", "json",    "record",
-    "resume", "save-project", "plan",   "save-project", "help",  "help-all"};
+constexpr std::array kSettleNoPicture = {"output",       "format", "module", "jobs",
+                                         "quiet",        "json",   "record", "resume",
+                                         "save-project", "plan",   "help",   "help-all"};
 
 bool NamesFile(const std::string& option) { return option == "audio" || option == "over"; }
 

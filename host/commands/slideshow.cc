@@ -137,7 +137,10 @@ CLI::App* AddSlideshow(CLI::App& app) {
       ->type_name("TIME");
   DeclarePlan(*command, options->plan);
   for (const char* replaced : {"--seconds", "--frames", "--over"}) {
-    command->remove_option(command->get_option(replaced));
+    // Not every build has all of them.
+    if (CLI::Option* option = command->get_option_no_throw(replaced); option != nullptr) {
+      command->remove_option(option);
+    }
   }
   command->final_callback([options] { Run(*options); });
   return command;

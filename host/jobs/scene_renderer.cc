@@ -62,7 +62,7 @@ void SceneRenderer::RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, size_t scene
   session_->RenderInto(pixels, rowBytes, number);
 }
 
-void SceneRenderer::Prepare(size_t scene, int32_t number) {
+void SceneRenderer::Prepare(size_t scene, [[maybe_unused]] int32_t number) {
   if (scene != open_) Open(scene);
 #if defined(KELTO_FFMPEG)
   if (video_) CopyTo(video_->Frame(number), list_.layout, session_->Input());
