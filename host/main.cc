@@ -3,6 +3,7 @@
 #include <cstring>
 #include <exception>
 #include <new>
+#include <string>
 
 #include "host/commands/batch.h"
 #include "host/commands/completion.h"
@@ -48,6 +49,19 @@ void AnswerModules() {
   hfx::SetConsole([](const std::string& text) { PrintMessage(text); });
 }
 
+/// The parser itself would only say that a command is missing.
+void CheckCommandName(const CLI::App& app, int argc, char** argv) {
+  if (argc < 2 || argv[1][0] == '-') return;
+  std::string names;
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    if (command->check_name(argv[1])) return;
+    if (command->get_group().empty()) continue;  // one that is not shown
+    names += (names.empty() ? "" : ", ") + command->get_name();
+  }
+  throw UsageError("there is no command \"" + std::string(argv[1]) + "\"; there are " + names +
+                   "; see kelto --help");
+}
+
 int Run(int argc, char** argv) {
   CLI::App app("Pans and zooms over photographs.", "kelto");
   app.set_version_flag("--version", VersionText, "Version, instruction set and libraries");
@@ -66,6 +80,7 @@ int Run(int argc, char** argv) {
   AddPlay(app)->footer(kExitCodes);
 #endif
 
+  CheckCommandName(app, argc, argv);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& request) {

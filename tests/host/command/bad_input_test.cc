@@ -220,6 +220,14 @@ TEST_F(BadInput, NoArgumentsOrTooFew) {
   }
 }
 
+TEST_F(BadInput, ACommandThatIsNone) {
+  const Outcome outcome = RunKelto({"redner", photo_});
+  EXPECT_EQ(outcome.code, kMisused);
+  EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+  EXPECT_THAT(outcome.err,
+              HasSubstr("there is no command \"redner\"; there are render, new, batch"));
+}
+
 TEST_F(BadInput, EmptyNames) {
   for (const auto& [photo, out] : {std::pair{std::string(), films_ / "film.mp4"}, {photo_, ""}}) {
     const Outcome outcome = Render(photo, out, {"--format", "mp4"});
