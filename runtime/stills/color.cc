@@ -92,6 +92,15 @@ void Cmyka8ToBgra8(const uint8_t* from, uint8_t* to, uint32_t pixels) {
   }
 }
 
+/// The colour space that a profile's header names: ICC.1:2022, 7.2.8. Little CMS would give it as
+/// an enumeration, which damaged profiles leave.
+uint32_t ColorSpaceOf(std::span<const uint8_t> icc) {
+  constexpr size_t kPlace = 16;
+  if (icc.size() < kPlace + 4) return 0;
+  return uint32_t{icc[kPlace]} << 24 | uint32_t{icc[kPlace + 1]} << 16 |
+         uint32_t{icc[kPlace + 2]} << 8 | icc[kPlace + 3];
+}
+
 }  // namespace
 
 size_t BytesPerPixel(PixelFormat format) {
@@ -116,7 +125,7 @@ ColorConverter::ColorConverter(std::span<const uint8_t> icc, ColorModel model, P
   context_->CheckMemory();
   if (!profile || !srgb) return;
 
-  const cmsColorSpaceSignature space = cmsGetColorSpace(profile.get());
+  const uint32_t space = ColorSpaceOf(icc);
   if (space == cmsSigGrayData && model == ColorModel::kGrey) {
     BuildGreyTable(profile.get(), srgb.get());
   } else if ((space == cmsSigRgbData && model != ColorModel::kCmyk) ||
