@@ -136,6 +136,8 @@ Window::Window(const std::string& title, FrameSize size, SampleAspect aspect, in
   // The command has its own way with signals, and a player lets the screen go dark when paused.
   SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
   SDL_SetHint(SDL_HINT_RENDER_SCALE_QUALITY, "linear");
+  // The click that brings the window to the front is meant for what lies under it, too.
+  SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
   SDL_SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
   SDL_SetMainReady();
   OpenScreen();
