@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <new>
 #include <system_error>
 
 namespace kelto::host {
@@ -15,6 +16,7 @@ bool IsNetworkPath(const std::string& path) { return path.starts_with("\\\\"); }
 fs::path Full(const std::string& path) {
   std::error_code error;
   const fs::path full = fs::absolute(path, error);
+  if (error == std::errc::not_enough_memory) throw std::bad_alloc();
   if (error) return path;
   return std::find(full.begin(), full.end(), "..") == full.end() ? full.lexically_normal() : full;
 }

@@ -13,6 +13,7 @@
 #include "host/project/complaint.h"
 #include "host/project/display_aspect.h"
 #include "host/project/json_text.h"
+#include "host/project/memory_reserve.h"
 #include "host/project/paths.h"
 #include "host/project/project_file.h"
 #include "host/project/schema.h"
@@ -186,6 +187,7 @@ bool IsProjectName(const std::string& path) {
 }
 
 RenderPlan ParseProject(const std::string& text, const std::string& path) {
+  const MemoryReserve reserve(text.size());
   try {
     return PlanOf(text, path);
   } catch (const Error& error) {

@@ -1,5 +1,6 @@
 #include "host/project/schema.h"
 
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <string_view>
 #include <valijson/adapters/nlohmann_json_adapter.hpp>
@@ -21,13 +22,14 @@ const json& SchemaDocument() {
 }
 
 const valijson::Schema& CompiledSchema() {
-  static const valijson::Schema& compiled = [&]() -> valijson::Schema& {
-    static valijson::Schema schema;
+  // Whole or not there: a second try begins with an empty one.
+  static const std::unique_ptr<const valijson::Schema> compiled = [] {
+    auto schema = std::make_unique<valijson::Schema>();
     valijson::SchemaParser(valijson::SchemaParser::kDraft7)
-        .populateSchema(valijson::adapters::NlohmannJsonAdapter(SchemaDocument()), schema);
+        .populateSchema(valijson::adapters::NlohmannJsonAdapter(SchemaDocument()), *schema);
     return schema;
   }();
-  return compiled;
+  return *compiled;
 }
 
 /// The validator's way to a value: "<root>", then "[name]" or "[2]".

@@ -7,6 +7,7 @@
 #include "host/program/program_folder.h"
 #include "host/project/display_aspect.h"
 #include "host/project/layout.h"
+#include "host/project/memory_reserve.h"
 #include "host/project/paths.h"
 #include "host/project/project_file.h"
 #include "host/project/schema.h"
@@ -71,20 +72,25 @@ ordered_json ParametersOf(const RenderPlan& plan) {
   return parameters;
 }
 
+std::string TextOf(const std::string& path, const RenderPlan& plan) {
+  const MemoryReserve reserve(0);
+  ordered_json document;
+  const std::string schema = SchemaUrl(ProgramFolder());
+  if (!schema.empty()) document["$schema"] = schema;
+  document["image"] = ForProject(path, plan.photo);
+  if (!plan.over.empty()) document["over"] = ForProject(path, plan.over);
+  if (!plan.audio.empty()) document["audio"] = ForProject(path, plan.audio);
+  document["film"] = FilmOf(plan);
+  document["playMode"] = plan.playMode;
+  document["parameters"] = ParametersOf(plan);
+  return LaidOut(document);
+}
+
 }  // namespace
 
 std::string ProjectText(const std::string& path, const RenderPlan& plan) {
   try {
-    ordered_json document;
-    const std::string schema = SchemaUrl(ProgramFolder());
-    if (!schema.empty()) document["$schema"] = schema;
-    document["image"] = ForProject(path, plan.photo);
-    if (!plan.over.empty()) document["over"] = ForProject(path, plan.over);
-    if (!plan.audio.empty()) document["audio"] = ForProject(path, plan.audio);
-    document["film"] = FilmOf(plan);
-    document["playMode"] = plan.playMode;
-    document["parameters"] = ParametersOf(plan);
-    std::string text = LaidOut(document);
+    std::string text = TextOf(path, plan);
     // Nothing is written that could not be read.
     ParseProject(text, path);
     return text;

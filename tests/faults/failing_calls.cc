@@ -222,18 +222,27 @@ void* NewOrNull(size_t size) {
   return Refuse(allocations) ? nullptr : Real().malloc(size == 0 ? 1 : size);
 }
 
+/// Lets who has memory to spare give some away, or throws.
+void AskForMemory() {
+  const std::new_handler handler = std::get_new_handler();
+  if (handler == nullptr) throw std::bad_alloc();
+  handler();
+}
+
 void* New(size_t size) {
-  if (void* memory = NewOrNull(size)) return memory;
-  throw std::bad_alloc();
+  for (;; AskForMemory()) {
+    if (void* memory = NewOrNull(size)) return memory;
+  }
 }
 
 void* NewAligned(size_t size, std::align_val_t alignment) {
-  void* memory = nullptr;
-  if (!Refuse(allocations) &&
-      Real().posix_memalign(&memory, static_cast<size_t>(alignment), size == 0 ? 1 : size) == 0) {
-    return memory;
+  for (;; AskForMemory()) {
+    void* memory = nullptr;
+    if (!Refuse(allocations) &&
+        Real().posix_memalign(&memory, static_cast<size_t>(alignment), size == 0 ? 1 : size) == 0) {
+      return memory;
+    }
   }
-  throw std::bad_alloc();
 }
 
 }  // namespace

@@ -1,0 +1,20 @@
+// Memory set aside for what cannot do without.
+#pragma once
+
+#include <cstddef>
+
+namespace kelto::host {
+
+/// While it lives, the first allocation that fails gets this memory instead. JSON values take
+/// memory as they are given back, and end the process when there is none. One at a time; other
+/// threads may allocate meanwhile.
+class MemoryReserve {
+ public:
+  /// For a document of `bytes`. Throws std::bad_alloc.
+  explicit MemoryReserve(size_t bytes);
+  ~MemoryReserve();
+  MemoryReserve(const MemoryReserve&) = delete;
+  MemoryReserve& operator=(const MemoryReserve&) = delete;
+};
+
+}  // namespace kelto::host

@@ -1,0 +1,73 @@
+// A project file is read with every allocation failing once.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <new>
+#include <string>
+
+#include "host/error.h"
+#include "host/project/project_file.h"
+#include "tests/faults/failing_calls.h"
+
+namespace kelto {
+namespace {
+
+using test::FailingCall;
+using test::FailNth;
+
+constexpr const char* kName = "some.json";
+
+/// A project with a bit of everything, and one that is refused.
+constexpr const char* kGood = R"({
+  "image": "photo.jpg",
+  "film": {"width": 640, "height": 360, "rate": 25, "frames": 50},
+  "parameters": {
+    "size": [{"time": 0, "value": 1}, {"time": 1, "value": 2}],
+    "filter": {"value": "Filter: Gaussian"}
+  }
+})";
+constexpr const char* kBad = R"({"image": "photo.jpg", "parameters": {"size": [{"time": 0}]}})";
+
+/// What reading `text` comes to: the project as it is saved, or the line that refuses it.
+std::string Read(const std::string& text) {
+  try {
+    return host::ProjectText(kName, host::ParseProject(text, kName));
+  } catch (const host::Error& error) {
+    return error.what();
+  }
+}
+
+TEST(AProjectFile, OfTheseIsReadOrRefused) {
+  EXPECT_THAT(Read(kGood), testing::StartsWith("{"));
+  EXPECT_THAT(Read(kBad), testing::StartsWith("some.json: parameters.size[0]: "));
+}
+
+class AProjectFileIsReadAgain : public testing::TestWithParam<const char*> {};
+
+INSTANTIATE_TEST_SUITE_P(Texts, AProjectFileIsReadAgain, testing::Values(kGood, kBad));
+
+TEST_P(AProjectFileIsReadAgain, AfterAnyAllocationHasFailed) {
+  const std::string text = GetParam();
+  const std::string expected = Read(text);
+  bool fired = true;
+  int64_t n = 0;
+  while (fired) {
+    std::string first;
+    FailNth failing(FailingCall::Allocation, ++n);
+    try {
+      first = Read(text);
+    } catch (const std::bad_alloc&) {
+      first = "no memory";
+    }
+    failing.Stop();
+    fired = failing.Fired();
+    ASSERT_THAT(first, testing::AnyOf("no memory", expected)) << "allocation " << n;
+    if (!fired || n % 64 == 0) {
+      ASSERT_EQ(Read(text), expected) << "allocation " << n;
+    }
+  }
+  EXPECT_GT(n, 100);
+}
+
+}  // namespace
+}  // namespace kelto
