@@ -137,8 +137,8 @@ std::optional<host::Colour> ColourBehind(const host::RenderPlan& plan) {
   if (rgb == nullptr) return host::Colour{};
   // Back from the studio levels that the effect takes.
   const auto seen = [](double channel) {
-    return static_cast<uint8_t>(std::clamp((channel * 255.0 - 16.0) * 255.0 / 219.0, 0.0, 255.0) +
-                                0.5);
+    return static_cast<uint8_t>(
+        std::lround(std::clamp((channel * 255.0 - 16.0) * 255.0 / 219.0, 0.0, 255.0)));
   };
   return host::Colour{seen((*rgb)[0]), seen((*rgb)[1]), seen((*rgb)[2])};
 }

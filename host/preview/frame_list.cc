@@ -99,9 +99,15 @@ class FrameList {
   bool first_ = true;
 };
 
+[[noreturn]] void ThrowUnwritten(int cause) {
+  // The reader has seen enough, as `head` does after some lines.
+  if (cause == EPIPE) throw ToldError();
+  throw Error("the list cannot be written: " + std::generic_category().message(cause));
+}
+
 void FrameList::Write(const std::string& text) {
   if (std::fwrite(text.data(), 1, text.size(), out_) != text.size()) {
-    throw Error("the list cannot be written: " + std::generic_category().message(errno));
+    ThrowUnwritten(errno);
   }
 }
 
@@ -165,7 +171,7 @@ void FrameList::Add(const FrameFacts& facts) {
 void FrameList::End() {
   if (form_ == ListForm::kJson) Write("\n]}\n");
   if (std::fflush(out_) != 0) {
-    throw Error("the list cannot be written: " + std::generic_category().message(errno));
+    ThrowUnwritten(errno);
   }
 }
 

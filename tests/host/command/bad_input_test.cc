@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -226,6 +227,13 @@ TEST_F(BadInput, ACommandThatIsNone) {
   EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
   EXPECT_THAT(outcome.err,
               HasSubstr("there is no command \"redner\"; there are render, new, batch"));
+}
+
+TEST_F(BadInput, AReaderThatHasSeenEnoughIsNone) {
+  const Outcome outcome =
+      RunShell("\"$0\" inspect '" + photo_ + "' --csv --frames 20000 | head -n 2");
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 2) << outcome.out;
 }
 
 TEST_F(BadInput, EmptyNames) {
