@@ -9,6 +9,10 @@ if [ "$(id -u)" -ne 0 ]; then
   echo "slurm_test: NOT TRIED: only root can start Slurm's daemons" >&2
   exit 77
 fi
+if ! grep -q ' /sys/fs/cgroup' /proc/mounts; then
+  echo "slurm_test: NOT TRIED: Slurm needs the control groups, and /sys/fs/cgroup is not mounted" >&2
+  exit 77
+fi
 for program in munged slurmctld slurmd sbatch; do
   command -v "$program" >/dev/null || fail "$program is missing; ./dev setup installs it"
 done
