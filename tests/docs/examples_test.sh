@@ -7,6 +7,7 @@ tools=$(cd "$(dirname "$0")/../../tools/guide" && pwd)
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 mkdir -p "$folder/build/bin"
+ln -s "$(dirname "$kelto")/../lib" "$folder/build/lib"
 cat >"$folder/build/bin/kelto" <<EOF
 #!/bin/sh
 # A film for the test need not be large; a window needs a screen and somebody who closes it.
@@ -19,7 +20,13 @@ case " \$* " in
 esac
 exec "$kelto" "\$@" --size 320x180
 EOF
-chmod +x "$folder/build/bin/kelto"
+# melt hangs now and then before its first frame, with any filter.
+cat >"$folder/build/bin/melt" <<EOF
+#!/bin/sh
+for _ in 1 2 3 4; do timeout 60 $(command -v melt) "\$@" && exit; done
+exit 1
+EOF
+chmod +x "$folder/build/bin/kelto" "$folder/build/bin/melt"
 "$tools/prepare.sh" "$folder"
 # What ./dev does is a test of its own.
 "$tools/examples.sh" "$document" | grep -v '^\./dev' >"$folder/examples"
