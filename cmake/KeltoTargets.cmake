@@ -70,6 +70,6 @@ function(kelto_test name)
     add_dependencies(${name} ${file})
   endforeach()
   # Listing the tests may have to wait for the first start of Wine.
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
+  gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
     PROPERTIES TIMEOUT 600)
 endfunction()
