@@ -59,6 +59,7 @@ KELTO_ENTRY int32_t hfxGetModelAttributes_v1ext(uint16_t version, int32_t attrib
 KELTO_ENTRY int32_t hfxSetAttribute(int32_t, int32_t attribute, intptr_t value, int32_t* result) {
   if (result) *result = 0;
   if (attribute == kSetHostState) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the interface passes the function so
     kelto::Module().hostState = reinterpret_cast<hfxHostStateCallback>(value);
   }
   return 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstring>
 
 namespace kelto {
@@ -26,10 +27,10 @@ Span Band(int32_t first, int32_t thickness, int32_t last) {
 
 void MarkPixel(uint8_t* row, int32_t x, int32_t colorspace) {
   if (colorspace == hfxColorspaceRGB) {
-    std::memset(row + 4 * x, 235, 4);
+    std::memset(row + ptrdiff_t{4} * x, 235, 4);
     return;
   }
-  uint8_t& luma = row[2 * x];
+  uint8_t& luma = row[ptrdiff_t{2} * x];
   luma = static_cast<uint8_t>(luma < 190 ? std::min(luma + 70, 255) : luma - 70);
 }
 

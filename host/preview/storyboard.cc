@@ -96,9 +96,9 @@ class Sheet {
     session.SetAbortQuery([] { return InterruptSignal() != 0; });
     for (size_t i = 0; i < strip_.size(); ++i) {
       const auto index = static_cast<int32_t>(i);
-      const Box cell{kMargin + index % columns_ * (cellWidth_ + kGap),
-                     StripTop() + index / columns_ * (cellHeight_ + kCaption + kGap), cellWidth_,
-                     cellHeight_};
+      const int32_t column = index % columns_, row = index / columns_;
+      const Box cell{kMargin + column * (cellWidth_ + kGap),
+                     StripTop() + row * (cellHeight_ + kCaption + kGap), cellWidth_, cellHeight_};
       drawing_.Picture(session.Render(strip_[i]), cell);
       const double base = cell.Bottom() + 18.0;
       drawing_.Text("frame " + std::to_string(strip_[i]), {cell.left, base}, 14.0, kText);
@@ -124,6 +124,7 @@ std::vector<int32_t> StripFrames(int32_t count, int32_t total) {
   const int32_t shown = std::min(count, total);
   if (shown <= 1) return {0};
   std::vector<int32_t> frames;
+  frames.reserve(static_cast<size_t>(shown));
   for (int32_t i = 0; i < shown; ++i) {
     frames.push_back(
         static_cast<int32_t>(std::lround(static_cast<double>(i) * (total - 1) / (shown - 1))));
