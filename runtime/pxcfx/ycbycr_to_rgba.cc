@@ -1,5 +1,6 @@
 // Studio-range 4:2:2 to full-range RGB.
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 #include "platform/pxcfx.h"
@@ -25,6 +26,8 @@ constexpr double kGreenPerCr = -kRedPerCr * kLumaWeights.r / kLumaWeights.g;
 constexpr double kGreenPerCb = -kBluePerCb * kLumaWeights.b / kLumaWeights.g;
 
 inline uint32_t NearestLevel(float value) {
+  // Below 0 the way of rounding does not matter, and a call of lround is not vectorized.
+  // NOLINTNEXTLINE(bugprone-incorrect-roundings)
   const int32_t level = static_cast<int32_t>(value + 0.5f);
   return static_cast<uint32_t>(std::clamp(level, 0, 255));
 }
@@ -60,8 +63,8 @@ KELTO_VECTOR_CLONES
 void ConvertPairs(const uint32_t (&pairs)[kBlock], uint32_t (&pixels)[2 * kBlock], int count) {
   for (int i = 0; i < count; ++i) {
     const Tint tint(Byte(pairs[i], 1), Byte(pairs[i], 3));
-    pixels[2 * i] = tint.Pixel(Byte(pairs[i], 0));
-    pixels[2 * i + 1] = tint.Pixel(Byte(pairs[i], 2));
+    pixels[ptrdiff_t{2} * i] = tint.Pixel(Byte(pairs[i], 0));
+    pixels[ptrdiff_t{2} * i + 1] = tint.Pixel(Byte(pairs[i], 2));
   }
 }
 
