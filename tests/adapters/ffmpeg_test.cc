@@ -53,10 +53,10 @@ TEST_F(Ffmpeg, FilterRendersTheFramesOfTheCommandAtEverySize) {
 
 TEST_F(Ffmpeg, SourceRendersTheFramesOfTheCommandAtEverySize) {
   for (const Size size : test::kSizes) {
-    const std::string source = "frei0r_src=size=" + size.Text() +
-                               ":framerate=25:filter_name=kelto_pan_zoom_src:filter_params=";
-    ExpectSameFrames(Render(source + photo_ + kMoveInPlaces, size),
-                     RenderByCommand(photo_, size, kMove), size.Text());
+    std::string source = "frei0r_src=size=" + size.Text() +
+                         ":framerate=25:filter_name=kelto_pan_zoom_src:filter_params=";
+    source += photo_ + kMoveInPlaces;
+    ExpectSameFrames(Render(source, size), RenderByCommand(photo_, size, kMove), size.Text());
   }
 }
 

@@ -34,7 +34,7 @@ class Melt : public testing::Test {
 
   /// A profile file of this size at 25 frames a second.
   std::string Profile(Size size) {
-    const std::string path = folder_ / ("profile-" + size.Text());
+    std::string path = folder_ / ("profile-" + size.Text());
     std::ofstream(path) << "description=test\nframe_rate_num=25\nframe_rate_den=1\nprogressive=1\n"
                         << "sample_aspect_num=1\nsample_aspect_den=1\ncolorspace=709\nwidth="
                         << size.width << "\nheight=" << size.height

@@ -50,6 +50,7 @@ TEST(FreiSharing, InstancesOnManyThreadsRenderWhatTheyRenderAlone) {
       alone[i].push_back(instance->Render(frame / 25.0));
   }
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int i = 0; i < kThreads; ++i) {
     threads.emplace_back([&, i] {
       // Instances come and go while others render.
