@@ -99,6 +99,7 @@ void* FailingAlignedAlloc(size_t alignment, size_t size) {
 int FailingOpen(const char* path, int flags, ...) {
   va_list arguments;
   va_start(arguments, flags);
+  // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): it is begun in the line above
   const unsigned mode = (flags & O_CREAT) ? va_arg(arguments, unsigned) : 0;
   va_end(arguments);
   if (!Refuse(files)) return Real().open(path, flags, mode);
@@ -153,6 +154,9 @@ const Replacement replacements[] = {
     Replace("fseeko", FailingFseeko),
     Replace("fseeko64", FailingFseeko),
 };
+
+// Tables of a loaded object hold addresses as numbers.
+// NOLINTBEGIN(performance-no-int-to-ptr)
 
 /// Writes into an address table, which may have been made read-only after loading.
 void WriteEntry(void** entry, void* address) {
@@ -221,6 +225,8 @@ int ReplaceInObject(dl_phdr_info* object, size_t, void*) {
 void* NewOrNull(size_t size) {
   return Refuse(allocations) ? nullptr : Real().malloc(size == 0 ? 1 : size);
 }
+
+// NOLINTEND(performance-no-int-to-ptr)
 
 /// Lets who has memory to spare give some away, or throws.
 void AskForMemory() {
