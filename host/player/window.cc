@@ -192,14 +192,22 @@ std::optional<Wish> Window::Parts::WishOf(const SDL_Event& event) {
 }
 
 std::optional<Wish> Window::Next(double seconds) {
+  // Asked for again and again: SDL 2.26, where it waits, wakes itself by a message to the window,
+  // and when that comes after the window has gone, X ends the program.
+  constexpr uint64_t kNap = 4;
+  const auto patience = static_cast<uint64_t>(std::ceil(std::clamp(seconds, 0.0, 1.0) * 1000.0));
+  const uint64_t end = SDL_GetTicks64() + patience;
   SDL_Event event;
-  int milliseconds = static_cast<int>(std::ceil(std::clamp(seconds, 0.0, 1.0) * 1000.0));
-  while (SDL_WaitEventTimeout(&event, milliseconds) != 0) {
-    if (const auto wish = parts_->WishOf(event)) return wish;
+  for (;;) {
+    bool any = false;
+    for (; SDL_PollEvent(&event) != 0; any = true) {
+      if (const auto wish = parts_->WishOf(event)) return wish;
+    }
     // What means nothing here may come in numbers: the caller's time is not to be used up by it.
-    milliseconds = 0;
+    const uint64_t now = SDL_GetTicks64();
+    if (any || now >= end) return std::nullopt;
+    SDL_Delay(static_cast<uint32_t>(std::min(kNap, end - now)));
   }
-  return std::nullopt;
 }
 
 void Window::SetPicture(const FrameView& frame) { Parts::Fill(parts_->picture.get(), frame); }
