@@ -87,7 +87,7 @@ TEST_F(Drawings, ThePlotsCurveRisesWhereTheViewGoesRight) {
   ASSERT_GT(early, 0);
   EXPECT_LT(late, middle);
   EXPECT_LT(middle, early);
-  EXPECT_NEAR(middle, (early + late) / 2, 6) << "a linear move is a straight line";
+  EXPECT_NEAR(middle, (early + late) / 2.0, 6) << "a linear move is a straight line";
 }
 
 TEST_F(Drawings, TheStoryboardShowsTheWholePhotoAndFramesOfTheFilm) {

@@ -200,7 +200,7 @@ TEST_F(VideoFiles, OfSoundOnlyAreRefused) {
 TEST_F(VideoFiles, ThatAreNoneAreRefusedByName) {
   EXPECT_EQ(ErrorOf(folder_ / "no.mp4"), folder_ / "no.mp4" + ": there is no such file");
   EXPECT_EQ(ErrorOf(folder_ / ""), folder_ / "" + ": is a folder, not a video");
-  std::ofstream(folder_ / "empty.mp4");
+  std::ofstream(folder_ / "empty.mp4").close();
   EXPECT_THAT(ErrorOf(folder_ / "empty.mp4"),
               StartsWith(folder_ / "empty.mp4" + ": cannot be read as a video: "));
   std::ofstream(folder_ / "notes.txt") << "A text is no video.\n";

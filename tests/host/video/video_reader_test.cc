@@ -134,9 +134,10 @@ TEST_F(VideoReaders, FilmsOfAnotherRateShowWhatTheVideoShowsAtThatTime) {
   const FrameSize size{64, 48};
   const std::string path = WriteVideo(folder_ / "a.mkv", {size, {25, 1}}, 20,
                                       [&](int i) { return GreyFrame(size, 10 * i); });
-  const auto numbers = [&](FrameRate rate, std::vector<int> frames) {
+  const auto numbers = [&](FrameRate rate, const std::vector<int>& frames) {
     VideoReader reader(path, {size, rate}, PixelLayout::kBGRA);
     std::vector<int> shown;
+    shown.reserve(frames.size());
     for (const int frame : frames) {
       shown.push_back(static_cast<int>(std::lround(reader.Frame(frame).Row(9)[40] / 10.0)));
     }
