@@ -43,7 +43,7 @@ class LoadingTest : public ImageTest {
     if (record == nullptr) return "nothing saved";
     EXPECT_EQ(length, kPathRecordSize);
     const std::string all(static_cast<const char*>(record), static_cast<size_t>(length));
-    const std::string path = PathOfRecord(record);
+    std::string path = PathOfRecord(record);
     EXPECT_EQ(all.find_first_not_of('\0', path.size()), std::string::npos) << "not zero-padded";
     return path;
   }

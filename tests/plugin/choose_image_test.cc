@@ -30,7 +30,7 @@ BOOL KELTO_WINAPI AnswerOpen(OPENFILENAMEA* dialog) {
   if (d.answer.empty()) return 0;
   // As real dialogs may: scraps behind the terminator.
   std::memset(dialog->lpstrFile, '#', dialog->nMaxFile);
-  std::strcpy(dialog->lpstrFile, d.answer.c_str());
+  std::memcpy(dialog->lpstrFile, d.answer.c_str(), d.answer.size() + 1);
   return 1;
 }
 

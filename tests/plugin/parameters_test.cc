@@ -61,11 +61,13 @@ TEST(Parameters, FormThePanelInItsOrder) {
   }
 }
 
-void ExpectEntries(const Instance& instance, const char* key, std::vector<std::string> wanted) {
+void ExpectEntries(const Instance& instance, const char* key,
+                   const std::vector<std::string>& wanted) {
   const auto* list = dynamic_cast<const hfxPList*>(instance.FindParameter(key));
   ASSERT_NE(list, nullptr) << key;
   EXPECT_EQ(list->GetListType(), 1);
   std::vector<std::string> entries;
+  entries.reserve(wanted.size());
   for (int32_t i = 0; i < list->GetNumEntries(); ++i) entries.push_back(list->GetEntry(i));
   EXPECT_EQ(entries, wanted) << key;
 }
