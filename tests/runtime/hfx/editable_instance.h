@@ -47,6 +47,7 @@ inline double KeyNumber(const hfxParameter& parameter, int32_t index) {
 
 inline std::vector<double> KeyTimes(const hfxParameter& parameter) {
   std::vector<double> times;
+  times.reserve(static_cast<size_t>(parameter.GetNumKeys()));
   for (int32_t i = 0; i < parameter.GetNumKeys(); ++i) {
     times.push_back(parameter.GetKey(i)->GetTime());
   }

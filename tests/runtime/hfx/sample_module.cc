@@ -1,5 +1,6 @@
 // A small effect module for the tests of the host library: fills the frame with a grey level, and
 // misbehaves when told to. Built several times; the definitions choose what is broken.
+#include <cmath>
 #include <cstring>
 #include <stdexcept>
 #include <string>
@@ -102,7 +103,7 @@ class SampleInstance : public hfxInstance_v1 {
     hfxImage* output = GetOutput(0);
     if (output == nullptr || GetInput(0) == nullptr) throw 1;
     for (int32_t y = region.y0; y <= region.y1; ++y) {
-      std::memset(output->GetRowPtr(y), static_cast<int>(level_ * 255.0 + 0.5),
+      std::memset(output->GetRowPtr(y), static_cast<int>(std::lround(level_ * 255.0)),
                   static_cast<size_t>(region.x1 - region.x0 + 1) * 4);
     }
     return true;
@@ -171,6 +172,7 @@ class SampleModel : public hfxModel_v1 {
 
 extern "C" {
 
+// NOLINTNEXTLINE(bugprone-branch-clone): one of them is another build's
 SAMPLE_EXPORT int32_t hfxStartUp_v1() { return kStarts ? SAMPLE_START_UP : 0; }
 SAMPLE_EXPORT void hfxShutDown_v1() { hfxGlobal::ConsolePrintf("sample: shut down\n"); }
 SAMPLE_EXPORT int32_t hfxNumModels_v1() { return 6; }
@@ -182,6 +184,7 @@ SAMPLE_EXPORT int32_t hfxGetModelAttributes_v1ext(uint16_t, int32_t, void*) { re
 SAMPLE_EXPORT void* hfxNewOverlay_v1() { return nullptr; }
 SAMPLE_EXPORT int32_t hfxSetAttribute(int32_t, int32_t attribute, intptr_t value, int32_t* result) {
   *result = 0;
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the interface passes the function so
   if (attribute == 0) g_hostState = reinterpret_cast<hfxHostStateCallback>(value);
   return 0;
 }
