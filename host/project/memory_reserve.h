@@ -6,8 +6,8 @@
 namespace kelto::host {
 
 /// While it lives, the first allocation that fails gets this memory instead. JSON values take
-/// memory as they are given back, and end the process when there is none. One at a time; other
-/// threads may allocate meanwhile.
+/// memory as they are given back, and end the process when there is none. Any number may live at a
+/// time, in any threads, and share what the last one to begin has set aside.
 class MemoryReserve {
  public:
   /// For a document of `bytes`. Throws std::bad_alloc.

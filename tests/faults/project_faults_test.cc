@@ -4,8 +4,11 @@
 
 #include <new>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "host/error.h"
+#include "host/project/memory_reserve.h"
 #include "host/project/project_file.h"
 #include "tests/faults/failing_calls.h"
 
@@ -40,6 +43,31 @@ std::string Read(const std::string& text) {
 TEST(AProjectFile, OfTheseIsReadOrRefused) {
   EXPECT_THAT(Read(kGood), testing::StartsWith("{"));
   EXPECT_THAT(Read(kBad), testing::StartsWith("some.json: parameters.size[0]: "));
+}
+
+TEST(AMemoryReserve, LeavesTheHandlerAsItWasWhateverTheThreadsDid) {
+  const std::new_handler before = std::get_new_handler();
+  std::vector<std::thread> threads;
+  threads.reserve(4);
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([] {
+      for (int k = 0; k < 2000; ++k) {
+        const host::MemoryReserve outer(0);
+        const host::MemoryReserve inner(100);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(std::get_new_handler(), before);
+}
+
+TEST(AMemoryReserve, IsGivenAwayOnceAndThenThereIsNoMore) {
+  const host::MemoryReserve outer(0);
+  {
+    const host::MemoryReserve inner(0);
+    EXPECT_NO_THROW(std::get_new_handler()());
+  }
+  EXPECT_THROW(std::get_new_handler()(), std::bad_alloc);
 }
 
 class AProjectFileIsReadAgain : public testing::TestWithParam<const char*> {};
