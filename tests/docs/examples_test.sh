@@ -13,7 +13,7 @@ cat >"$folder/build/bin/kelto" <<EOF
 # A film for the test need not be large; a window needs a screen and somebody who closes it.
 case " \$* " in
   *" play "*)
-    exec xvfb-run -a sh -c '"\$0" "\$@" & player=\$!
+    exec xvfb-run -a -s '-screen 0 1280x800x24 -noreset' sh -c '"\$0" "\$@" & player=\$!
       while kill -0 \$player; do xdotool search --name frame key q >&2; sleep 0.2; done 2>/dev/null
       wait \$player' "$kelto" "\$@" ;;
   *" --size "* | *" doctor "* | *" completion "*) exec "$kelto" "\$@" ;;

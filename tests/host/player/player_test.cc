@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <optional>
+#include <stdexcept>
 
 #include "tests/host/command/run.h"
 #include "tests/host/player/screen.h"
@@ -49,7 +50,12 @@ class Playing : public testing::Test {
     preset("--to", "2@0.25,0");
     words.insert(words.end(), more.begin(), more.end());
     player_.emplace(words);
-    ASSERT_TRUE(screen_.Find("photo.png"));
+    if (screen_.Find("photo.png")) return;
+    kill(player_->Process(), SIGKILL);
+    // Thrown, since the rest of the test would only wait for a window that is not there.
+    const std::string told = player_->Wait().err;
+    player_.reset();
+    throw std::runtime_error("no window came: " + told);
   }
   void ExpectQuits(const char* key) {
     screen_.Press(key);

@@ -40,8 +40,9 @@ Screen::Screen() {
     // Goes with the test, however that ends.
     prctl(PR_SET_PDEATHSIG, SIGTERM);
     if (std::freopen("/dev/null", "w", stderr) == nullptr) _exit(126);
-    execlp("Xvfb", "Xvfb", "-displayfd", file.c_str(), "-screen", "0", "1280x800x24", "-nolisten",
-           "tcp", static_cast<char*>(nullptr));
+    // A server that starts anew when its last client leaves drops those who come meanwhile.
+    execlp("Xvfb", "Xvfb", "-noreset", "-displayfd", file.c_str(), "-screen", "0", "1280x800x24",
+           "-nolisten", "tcp", static_cast<char*>(nullptr));
     _exit(127);
   }
   close(ends[1]);
