@@ -64,22 +64,31 @@ PartitionName=all Nodes=$node Default=YES State=UP
 END
 export SLURM_CONF="$folder/slurm.conf"
 
-munged --foreground --force --key-file="$folder/munge/key" --socket="$folder/munge/socket" \
-  --pid-file="$folder/munge/pid" --log-file="$folder/munge/log" --seed-file="$folder/munge/seed" \
-  >"$folder/munged.out" 2>&1 &
-daemons=$!
-slurmctld -D >"$folder/slurmctld.out" 2>&1 &
-daemons="$! $daemons"
-slurmd -D -N "$node" >"$folder/slurmd.out" 2>&1 &
-daemons="$! $daemons"
+# Each daemon is begun once the one it needs answers: one that asked too early would wait for long
+# before it asks again.
+start() {
+  name=$1
+  shift
+  "$@" >"$folder/$name.out" 2>&1 &
+  daemons="$! $daemons"
+}
+wait_for() {
+  for _ in $(seq 600); do
+    ! "$@" >/dev/null 2>&1 || return 0
+    sleep 0.1
+  done
+  tail -n 20 "$folder"/*.out "$folder"/*.log "$folder/munge/log" >&2 2>/dev/null || true
+  fail "waited a minute in vain for: $*"
+}
+controller_answers() { scontrol ping | grep -q UP; }
+node_is_idle() { [ "$(sinfo -h -o %t)" = idle ]; }
 
-for _ in $(seq 60); do
-  state=$(sinfo -h -o %t 2>/dev/null || true)
-  [ "$state" = idle ] && break
-  sleep 1
-done
-if [ "$state" != idle ]; then
-  tail -n 20 "$folder"/*.out "$folder"/*.log "$folder/munge/log" >&2 2>/dev/null
-  fail "the node does not come up"
-fi
+start munged munged --foreground --force --key-file="$folder/munge/key" \
+  --socket="$folder/munge/socket" --pid-file="$folder/munge/pid" --log-file="$folder/munge/log" \
+  --seed-file="$folder/munge/seed"
+wait_for munge -S "$folder/munge/socket" -n
+start slurmctld slurmctld -D
+wait_for controller_answers
+start slurmd slurmd -D -N "$node"
+wait_for node_is_idle
 sh "$here/recipe_test.sh" "$kelto" "$document" Slurm
