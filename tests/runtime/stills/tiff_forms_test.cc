@@ -89,7 +89,7 @@ TEST_F(TiffForms, PalettesOfSixteenBitsAndThoseMistakenlyOfEight) {
 }
 
 /// One flat pixel value of four samples.
-TiffSpec FourSamples(int photometric, int bits, std::vector<unsigned> values) {
+TiffSpec FourSamples(int photometric, int bits, const std::vector<unsigned>& values) {
   TiffSpec spec;
   spec.width = spec.height = 20;
   spec.samples = static_cast<int>(values.size());

@@ -1,4 +1,6 @@
 // TIFF in the ways in which its samples may be stored; see tiff_forms_test.cc for what they mean.
+#include <cmath>
+
 #include "tests/runtime/stills/encode_tiff.h"
 #include "tests/runtime/stills/still_test.h"
 
@@ -92,7 +94,7 @@ TEST_F(Tiff, LumaAndChromaWithoutCompressionGoThroughTheLibrarysOwnConversion) {
   const Picture picture = Decoded(spec);
   for (int y = 0; y < 11; ++y) {
     const double luma = 60 + 10 * y;
-    const auto byte = [](double v) { return static_cast<uint8_t>(v + 0.5); };
+    const auto byte = [](double v) { return static_cast<uint8_t>(std::lround(v)); };
     EXPECT_TRUE(IsNear(picture.at(6, y),
                        Rgb(byte(luma + 1.402 * 32), byte(luma - 0.714136 * 32), byte(luma)), 1))
         << y;

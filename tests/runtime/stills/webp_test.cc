@@ -18,7 +18,7 @@ class Webp : public StillTest {
 };
 
 Bytes Taken(uint8_t* data, size_t size) {
-  const Bytes bytes(data, data + size);
+  Bytes bytes(data, data + size);
   WebPFree(data);
   return bytes;
 }
@@ -38,7 +38,7 @@ Bytes WithChunks(const Bytes& webp, const Bytes& icc, const Bytes& exif) {
   if (!exif.empty()) WebPMuxSetChunk(mux, "EXIF", &exif_data, 1);
   WebPData out = {};
   WebPMuxAssemble(mux, &out);
-  const Bytes bytes(out.bytes, out.bytes + out.size);
+  Bytes bytes(out.bytes, out.bytes + out.size);
   WebPDataClear(&out);
   WebPMuxDelete(mux);
   return bytes;
