@@ -17,6 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* kFiles = "Files";
 constexpr int64_t kMaxJobs = 256;
 
 /// Options that leave a film as it is.
@@ -61,12 +62,20 @@ int32_t ParseJobs(const std::string& text) {
 
 }  // namespace
 
+void DeclareOutput(CLI::App& command, std::string& output) {
+  command
+      .add_option("-o,--output", output,
+                  "The film, replaced if it is there; - writes to the standard output")
+      ->group(kFiles)
+      ->type_name("FILE")
+      ->required();
+}
+
 void DeclareFilm(CLI::App& command, FilmOptions& options, const std::string& jobs) {
   const auto declare = [&](const char* group, const char* option, const char* type,
                            std::string& text, const std::string& help) {
     command.add_option(option, text, help)->group(group)->type_name(type);
   };
-  constexpr const char* kFiles = "Files";
   declare(kFiles, "--format", "KIND", options.format, FormatHelp());
 #if defined(KELTO_FFMPEG)
   declare(kFiles, "--codec", "NAME", options.codec, CodecHelp());

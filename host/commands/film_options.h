@@ -19,6 +19,10 @@ struct FilmOptions {
   bool quiet = false, json = false;
 };
 
+/// Declares the name of the one film that `command` makes, to be parsed into `output`, which must
+/// outlive the parsing.
+void DeclareOutput(CLI::App& command, std::string& output);
+
 /// Declares the options on `command`, to be parsed into `options`, which must outlive the parsing.
 /// `jobs` is the help text of --jobs.
 void DeclareFilm(CLI::App& command, FilmOptions& options, const std::string& jobs);

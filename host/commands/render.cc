@@ -92,12 +92,7 @@ CLI::App* AddRender(CLI::App& app) {
   command->add_option("PHOTO", options->photo, "The photograph, or a project file, .json")
       ->required()
       ->type_name("");
-  command
-      ->add_option("-o,--output", options->output,
-                   "The film, replaced if it is there; - writes to the standard output")
-      ->group("Files")
-      ->type_name("FILE")
-      ->required();
+  DeclareOutput(*command, options->output);
   DeclareFilm(*command, options->film,
               "Processes that render, each with a photograph of its own in memory; the film is the "
               "same [one for each core, and for every 25 frames]");

@@ -114,12 +114,7 @@ CLI::App* AddSlideshow(CLI::App& app) {
                    "A folder of photographs, or a text file with the path of one on each line")
       ->required()
       ->type_name("");
-  command
-      ->add_option("-o,--output", options->output,
-                   "The film, replaced if it is there; - writes to the standard output")
-      ->group("Files")
-      ->type_name("FILE")
-      ->required();
+  DeclareOutput(*command, options->output);
   DeclareFilm(*command, options->film,
               "Processes that render, at least two, each with a photograph in memory; the film is "
               "the same [one for each core]");

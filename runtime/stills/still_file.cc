@@ -1,52 +1,41 @@
 #include "runtime/stills/still_file.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cerrno>
 
+#include "runtime/stills/descriptor.h"
 #include "runtime/stills/limits.h"
 #include "runtime/stills/still_error.h"
 
 namespace kelto::stills {
-namespace {
 
-std::string OpenFailure(int error) {
+StillError OpenFailure(int error) {
   switch (error) {
     case ENOENT:
     case ENOTDIR:
-      return "no such file";
+      return {fnfErr, "no such file"};
     case EACCES:
     case EPERM:
-      return "no permission to read the file";
+      return {fnfErr, "no permission to read the file"};
     default:
-      return "the file cannot be opened (error " + std::to_string(error) + ")";
+      return {fnfErr, "the file cannot be opened (error " + std::to_string(error) + ")"};
   }
 }
 
-}  // namespace
-
 StillFile::StillFile(const std::string& path) {
-  // Not blocking, since opening a pipe would otherwise wait for its writer.
-  fd_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  if (fd_ < 0) throw StillError(fnfErr, OpenFailure(errno));
+  const Descriptor opened = OpenRegularFile(path);
+  fd_ = opened.number;
+  size_ = opened.size;
   try {
-    struct stat status = {};
-    if (::fstat(fd_, &status) != 0 || !S_ISREG(status.st_mode)) {
-      throw StillError(fnfErr, S_ISDIR(status.st_mode) ? "a folder, not a picture" : "not a file");
-    }
-    size_ = static_cast<uint64_t>(status.st_size);
     Rewind();
   } catch (...) {
-    ::close(fd_);
+    CloseDescriptor(fd_);
     throw;
   }
 }
 
 StillFile::~StillFile() {
   if (stream_ != nullptr) std::fclose(stream_);
-  ::close(fd_);
+  CloseDescriptor(fd_);
 }
 
 size_t StillFile::Read(void* to, size_t count) {
@@ -59,23 +48,18 @@ size_t StillFile::Read(void* to, size_t count) {
 }
 
 bool StillFile::Seek(uint64_t position) {
-  if (::fseeko(stream_, static_cast<off_t>(position), SEEK_SET) == 0) return true;
+  if (SeekStream(stream_, position)) return true;
   read_failed_ |= errno != EINVAL;  // which is the fault of what the file says
   return false;
 }
 
-uint64_t StillFile::Position() { return static_cast<uint64_t>(::ftello(stream_)); }
+uint64_t StillFile::Position() { return StreamPosition(stream_); }
 
 void StillFile::Rewind() {
   // A new stream, as the old one's buffer may hold what another program has replaced since.
   if (stream_ != nullptr) std::fclose(stream_);
-  const int duplicate = ::fcntl(fd_, F_DUPFD_CLOEXEC, 0);
-  stream_ = duplicate < 0 ? nullptr : ::fdopen(duplicate, "rb");
-  if (stream_ == nullptr) {
-    const int error = errno;
-    if (duplicate >= 0) ::close(duplicate);
-    throw StillError(fnfErr, OpenFailure(error));
-  }
+  stream_ = NewStream(fd_);
+  if (stream_ == nullptr) throw OpenFailure(errno);
   std::rewind(stream_);
   hit_end_ = false;
 }
@@ -87,7 +71,7 @@ std::vector<uint8_t> StillFile::ReadAll() {
                                           std::to_string(kMaxWholeFileBytes >> 20) + " MiB");
   }
   Rewind();
-  std::vector<uint8_t> bytes(size_);
+  std::vector<uint8_t> bytes(static_cast<size_t>(size_));
   bytes.resize(Read(bytes.data(), bytes.size()));
   return bytes;
 }

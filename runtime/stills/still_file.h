@@ -40,7 +40,7 @@ class StillFile {
 
  private:
   int fd_ = -1;
-  std::FILE* stream_ = nullptr;  ///< over a duplicate of fd_
+  std::FILE* stream_ = nullptr;
   uint64_t size_ = 0;
   bool hit_end_ = false;
   bool read_failed_ = false;
