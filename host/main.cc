@@ -3,6 +3,7 @@
 #include <cstring>
 #include <exception>
 #include <new>
+#include <sstream>
 #include <string>
 
 #include "host/commands/batch.h"
@@ -20,6 +21,7 @@
 #endif
 #include "host/error.h"
 #include "host/terminal/interrupt.h"
+#include "host/terminal/standard_output.h"
 #include "host/terminal/terminal.h"
 #include "platform/win32.h"
 #include "runtime/hfx/host.h"
@@ -84,7 +86,10 @@ int Run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& request) {
-    return app.exit(request);  // help or version
+    std::ostringstream text;  // help or version
+    const int code = app.exit(request, text);
+    PrintResult(text.str());
+    return code;
   } catch (const CLI::ParseError& error) {
     throw UsageError(std::string(error.what()) + "; see kelto --help");
   }

@@ -1,9 +1,11 @@
 #include "adapters/frei0r/photo_effect.h"
 
 #include <array>
+#include <bit>
 #include <exception>
 #include <map>
 #include <mutex>
+#include <new>
 #include <utility>
 
 #include "adapters/frei0r/effect_file.h"
@@ -41,36 +43,47 @@ std::shared_ptr<PhotoEffect> PhotoEffect::Share(const std::string& photo,
                                                 const std::string& levels) {
   static auto& shared =
       *new std::map<std::pair<std::string, std::string>, std::weak_ptr<PhotoEffect>>;
+  auto end = [](PhotoEffect* last) {
+    const std::lock_guard ending(ModuleLock());
+    delete last;
+  };
+  // Before the lock, which its end takes, should there be no memory to share it.
+  std::unique_ptr<PhotoEffect, decltype(end)> made(nullptr, end);
   const std::lock_guard lock(ModuleLock());
   std::erase_if(shared, [](const auto& entry) { return entry.second.expired(); });
   std::weak_ptr<PhotoEffect>& place = shared[{photo, levels}];
   if (auto effect = place.lock()) return effect;
-  std::shared_ptr<PhotoEffect> effect(new PhotoEffect(photo, levels), [](PhotoEffect* last) {
-    const std::lock_guard ending(ModuleLock());
-    delete last;
-  });
+  made.reset(new PhotoEffect(photo, levels));
+  std::shared_ptr<PhotoEffect> effect(std::move(made));
   place = effect;
   return effect;
 }
 
-PhotoEffect::PhotoEffect(const std::string& photo, const std::string& levels) {
+PhotoEffect::PhotoEffect(std::string photo, std::string levels)
+    : photo_(std::move(photo)), levels_(std::move(levels)) {
+  TryToLoad();
+}
+
+void PhotoEffect::TryToLoad() {
+  sceneId_ = 0;
   try {
-    Load(photo, levels);
+    Load();
   } catch (const std::exception& error) {
-    fault_ = error.what();
     effect_.reset();
     module_.reset();
+    fault_ = "no memory";  // a text that needs none
+    if (dynamic_cast<const std::bad_alloc*>(&error) == nullptr) fault_ = error.what();
   }
 }
 
-void PhotoEffect::Load(const std::string& path, const std::string& levels) {
-  const host::Photo photo = host::OpenPhoto(path);
+void PhotoEffect::Load() {
+  const host::Photo photo = host::OpenPhoto(photo_);
   module_ = LoadedModule();
   std::string error;
   effect_ = hfx::Effect::Create(*module_, kFirstModel, &error);
   if (!effect_) throw host::Error("the effect: " + error);
   host::SetPhoto(*effect_, photo);
-  host::Apply(*effect_, {"levels", levels, {}, -1});
+  host::Apply(*effect_, {"levels", levels_, {}, -1});
   hfx::ImageBuffer input(kProbeSize, kProbeSize, hfxColorspaceRGB);
   hfx::ImageBuffer output(kProbeSize, kProbeSize, hfxColorspaceRGB);
   if (host::HasPicture(*effect_, photo, {}, hfxPlayModeRender, *input.image(), output)) return;
@@ -80,8 +93,11 @@ void PhotoEffect::Load(const std::string& path, const std::string& levels) {
 
 std::string PhotoEffect::Render(const FrameRequest& request) {
   const std::lock_guard lock(ModuleLock());
-  if (!fault_.empty()) return fault_;
   try {
+    // What was wrong may pass: memory comes back, a photograph is saved to its end. Each try that
+    // fails doubles the frames until the next.
+    if (!effect_ && std::has_single_bit(missed_++)) TryToLoad();
+    if (!effect_) return fault_;
     if (sceneId_ != request.sceneId) SetUp(*request.scene);
     sceneId_ = request.sceneId;
     Draw(request);

@@ -49,15 +49,19 @@ class PhotoEffect {
   std::string Render(const FrameRequest& request);
 
  private:
-  PhotoEffect(const std::string& photo, const std::string& levels);
+  PhotoEffect(std::string photo, std::string levels);
   ~PhotoEffect() = default;
-  void Load(const std::string& path, const std::string& levels);
+  /// Leaves an effect, or none and why in `fault_`.
+  void TryToLoad();
+  void Load();
   void Draw(const FrameRequest& request);
   void SetUp(const Scene& scene);
 
+  const std::string photo_, levels_;
   std::shared_ptr<hfx::Module> module_;
   std::unique_ptr<hfx::Effect> effect_;  // goes before its module
-  std::string fault_;                    ///< why there is nothing to show
+  std::string fault_;                    ///< why there is no effect
+  uint64_t missed_ = 0;                  ///< frames asked for without one
   uint64_t sceneId_ = 0;                 ///< set up for this one
 };
 

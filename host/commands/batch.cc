@@ -19,6 +19,7 @@
 #include "host/session/module_file.h"
 #include "host/terminal/events.h"
 #include "host/terminal/progress.h"
+#include "host/terminal/standard_output.h"
 #include "host/terminal/terminal.h"
 
 namespace kelto::host {
@@ -81,7 +82,7 @@ class Batch {
   void PrintTasks() const {
     std::string tasks;
     for (const Item& item : items_) tasks += TaskLine(TaskOf(item)) + "\n";
-    std::fputs(tasks.c_str(), stdout);
+    PrintResult(tasks);
   }
 
   void Run() {
@@ -139,8 +140,7 @@ class Batch {
     }
     if (others.empty()) return;
     throw UsageError("--resume: " + others.front() +
-                     (others.size() == 1 ? "" : " and others have been") +
-                     (others.size() == 1 ? " has been" : "") +
+                     (others.size() == 1 ? " has been" : " and others have been") +
                      " made with other options; leave --resume out to make all films again, or "
                      "choose another folder");
   }
@@ -165,11 +165,8 @@ class Batch {
     job.kind = &kind_;
     job.request = RequestFor(item.film, plan);
     CheckJob(job);
-    const FilmRecord record = RecordOf(item.picture, words_);
-    std::error_code ignored;
-    fs::remove(item.record, ignored);  // that of an older film
-    MakeFilm(job, [](int32_t) {});
-    WriteRecord(item.record, record);
+    MakeOnRecord(item.record, RecordOf(item.picture, words_),
+                 [&] { MakeFilm(job, [](int32_t) {}); });
   }
 
   void Tell(const Item& item, const std::string& failure) {

@@ -1,7 +1,6 @@
 #include "host/commands/completion.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <memory>
 
 #include "host/commands/command_tree.h"
@@ -9,6 +8,7 @@
 #include "host/film/codecs.h"
 #include "host/film/formats.h"
 #include "host/options/choices.h"
+#include "host/terminal/standard_output.h"
 
 namespace kelto::host {
 namespace {
@@ -52,7 +52,7 @@ void Run(const CLI::App& app, const std::string& shell) {
       {"bash", BashScript}, {"zsh", ZshScript}, {"fish", FishScript}, {"man", ManPage}};
   for (const Writer& writer : kWriters) {
     if (shell != writer.name) continue;
-    std::fputs(writer.write(app).c_str(), stdout);
+    PrintResult(writer.write(app));
     return;
   }
   throw UsageError(shell + ": choose one of bash, zsh, fish, or man for the manual page");

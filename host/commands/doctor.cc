@@ -2,19 +2,18 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
 #include <memory>
 
 #include "host/error.h"
 #include "host/machine/checks.h"
 #include "host/machine/libraries.h"
 #include "host/session/module_file.h"
-#include "host/terminal/terminal.h"
+#include "host/terminal/standard_output.h"
 
 namespace kelto::host {
 namespace {
 
-void Print(const std::string& line) { std::printf("%s\n", line.c_str()); }
+void Print(const std::string& line) { PrintResult(line + "\n"); }
 
 void PrintChecks(const char* title, const std::vector<Check>& checks) {
   Print(title);

@@ -1,7 +1,6 @@
 #include "host/commands/inspect.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <memory>
 
 #include "host/commands/option_text.h"
@@ -10,6 +9,7 @@
 #include "host/options/number.h"
 #include "host/preview/frame_list.h"
 #include "host/session/module_file.h"
+#include "host/terminal/standard_output.h"
 #if defined(KELTO_CAIRO)
 #include "host/preview/motion_plot.h"
 #endif
@@ -43,11 +43,11 @@ void Run(const InspectOptions& options) {
   if (!options.plot.empty()) DrawMotionPlot(inspector, photo, options.plot);
 #endif
   if (options.csv) {
-    WriteFrameList(inspector, photo, ListForm::kCsv, stdout);
+    WriteFrameList(inspector, photo, ListForm::kCsv, PrintResult);
   } else if (options.json) {
-    WriteFrameList(inspector, photo, ListForm::kJson, stdout);
+    WriteFrameList(inspector, photo, ListForm::kJson, PrintResult);
   } else if (options.plot.empty()) {
-    WriteFrameList(inspector, photo, ListForm::kTable, stdout);
+    WriteFrameList(inspector, photo, ListForm::kTable, PrintResult);
   }
 }
 

@@ -74,12 +74,14 @@ void Run(const RenderOptions& options, const CLI::App& command) {
                          {"frames", int64_t{job.request.frames}},
                          {"jobs", int64_t{job.workers}}});
   }
-  {
+  const auto make = [&] {
     Progress progress("frame", job.request.frames);
     MakeFilm(job, [&](int32_t done) { progress.Show(done); });
-  }
-  if (!options.record.empty()) {
-    WriteRecord(options.record, RecordOf(options.photo, WordsGiven(command)));
+  };
+  if (options.record.empty()) {
+    make();
+  } else {
+    MakeOnRecord(options.record, RecordOf(options.photo, WordsGiven(command)), make);
   }
   if (events) PrintEvent("done", {{"output", options.output}});
 }

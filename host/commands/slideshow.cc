@@ -8,6 +8,7 @@
 #include "host/commands/plan_options.h"
 #include "host/error.h"
 #include "host/film/output_file.h"
+#include "host/jobs/film_job.h"
 #include "host/jobs/picture_list.h"
 #include "host/jobs/slideshow.h"
 #include "host/options/number.h"
@@ -67,11 +68,11 @@ Slideshow ShowFor(const SlideshowOptions& options) {
 
 /// Throws what can be known to go wrong before any work.
 void Check(const Slideshow& show) {
-  CheckRequest(*show.kind, show.request);
-  const std::string& output = show.request.output;
-  if (output == kStandardOutput && StandardOutputIsTerminal()) {
-    throw UsageError("-o -: will not write a film to the terminal; send it to a program or file");
+  std::vector<std::string> sources{show.request.audio};
+  for (const RenderPlan& plan : show.plans) {
+    sources.insert(sources.end(), {plan.photo, plan.over});
   }
+  CheckFilm(*show.kind, show.request, sources);
   for (const RenderPlan& plan : show.plans) {
     OpenPhoto(plan.photo);
     const FilmFormat &format = plan.format, &film = show.request.format;
@@ -80,9 +81,6 @@ void Check(const Slideshow& show) {
       throw UsageError(plan.photo +
                        ": its project asks for another kind of film than the first; "
                        "say --size, --fps and --fields for all");
-    }
-    if (WouldReplace(*show.kind, show.request, plan.photo)) {
-      throw UsageError(output + ": is one of the photos; give the film another name");
     }
   }
 }

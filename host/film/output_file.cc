@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <io.h>
 #else
+#include <poll.h>
 #include <unistd.h>
 
 #include "host/terminal/interrupt.h"
@@ -111,6 +112,13 @@ void OutputFile::WriteToPipe(const void* bytes, size_t size) {
   const auto* next = static_cast<const char*>(bytes);
   for (size_t left = size; left > 0;) {
     const ssize_t written = write(fileno(file_), next, left);
+    if (written < 0 && errno == EAGAIN) {
+      // Set not to wait by a program that has the pipe, too.
+      pollfd room{fileno(file_), POLLOUT, 0};
+      poll(&room, 1, -1);
+      if (InterruptSignal() != 0) Fail("cannot be written", EINTR);
+      continue;
+    }
     if (written < 0) Fail("cannot be written", errno);
     next += written;
     left -= static_cast<size_t>(written);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <exception>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -29,7 +30,11 @@ tmsize_t Read(thandle_t handle, void* to, tmsize_t size) {
 tmsize_t Write(thandle_t handle, void* from, tmsize_t size) {
   auto& file = *static_cast<Memory*>(handle);
   const size_t end = file.position + static_cast<size_t>(size);
-  if (end > file.bytes.size()) file.bytes.resize(end);
+  try {
+    if (end > file.bytes.size()) file.bytes.resize(end);
+  } catch (const std::exception&) {
+    return -1;  // no exception may pass through the library
+  }
   std::memcpy(file.bytes.data() + file.position, from, static_cast<size_t>(size));
   file.position = end;
   return size;

@@ -38,22 +38,22 @@ std::string SoundFor(const RenderPlan& plan, const FilmKind& kind) {
   return plan.audio == plan.over && !IsContainer(kind.name) ? "" : plan.audio;
 }
 
-void CheckJob(const FilmJob& job) {
-  CheckRequest(*job.kind, job.request);
-  if (job.request.output == kStandardOutput && StandardOutputIsTerminal()) {
+void CheckFilm(const FilmKind& kind, const FilmRequest& request,
+               const std::vector<std::string>& sources) {
+  CheckRequest(kind, request);
+  if (request.output == kStandardOutput && StandardOutputIsTerminal()) {
     throw UsageError("-o -: will not write a film to the terminal; send it to a program or file");
   }
-  const std::string& photo = job.scene.plan.photo;
-  OpenPhoto(photo);
-  if (WouldReplace(*job.kind, job.request, photo)) {
-    throw UsageError(job.request.output + ": is the photo itself; give the film another name");
+  for (const std::string& source : sources) {
+    if (source.empty() || !WouldReplace(kind, request, source)) continue;
+    throw UsageError(request.output + ": is what the film is made of; give the film another name");
   }
-  for (const std::string& source : {job.scene.plan.over, job.request.audio}) {
-    if (!source.empty() && WouldReplace(*job.kind, job.request, source)) {
-      throw UsageError(job.request.output +
-                       ": is what the film is made of; give the film another name");
-    }
-  }
+}
+
+void CheckJob(const FilmJob& job) {
+  const RenderPlan& plan = job.scene.plan;
+  CheckFilm(*job.kind, job.request, {plan.photo, plan.over, job.request.audio});
+  OpenPhoto(plan.photo);
 }
 
 void MakeFilm(const FilmJob& job, const std::function<void(int32_t done)>& shown) {

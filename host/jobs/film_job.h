@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "host/film/formats.h"
 #include "host/jobs/frame_source.h"
@@ -28,6 +29,11 @@ int32_t CoreCount();
 /// The file of the film's sound; empty where the kind has none and the sound is that of the video
 /// behind, for which nobody asked by name.
 std::string SoundFor(const RenderPlan& plan, const FilmKind& kind);
+
+/// Throws UsageError for a film that its kind cannot hold, that would go to a terminal, or that
+/// would take the place of one of its sources, of which an empty name is none. Opens no file.
+void CheckFilm(const FilmKind& kind, const FilmRequest& request,
+               const std::vector<std::string>& sources);
 
 /// Throws what can be known to go wrong before any work: UsageError or Error.
 void CheckJob(const FilmJob& job);

@@ -29,6 +29,20 @@ std::string ToText(const std::string& bytes) {
   return text;
 }
 
+/// The bytes of which ToText made `text`.
+std::string ToBytes(const std::string& text) {
+  std::string bytes;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const auto first = static_cast<unsigned char>(text[i]);
+    if (first < 0x80 || i + 1 == text.size()) {
+      bytes += text[i];
+    } else {
+      bytes += static_cast<char>(first << 6 | (static_cast<unsigned char>(text[++i]) & 0x3f));
+    }
+  }
+  return bytes;
+}
+
 std::vector<std::string> ToTexts(const std::vector<std::string>& words) {
   std::vector<std::string> texts;
   texts.reserve(words.size());
@@ -59,26 +73,14 @@ FilmRecord RecordOf(const std::string& input, std::vector<std::string> options) 
 std::optional<FilmRecord> ReadRecord(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) return std::nullopt;
-  const auto bytesOf = [](const std::string& text) {
-    std::string bytes;
-    for (size_t i = 0; i < text.size(); ++i) {
-      const auto first = static_cast<unsigned char>(text[i]);
-      if (first < 0x80 || i + 1 == text.size()) {
-        bytes += text[i];
-      } else {
-        bytes += static_cast<char>(first << 6 | (static_cast<unsigned char>(text[++i]) & 0x3f));
-      }
-    }
-    return bytes;
-  };
   try {
     const Json json = Json::parse(file);
-    FilmRecord record{bytesOf(json.at("input").get<std::string>()),
+    FilmRecord record{ToBytes(json.at("input").get<std::string>()),
                       json.at("bytes").get<int64_t>(),
                       json.at("time").get<int64_t>(),
                       {}};
     for (const Json& word : json.at("options")) {
-      record.options.push_back(bytesOf(word.get<std::string>()));
+      record.options.push_back(ToBytes(word.get<std::string>()));
     }
     return record;
   } catch (const Json::exception&) {
@@ -86,11 +88,15 @@ std::optional<FilmRecord> ReadRecord(const std::string& path) {
   }
 }
 
-void WriteRecord(const std::string& path, const FilmRecord& record) {
-  std::error_code ignored;  // a folder that is missing then is told of by the file
+void MakeOnRecord(const std::string& path, const FilmRecord& now,
+                  const std::function<void()>& make) {
+  std::error_code ignored;
+  fs::remove(path, ignored);
+  make();
+  // A folder that is missing then is told of by the file.
   fs::create_directories(fs::path(path).parent_path(), ignored);
   OutputFile file(path);
-  const std::string text = ToJson(record).dump(2) + "\n";
+  const std::string text = ToJson(now).dump(2) + "\n";
   file.Write(text.data(), text.size());
   file.Finish();
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,7 +25,10 @@ FilmRecord RecordOf(const std::string& input, std::vector<std::string> options);
 /// The record in a file; nothing when there is none that can be read.
 std::optional<FilmRecord> ReadRecord(const std::string& path);
 
-/// Writes a record, making its folder. Throws Error.
-void WriteRecord(const std::string& path, const FilmRecord& record);
+/// Makes a film by `make` and then writes the record at `path`, making its folder. `now` is to be
+/// taken before: a photograph that changes while its film is made must not pass for the one that
+/// the film shows. An older film's record goes first. Throws Error, and what `make` throws.
+void MakeOnRecord(const std::string& path, const FilmRecord& now,
+                  const std::function<void()>& make);
 
 }  // namespace kelto::host

@@ -68,9 +68,7 @@ class TaskRunner {
     const auto message = task.worker->Line().Receive();
     if (!message) {
       if (InterruptSignal() != 0) return true;
-      const std::string end = task.worker->WaitForEnd();
-      tasks_.ended(task.index, "the process that renders it " +
-                                   (end.empty() ? "ended before it was done" : end));
+      tasks_.ended(task.index, "the process that renders it " + task.worker->WaitForEnd());
       return false;
     }
     if (message->kind == MessageKind::kConsole) {

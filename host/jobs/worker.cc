@@ -73,7 +73,13 @@ Worker::Worker(WorkerEnd end, const std::function<void(Channel&)>& work) : end_(
     close(sockets[0]);
     LeaveStandardOutput();
     Channel line(sockets[1]);
-    Work(line, work);
+    try {
+      Work(line, work);
+    } catch (...) {
+      // Not even what failed could be told. The owner's objects, of which this is a copy, must not
+      // end here: they would end other workers.
+      _exit(1);
+    }
     // Not exit(): what this process inherited is not its own to clear up.
     _exit(0);
   }
@@ -115,7 +121,7 @@ std::string Worker::WaitForEnd() {
     return "was ended by signal " + std::to_string(signal) + " (" + strsignal(signal) + ")";
   }
   const int code = WEXITSTATUS(status);
-  return code == 0 ? "" : "ended with code " + std::to_string(code);
+  return code == 0 ? "ended before it was done" : "ended with code " + std::to_string(code);
 }
 
 }  // namespace kelto::host

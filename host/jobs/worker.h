@@ -33,8 +33,8 @@ class Worker {
   Channel& Line() { return *line_; }
   /// Asks a worker that clears up to do so; the destructor waits.
   void Stop();
-  /// Waits for its end, which has to be due, and says how it came, as in "was ended by signal 9
-  /// (Killed)"; empty when it went well.
+  /// Waits for its end, which has to be due, and says how it came, for a worker that still owed
+  /// something: "was ended by signal 9 (Killed)", or "ended before it was done".
   std::string WaitForEnd();
 
  private:

@@ -5,15 +5,16 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <variant>
 #include <vector>
+
+#include "host/variant.h"
 
 namespace kelto::host {
 
 /// A parameter's value: a switch, a number, a point, a colour (0..1 a channel), or the text of a
 /// list's entry.
 using SettingValue =
-    std::variant<bool, double, std::array<double, 2>, std::array<double, 3>, std::string>;
+    Variant<bool, double, std::array<double, 2>, std::array<double, 3>, std::string>;
 
 /// A value at a time, 0..1 over the film.
 struct SettingKey {

@@ -1,11 +1,9 @@
 #include "host/preview/frame_list.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <nlohmann/json.hpp>
 #include <string>
-#include <system_error>
 #include <variant>
 
 #include "host/error.h"
@@ -76,8 +74,8 @@ std::string TextOf(const Cell& cell, const Column& column, ListForm form) {
 
 class FrameList {
  public:
-  FrameList(bool interlaced, ListForm form, std::FILE* out)
-      : form_(form), out_(out), interlaced_(interlaced) {}
+  FrameList(bool interlaced, ListForm form, const std::function<void(const std::string&)>& write)
+      : form_(form), write_(write), interlaced_(interlaced) {}
 
   void Begin(const RenderPlan& plan, const Photo& photo);
   void Add(const FrameFacts& facts);
@@ -91,25 +89,12 @@ class FrameList {
   template <typename Text>
   std::string Line(Text text) const;
   std::string Object(const FrameFacts& facts) const;
-  void Write(const std::string& text);
 
   ListForm form_;
-  std::FILE* out_;
+  const std::function<void(const std::string&)>& write_;
   bool interlaced_;
   bool first_ = true;
 };
-
-[[noreturn]] void ThrowUnwritten(int cause) {
-  // The reader has seen enough, as `head` does after some lines.
-  if (cause == EPIPE) throw ToldError();
-  throw Error("the list cannot be written: " + std::generic_category().message(cause));
-}
-
-void FrameList::Write(const std::string& text) {
-  if (std::fwrite(text.data(), 1, text.size(), out_) != text.size()) {
-    ThrowUnwritten(errno);
-  }
-}
 
 template <typename Text>
 std::string FrameList::Line(Text text) const {
@@ -148,38 +133,36 @@ void FrameList::Begin(const RenderPlan& plan, const Photo& photo) {
     // The path's bytes need not be UTF-8.
     std::string head = film.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
     head.back() = ',';
-    Write(head + "\"frames\":[\n");
+    write_(head + "\"frames\":[\n");
     return;
   }
   if (form_ == ListForm::kCsv) {
-    Write(Line([](const Column& column) { return std::string(column.name); }));
+    write_(Line([](const Column& column) { return std::string(column.name); }));
     return;
   }
-  Write(Line([](const Column& column) { return std::string(column.title); }));
-  Write(Line([](const Column& column) { return std::string(column.unit); }));
+  write_(Line([](const Column& column) { return std::string(column.title); }));
+  write_(Line([](const Column& column) { return std::string(column.unit); }));
 }
 
 void FrameList::Add(const FrameFacts& facts) {
   if (form_ == ListForm::kJson) {
-    Write((first_ ? "" : ",\n") + Object(facts));
+    write_((first_ ? "" : ",\n") + Object(facts));
     first_ = false;
     return;
   }
-  Write(Line([&](const Column& column) { return TextOf(column.cell(facts), column, form_); }));
+  write_(Line([&](const Column& column) { return TextOf(column.cell(facts), column, form_); }));
 }
 
 void FrameList::End() {
-  if (form_ == ListForm::kJson) Write("\n]}\n");
-  if (std::fflush(out_) != 0) {
-    ThrowUnwritten(errno);
-  }
+  if (form_ == ListForm::kJson) write_("\n]}\n");
 }
 
 }  // namespace
 
-void WriteFrameList(FrameInspector& inspector, const Photo& photo, ListForm form, std::FILE* out) {
+void WriteFrameList(FrameInspector& inspector, const Photo& photo, ListForm form,
+                    const std::function<void(const std::string&)>& write) {
   const RenderPlan& plan = inspector.Plan();
-  FrameList list(plan.format.Interlaced(), form, out);
+  FrameList list(plan.format.Interlaced(), form, write);
   list.Begin(plan, photo);
   for (int32_t number = 0; number < plan.frames; ++number) {
     if (InterruptSignal() != 0) throw Error("interrupted");

@@ -1,7 +1,8 @@
 // Frames' facts as text: a table for people, CSV or JSON for programs.
 #pragma once
 
-#include <cstdio>
+#include <functional>
+#include <string>
 
 #include "host/preview/frame_facts.h"
 
@@ -9,9 +10,10 @@ namespace kelto::host {
 
 enum class ListForm { kTable, kCsv, kJson };
 
-/// Writes every frame of the inspector's plan to `out`, both fields of an interlaced film's frames.
-/// Numbers in CSV and JSON read back as exactly what they were. Throws Error when writing fails or
-/// the command is interrupted.
-void WriteFrameList(FrameInspector& inspector, const Photo& photo, ListForm form, std::FILE* out);
+/// Writes every frame of the inspector's plan, both fields of an interlaced film's frames, a piece
+/// of text at a time. Numbers in CSV and JSON read back as exactly what they were. Throws Error
+/// when the command is interrupted, and what `write` throws.
+void WriteFrameList(FrameInspector& inspector, const Photo& photo, ListForm form,
+                    const std::function<void(const std::string&)>& write);
 
 }  // namespace kelto::host

@@ -5,11 +5,12 @@
 #include <initializer_list>
 #include <string>
 #include <utility>
-#include <variant>
+
+#include "host/variant.h"
 
 namespace kelto::host {
 
-using EventValue = std::variant<int64_t, double, std::string>;
+using EventValue = Variant<int64_t, double, std::string>;
 
 /// Prints {"event": `name`, ...} with the fields behind it, in their order. Bytes of texts that are
 /// not UTF-8 become U+FFFD.

@@ -1,6 +1,7 @@
 // The still importer's functions over the decoders of this folder.
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <memory>
 #include <new>
 #include <string>
@@ -63,6 +64,9 @@ OSErr Attempt(const std::string& name, const Operation& operation) {
   } catch (const std::bad_alloc&) {
     SetLastError(name, "not enough memory");
     return memFullErr;
+  } catch (const std::exception& error) {
+    SetLastError(name, error.what());
+    return codecBadDataErr;
   }
 }
 

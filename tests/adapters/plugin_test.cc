@@ -163,6 +163,20 @@ TEST_F(FreiPlugin, AMissingPhotographGivesTheInputAndOneLine) {
   EXPECT_TRUE(instance.IsAll(Instance::kGrey));
 }
 
+TEST_F(FreiPlugin, APhotographThatComesLaterIsShownFromThenOn) {
+  Instance instance(FilterPlugin(), 64, 48);
+  const std::string late = folder_ / "late.bmp";
+  instance.Set(kImage, late);
+  Said([&] {
+    for (int i = 0; i < 3; ++i) instance.Render(i / 25.0);
+  });
+  EXPECT_TRUE(instance.IsAll(Instance::kGrey));
+  test::WriteTestPhoto(late, 90, 60);
+  // It is looked for ever more seldom: the frames since the first look double between two.
+  for (int i = 3; i < 7; ++i) instance.Render(i / 25.0);
+  EXPECT_FALSE(instance.IsAll(Instance::kGrey));
+}
+
 TEST_F(FreiPlugin, AMissingPhotographGivesTheBackgroundWhereThatIsAColour) {
   Instance instance(FilterPlugin(), 64, 48);
   instance.Set(kImage, folder_ / "nowhere.jpg");

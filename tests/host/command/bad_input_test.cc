@@ -261,6 +261,20 @@ TEST_F(BadInput, AFullDisk) {
   }
 }
 
+TEST_F(BadInput, AFullDiskUnderAListOrAScript) {
+  for (const Words& words : {Words{"inspect", photo_, "--csv"},
+                             {"batch", photos_ / "", "-o", films_ / "", "--plan"},
+                             {"completion", "bash"},
+                             {"doctor"},
+                             {"--version"},
+                             {"render", "--help"}}) {
+    const Outcome outcome = RunKelto(words, "/dev/full");
+    EXPECT_EQ(outcome.code, kFailed) << words[0];
+    EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+    EXPECT_THAT(outcome.err, HasSubstr("standard output: cannot be written"));
+  }
+}
+
 TEST_F(BadInput, AFailureKeepsTheFilmThatWasThere) {
   std::ofstream(films_ / "film.mp4") << "old";
   EXPECT_EQ(Render(photos_ / "none.jpg", films_ / "film.mp4").code, kFailed);

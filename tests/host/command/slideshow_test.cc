@@ -105,6 +105,19 @@ TEST_F(SlideshowCommand, ABadPictureIsNamedAndNoFilmLeft) {
   EXPECT_THAT(NamesIn(films_), testing::IsEmpty());
 }
 
+TEST_F(SlideshowCommand, ReplacesNothingThatItIsMadeOf) {
+  const std::string tone = films_ / "tone.mkv";
+  std::ofstream(tone) << "dear";
+  for (const std::string& source : {tone, photos_ / "p2.png"}) {
+    const std::string before = BytesOf(source);
+    const Outcome outcome = Show(source, {"--fade", "0", "--audio", tone, "--format", "mkv"});
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+    EXPECT_THAT(outcome.err, HasSubstr(source + ": is what the film is made of"));
+    EXPECT_EQ(BytesOf(source), before);
+  }
+}
+
 TEST_F(SlideshowCommand, TimesThatMakeNoSenseAreMisuse) {
   for (const Words& times : {Words{"--each", "0"},
                              {"--each", "x"},

@@ -1,7 +1,11 @@
 #include "host/film/output_file.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -49,6 +53,38 @@ TEST(OutputFile, HasItsNameOnlyWhenFinished) {
   file.Finish();
   EXPECT_EQ(Content(folder / "film"), "abc");
   EXPECT_EQ(FilesIn(folder), 1);
+}
+
+TEST(OutputFile, WaitsForAPipeThatIsSetNotToWait) {
+  int ends[2];
+  ASSERT_EQ(pipe2(ends, O_NONBLOCK), 0);
+  constexpr size_t kBytes = 1 << 20;  // many times what a pipe holds
+  const pid_t writer = fork();
+  ASSERT_GE(writer, 0);
+  if (writer == 0) {
+    dup2(ends[1], STDOUT_FILENO);
+    try {
+      OutputFile file("-");
+      file.Write(std::string(kBytes, 'x').data(), kBytes);
+      file.Finish();
+      _exit(0);
+    } catch (const Error&) {
+      _exit(1);
+    }
+  }
+  close(ends[1]);
+  size_t seen = 0;
+  for (pollfd waiting{ends[0], POLLIN, 0}; poll(&waiting, 1, 20000) > 0;) {
+    char part[30000];
+    const ssize_t count = read(ends[0], part, sizeof part);
+    if (count <= 0) break;
+    seen += static_cast<size_t>(count);
+  }
+  close(ends[0]);
+  int status = -1;
+  ASSERT_EQ(waitpid(writer, &status, 0), writer);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(seen, kBytes);
 }
 
 TEST(OutputFile, LeavesNothingWhenNotFinished) {

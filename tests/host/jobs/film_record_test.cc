@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "host/error.h"
 #include "tests/support/photo.h"
 
 namespace kelto::host {
@@ -16,8 +17,19 @@ TEST(FilmRecord, SurvivesAFileWithNamesOfAnyBytes) {
   std::ofstream(photo) << "12345";
   const FilmRecord record = RecordOf(photo, {"--size", "96x64", "\xfe\"\\\n"});
   EXPECT_EQ(record.bytes, 5);
-  WriteRecord(folder / "records/film.mp4.json", record);
+  MakeOnRecord(folder / "records/film.mp4.json", record, [] {});
   EXPECT_EQ(ReadRecord(folder / "records/film.mp4.json"), record);
+}
+
+TEST(FilmRecord, IsThereOnlyOnceTheFilmIs) {
+  const test::TempFolder folder;
+  const std::string path = folder / "film.mp4.json";
+  const FilmRecord older{"older.jpg", 1, 2, {}}, newer{"newer.jpg", 3, 4, {}};
+  MakeOnRecord(path, older, [] {});
+  MakeOnRecord(path, newer, [&] { EXPECT_EQ(ReadRecord(path), std::nullopt); });
+  EXPECT_EQ(ReadRecord(path), newer);
+  EXPECT_THROW(MakeOnRecord(path, older, [] { throw Error("no film"); }), Error);
+  EXPECT_EQ(ReadRecord(path), std::nullopt);
 }
 
 TEST(FilmRecord, DiffersWhenThePictureOrTheOptionsDo) {

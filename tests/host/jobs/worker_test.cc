@@ -24,7 +24,18 @@ TEST(Worker, SpeaksToItsOwner) {
   const auto answer = worker.Line().Receive();
   ASSERT_TRUE(answer);
   EXPECT_EQ(answer->text, std::string(100000, 'x') + "!");
-  EXPECT_EQ(worker.WaitForEnd(), "");
+}
+
+TEST(Worker, ThatEndsWithoutAWordIsToldOf) {
+  Worker worker(WorkerEnd::kAtOnce, [](Channel&) {});
+  EXPECT_FALSE(worker.Line().Receive());
+  EXPECT_EQ(worker.WaitForEnd(), "ended before it was done");
+}
+
+TEST(Worker, IsOverWhenNotEvenItsFailureCanBeTold) {
+  Worker worker(WorkerEnd::kAtOnce, [](Channel&) { throw 1; });
+  EXPECT_FALSE(worker.Line().Receive());
+  EXPECT_EQ(worker.WaitForEnd(), "ended with code 1");
 }
 
 TEST(Worker, TellsWhatItThrewAndPrinted) {
