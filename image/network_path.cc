@@ -64,7 +64,8 @@ std::optional<std::string> UniversalName(const std::string& path) {
   return static_cast<const UNIVERSAL_NAME_INFOA*>(info)->lpUniversalName;
 }
 
-std::vector<Share> SharesOfThisMachine() {
+/// Nothing when a call fails, also after a part of the list.
+std::optional<std::vector<Share>> SharesOfThisMachine() {
   std::vector<Share> shares;
   DWORD resume = 0;
   NET_API_STATUS status;
@@ -73,7 +74,7 @@ std::vector<Share> SharesOfThisMachine() {
     DWORD count = 0, total = 0;
     status = win32().NetShareEnum(nullptr, 2, &buffer.bytes, MAX_PREFERRED_LENGTH, &count, &total,
                                   &resume);
-    if (status != NO_ERROR && status != ERROR_MORE_DATA) break;
+    if (status != NO_ERROR && status != ERROR_MORE_DATA) return std::nullopt;
     for (DWORD i = 0; i < count; ++i) {
       const SHARE_INFO_2& entry = buffer.As<SHARE_INFO_2>()[i];
       const auto name = Narrow(entry.shi2_netname), localPath = Narrow(entry.shi2_path);
@@ -105,7 +106,9 @@ std::optional<std::string> ComputerName() {
 std::optional<std::string> NetworkForm(const std::string& path) {
   if (path.starts_with("\\\\")) return std::nullopt;
   if (auto name = UniversalName(path)) return name;
-  for (const Share& share : SharesOfThisMachine()) {
+  const auto shares = SharesOfThisMachine();
+  if (!shares) return std::nullopt;
+  for (const Share& share : *shares) {
     if (IsHidden(share) || !Covers(share, path)) continue;
     const auto computer = ComputerName();
     if (!computer) return std::nullopt;

@@ -35,7 +35,6 @@ bool ChooseImageOf(PanZoomState& state) {
   if (!picked) return false;
   ClearBehindText(buffer);
   ResolveNetworkPath(buffer.data(), buffer.data(), kPathRecordSize);
-  ClearBehindText(buffer);
   state.imagePath = buffer.data();
 
   ReleaseWorkImages(state);

@@ -15,6 +15,9 @@ struct View {
   double centreX = 0.0, centreY = 0.0;
 };
 
+/// What the rectangles of a frame follow from: the picture, the output and the view of one on the
+/// other. Taken as it comes: of sizes, aspects and zooms that are not above 0 the rectangles make
+/// no sense, and the resampler draws none of the picture.
 struct FrameGeometry {
   int32_t sourceWidth = 0, sourceHeight = 0;   ///< pixels of the cached picture; 0 x 0 for none
   uint32_t outputWidth = 0, outputHeight = 0;  ///< pixels of the output image

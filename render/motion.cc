@@ -22,6 +22,19 @@ CurvePtr NewCurve(int32_t kind) {
   return curve;
 }
 
+/// Adds a point, or throws where the curve would silently go without it.
+void Append(Curve* curve, double x, double y) {
+  const int32_t count = CurveCount(curve);
+  CurveAppendXY(curve, x, y);
+  if (CurveCount(curve) == count) throw std::bad_alloc();
+}
+
+/// Prepares the curve, or throws where it would run on otherwise than its kind says.
+void Prepare(Curve* curve) {
+  CurvePrepare(curve);
+  if (curve->flags & Dirty) throw std::bad_alloc();
+}
+
 double FiniteOr(double value, double fallback) { return std::isfinite(value) ? value : fallback; }
 
 /// The easing of one stretch in the unit square. The shoulders (0.25, 0.1) and (0.75, 0.9) are the
@@ -31,16 +44,16 @@ CurvePtr EasingCurve(int32_t outVelocity, int32_t inVelocity) {
   Curve* c = easing.get();
   if (outVelocity == VelocityLinear || outVelocity == VelocityConstant ||
       outVelocity == VelocityEase) {
-    CurveAppendXY(c, 0.0, 0.0);
-    if (outVelocity == VelocityEase) CurveAppendXY(c, 0.25, 0.1);
-    CurveAppendXY(c, 0.5, 0.5);
+    Append(c, 0.0, 0.0);
+    if (outVelocity == VelocityEase) Append(c, 0.25, 0.1);
+    Append(c, 0.5, 0.5);
   }
   if (inVelocity == VelocityLinear || inVelocity == VelocityConstant ||
       inVelocity == VelocityEase) {
-    if (inVelocity == VelocityEase) CurveAppendXY(c, 0.75, 0.9);
-    CurveAppendXY(c, 1.0, 1.0);
+    if (inVelocity == VelocityEase) Append(c, 0.75, 0.9);
+    Append(c, 1.0, 1.0);
   }
-  CurvePrepare(c);
+  Prepare(c);
   return easing;
 }
 
@@ -105,11 +118,11 @@ void RebuildPathCurves(PanZoomState& state) {
     for (int32_t i = 0; i < position->GetNumKeys(); ++i) {
       const hfxParamKey* key = position->GetKey(i);
       const PathPoint p = PositionOfKey(*key);
-      CurveAppendXY(x.get(), key->GetTime(), p.x);
-      CurveAppendXY(y.get(), key->GetTime(), p.y);
+      Append(x.get(), key->GetTime(), p.x);
+      Append(y.get(), key->GetTime(), p.y);
     }
-    CurvePrepare(x.get());
-    CurvePrepare(y.get());
+    Prepare(x.get());
+    Prepare(y.get());
   }
   DestroyPathCurves(state);
   state.pathCurveX = x.release();
@@ -124,9 +137,9 @@ double ZoomAt(PanZoomState& state, const hfxParameter& size, double t) {
     const hfxParamKey* key = size.GetKey(i);
     double value;
     std::memcpy(&value, key->GetValue(), sizeof value);
-    CurveAppendXY(curve.get(), key->GetTime(), value);
+    Append(curve.get(), key->GetTime(), value);
   }
-  CurvePrepare(curve.get());
+  Prepare(curve.get());
   return FiniteOr(CurveEvaluate(curve.get(), RemapTime(state, CurveTime(t), false)), 1.0);
 }
 

@@ -2,7 +2,7 @@
 //
 // All times are the host's key times, 0..1 over the effect's length. Velocity lists are keyed at
 // the times of the "position" keys; a key that is missing there counts as Linear. No result is ever
-// NaN or infinite.
+// NaN or infinite. Whatever needs a curve throws std::bad_alloc when memory runs out.
 #pragma once
 
 #include "platform/hfx.h"
@@ -31,7 +31,7 @@ double RemapTime(PanZoomState& state, double t, bool useArcLength);
 void BuildArcTable(PanZoomState& state);
 
 /// Makes both path curves anew from the "position" keys; fewer than two keys leave them empty.
-/// Throws std::bad_alloc when memory runs out.
+/// The curves made before stay when memory runs out.
 void RebuildPathCurves(PanZoomState& state);
 
 /// Frees both path curves.

@@ -19,18 +19,26 @@ struct Size {
   int32_t width, height;
 };
 
-/// Converts rows of `pixels` in place through a buffer, each by the image's own row delta, so that
+/// A pixel layout as the conversion library is told it.
+struct Layout {
+  const char* tag;
+  pxcColorSpace colorSpace;
+  int32_t bytesPerPixel;
+};
+
+constexpr Layout kBgra = {"BGRA", pxcColorSpaceRGB, 4};
+constexpr Layout k422 = {"Y422", pxcColorSpaceYCbCr, 2};
+
+/// Converts an image's rows in place through a buffer, each by the image's own row delta, so that
 /// padded and bottom-up images keep what lies between their rows.
 template <typename Conversion>
-void ConvertRowsInPlace(hfxImage& image, Size size, const char* from, const char* to,
-                        int32_t bytesPerPixel) {
-  const size_t rowBytes = static_cast<size_t>(size.width) * bytesPerPixel;
+void ConvertRowsInPlace(hfxImage& image, Size size, const Layout& from, const Layout& to) {
+  const size_t rowBytes = static_cast<size_t>(size.width) * to.bytesPerPixel;
   const auto buffer = std::make_unique_for_overwrite<uint8_t[]>(rowBytes * size.height);
-  pxcImage source(size.width, size.height, from, image.GetRowPtr(0), pxcComponent8U,
-                  std::strcmp(from, "BGRA") == 0 ? pxcColorSpaceRGB : pxcColorSpaceYCbCr);
+  pxcImage source(size.width, size.height, from.tag, image.GetRowPtr(0), pxcComponent8U,
+                  from.colorSpace);
   source.SetPixelArray(image.GetRowPtr(0), image.GetRowDelta());
-  pxcImage converted(size.width, size.height, to, buffer.get(), pxcComponent8U,
-                     std::strcmp(to, "BGRA") == 0 ? pxcColorSpaceRGB : pxcColorSpaceYCbCr);
+  pxcImage converted(size.width, size.height, to.tag, buffer.get(), pxcComponent8U, to.colorSpace);
   Conversion().Execute(source, converted);
   for (int32_t y = 0; y < size.height; ++y) {
     std::memcpy(image.GetRowPtr(y), buffer.get() + y * rowBytes, rowBytes);
@@ -56,7 +64,7 @@ ResampleJob JobFor(const PanZoomState& state, hfxImage& output, Size size) {
 void Draw(const ResampleJob& job, hfxImage& output, Size size, int32_t colorspace) {
   ResampleTo422(job);
   if (colorspace == hfxColorspaceRGB) {
-    ConvertRowsInPlace<pxcYCbYCr2RGBA>(output, size, "Y422", "BGRA", 4);
+    ConvertRowsInPlace<pxcYCbYCr2RGBA>(output, size, k422, kBgra);
   }
 }
 
@@ -69,12 +77,12 @@ void SetPicture(ResampleJob& job, const IplImage* picture) {
 }
 
 void SetVideoBackground(ResampleJob& job, hfxImage& input, Size size, int32_t colorspace) {
-  const Size video = {std::min(size.width, input.GetWidth()),
-                      std::min(size.height, input.GetHeight())};
-  if (video.width < 1 || video.height < 1) return;
+  // Without pixels the input still counts as video: all of it is black.
+  const Size video = {std::clamp(input.GetWidth(), 0, size.width),
+                      std::clamp(input.GetHeight(), 0, size.height)};
   // Overwrites the host's RGB input, on purpose: it saves a copy of the frame.
   if (colorspace == hfxColorspaceRGB) {
-    ConvertRowsInPlace<pxcRGBA2YCbYCr>(input, video, "BGRA", "Y422", 2);
+    ConvertRowsInPlace<pxcRGBA2YCbYCr>(input, video, kBgra, k422);
   }
   job.background.videoRow0 = input.GetRowPtr(0);
   job.background.videoRowBytes = input.GetRowDelta();
@@ -93,6 +101,7 @@ bool Renderable(int32_t colorspace) {
 
 }  // namespace
 
+// Both columns are bare numbers: of the hosts' formats the interface names two, of the codes none.
 int32_t LayoutCode(int32_t imgFormat, int32_t channelType) {
   switch (imgFormat) {
     case -1:

@@ -19,7 +19,8 @@ void RenderFrame(PanZoomState& state, const hfxRect& region);
 /// output.
 void RenderWithoutImage(PanZoomState& state);
 
-/// The resampler's code for an output layout (hfxImage::GetImgFormat, and GetChannelType for 0).
+/// The resampler's code for an output layout (hfxImage::GetImgFormat, and GetChannelType of channel
+/// 0), 0 .. 11: carried along in the job, where nothing of the picture depends on it.
 int32_t LayoutCode(int32_t imgFormat, int32_t channelType);
 
 /// The background colour's three bytes, red first: channels of 0..1 are truncated to bytes and,

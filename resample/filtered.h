@@ -22,6 +22,10 @@ struct FilteredPlan {
   std::vector<float> rowCoverage;     ///< per row of `rows`
 };
 
+/// The plan that draws `picture` with `filter` onto `canvas`, which holds the rows of `job.dest`.
+/// The job gives the source (at least one pixel each way) and the bytes that a 4:2:2 canvas takes
+/// its chroma from, 0 .. 3; its rectangles are not looked at, since `picture` is what became of
+/// them. Without a row or column to draw the tables stay empty.
 FilteredPlan PlanFiltered(const ResampleJob& job, const Canvas& canvas, const FilterSpec& filter,
                           const Picture& picture);
 

@@ -8,10 +8,14 @@
 
 namespace kelto {
 
+/// A kernel and the bounds within which taps are weighed by it. The bounds are the filter's own,
+/// not the kernel's support: narrower ones cut the kernel off.
 struct FilterSpec {
-  KernelFunction kernel = nullptr;
-  const void* data = nullptr;  ///< the kernel's parameters
-  float lo = 0.0f, hi = 0.0f;  ///< support bounds in source pixels at scale 1, lo <= 0 <= hi
+  KernelFunction kernel = nullptr;  ///< one of kernels.h; null for no filter
+  const void* data = nullptr;       ///< the kernel's parameters, which outlive the filter
+  /// In source pixels from the sampling position at scale 1, lo <= 0 <= hi; minifying stretches
+  /// both by the scale.
+  float lo = 0.0f, hi = 0.0f;
 };
 
 /// A filter's kernel at places `step` apart: as quickly as its kind allows, within 1e-6 of it.

@@ -45,10 +45,12 @@ struct PictureSpan {
   Range Centres() const;
 };
 
+/// All that drawing needs to know of one axis, columns or rows. Lengths are in frame pixels on the
+/// destination's side, fields notwithstanding, and in image pixels on the source's.
 struct PictureAxis {
-  AxisMap map;
-  SampleRange samples;
-  PictureSpan span;
+  AxisMap map;          ///< from the pixels of `span` to sampling positions
+  SampleRange samples;  ///< what taps around those positions may read
+  PictureSpan span;     ///< empty: nothing of the picture shows
 };
 
 /// The picture in frame columns and rows.

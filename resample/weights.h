@@ -35,9 +35,10 @@ struct AxisFilter {
 /// `common` without the taps too far outside the axis's own range to matter in single precision.
 AxisFilter MakeAxisFilter(const FilterSpec& filter, const PictureAxis& axis, TapRange common);
 
+/// One source sample's part in a destination pixel.
 struct Tap {
-  int32_t imagePixel;
-  float weight;
+  int32_t imagePixel;  ///< column or row of the image, mirrored into it: 0 .. size - 1
+  float weight;        ///< the kernel's value, not normalised; negative in a kernel's lobes
 };
 
 /// Fills `taps` with those of the sampling position `position`, in order from lo to hi; returns the

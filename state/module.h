@@ -6,12 +6,14 @@
 
 namespace kelto {
 
+/// What the system and the host have told the library, null before that. All of it stays theirs.
 struct ModuleState {
   HINSTANCE handle = nullptr;                ///< owns the file dialogs
   hfxHostStateCallback hostState = nullptr;  ///< asked when an instance begins a render
   void* attributeBlock = nullptr;            ///< remembered, never read
 };
 
+/// The process's one state. Not locked: the host's calls come one at a time.
 ModuleState& Module();
 
 }  // namespace kelto

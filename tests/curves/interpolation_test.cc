@@ -267,6 +267,8 @@ TEST(PowerThreePointCurve, ExtrapolatesAlongItsEndSlopes) {
 TEST(PowerThreePointCurve, SlopesAreCappedAt200FromAboveOnly) {
   const OwnedCurve steep = MakeCurve(PowerThreePoint, {{0, 0}, {0.5, 900}, {1, 1000}});
   EXPECT_EQ(steep->points[0].outTangent, 200.0);
+  const OwnedCurve steepEnd = MakeCurve(PowerThreePoint, {{0, 0}, {0.5, 100}, {1, 1000}});
+  EXPECT_EQ(steepEnd->points[2].inTangent, 200.0);
   // In less than the slope's step of 0.001 the sample lies beyond the other end, on its slope.
   const OwnedCurve narrow = MakeCurve(PowerThreePoint, {});
   CurveAppendXY(narrow.get(), 0, 0);

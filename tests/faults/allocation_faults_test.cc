@@ -13,6 +13,7 @@
 #include "platform/win32.h"
 #include "plugin/PanZoomModel.h"
 #include "plugin/update_params.h"
+#include "render/motion.h"
 #include "tests/faults/failing_calls.h"
 #include "tests/support/instance.h"
 #include "tests/support/photo.h"
@@ -237,6 +238,39 @@ TEST_P(EveryFilter, DrawsAgainAfterAnyAllocationHasFailed) {
   ForEveryCall(
       FailingCall::Allocation, make, [&](Instance& instance) { return Render(instance, output); },
       check);
+}
+
+TEST_F(Faults, AFilmOfManyKeysIsDrawnRightOrNotAtAll) {
+  // More keys than the ten that a new curve has room for.
+  const auto make = [&] {
+    auto instance = NewInstance(photo);
+    instance->pathType = 1;
+    instance->host().totalFrames = 100;
+    instance->host().currentFrame = 73;  // a third of the way from the first key beyond that room
+    for (int i = 0; i < 15; ++i) {
+      const double time = i / 14.0, side = i % 2 == 0 ? 0.2 : -0.2;
+      instance->SetPosition(time, side, -side);
+      instance->SetVelocities(time, VelocityEase, VelocityEase);
+      instance->SetKey("size", time, 1.5 + side);
+    }
+    Frame(*instance);
+    instance->paramsChanged = true;
+    return instance;
+  };
+  const std::vector<uint8_t> expected = Frame(*make());
+  Picture output(kWidth, kHeight, hfxColorspaceYCbCr, 6);
+  const auto check = [&](Instance& instance, Outcome outcome, bool fired) {
+    EXPECT_NE(outcome, Outcome::False);
+    if (outcome == Outcome::True) {
+      EXPECT_EQ(output.Packed(), expected);
+    }
+    EXPECT_TRUE(fired || outcome == Outcome::True);
+    EXPECT_EQ(Frame(instance), expected) << "the next time";
+  };
+  const int64_t failed = ForEveryCall(
+      FailingCall::Allocation, make, [&](Instance& instance) { return Render(instance, output); },
+      check);
+  EXPECT_GT(failed, 20);
 }
 
 class EveryCacheCommand : public Faults, public testing::WithParamInterface<int32_t> {};

@@ -47,7 +47,8 @@ NET_API_STATUS KELTO_WINAPI ShareEnum(wchar_t* server, DWORD level, uint8_t** bu
                                       DWORD* count, DWORD* total, DWORD* resume) {
   ++network->shareCalls;
   if (server != nullptr || level != 2 || length != MAX_PREFERRED_LENGTH) return 87;
-  if (network->shareError != NO_ERROR) return network->shareError;  // nothing is written then
+  const bool spared = network->shareCalls <= network->shareCallsBeforeError;
+  if (network->shareError != NO_ERROR && !spared) return network->shareError;  // nothing is written
   const size_t left = network->shares.size() - *resume;
   const size_t given = std::min(left, network->sharesPerCall);
   auto* entries = static_cast<SHARE_INFO_2*>(::operator new(sizeof(SHARE_INFO_2) * (given + 1)));

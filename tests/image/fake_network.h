@@ -23,6 +23,7 @@ class FakeNetwork {
   std::wstring computer = L"HOST";
   size_t sharesPerCall = 100;  ///< above it the enumeration goes on with another call
   NET_API_STATUS shareError = 0, computerError = 0;
+  int shareCallsBeforeError = 0;  ///< enumeration calls that `shareError` spares
 
   int universalNameCalls = 0, shareCalls = 0;
   int openBuffers = 0;  ///< handed out and not yet freed

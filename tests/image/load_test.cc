@@ -77,16 +77,6 @@ TEST_F(Load, SixOhOneLevelsGoThroughUnchanged) {
   EXPECT_THAT(PixelAt(0, 0), ElementsAre(0, 128, 128));
 }
 
-TEST_F(Load, TheStudioTableIsCutNotRounded) {
-  EXPECT_EQ(studioLevelTable[0], 16);
-  EXPECT_EQ(studioLevelTable[1], 17);     // 17.36
-  EXPECT_EQ(studioLevelTable[2], 18);     // 18.22
-  EXPECT_EQ(studioLevelTable[4], 19);     // 19.94
-  EXPECT_EQ(studioLevelTable[128], 126);  // 126.5
-  EXPECT_EQ(studioLevelTable[255], 235);  // 235.64
-  for (size_t i = 1; i < 256; ++i) EXPECT_GE(studioLevelTable[i], studioLevelTable[i - 1]);
-}
-
 TEST_F(Load, BoundsThatDoNotStartAtTheOriginStillGiveTheSize) {
   PutPicture("/pics/a.jpg", FakePicture::Flat(9, 4, 10, 10, 10, -20, 300));
   ASSERT_TRUE(LoadImage(instance, false));

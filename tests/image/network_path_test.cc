@@ -103,6 +103,15 @@ TEST_F(NetworkPath, WithoutAnswersFromTheNetworkThePathStays) {
   EXPECT_EQ(Resolve("D:\\Pics\\a.jpg"), "unchanged");
 }
 
+TEST_F(NetworkPath, AnEnumerationThatFailsHalfWayGivesNoShareAtAll) {
+  network.shares = {{L"Pics", L"D:\\Pics"}, {L"Data", L"D:\\"}};
+  network.sharesPerCall = 1;
+  network.shareError = 5;
+  network.shareCallsBeforeError = 1;
+  EXPECT_EQ(Resolve("D:\\Pics\\a.jpg"), "unchanged");
+  EXPECT_EQ(network.shareCalls, 2);
+}
+
 TEST_F(NetworkPath, InputAndOutputMayBeOneBuffer) {
   network.shares = {{L"A share of a longer name", L"D:\\"}};
   char buffer[2048] = "D:\\a.jpg";

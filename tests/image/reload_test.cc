@@ -1,6 +1,7 @@
 // ReloadImage: loading anew, then reducing and keeping the budget.
 #include <gtest/gtest.h>
 
+#include "image/studio_levels.h"
 #include "tests/image/load_fixture.h"
 
 namespace kelto {
@@ -55,6 +56,16 @@ TEST_F(Reload, AFailedLoadLeavesNothingLoaded) {
   instance.imagePath = "/gone.jpg";
   EXPECT_FALSE(ReloadImage(instance, false));
   EXPECT_TRUE(instance.empty());
+}
+
+TEST_F(Reload, AFailedLoadKeepsTheBudgetAllTheSame) {
+  Instance first, second;
+  first.Hold(1024, 2560);    // 10 MiB
+  second.Hold(1024, 30720);  // 120 MiB
+  instance.imagePath = "/gone.jpg";
+  EXPECT_FALSE(ReloadImage(instance, false));
+  EXPECT_TRUE(first.empty());
+  EXPECT_FALSE(second.empty()) << "within the budget by itself";
 }
 
 TEST_F(Reload, TheFlagReachesTheDialog) {

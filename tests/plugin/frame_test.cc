@@ -7,6 +7,7 @@
 
 #include "image/cache.h"
 #include "platform/win32.h"
+#include "plugin/update_params.h"
 #include "tests/support/instance.h"
 #include "tests/support/photo.h"
 
@@ -74,6 +75,15 @@ TEST_F(Frame, PlayingReducesTheImageAndRenderingReloadsIt) {
   Render(hfxPlayModeRender);
   EXPECT_EQ(instance.workImages[0]->width, 64);
   EXPECT_EQ(instance.cacheState, 1);
+}
+
+TEST_F(Frame, ALoadCarriesOutTheCacheModeOfItsTime) {
+  instance.cacheMode = CacheVideoResolution;
+  Render();
+  EXPECT_EQ(instance.appliedCacheMode, CacheVideoResolution);
+  const IplImage* loaded = instance.workImages[0];
+  ApplyCacheCommand(instance, false);
+  EXPECT_EQ(instance.workImages[0], loaded) << "nothing is left to carry out";
 }
 
 TEST_F(Frame, AFailedLoadIsNotTriedAgainAndOpensNoDialog) {

@@ -89,6 +89,31 @@ TEST(UpdateParams, HoldsTheColourOfTheActiveKeyAndLeavesItAloneWithoutOne) {
   EXPECT_EQ(i.KeyValue<Colour>("bgcolor", 0)[2], 0.0);
 }
 
+TEST(UpdateParams, LeavesEveryVelocityKeyItsOwn) {
+  Instance i;
+  i.SetVelocities(0.0, VelocityLinear, VelocityHold);
+  i.SetVelocities(1.0, VelocityEase, VelocityEase);
+  for (const char* key : {"invelocity", "outvelocity"}) i.SetActive(key, 1);
+  UpdateParams(&i);
+  EXPECT_EQ(i.KeyValue<int32_t>("invelocity", 0), VelocityLinear);
+  EXPECT_EQ(i.KeyValue<int32_t>("invelocity", 1), VelocityEase);
+  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 0), VelocityHold);
+  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 1), VelocityEase);
+}
+
+TEST(UpdateParams, LeavesAnimatedKeysTheirOwn) {
+  Instance i;
+  for (const double t : {0.0, 1.0}) {
+    i.SetPosition(t, t, -t);
+    i.SetKey("size", t, 1.0 + t);
+  }
+  for (const char* key : {"position", "size"}) i.SetActive(key, 1);
+  UpdateParams(&i);
+  EXPECT_EQ(i.KeyValue<double>("size", 0), 1.0);
+  const std::array<double, 2> origin = {0.0, 0.0};
+  EXPECT_EQ((i.KeyValue<std::array<double, 2>>("position", 0)), origin);
+}
+
 TEST(UpdateParams, AConstantInKeyTakesItsOutKeyAlongAndBack) {
   Instance i;
   i.SetVelocities(0.0, VelocityConstant, VelocityEase);

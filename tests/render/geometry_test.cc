@@ -102,6 +102,24 @@ TEST(Geometry, NonSquarePixelsNarrow625LineVideoAndWidenAllOther) {
   }
 }
 
+TEST(Geometry, OnlyViewsThatAreStillMinifiedAreShiftedByTheAspect) {
+  FrameGeometry frame = Landscape();
+  frame.sourceWidth = 4000;
+  frame.sourceHeight = 3000;
+  frame.outputWidth = 2000;
+  frame.outputHeight = 1000;
+  frame.displayAspect = 2.0;
+  frame.view.zoom = 2.0;  // 2000 x 1000 source pixels for as many of the frame's: 1:1
+  const RectF whole = ComputeFrameRects(frame).source;
+  EXPECT_EQ(whole.left + whole.right, 4000.0f);
+  EXPECT_EQ(whole.top + whole.bottom, 3000.0f);
+  frame.view.zoom = 1.5;
+  const RectF minified = ComputeFrameRects(frame).source;
+  const double shift = 0.5 / 1.0 * 2.0;  // (zoom - 1) / (scale - 1) times the aspect
+  EXPECT_NEAR(minified.left + minified.right, 4000.0 - 2 * shift, 1e-3);
+  EXPECT_NEAR(minified.top + minified.bottom, 3000.0 - 2 * shift, 1e-3);
+}
+
 TEST(Geometry, CentreMovesTheViewInBaseWidths) {
   FrameGeometry frame = Landscape();
   frame.sourceWidth = 1000;

@@ -233,6 +233,30 @@ TEST(Motion, ASplinesLastFramesAreNotThrownBackToTheFirstKey) {
   EXPECT_NEAR(last, 0.4, 0.01);
 }
 
+TEST(Motion, ASplinesStepPastAKeyCountsTwiceInTheLengthOfItsRun) {
+  Instance instance;
+  instance.pathType = 1;
+  instance.host().totalFrames = 40;  // ten steps of 0.1, which pass the key at 0.35
+  for (const double t : {0.0, 0.35, 1.0}) {
+    instance.SetPosition(t, t, 0.0);  // a straight line, as long as the time it takes
+    instance.SetVelocities(t, VelocityConstant, VelocityConstant);
+  }
+  BuildArcTable(instance);
+  // To 0.4 and back to 0.35, and from there to 1.0, where the curve ends.
+  const double length = 0.4 + 0.05 + 0.65;
+  ASSERT_EQ(instance.motionTable.size(), 13u);
+  EXPECT_NEAR(instance.motionTable[4].keyTime, 0.35, 1e-12);
+  EXPECT_NEAR(instance.motionTable[4].travelTime, 0.35 / length, 1e-6);
+  EXPECT_NEAR(instance.motionTable[11].travelTime, 1.0 / length, 1e-6);
+  EXPECT_EQ(instance.motionTable[12].travelTime, 1.0) << "closed at the last key";
+}
+
+TEST(Motion, AStretchThatTakesNoTravelTimeIsLeftAtItsStart) {
+  Instance instance;
+  instance.motionTable = {{0.2, 0.5}, {0.7, 0.5}, {1.0, 1.0}};
+  EXPECT_EQ(LookupArcTable(instance, 0.5), 0.2);
+}
+
 TEST(Motion, MissingVelocityKeysCountAsLinear) {
   Instance instance;
   instance.host().totalFrames = 101;
@@ -251,6 +275,17 @@ TEST(Motion, APositionWithOneKeyLeavesBothPathCurvesEmpty) {
   EXPECT_EQ(CurveCount(instance.pathCurveX), 0);
   EXPECT_EQ(CurveCount(instance.pathCurveY), 0);
   EXPECT_EQ(instance.centreX, 0.0);
+}
+
+TEST(Motion, WithoutAPositionOrASizeTheHostsOwnValuesStand) {
+  PanZoomInstance instance;  // no parameters were made
+  instance.zoom = 3.0;
+  instance.centreX = 0.25;
+  instance.centreY = -0.5;
+  EvaluateMotion(instance);
+  EXPECT_EQ(instance.zoom, 3.0);
+  EXPECT_EQ(instance.centreX, 0.25);
+  EXPECT_EQ(instance.centreY, -0.5);
 }
 
 TEST(Motion, AnXCurveWithoutAYCurveIsKeptAsItIs) {

@@ -61,6 +61,23 @@ TEST(Outline, ThickLinesAreTwoPixelsAndNoCornerIsShiftedTwice) {
   }
 }
 
+TEST(Outline, ThickLinesOfARectangleOneRowOrColumnWideAreShiftedOnce) {
+  const auto band = [](int32_t i) { return i == 5 || i == 6; };
+  const auto along = [](int32_t i) { return i >= 2 && i <= 9; };
+  for (const bool oneRow : {true, false}) {
+    Picture picture(12, 12, hfxColorspaceYCbCr);
+    Fill(picture, 150);  // shifted twice it would come back to 150
+    const OutlineRect rect = oneRow ? OutlineRect{2, 5, 8, 5} : OutlineRect{5, 2, 5, 8};
+    DrawFrameOutline(*picture.image(), hfxColorspaceYCbCr, rect, OutlineThick, 0);
+    for (int32_t y = 0; y < 12; ++y) {
+      for (int32_t x = 0; x < 12; ++x) {
+        const bool marked = oneRow ? band(y) && along(x) : band(x) && along(y);
+        EXPECT_EQ(picture.row(y)[2 * x], marked ? 220 : 150) << x << ',' << y;
+      }
+    }
+  }
+}
+
 TEST(Outline, CoordinatesAreRoundedDownAndClippedToTheImage) {
   Picture picture(10, 10, hfxColorspaceYCbCr, 10);
   Fill(picture, 100);

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "image/cache.h"
-#include "image/load.h"
+#include "image/studio_levels.h"
 #include "render/geometry.h"
 #include "tests/support/instance.h"
 #include "tests/support/vectors.h"
@@ -261,6 +261,41 @@ TEST_F(SmallFrame, OtherColourSpacesLeaveTheOutputUntouched) {
   EXPECT_EQ(Render(), before);
 }
 
+TEST_F(SmallFrame, AnInputAndAnOutputOfTwoColourSpacesLeaveBothUntouched) {
+  CacheSpottedPicture();
+  instance.compositeOver = 1;
+  // Padded, so that even rows of the wider layout would stay inside the buffer.
+  Picture rgb(kWidth, kHeight, hfxColorspaceRGB), narrow(kWidth, kHeight, hfxColorspaceYCbCr, 64);
+  for (const auto& [from, to] : {std::pair(&input, &rgb), std::pair(&rgb, &narrow)}) {
+    hfx::SetInput(instance, 0, from->image());
+    hfx::SetOutput(instance, 0, to->image());
+    const auto inputBefore = from->Packed(), outputBefore = to->Packed();
+    RenderFrame(instance, Whole(kWidth, kHeight));
+    EXPECT_EQ(from->Packed(), inputBefore);
+    EXPECT_EQ(to->Packed(), outputBefore);
+    EXPECT_TRUE(to->GuardsIntact());
+  }
+}
+
+TEST_F(SmallFrame, VideoSmallerThanTheFrameEndsWhereItsOwnPixelsDo) {
+  instance.compositeOver = 1;
+  // Over the input's first rows and columns: what follows them there is not the video's.
+  for (const auto& [width, height] :
+       {std::pair(kWidth - 6, kHeight), {kWidth, kHeight - 5}, {kWidth, 0}, {0, kHeight}}) {
+    hfxImage small(width, height, input.row(0), input.image()->GetRowDelta(), hfxColorspaceYCbCr,
+                   hfxImgFormatYCbYCr);
+    hfx::SetInput(instance, 0, &small);
+    Render();
+    for (int32_t y = 0; y < kHeight; ++y) {
+      for (int32_t x = 0; x < kWidth; ++x) {
+        const bool inside = x < width && y < height;
+        ASSERT_EQ(output.row(y)[2 * x], inside ? input.row(y)[2 * x] : 16) << x << ", " << y;
+        ASSERT_EQ(output.row(y)[2 * x + 1], inside ? input.row(y)[2 * x + 1] : 128);
+      }
+    }
+  }
+}
+
 TEST_F(SmallFrame, ARegionLargerThanTheOutputIsCut) {
   CacheSpottedPicture();
   RenderFrame(instance, {-2147483647, 0, 2147483647, 4000});
@@ -282,6 +317,28 @@ TEST_F(SmallRgbFrame, AnRgbInputUnderThePictureIsOverwrittenByIts422Form) {
   instance.compositeOver = 1;
   Render();
   EXPECT_NE(input.Packed(), before);
+  EXPECT_TRUE(input.GuardsIntact());
+}
+
+TEST_F(SmallRgbFrame, OfAnRgbInputSmallerThanTheFrameOnlyItsOwnPixelsAreOverwritten) {
+  instance.compositeOver = 1;
+  for (const auto& [width, height] :
+       {std::pair(kWidth - 6, kHeight - 5), {kWidth, 0}, {0, kHeight}}) {
+    const auto before = input.Packed();
+    hfxImage small(width, height, input.row(0), input.image()->GetRowDelta(), hfxColorspaceRGB,
+                   hfxImgFormatBGRA);
+    hfx::SetInput(instance, 0, &small);
+    Render();
+    const auto after = input.Packed();
+    for (size_t i = 0; i < before.size(); ++i) {
+      const auto x = static_cast<int32_t>(i) % input.rowBytes();
+      const auto y = static_cast<int32_t>(i) / input.rowBytes();
+      if (y < height && x < 2 * width) continue;  // the 4:2:2 form: two bytes a pixel
+      ASSERT_EQ(after[i], before[i]) << "row " << y << " byte " << x;
+    }
+    const uint8_t* corner = output.row(kHeight - 1) + 4 * (kWidth - 1);
+    EXPECT_LE(corner[0] + corner[1] + corner[2], 6) << "black beyond the video";
+  }
   EXPECT_TRUE(input.GuardsIntact());
 }
 

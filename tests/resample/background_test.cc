@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include "platform/ycrcb_weights.h"
 #include "resample/resample.h"
 #include "tests/resample/buffers.h"
 
@@ -38,6 +39,22 @@ Background Colour(const Bytes4& bytes) {
   background.selector = 1;
   std::copy(bytes.begin(), bytes.end(), background.bytes);
   return background;
+}
+
+TEST(BackgroundPattern, OfRgbIsWeighedAsPicturesAre) {
+  // The engine includes no platform header, and so has the weights a second time.
+  const auto weigh = [](const ComponentWeights& weights, int32_t offset, const Bytes4& rgb) {
+    const int32_t weighed = Weigh<int32_t>(weights, rgb[0], rgb[1], rgb[2]);
+    return static_cast<uint8_t>((weighed + offset * kWeightUnit) / kWeightUnit);
+  };
+  for (int32_t i = 0; i < 52 * 52 * 52; ++i) {
+    const auto level = [&](int32_t step) { return static_cast<uint8_t>(i / step % 52 * 5); };
+    const Bytes4 rgb = {level(1), level(52), level(52 * 52), 0};
+    const uint8_t luma = weigh(kLumaWeights, 0, rgb);
+    const Bytes4 expected = {luma, weigh(kCbWeights, kChromaOffset, rgb), luma,
+                             weigh(kCrWeights, kChromaOffset, rgb)};
+    ASSERT_EQ(Pattern(0, rgb), expected) << +rgb[0] << ' ' << +rgb[1] << ' ' << +rgb[2];
+  }
 }
 
 TEST(BackgroundPattern, SelectorZeroConvertsRgbToYCbYCrTruncated) {

@@ -75,6 +75,12 @@ TEST(FramePicture, CoversAPixelInPartWhereTheImageEndsInsideIt) {
   EXPECT_EQ(span.Centres().end, 12);
 }
 
+TEST(PictureSpan, AnEdgeThroughAPixelsCentreTakesThePixelInAtItsStartOnly) {
+  const PictureSpan before = {{0, 4}, 0.0, 3.5}, after = {{3, 8}, 3.5, 8.0};
+  EXPECT_EQ(before.Centres().end, 3);
+  EXPECT_EQ(after.Centres().first, 3) << "of two pictures side by side one has the pixel";
+}
+
 TEST(FramePicture, NarrowerThanAPixelCoversPartOfOne) {
   const Picture picture = PictureOf(2, 2, {-79.5f, -79.5f, 79.5f, 79.5f}, 16, 16);
   const PictureSpan& span = picture.columns.span;
@@ -132,6 +138,23 @@ TEST(ReductionPicture, SamplesTheSourcesStartAtTheFirstPixelWhateverItsFraction)
   EXPECT_FLOAT_EQ(picture.columns.map.scale, 40.0f / 18.5f);
   EXPECT_EQ(picture.columns.span.pixels.end, 18);
   EXPECT_EQ(picture.rows.span.pixels.end, 13);
+}
+
+TEST(ReductionPicture, ReachesAnImagesSizeBeyondTheImageAtTheMost) {
+  uint8_t pixel[4];
+  ResampleJob job;
+  job.source = {pixel, 40, 30, 0};
+  job.dest = {pixel, 20, 15, 0};
+  job.destRect = WholeFrame(20, 15);
+  const auto isEmpty = [&](const RectF& source) {
+    job.sourceRect = source;
+    return ReductionPicture(job).Empty();
+  };
+  EXPECT_FALSE(isEmpty({-40.0f, -30.0f, 80.0f, 60.0f}));
+  EXPECT_TRUE(isEmpty({-40.5f, 0.5f, 39.5f, 29.5f}));
+  EXPECT_TRUE(isEmpty({0.5f, -30.5f, 39.5f, 29.5f}));
+  EXPECT_TRUE(isEmpty({0.5f, 0.5f, 80.5f, 29.5f}));
+  EXPECT_TRUE(isEmpty({0.5f, 0.5f, 39.5f, 60.5f}));
 }
 
 }  // namespace

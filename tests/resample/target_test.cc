@@ -192,6 +192,33 @@ TEST_P(OnEveryTarget, NothingIsReadPastTheLastPixelOfAnImage) {
   }
 }
 
+TEST_P(OnEveryTarget, ColumnsMayBeMadeOfPixelsFarApart) {
+  SetTarget(GetParam());
+  SourceImage image(2000, 2, [](int x, int, int c) { return (x / 8 + 60 * c) % 256; });
+  GuardedBuffer dest(4, 1, 4);
+  FilteredPlan plan;
+  plan.source = image.Block();
+  plan.canvas.pixels = dest.Pixels();
+  plan.canvas.width = 4;
+  plan.canvas.rows = 1;
+  plan.canvas.rowBytes = dest.RowDelta();
+  plan.canvas.format = PixelFormat::FourByte;
+  plan.columns = {0, 4};
+  plan.rows = {0, 1};
+  plan.columnWeights = {{{8, 2, 0, 1.0f}, {720, 2, 0, 1.0f}, {808, 2, 0, 1.0f}, {1600, 2, 0, 1.0f}},
+                        {0.5f, 0.5f}};
+  plan.rowWeights = {{{0, 2, 0, 1.0f}}, {0.5f, 0.5f}};
+  plan.columnCoverage.assign(4, 1.0f);
+  plan.rowCoverage.assign(1, 1.0f);
+  DrawFiltered(plan);
+  for (const auto& [column, pixel] : {std::pair(0, 8), {1, 720}, {2, 808}, {3, 1600}}) {
+    for (int c = 0; c < 4; ++c) {
+      EXPECT_EQ(dest.Row(0)[4 * column + c], (pixel / 8 + 60 * c) % 256) << column << ", " << c;
+    }
+  }
+  dest.ExpectGuardsUntouched();
+}
+
 /// The tables of a whole 6000 x 4000 picture at a scale.
 std::optional<FixedFilters> FixedFiltersFor(int32_t mode, float scale) {
   static SourceImage image(1, 1);

@@ -1,0 +1,60 @@
+// What a render takes down about the image that it loads.
+#include <gtest/gtest.h>
+
+#include "plugin/update_params.h"
+#include "tests/support/instance.h"
+#include "tests/support/photo.h"
+
+namespace kelto {
+namespace {
+
+using test::Instance;
+using test::Picture;
+
+class FrameReload : public testing::Test {
+ protected:
+  FrameReload() : picture(16, 8, hfxColorspaceYCbCr) {
+    test::WritePhoto(folder / "p.bmp", 20, 10, [](int32_t, int32_t) { return test::Rgb{9, 9, 9}; });
+    hfx::SetInput(instance, 0, picture.image());
+    hfx::SetOutput(instance, 0, picture.image());
+    instance.SetPath(folder / "p.bmp");
+  }
+  void Render() { instance.RenderFrame({0, 0, 15, 7}); }
+
+  test::TempFolder folder;
+  Picture picture;
+  Instance instance;
+};
+
+TEST_F(FrameReload, CarriesTheCacheModeOutSoThatTheNextEditKeepsTheImage) {
+  // As in a project that was saved so: no edit has carried the mode out yet.
+  instance.SetKey("cache", 0.0, int32_t{CacheVideoResolution});
+  instance.SetActive("cache", 0);
+  instance.cacheMode = CacheVideoResolution;
+  Render();
+  EXPECT_EQ(instance.appliedCacheMode, CacheVideoResolution);
+  const IplImage* loaded = instance.workImages[0];
+  ASSERT_NE(loaded, nullptr);
+  UpdateParams(&instance);
+  EXPECT_EQ(instance.workImages[0], loaded);
+}
+
+TEST_F(FrameReload, WithoutOneTheCacheModeStaysAskedFor) {
+  Render();
+  instance.cacheMode = CacheVideoResolution;
+  Render();
+  EXPECT_EQ(instance.appliedCacheMode, CacheImageResolution);
+}
+
+TEST_F(FrameReload, ThatFailsIsTakenDownToo) {
+  instance.SetPath(folder / "gone.bmp");
+  instance.cacheMode = CacheVideoResolution;
+  instance.levels = 1;
+  Render();
+  EXPECT_TRUE(instance.loadFailed);
+  EXPECT_EQ(instance.appliedCacheMode, CacheVideoResolution);
+  EXPECT_EQ(instance.appliedLevels, 1);
+}
+
+}  // namespace
+}  // namespace kelto
