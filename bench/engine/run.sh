@@ -14,6 +14,6 @@ for program in bench_engine bench_load; do
     --benchmark_enable_random_interleaving=true \
     --benchmark_repetitions="${KELTO_BENCH_REPETITIONS:-7}" --benchmark_min_time=0.05 \
     --benchmark_filter="${KELTO_BENCH_FILTER:-.}" \
-    --benchmark_out_format=json --benchmark_out="$results/$program.json" >/dev/null 2>&1
+    --benchmark_out_format=json --benchmark_out="$results/$program.json" >/dev/null
 done
 python3 bench/report.py "$results"/*.json

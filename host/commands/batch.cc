@@ -145,16 +145,17 @@ class Batch {
                      "choose another folder");
   }
 
-  /// Whether the film is there, of the picture as it is now. A film has its name only when it is
-  /// whole, and its record only after that. One made with other options is added to `others`.
+  /// Whether the film is there, of the picture as it is now and of all else that went into it. A
+  /// film has its name only when it is whole, and its record only after that. One made with other
+  /// options is added to `others`.
   bool IsMade(const Item& item, std::vector<std::string>& others) const {
     std::error_code error;
     if (!fs::is_regular_file(item.film, error)) return false;
     const auto record = ReadRecord(item.record);
     if (!record) return false;
-    const FilmRecord now = RecordOf(item.picture, words_);
-    if (record->input == now.input && record->options != now.options) others.push_back(item.film);
-    return *record == now;
+    if (!IsOf(*record, item.picture)) return false;
+    if (record->options != words_) others.push_back(item.film);
+    return record->options == words_ && IsCurrent(*record);
   }
 
   void Make(const Item& item) const {
@@ -165,7 +166,7 @@ class Batch {
     job.kind = &kind_;
     job.request = RequestFor(item.film, plan);
     CheckJob(job);
-    MakeOnRecord(item.record, RecordOf(item.picture, words_),
+    MakeOnRecord(item.record, RecordOf({item.picture, plan.photo, plan.over, plan.audio}, words_),
                  [&] { MakeFilm(job, [](int32_t) {}); });
   }
 

@@ -7,6 +7,7 @@
 #include "host/error.h"
 #include "host/film/codecs.h"
 #include "host/film/formats.h"
+#include "host/moves/presets.h"
 #include "host/options/choices.h"
 #include "host/terminal/standard_output.h"
 
@@ -26,6 +27,11 @@ std::vector<std::string> WordsFor(const std::string& name) {
     for (const FilmCodec& codec : FilmCodecs()) words.emplace_back(codec.name);
   }
   if (name == "--fields") words = {"top", "bottom"};
+  if (name == "--fit") words = {"fill", "whole"};
+  if (name == "--move") {
+    words = MoveWords();
+    words.emplace_back("auto");
+  }
   return words;
 }
 

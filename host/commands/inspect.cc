@@ -6,6 +6,7 @@
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
 #include "host/error.h"
+#include "host/film/output_file.h"
 #include "host/options/number.h"
 #include "host/preview/frame_list.h"
 #include "host/session/module_file.h"
@@ -36,6 +37,7 @@ void Run(const InspectOptions& options) {
   const double quality =
       options.quality.empty() ? 1.0 : ReadOption("--quality", options.quality, ParseQuality);
   const RenderPlan plan = PlanFor(options.input, options.plan);
+  CheckNameIsFree(options.plot, {options.input, plan.photo, plan.over, plan.audio});
   const std::string module = FindModule(options.module);
   const Photo photo = OpenPhoto(plan.photo);
   FrameInspector inspector(module, plan, photo, quality);

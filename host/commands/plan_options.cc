@@ -13,6 +13,7 @@
 #include "host/video/video_info.h"
 #endif
 #include "host/plan/default_plan.h"
+#include "host/project/display_aspect.h"
 #include "host/project/project_file.h"
 
 namespace kelto::host {
@@ -47,6 +48,8 @@ void ApplyMedia(const PlanOptions& options, RenderPlan& plan) {
     throw UsageError("--over and --background both say what is beside the photo; give one of them");
   }
   const VideoInfo video = LookAtVideo(options.over);
+  // The sound of a video that is replaced goes with it.
+  if (options.audio.empty() && plan.audio == plan.over) plan.audio.clear();
   plan.over = options.over;
   plan.format.rate = video.rate;
   plan.frames = video.frames;
@@ -57,7 +60,13 @@ void ApplyMedia(const PlanOptions& options, RenderPlan& plan) {
 
 void ApplyFilm(const PlanOptions& options, RenderPlan& plan) {
   FilmFormat& format = plan.format;
-  if (!options.size.empty()) format.size = ReadOption("--size", options.size, ParseSize);
+  if (!options.size.empty()) {
+    const bool square = format.sampleAspect == SampleAspect{};
+    const std::string shape = DisplayAspectText(format);
+    format.size = ReadOption("--size", options.size, ParseSize);
+    // A project's film that is not shown in the shape of its pixels keeps the shape it is shown in.
+    if (!square) format.sampleAspect = ParseDisplayAspect(shape, format.size);
+  }
   if (!options.rate.empty()) {
     const double seconds = plan.frames / format.rate.PerSecond();
     format.rate = ReadOption("--fps", options.rate, ParseRate);

@@ -7,6 +7,7 @@
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
 #include "host/error.h"
+#include "host/film/output_file.h"
 #include "host/jobs/film_job.h"
 #include "host/jobs/film_record.h"
 #include "host/options/frame_range.h"
@@ -62,11 +63,22 @@ FilmJob JobFor(const RenderOptions& options) {
   return job;
 }
 
+/// Throws UsageError where one of the files to be written is another one of the command's.
+void CheckFiles(const RenderOptions& options, const FilmJob& job) {
+  const RenderPlan& plan = job.scene.plan;
+  for (const std::string& other : {options.photo, options.project, options.record}) {
+    if (WouldReplace(*job.kind, job.request, other)) throw NameUsedTwice(options.output);
+  }
+  CheckNameIsFree(options.record,
+                  {options.photo, options.project, plan.photo, plan.over, plan.audio});
+}
+
 void Run(const RenderOptions& options, const CLI::App& command) {
   ApplyReporting(options.film);
   FilmJob job = JobFor(options);
   job.module = FindModule(options.film.module);
   CheckJob(job);
+  CheckFiles(options, job);
   if (!options.project.empty()) WriteProject(options.project, job.scene.plan);
   const bool events = CurrentReporting() == Reporting::kJson;
   if (events) {
@@ -81,7 +93,10 @@ void Run(const RenderOptions& options, const CLI::App& command) {
   if (options.record.empty()) {
     make();
   } else {
-    MakeOnRecord(options.record, RecordOf(options.photo, WordsGiven(command)), make);
+    const RenderPlan& plan = job.scene.plan;
+    MakeOnRecord(options.record,
+                 RecordOf({options.photo, plan.photo, plan.over, plan.audio}, WordsGiven(command)),
+                 make);
   }
   if (events) PrintEvent("done", {{"output", options.output}});
 }

@@ -67,8 +67,9 @@ Slideshow ShowFor(const SlideshowOptions& options) {
 }
 
 /// Throws what can be known to go wrong before any work.
-void Check(const Slideshow& show) {
-  std::vector<std::string> sources{show.request.audio};
+void Check(const SlideshowOptions& options, const Slideshow& show) {
+  std::vector<std::string> sources = PicturesOf(options.input);
+  sources.insert(sources.end(), {options.input, show.request.audio});
   for (const RenderPlan& plan : show.plans) {
     sources.insert(sources.end(), {plan.photo, plan.over});
   }
@@ -77,10 +78,11 @@ void Check(const Slideshow& show) {
     OpenPhoto(plan.photo);
     const FilmFormat &format = plan.format, &film = show.request.format;
     if (format.size != film.size || format.rate != film.rate || format.fields != film.fields ||
-        plan.frames != show.each) {
-      throw UsageError(plan.photo +
-                       ": its project asks for another kind of film than the first; "
-                       "say --size, --fps and --fields for all");
+        format.DisplayAspect() != film.DisplayAspect() || plan.frames != show.each) {
+      throw UsageError(
+          plan.photo +
+          ": would be another kind of film than the first, by its project or the "
+          "first's; say --size, --fps and --fields for all, and give projects one displayAspect");
     }
   }
 }
@@ -89,7 +91,7 @@ void Run(const SlideshowOptions& options) {
   ApplyReporting(options.film);
   Slideshow show = ShowFor(options);
   show.module = FindModule(options.film.module);
-  Check(show);
+  Check(options, show);
   const bool events = CurrentReporting() == Reporting::kJson;
   if (events) {
     PrintEvent("start", {{"output", options.output}, {"frames", int64_t{show.request.frames}}});

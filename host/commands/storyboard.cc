@@ -6,6 +6,7 @@
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
 #include "host/error.h"
+#include "host/film/output_file.h"
 #include "host/options/number.h"
 #include "host/preview/storyboard.h"
 #include "host/session/module_file.h"
@@ -35,6 +36,7 @@ void Run(const Options& options) {
   sheet.file = options.output;
   if (!options.strip.empty()) sheet.frames = ReadOption("--strip", options.strip, ParseStrip);
   const RenderPlan plan = PlanFor(options.input, options.plan);
+  CheckNameIsFree(options.output, {options.input, plan.photo, plan.over, plan.audio});
   const std::string module = FindModule(options.module);
   DrawStoryboard(module, plan, OpenPhoto(plan.photo), sheet);
 }

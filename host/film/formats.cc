@@ -134,14 +134,10 @@ void CheckRequest(const FilmKind& kind, const FilmRequest& request) {
 
 bool WouldReplace(const FilmKind& kind, const FilmRequest& request, const std::string& path) {
   if (request.output == kStandardOutput) return false;
-  const auto same = [&](const std::string& other) {
-    std::error_code error;
-    return std::filesystem::equivalent(path, other, error) && !error;
-  };
-  if (!kind.pictures) return same(request.output);
+  if (!kind.pictures) return IsSameFile(path, request.output);
   const FramePattern pattern(request.output);
   for (int32_t i = 0; i < request.frames; ++i) {
-    if (same(pattern.PathOf(request.firstNumber + i))) return true;
+    if (IsSameFile(path, pattern.PathOf(request.firstNumber + i))) return true;
   }
   return false;
 }

@@ -41,7 +41,8 @@ const FilmKind& KindFor(const std::string& output, const std::string& format);
 /// the codec or the sound; the text says what it can hold. Opens no file.
 void CheckRequest(const FilmKind& kind, const FilmRequest& request);
 
-/// Whether writing the film would replace the file `path`: the photo, or what the sound comes from.
+/// Whether writing the film would replace the file `path`, as it would the photo of that name. No
+/// file has an empty name.
 bool WouldReplace(const FilmKind& kind, const FilmRequest& request, const std::string& path);
 
 }  // namespace kelto::host

@@ -54,6 +54,24 @@ fs::path TemporaryBeside(const fs::path& path) {
 
 }  // namespace
 
+bool IsSameFile(const std::string& a, const std::string& b) {
+  if (a.empty() || b.empty() || a == kStandardOutput || b == kStandardOutput) return false;
+  std::error_code error;
+  if (fs::equivalent(a, b, error)) return true;
+  const fs::path first = fs::absolute(a, error), second = fs::absolute(b, error);
+  return first.lexically_normal() == second.lexically_normal();
+}
+
+UsageError NameUsedTwice(const std::string& name) {
+  return UsageError(name + ": is another file of this command; give this one another name");
+}
+
+void CheckNameIsFree(const std::string& output, const std::vector<std::string>& others) {
+  for (const std::string& other : others) {
+    if (IsSameFile(output, other)) throw NameUsedTwice(output);
+  }
+}
+
 OutputFile::OutputFile(const std::string& name) : name_(name), pipe_(name == kStandardOutput) {
   if (pipe_) {
     name_ = "standard output";

@@ -6,11 +6,23 @@
 #include <cstdio>
 #include <filesystem>
 #include <string>
+#include <vector>
+
+#include "host/error.h"
 
 namespace kelto::host {
 
 /// The name that stands for the standard output.
 inline constexpr const char* kStandardOutput = "-";
+
+/// Whether two names are one file's, there or yet to be made.
+bool IsSameFile(const std::string& a, const std::string& b);
+
+/// What to throw when a name is given for two files of a command.
+UsageError NameUsedTwice(const std::string& name);
+
+/// Throws NameUsedTwice when `output` is one of `others`; empty names are none's.
+void CheckNameIsFree(const std::string& output, const std::vector<std::string>& others);
 
 /// Writes beside the file asked for, under a temporary name, and renames at the end; or writes
 /// straight to the standard output. Errors are thrown as Error and name the file.

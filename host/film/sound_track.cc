@@ -1,6 +1,7 @@
 #include "host/film/sound_track.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "host/error.h"
@@ -89,9 +90,20 @@ class Track : public SoundTrack {
   bool more_ = false;
 };
 
-bool CanCopy(const AVFormatContext& container, const AVCodecParameters& sound) {
+/// Coded sound that players take from MP4 and QuickTime files. The library says yes to more: to
+/// what it then refuses to write, and to what hardly anything plays from there.
+constexpr AVCodecID kInMp4[] = {AV_CODEC_ID_AAC, AV_CODEC_ID_MP3, AV_CODEC_ID_AC3, AV_CODEC_ID_EAC3,
+                                AV_CODEC_ID_ALAC};
+
+bool CanCopy(const std::string& kind, const AVFormatContext& container,
+             const AVCodecParameters& sound) {
   // AAC without its description is the form of broadcasts; containers want the other one.
   if (sound.codec_id == AV_CODEC_ID_AAC && sound.extradata_size == 0) return false;
+  const bool listed =
+      av_get_exact_bits_per_sample(sound.codec_id) != 0 ||
+      std::find(std::begin(kInMp4), std::end(kInMp4), sound.codec_id) != std::end(kInMp4) ||
+      (kind == "mp4" && sound.codec_id == AV_CODEC_ID_OPUS);
+  if ((kind == "mp4" || kind == "mov") && !listed) return false;
   return avformat_query_codec(container.oformat, sound.codec_id, FF_COMPLIANCE_NORMAL) == 1;
 }
 
@@ -101,7 +113,7 @@ std::unique_ptr<SoundTrack> OpenSoundTrack(const SoundRequest& request,
                                            AVFormatContext& container) {
   std::unique_ptr<SoundPackets> packets;
   auto source = std::make_unique<SoundSource>(request.file);
-  if (CanCopy(container, *source->Stream().codecpar)) {
+  if (CanCopy(request.kind, container, *source->Stream().codecpar)) {
     packets = std::move(source);
   } else {
     packets = std::make_unique<SoundEncoder>(

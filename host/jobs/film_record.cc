@@ -1,5 +1,6 @@
 #include "host/jobs/film_record.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -51,23 +52,42 @@ std::vector<std::string> ToTexts(const std::vector<std::string>& words) {
 }
 
 Json ToJson(const FilmRecord& record) {
-  return {{"input", ToText(record.input)},
-          {"bytes", record.bytes},
-          {"time", record.time},
-          {"options", ToTexts(record.options)}};
+  Json sources = Json::array();
+  for (const FilmRecord::Source& source : record.sources) {
+    sources.push_back(
+        {{"path", ToText(source.path)}, {"bytes", source.bytes}, {"time", source.time}});
+  }
+  return {{"sources", sources}, {"options", ToTexts(record.options)}};
+}
+
+FilmRecord::Source StateOf(const std::string& path) {
+  std::error_code error;
+  const fs::path absolute = fs::absolute(path, error).lexically_normal();
+  FilmRecord::Source source{error ? path : absolute.string()};
+  const auto bytes = fs::file_size(path, error);
+  if (!error) source.bytes = static_cast<int64_t>(bytes);
+  const auto time = fs::last_write_time(path, error);
+  if (!error) source.time = static_cast<int64_t>(time.time_since_epoch().count());
+  return source;
 }
 
 }  // namespace
 
-FilmRecord RecordOf(const std::string& input, std::vector<std::string> options) {
-  std::error_code error;
-  const fs::path absolute = fs::absolute(input, error).lexically_normal();
-  FilmRecord record{error ? input : absolute.string(), 0, 0, std::move(options)};
-  const auto bytes = fs::file_size(input, error);
-  if (!error) record.bytes = static_cast<int64_t>(bytes);
-  const auto time = fs::last_write_time(input, error);
-  if (!error) record.time = static_cast<int64_t>(time.time_since_epoch().count());
+FilmRecord RecordOf(const std::vector<std::string>& sources, std::vector<std::string> options) {
+  FilmRecord record{{}, std::move(options)};
+  for (const std::string& source : sources) {
+    if (!source.empty()) record.sources.push_back(StateOf(source));
+  }
   return record;
+}
+
+bool IsOf(const FilmRecord& record, const std::string& input) {
+  return !record.sources.empty() && record.sources.front().path == StateOf(input).path;
+}
+
+bool IsCurrent(const FilmRecord& record) {
+  return std::all_of(record.sources.begin(), record.sources.end(),
+                     [](const auto& source) { return StateOf(source.path) == source; });
 }
 
 std::optional<FilmRecord> ReadRecord(const std::string& path) {
@@ -75,10 +95,12 @@ std::optional<FilmRecord> ReadRecord(const std::string& path) {
   if (!file) return std::nullopt;
   try {
     const Json json = Json::parse(file);
-    FilmRecord record{ToBytes(json.at("input").get<std::string>()),
-                      json.at("bytes").get<int64_t>(),
-                      json.at("time").get<int64_t>(),
-                      {}};
+    FilmRecord record;
+    for (const Json& source : json.at("sources")) {
+      record.sources.push_back({ToBytes(source.at("path").get<std::string>()),
+                                source.at("bytes").get<int64_t>(),
+                                source.at("time").get<int64_t>()});
+    }
     for (const Json& word : json.at("options")) {
       record.options.push_back(ToBytes(word.get<std::string>()));
     }

@@ -11,16 +11,29 @@ namespace kelto::host {
 
 /// What a film was made from and how.
 struct FilmRecord {
-  std::string input;  ///< absolute path of the photograph or project
-  int64_t bytes = 0;  ///< its size
-  int64_t time = 0;   ///< when it was last changed, in the file system's own count
+  /// The state of a file; one that is not there has no size and no time.
+  struct Source {
+    std::string path;   ///< absolute
+    int64_t bytes = 0;  ///< its size
+    int64_t time = 0;   ///< when it was last changed, in the file system's own count
+    bool operator==(const Source&) const = default;
+  };
+  /// The photograph or project, and behind it what else the film was made of.
+  std::vector<Source> sources;
   /// The options that settle what the film shows, as words of a command line.
   std::vector<std::string> options;
   bool operator==(const FilmRecord&) const = default;
 };
 
-/// The record of a film of `input` made now. A file that is not there has no size and no time.
-FilmRecord RecordOf(const std::string& input, std::vector<std::string> options);
+/// The record of a film made now. Of `sources` the first is the photograph or project; empty names
+/// are none.
+FilmRecord RecordOf(const std::vector<std::string>& sources, std::vector<std::string> options);
+
+/// Whether the film was made of `input`, a photograph or project.
+bool IsOf(const FilmRecord& record, const std::string& input);
+
+/// Whether all that the film was made of is still as it was.
+bool IsCurrent(const FilmRecord& record);
 
 /// The record in a file; nothing when there is none that can be read.
 std::optional<FilmRecord> ReadRecord(const std::string& path);

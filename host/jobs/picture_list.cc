@@ -7,6 +7,7 @@
 #include <fstream>
 #include <map>
 #include <set>
+#include <string_view>
 #include <system_error>
 
 #include "host/error.h"
@@ -51,8 +52,13 @@ std::vector<std::string> InList(const std::string& list) {
   if (!file) throw Error(list + ": cannot be read as a list of pictures");
   const fs::path folder = fs::path(list).parent_path();
   std::vector<std::string> pictures;
+  bool first = true;
   for (std::string line; std::getline(file, line);) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
+    // Some editors begin a text so.
+    constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
+    if (first && line.starts_with(kByteOrderMark)) line.erase(0, kByteOrderMark.size());
+    first = false;
     if (line.find('\0') != line.npos) {
       throw Error(list + ": is no list; write a file with the path of a picture on each line");
     }

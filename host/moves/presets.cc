@@ -65,11 +65,17 @@ Fit ParseFit(std::string_view text) {
   throw UsageError("choose one of fill, whole");
 }
 
+std::vector<std::string> MoveWords() {
+  std::vector<std::string> words;
+  for (const Move& move : kMoves) words.emplace_back(move.name);
+  return words;
+}
+
 std::string MoveNames() {
   std::string names;
-  for (const Move& move : kMoves) {
+  for (const std::string& word : MoveWords()) {
     names += names.empty() ? "" : ", ";
-    names += move.name;
+    names += word;
   }
   return names;
 }

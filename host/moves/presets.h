@@ -15,7 +15,9 @@ enum class Fit { kFill, kWhole };
 /// Reads "fill" or "whole". Throws UsageError.
 Fit ParseFit(std::string_view text);
 
-/// The names of the moves, "in, out, ...", without "auto".
+/// The names of the moves, without "auto".
+std::vector<std::string> MoveWords();
+/// The same as a text, "in, out, ...".
 std::string MoveNames();
 
 /// Throws UsageError that says which names there are when `name` is none of them.

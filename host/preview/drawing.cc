@@ -160,14 +160,6 @@ void Drawing::Text(const std::string& text, Point at, double size, const Ink& in
   cairo_show_text(cairo_, Drawable(text).c_str());
 }
 
-void Drawing::TextUpwards(const std::string& text, Point at, double size, const Ink& ink) {
-  cairo_save(cairo_);
-  cairo_translate(cairo_, at.x, at.y);
-  cairo_rotate(cairo_, -std::numbers::pi / 2);
-  Text(text, {0.0, 0.0}, size, ink, Align::kCentre);
-  cairo_restore(cairo_);
-}
-
 void Drawing::Picture(const FrameView& frame, const Box& box) {
   cairo_surface_t* picture =
       cairo_image_surface_create(CAIRO_FORMAT_RGB24, frame.size.width, frame.size.height);

@@ -52,8 +52,6 @@ class Drawing {
   /// `at` is on the text's base line. Bytes that are not UTF-8 show as question marks.
   void Text(const std::string& text, Point at, double size, const Ink& ink,
             Align align = Align::kLeft, bool bold = false);
-  /// The same, read upwards.
-  void TextUpwards(const std::string& text, Point at, double size, const Ink& ink);
   double WidthOf(const std::string& text, double size, bool bold = false);
   /// Scales a frame of PixelLayout::kBGRA into the box; its alpha is left out.
   void Picture(const FrameView& frame, const Box& box);

@@ -25,7 +25,8 @@ RenderPlan ParseProject(const std::string& text, const std::string& path);
 /// can hold.
 std::string ProjectText(const std::string& path, const RenderPlan& plan);
 
-/// Writes the project, at once or not at all. Throws Error.
+/// Writes the project, at once or not at all. Throws UsageError for a name under which it would not
+/// be read as a project, and Error.
 void WriteProject(const std::string& path, const RenderPlan& plan);
 
 }  // namespace kelto::host

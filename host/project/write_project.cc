@@ -100,6 +100,9 @@ std::string ProjectText(const std::string& path, const RenderPlan& plan) {
 }
 
 void WriteProject(const std::string& path, const RenderPlan& plan) {
+  if (path != kStandardOutput && !IsProjectName(path)) {
+    throw UsageError(path + ": a project's name ends in .json, or it would be taken for a picture");
+  }
   const std::string text = ProjectText(path, plan);
   for (const std::string& used : {plan.photo, plan.over, plan.audio}) {
     std::error_code error;

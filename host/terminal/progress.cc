@@ -38,7 +38,7 @@ std::string ClockText(double seconds) {
 
 std::chrono::steady_clock::duration Interval() {
   if (CurrentReporting() == Reporting::kJson) return kEventInterval;
-  if (StandardErrorIsTerminal()) return kBarInterval;
+  if (StandardErrorDraws()) return kBarInterval;
   return kLineInterval;
 }
 
@@ -88,8 +88,10 @@ void Progress::Show(int64_t done) {
                             {"total", pace.total},
                             {"perSecond", pace.perSecond},
                             {"secondsLeft", pace.secondsLeft}});
-  } else if (StandardErrorIsTerminal()) {
-    DrawProgress(BarText(pace, unit_));
+  } else if (StandardErrorDraws()) {
+    // A line that is full would go on in the next, where it is not drawn over.
+    const auto room = static_cast<size_t>(StandardErrorColumns() - 1);
+    DrawProgress(BarText(pace, unit_).substr(0, room));
   } else {
     PrintMessage(PlainText(pace, unit_));
   }

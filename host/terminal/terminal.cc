@@ -1,6 +1,8 @@
 #include "host/terminal/terminal.h"
 
 #include <cstdio>
+#include <cstdlib>
+#include <string_view>
 #include <utility>
 
 #include "host/terminal/events.h"
@@ -10,6 +12,7 @@
 #define isatty _isatty
 #define fileno _fileno
 #else
+#include <sys/ioctl.h>
 #include <unistd.h>
 #endif
 
@@ -62,6 +65,19 @@ void PrintFailure(const std::string& text) { PrintLine("error", text); }
 void SetMessageSink(std::function<void(const std::string&)> sink) { messageSink = std::move(sink); }
 
 bool StandardOutputIsTerminal() { return isatty(fileno(stdout)) != 0; }
-bool StandardErrorIsTerminal() { return isatty(fileno(stderr)) != 0; }
+
+bool StandardErrorDraws() {
+  const char* kind = std::getenv("TERM");
+  if (kind != nullptr && std::string_view(kind) == "dumb") return false;
+  return isatty(fileno(stderr)) != 0;
+}
+
+int StandardErrorColumns() {
+#if !defined(_WIN32)
+  winsize size{};
+  if (ioctl(fileno(stderr), TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
+#endif
+  return 80;
+}
 
 }  // namespace kelto::host

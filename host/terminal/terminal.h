@@ -30,6 +30,9 @@ void PrintFailure(const std::string& text);
 void SetMessageSink(std::function<void(const std::string&)> sink);
 
 bool StandardOutputIsTerminal();
-bool StandardErrorIsTerminal();
+/// Whether the error stream is a terminal that can draw over a line; one of kind "dumb" cannot.
+bool StandardErrorDraws();
+/// The width of that terminal in characters, 80 where it does not say.
+int StandardErrorColumns();
 
 }  // namespace kelto::host

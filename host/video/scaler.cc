@@ -100,16 +100,15 @@ const AVFrame* Scaler::Scale(const AVFrame& picture, PicturePart part, int width
                              AVPixelFormat format) {
   Way& way = ways_[static_cast<size_t>(part)];
   const Coding coding = CodingOf(picture);
-  const std::array<int, 10> key{picture.width,
-                                picture.height,
-                                picture.format,
-                                static_cast<int>(coding.matrix),
-                                coding.fullRange ? 1 : 0,
-                                picture.chroma_location,
-                                width,
-                                height,
-                                format,
-                                1};
+  const std::array<int, 9> key{picture.width,
+                               picture.height,
+                               picture.format,
+                               static_cast<int>(coding.matrix),
+                               coding.fullRange ? 1 : 0,
+                               picture.chroma_location,
+                               width,
+                               height,
+                               format};
   if (way.key != key) {
     if (!Open(way, picture, part, width, height, format)) return nullptr;
     way.key = key;

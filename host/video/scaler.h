@@ -43,7 +43,7 @@ class Scaler {
   struct Way {
     std::unique_ptr<SwsContext, FreeContext> context;
     Owned<AVFrame> result;
-    std::array<int, 10> key{};
+    std::array<int, 9> key{};
   };
   static bool Open(Way& way, const AVFrame& picture, PicturePart part, int width, int height,
                    AVPixelFormat format);

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,9 +9,11 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <thread>
+
+#include "tests/support/file_bytes.h"
+#include "tests/support/process.h"
 
 namespace kelto::test {
 namespace {
@@ -20,11 +21,6 @@ namespace {
 /// Longest run of a program, in which it has to make a few frames.
 constexpr std::chrono::seconds kPatience{100};
 constexpr const char* kLineStart = "kelto_pan_zoom: ";
-
-std::string BytesOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 /// In the child: a home and a plug-in registry of the test's own, and this build's plug-ins.
 void SetEnvironment(const std::string& pluginFolder, const TempFolder& folder) {
@@ -60,7 +56,7 @@ Outcome RunProgram(const Words& words, const std::string& pluginFolder) {
   std::vector<char*> argv;
   for (std::string& word : copies) argv.push_back(word.data());
   argv.push_back(nullptr);
-  const pid_t process = fork();
+  const pid_t process = Fork();
   if (process == 0) {
     const int in = open("/dev/null", O_RDONLY), out = open("/dev/null", O_WRONLY);
     const int err = open(errors.c_str(), O_WRONLY | O_CREAT, 0600);
@@ -71,8 +67,8 @@ Outcome RunProgram(const Words& words, const std::string& pluginFolder) {
   }
   int status = 0;
   const auto deadline = std::chrono::steady_clock::now() + kPatience;
-  while (waitpid(process, &status, WNOHANG) == 0) {
-    if (std::chrono::steady_clock::now() > deadline) kill(process, SIGKILL);
+  while (WaitFor(process, &status, WNOHANG) == 0) {
+    if (std::chrono::steady_clock::now() > deadline) Signal(process, SIGKILL);
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
   Outcome outcome;

@@ -32,8 +32,9 @@ mkdir "$folder/state" "$folder/spool" "$folder/munge"
 dd if=/dev/urandom of="$folder/munge/key" bs=1024 count=1 2>/dev/null
 chmod 400 "$folder/munge/key"
 node=$(hostname -s)
-# Ports that another test on this machine is unlikely to have.
-port=$((20000 + $$ % 20000))
+# Ports that another test on this machine is unlikely to have, below those that the system gives to
+# whoever asks for any.
+port=$((20000 + $$ % 12000))
 cat >"$folder/slurm.conf" <<END
 ClusterName=test
 SlurmctldHost=$node(127.0.0.1)

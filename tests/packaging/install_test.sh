@@ -36,7 +36,7 @@ grep -qF "module: $tree/lib/kelto/KeltoPanAndZoom.hfx, renders" "$folder/doctor"
 ffmpeg -nostdin -v error -f lavfi -i testsrc2=64x48 -frames:v 1 "$folder/photo.png"
 "$tree/bin/kelto" new "$folder/photo.png" -o "$folder/move.json" >/dev/null
 schema=$(sed -n 's|.*"$schema": "file://\([^"]*\)".*|\1|p' "$folder/move.json")
-[ -s "$schema" ] || fail "a new project names the schema '$schema'"
+[ "$schema" = "$tree/share/kelto/project.schema.json" ] || fail "a new project names the schema '$schema'"
 
 # A program of somebody else's, by CMake and by pkg-config.
 consumer=$source/tests/packaging/consumer

@@ -11,20 +11,36 @@
 #if defined(_WIN32)
 #include <process.h>
 #else
-#include <unistd.h>
+#include <stdlib.h>
+
+#include <cerrno>
+#include <system_error>
 #endif
 
 namespace kelto::test {
 
+/// Makes a folder that nobody had before: names of a process that is gone come again.
+inline std::filesystem::path MakeFolder() {
+  const std::filesystem::path start = std::filesystem::temp_directory_path() / "kelto-test-";
+#if defined(_WIN32)
+  for (int number = 0;; ++number) {
+    const std::string name = std::to_string(getpid()) + "-" + std::to_string(number);
+    const std::filesystem::path path = start.string() + name;
+    if (std::filesystem::create_directory(path)) return path;
+  }
+#else
+  std::string path = start.string() + "XXXXXX";
+  if (mkdtemp(path.data()) == nullptr) {
+    throw std::system_error(errno, std::generic_category(), path);
+  }
+  return path;
+#endif
+}
+
 /// A new empty folder, removed with what is in it at the end.
 class TempFolder {
  public:
-  TempFolder() {
-    static int count = 0;
-    path_ = std::filesystem::temp_directory_path() /
-            ("kelto-test-" + std::to_string(getpid()) + "-" + std::to_string(count++));
-    std::filesystem::create_directories(path_);
-  }
+  TempFolder() = default;
   ~TempFolder() {
     std::error_code ignored;
     std::filesystem::remove_all(path_, ignored);
@@ -34,7 +50,7 @@ class TempFolder {
   std::string operator/(const std::string& name) const { return (path_ / name).string(); }
 
  private:
-  std::filesystem::path path_;
+  const std::filesystem::path path_ = MakeFolder();
 };
 
 struct Rgb {

@@ -11,4 +11,5 @@ for name in picosdeeuropa sunset life friends; do
 done
 [ -f clip.mp4 ] || ffmpeg -nostdin -v error -f lavfi -i testsrc2=size=1280x720:rate=25 -f lavfi \
   -i sine=frequency=440 -t 2 -pix_fmt yuv420p clip.mp4
+ln -sf clip.mp4 video.mp4
 [ -f music.wav ] || ffmpeg -nostdin -v error -f lavfi -i sine=frequency=330:duration=6 music.wav

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <fstream>
 #include <memory>
 #include <random>
@@ -275,10 +276,15 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "%s\n", error.c_str());
     return 2;
   }
-  kelto::soak::Soak soak(*module);
-  soak.ManyFrames(frames, 50);
-  soak.ManyInstances(1000);
-  soak.LargePictures(12);
-  soak.HugeTiff(25000, 20000);
+  try {
+    kelto::soak::Soak soak(*module);
+    soak.ManyFrames(frames, 50);
+    soak.ManyInstances(1000);
+    soak.LargePictures(12);
+    soak.HugeTiff(25000, 20000);
+  } catch (const std::exception& failure) {
+    std::fprintf(stderr, "%s\n", failure.what());
+    return 1;
+  }
   return kelto::soak::failed ? 1 : 0;
 }

@@ -3,25 +3,31 @@
 
 kelto_cache=${KELTO_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/kelto}
 
-# make_once NAME SCRIPT: runs `SCRIPT FOLDER` unless $kelto_cache/NAME stands from this very SCRIPT.
-# A folder only gets its name when it is whole, so that an interrupted set-up is simply done again.
+# make_once NAME SCRIPT [PACKAGE ...]: runs `SCRIPT FOLDER` unless $kelto_cache/NAME stands from this
+# very SCRIPT, this file and these versions of the PACKAGEs that it uses. A folder only gets its name
+# when it is whole, so that an interrupted set-up is simply done again.
 make_once() {
-  folder=$kelto_cache/$1
-  mark=$(cksum <"$2")
+  name=$1 script=$2
+  shift 2
+  folder=$kelto_cache/$name
+  mark=$({
+    cat "$script" "$(dirname "$script")/cache.sh"
+    [ $# -eq 0 ] || dpkg-query -W "$@"
+  } | cksum)
   mkdir -p "$kelto_cache"
   (
     flock 9
     [ "$(cat "$folder/.made-by" 2>/dev/null || true)" != "$mark" ] || exit 0
     echo "setup: making $folder" >&2
-    fresh=$(mktemp -d "$kelto_cache/$1.XXXXXX")
+    fresh=$(mktemp -d "$kelto_cache/$name.XXXXXX")
     trap 'rm -rf "$fresh"' EXIT
     chmod 755 "$fresh"
-    sh "$2" "$fresh"
+    sh "$script" "$fresh"
     echo "$mark" >"$fresh/.made-by"
     rm -rf "$folder"
     mv "$fresh" "$folder"
     trap - EXIT
-  ) 9>"$kelto_cache/$1.lock"
+  ) 9>"$kelto_cache/$name.lock"
 }
 
 # debian_mirror: the archive that this machine installs from. Only its release pocket is used, as

@@ -152,7 +152,7 @@ TEST_F(BatchCommand, GoesOnAfterAKillWithoutDoingWorkAgain) {
                          [](const std::string& name) { return !name.starts_with('.'); });
   };
   for (int i = 0; i < 1000 && finished() < 30; ++i) std::this_thread::sleep_for(20ms);
-  kill(command.Process(), SIGKILL);
+  command.Signal(SIGKILL);
   EXPECT_EQ(command.Wait().signal, SIGKILL);
   // Its processes clear up what they were writing.
   const auto unfinished = [&] {
@@ -217,7 +217,8 @@ TEST_F(BatchCommand, StoppedLeavesNoUnfinishedFilm) {
     Command command(Line({"--jobs", "3", "--frames", "1000000"}));
     for (int i = 0; i < 600 && Films().empty(); ++i) std::this_thread::sleep_for(20ms);
     const auto workers = ChildrenOf(command.Process());
-    kill(command.Process(), signal);
+    ASSERT_FALSE(workers.empty());
+    command.Signal(signal);
     const Outcome outcome = command.Wait();
     EXPECT_EQ(outcome.signal, signal);
     EXPECT_EQ(outcome.err, "");

@@ -40,7 +40,7 @@ TEST_F(Interrupted, FilmsAreClearedAwayAndTheCommandDiesOfTheSignal) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     Command command(LongFilm(films_ / "film.mp4"));
     WaitForWork();
-    kill(command.Process(), signal);
+    command.Signal(signal);
     const Outcome outcome = command.Wait();
     EXPECT_EQ(outcome.signal, signal);
     EXPECT_EQ(outcome.err, "");
@@ -51,7 +51,7 @@ TEST_F(Interrupted, FilmsAreClearedAwayAndTheCommandDiesOfTheSignal) {
 TEST_F(Interrupted, AKilledCommandLeavesNothingUnderTheFilmsName) {
   Command command(LongFilm(films_ / "film.mkv"));
   WaitForWork();
-  kill(command.Process(), SIGKILL);
+  command.Signal(SIGKILL);
   EXPECT_EQ(command.Wait().signal, SIGKILL);
   for (const std::string& name : NamesIn(films_)) EXPECT_NE(name, "film.mkv");
 }
@@ -86,7 +86,7 @@ TEST_F(Interrupted, AStalledReaderDoesNotHoldTheCommand) {
   char byte = 0;
   EXPECT_EQ(read(ends[0], &byte, 1), 1);
   std::this_thread::sleep_for(200ms);  // the pipe is full by then
-  kill(command.Process(), SIGTERM);
+  command.Signal(SIGTERM);
   EXPECT_EQ(command.Wait().signal, SIGTERM);
   close(ends[0]);
 }

@@ -129,7 +129,7 @@ TEST_F(Jobs, AnInterruptEndsAllOfThem) {
     if (signal == SIGINT) {
       for (const pid_t worker : workers) kill(worker, signal);
     }
-    kill(command.Process(), signal);
+    command.Signal(signal);
     const Outcome outcome = command.Wait();
     EXPECT_EQ(outcome.signal, signal);
     EXPECT_EQ(outcome.err, "");
@@ -141,7 +141,7 @@ TEST_F(Jobs, AnInterruptEndsAllOfThem) {
 TEST_F(Jobs, AKilledCommandLeavesNoProcessBehind) {
   Command command(LongFilm());
   const std::vector<pid_t> workers = WaitForWorkers(command.Process());
-  kill(command.Process(), SIGKILL);
+  command.Signal(SIGKILL);
   EXPECT_EQ(command.Wait().signal, SIGKILL);
   ExpectGone(workers);
 }

@@ -102,6 +102,71 @@ TEST_F(Projects, ANewProjectNeedsAPhotoAndSparesIt) {
   EXPECT_EQ(NamesIn(folder_), std::vector<std::string>{"photo.png"});
 }
 
+TEST_F(Projects, AProjectNeedsANameThatItIsReadBackBy) {
+  for (const Words& words :
+       {Words{"new", photo_, "-o", folder_ / "p.txt"},
+        Words{"render", photo_, "-o", folder_ / "f.y4m", "--save-project", folder_ / "project"}}) {
+    const Outcome outcome = RunKelto(words);
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+    EXPECT_NE(outcome.err.find(".json"), std::string::npos) << outcome.err;
+  }
+  EXPECT_EQ(NamesIn(folder_), std::vector<std::string>{"photo.png"});
+}
+
+TEST_F(Projects, AnotherSizeKeepsTheShapeThatAProjectIsShownIn) {
+  std::ofstream(folder_ / "wide.json") << R"({"image": "photo.png", "film":
+      {"width": 720, "height": 576, "rate": 25, "frames": 1, "displayAspect": "16:9"}})";
+  struct {
+    const char *size, *pixels;
+  } films[] = {{"720x576", " A64:45 "}, {"640x360", " A1:1 "}, {"640x480", " A4:3 "}};
+  for (const auto& film : films) {
+    Run({"render", folder_ / "wide.json", "-o", folder_ / "f.y4m", "--size", film.size});
+    const std::string bytes = BytesOf(folder_ / "f.y4m");
+    EXPECT_NE(bytes.substr(0, 80).find(film.pixels), std::string::npos) << bytes.substr(0, 80);
+  }
+}
+
+TEST_F(Projects, AnotherVideoBringsItsOwnSound) {
+  // Of two lengths, and the second without sound.
+  ASSERT_EQ(RunShell("cd '" + (folder_ / "") +
+                     "' && ffmpeg -v error -f lavfi -i testsrc2=s=64x36:d=1 -f lavfi -i sine=d=1 "
+                     "a.mp4 && ffmpeg -v error -f lavfi -i testsrc2=s=64x36:d=2 b.mp4")
+                .err,
+            "");
+  Run({"new", photo_, "-o", folder_ / "p.json", "--over", folder_ / "a.mp4"});
+  const std::string both = BytesOf(folder_ / "p.json");
+  EXPECT_NE(both.find("\"audio\": \"a.mp4\""), std::string::npos) << both;
+  Run({"new", folder_ / "p.json", "-o", folder_ / "q.json", "--over", folder_ / "b.mp4"});
+  EXPECT_EQ(BytesOf(folder_ / "q.json").find("\"audio\""), std::string::npos);
+  Run({"new", folder_ / "p.json", "-o", folder_ / "r.json", "--over", folder_ / "b.mp4", "--audio",
+       folder_ / "a.mp4"});
+  EXPECT_NE(BytesOf(folder_ / "r.json").find("\"audio\": \"a.mp4\""), std::string::npos);
+}
+
+TEST_F(Projects, NoCommandWritesOverAFileThatItReadsOrWritesBesides) {
+  std::ofstream(folder_ / "p.json") << R"({"image": "photo.png"})";
+  const std::string film = folder_ / "f.y4m", project = folder_ / "p.json";
+  for (const Words& words : {Words{"storyboard", photo_, "-o", photo_},
+                             {"storyboard", project, "-o", photo_},
+                             {"inspect", photo_, "--plot", photo_},
+                             {"render", photo_, "-o", film, "--record", photo_},
+                             {"render", project, "-o", film, "--record", photo_},
+                             {"render", project, "-o", project, "--format", "y4m"},
+                             {"render", photo_, "-o", film, "--record", film},
+                             {"render", photo_, "-o", folder_ / "f.json", "--format", "y4m",
+                              "--save-project", folder_ / "f.json"}}) {
+    const std::string photo = BytesOf(photo_), text = BytesOf(project);
+    const Outcome outcome = RunKelto(words);
+    EXPECT_EQ(outcome.code, 2) << words[0] << " " << words.back();
+    EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+    EXPECT_NE(outcome.err.find("another name"), std::string::npos) << outcome.err;
+    EXPECT_EQ(BytesOf(photo_), photo);
+    EXPECT_EQ(BytesOf(project), text);
+  }
+  EXPECT_EQ(NamesIn(folder_), (std::vector<std::string>{"p.json", "photo.png"}));
+}
+
 TEST_F(Projects, AFaultyProjectIsToldByFileAndField) {
   std::ofstream(folder_ / "p.json")
       << R"({"image": "photo.png", "parameters": {"filter": {"value": "Lens"}}})";

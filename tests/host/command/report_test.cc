@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <stdlib.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -18,24 +19,6 @@ namespace {
 using testing::HasSubstr;
 using testing::IsEmpty;
 using Json = nlohmann::json;
-
-class Report : public testing::Test {
- protected:
-  Report() {
-    WritePng(photo_, MakePicture(64, 64, [](int x, int y) {
-               return Rgb{uint8_t(4 * x), uint8_t(4 * y), 0};
-             }));
-  }
-  static std::vector<Json> EventsOf(const std::string& text) {
-    std::vector<Json> events;
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) events.push_back(Json::parse(line));
-    return events;
-  }
-
-  TempFolder photos_, films_;
-  const std::string photo_ = photos_ / "photo.png";
-};
 
 /// A terminal that a command can be started on.
 class Terminal {
@@ -53,8 +36,14 @@ class Terminal {
   Terminal(const Terminal&) = delete;
   Terminal& operator=(const Terminal&) = delete;
   std::string Name() const { return ptsname(own_); }
+  void SetColumns(int columns) const {
+    winsize size{};
+    size.ws_row = 24;
+    size.ws_col = static_cast<unsigned short>(columns);
+    ioctl(own_, TIOCSWINSZ, &size);
+  }
   /// What was written so far.
-  std::string Seen() {
+  std::string Seen() const {
     std::string text;
     char bytes[4096];
     pollfd ready{own_, POLLIN, 0};
@@ -70,23 +59,58 @@ class Terminal {
   int own_, other_;
 };
 
-TEST_F(Report, OnATerminalIsALineThatGoesAway) {
-  Terminal terminal;
+class Report : public testing::Test {
+ protected:
+  Report() {
+    WritePng(photo_, MakePicture(64, 64, [](int x, int y) {
+               return Rgb{uint8_t(4 * x), uint8_t(4 * y), 0};
+             }));
+  }
+  static std::vector<Json> EventsOf(const std::string& text) {
+    std::vector<Json> events;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) events.push_back(Json::parse(line));
+    return events;
+  }
+
+  std::string SeenOfAFilm(const Terminal& terminal);
+
+  TempFolder photos_, films_;
+  const std::string photo_ = photos_ / "photo.png";
+};
+
+/// What a terminal gets to see while a film is made that takes a while.
+std::string Report::SeenOfAFilm(const Terminal& terminal) {
   Command command({"render", photo_, "-o", films_ / "f.y4m", "--size", "960x540", "--frames", "400",
                    "--filter", "ultra", "--to", "2", "--jobs", "2"},
                   "", terminal.Name());
   std::string seen;
-  while (waitid(P_PID, static_cast<id_t>(command.Process()), nullptr,
-                WNOHANG | WNOWAIT | WEXITED) == 0 &&
-         seen.find(" left") == seen.npos) {
-    seen += terminal.Seen();
+  for (siginfo_t ended{}; ended.si_pid == 0; seen += terminal.Seen()) {
+    waitid(P_PID, static_cast<id_t>(command.Process()), &ended, WNOHANG | WNOWAIT | WEXITED);
   }
   EXPECT_EQ(command.Wait().code, 0);
-  seen += terminal.Seen();
+  return seen + terminal.Seen();
+}
+
+TEST_F(Report, OnATerminalIsALineThatGoesAway) {
+  setenv("TERM", "xterm", 1);
+  const std::string seen = SeenOfAFilm(Terminal());
   EXPECT_THAT(seen, testing::ContainsRegex("\r\\[=* *\\] +[0-9]+ %  frame [0-9]+ of 400  "
                                            "[0-9.]+/s  0:[0-9]+ left"));
   EXPECT_TRUE(seen.ends_with("\r\x1b[K")) << "the line is erased at the end";
   EXPECT_EQ(seen.find('\n'), seen.npos);
+}
+
+TEST_F(Report, OnANarrowTerminalIsALineThatFits) {
+  setenv("TERM", "xterm", 1);
+  Terminal terminal;
+  terminal.SetColumns(20);
+  EXPECT_THAT(SeenOfAFilm(terminal), testing::ContainsRegex("\r\\[.{18}\x1b\\[K"));
+}
+
+TEST_F(Report, OnATerminalThatCannotDrawIsPlain) {
+  setenv("TERM", "dumb", 1);
+  EXPECT_EQ(SeenOfAFilm(Terminal()).find('\x1b'), std::string::npos);
 }
 
 TEST_F(Report, ElsewhereShortWorkIsSilent) { EXPECT_EQ(Render(photo_, films_ / "f.mp4").err, ""); }

@@ -2,15 +2,16 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <sstream>
+#include <utility>
+
+#include "tests/support/process.h"
 
 namespace kelto::test {
 
@@ -24,7 +25,7 @@ Command::Command(const Words& arguments, const std::string& output, const std::s
   argv.reserve(words.size() + 1);
   for (std::string& word : words) argv.push_back(word.data());
   argv.push_back(nullptr);
-  process_ = fork();
+  process_ = Fork();
   if (process_ != 0) return;
   // As from a shell's command line, even where the tests themselves run in the background.
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, SIG_DFL);
@@ -35,9 +36,18 @@ Command::Command(const Words& arguments, const std::string& output, const std::s
   _exit(127);
 }
 
+Command::~Command() {
+  if (process_ <= 0) return;
+  kill(process_, SIGKILL);
+  waitpid(process_, nullptr, 0);
+}
+
+void Command::Signal(int signal) const { test::Signal(process_, signal); }
+
 Outcome Command::Wait() {
+  if (process_ <= 0) throw std::logic_error("the command's end has been waited for");
   int status = 0;
-  waitpid(process_, &status, 0);
+  WaitFor(std::exchange(process_, -1), &status);
   Outcome outcome;
   if (WIFEXITED(status)) outcome.code = WEXITSTATUS(status);
   if (WIFSIGNALED(status)) outcome.signal = WTERMSIG(status);
@@ -94,11 +104,6 @@ std::vector<std::string> NamesIn(const TempFolder& folder) {
   }
   std::sort(names.begin(), names.end());
   return names;
-}
-
-std::string BytesOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 }  // namespace kelto::test

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tests/host/support/pictures.h"
+#include "tests/support/file_bytes.h"
 
 namespace kelto::test {
 
@@ -25,7 +26,14 @@ class Command {
   /// standard error to `errors`, or, when those are empty, into the outcome.
   explicit Command(const Words& arguments, const std::string& output = "",
                    const std::string& errors = "", const std::string& program = KELTO_COMMAND);
+  /// Kills it where nobody waited for its end, as in a test that failed before.
+  ~Command();
+  Command(const Command&) = delete;
+  Command& operator=(const Command&) = delete;
+
+  /// -1 when its end has been waited for.
   pid_t Process() const { return process_; }
+  void Signal(int signal) const;
   Outcome Wait();
 
  private:
@@ -51,7 +59,5 @@ bool IsOneLine(const std::string& text);
 
 /// Names in a folder, sorted, hidden ones too.
 std::vector<std::string> NamesIn(const TempFolder& folder);
-
-std::string BytesOf(const std::string& path);
 
 }  // namespace kelto::test

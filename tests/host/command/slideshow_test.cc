@@ -118,6 +118,22 @@ TEST_F(SlideshowCommand, ReplacesNothingThatItIsMadeOf) {
   }
 }
 
+TEST_F(SlideshowCommand, OfFilmsShownInTwoShapesIsMisuse) {
+  for (const char* shape : {"4:3", "16:9"}) {
+    std::ofstream(films_ / (std::string("p") + shape[0] + ".json"))
+        << R"({"image": ")" << photos_ / "p1.png"
+        << R"(", "film": {"width": 720, "height": 576, )"
+        << R"("rate": 25, "frames": 10, "displayAspect": ")" << shape << "\"}}";
+  }
+  std::ofstream(films_ / "list.txt") << "p4.json\np1.json\n";
+  const Outcome outcome =
+      RunKelto({"slideshow", films_ / "list.txt", "-o", films_ / "f.mp4", "--fade", "0"});
+  EXPECT_EQ(outcome.code, 2);
+  EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+  EXPECT_THAT(outcome.err, HasSubstr("p1.png: would be another kind"));
+  EXPECT_THAT(outcome.err, HasSubstr("displayAspect"));
+}
+
 TEST_F(SlideshowCommand, TimesThatMakeNoSenseAreMisuse) {
   for (const Words& times : {Words{"--each", "0"},
                              {"--each", "x"},

@@ -5,14 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <set>
 
 #include "host/error.h"
 #include "host/film/encoder.h"
 #include "tests/host/support/effect_frames.h"
 #include "tests/host/support/film_reader.h"
+#include "tests/support/file_bytes.h"
 
 namespace kelto::host {
 namespace {
@@ -70,10 +69,7 @@ test::EffectFrame Grey(FrameSize size, int level) {
   });
 }
 
-std::string BytesOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
+using test::BytesOf;
 
 TEST_P(Codecs, HoldEveryFrameWithItsTimeAndForm) {
   const FrameSize size{128, 96};

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 
@@ -107,6 +108,19 @@ TEST_F(SoundTracks, AreCopiedWhereTheContainerTakesThem) {
   EXPECT_EQ(test::ReadSound(Film("d.webm", aac)).codec, "opus");
 }
 
+TEST_F(SoundTracks, AreCodedAnewWhereACopyCouldNotBePlayed) {
+  const std::string wav = Wav(2.0), flac = folder_ / "a.flac", opus = folder_ / "a.opus";
+  for (const std::string& coded : {flac, opus}) {
+    ASSERT_EQ(std::system(("ffmpeg -v error -y -i " + wav + " " + coded).c_str()), 0);
+  }
+  for (const auto& [name, sound] : {std::pair{"f.mp4", flac}, {"f.mov", flac}, {"o.mov", opus}}) {
+    const DecodedSound heard = test::ReadSound(Film(name, sound));
+    EXPECT_EQ(heard.codec, "aac") << name;
+    ExpectClicks(heard);
+  }
+  EXPECT_EQ(test::ReadSound(Film("f.mkv", flac)).codec, "flac");
+}
+
 TEST_F(SoundTracks, LongerThanTheFilmEndWithIt) {
   const std::string wav = Wav(5.0);
   for (const char* name : {"a.mp4", "a.mov", "a.mkv", "a.webm"}) {
@@ -151,6 +165,22 @@ TEST_F(SoundTracks, BeginWithThePicturesOfTheirFile) {
     const DecodedSound sound = test::ReadSound(Film(name, late, 40));
     EXPECT_NEAR(sound.LoudestBetween(0.1, 0.5), 0.26, 0.001) << name;
     EXPECT_NEAR(sound.LoudestBetween(0.7, 1.4), 1.01, 0.001) << name;
+  }
+}
+
+TEST_F(SoundTracks, ThatBeganEarlierLeaveThePicturesAtTheirTime) {
+  // Opus is copied, with the packets before the pictures that its decoder needs.
+  const std::string early = folder_ / "early.mkv";
+  const std::string make = "ffmpeg -v error -i " + Film("v.mkv", "") + " -i " + Wav(3.0) +
+                           " -filter:v setpts=PTS+0.24/TB -c:v ffv1 -c:a libopus " + early;
+  ASSERT_EQ(std::system(make.c_str()), 0);
+  const double click =
+      test::ReadSound(early).LoudestBetween(0.3, 0.8) - test::ReadFilm(early).frames.at(0).seconds;
+  EXPECT_NEAR(click, 0.26, 0.01);
+  for (const char* name : {"a.webm", "a.mkv", "a.mp4"}) {
+    const std::string path = Film(name, early, 40);
+    EXPECT_NEAR(test::ReadFilm(path).frames.at(0).seconds, 0.0, 1e-9) << name;
+    EXPECT_NEAR(test::ReadSound(path).LoudestBetween(0.1, 0.5), click, 0.0015) << name;
   }
 }
 

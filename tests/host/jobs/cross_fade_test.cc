@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace kelto::host {
 namespace {
 
@@ -29,6 +31,15 @@ TEST(CrossFade, GoesInEvenStepsThatNeitherStandStill) {
     for (int32_t row = 0; row < kSize.height; ++row) {
       for (int x = 0; x < 8; ++x) EXPECT_EQ(frame.Row(row)[x], 40 + 40 * (step + 1));
     }
+  }
+}
+
+TEST(CrossFade, IsNeverAWholeLevelFromTheStraightLine) {
+  CrossFade fade(FormatOf(FieldOrder::kProgressive), PixelLayout::kYCbYCr);
+  const FlatFrame from(0), to(255);
+  for (int32_t step = 0; step < 25; ++step) {
+    const int level = fade.Blend(from.View(), to.View(), step, 25).Row(0)[0];
+    EXPECT_LT(std::abs(level - 255.0 * (step + 1) / 26), 1.0) << "step " << step;
   }
 }
 

@@ -15,8 +15,8 @@ TEST(FilmRecord, SurvivesAFileWithNamesOfAnyBytes) {
   const test::TempFolder folder;
   const std::string photo = folder / "gr\xc3\xbc\xc3\x9f \xff\x80.jpg";
   std::ofstream(photo) << "12345";
-  const FilmRecord record = RecordOf(photo, {"--size", "96x64", "\xfe\"\\\n"});
-  EXPECT_EQ(record.bytes, 5);
+  const FilmRecord record = RecordOf({photo}, {"--size", "96x64", "\xfe\"\\\n"});
+  EXPECT_EQ(record.sources.at(0).bytes, 5);
   MakeOnRecord(folder / "records/film.mp4.json", record, [] {});
   EXPECT_EQ(ReadRecord(folder / "records/film.mp4.json"), record);
 }
@@ -24,7 +24,7 @@ TEST(FilmRecord, SurvivesAFileWithNamesOfAnyBytes) {
 TEST(FilmRecord, IsThereOnlyOnceTheFilmIs) {
   const test::TempFolder folder;
   const std::string path = folder / "film.mp4.json";
-  const FilmRecord older{"older.jpg", 1, 2, {}}, newer{"newer.jpg", 3, 4, {}};
+  const FilmRecord older{{{"older.jpg", 1, 2}}, {}}, newer{{{"newer.jpg", 3, 4}}, {}};
   MakeOnRecord(path, older, [] {});
   MakeOnRecord(path, newer, [&] { EXPECT_EQ(ReadRecord(path), std::nullopt); });
   EXPECT_EQ(ReadRecord(path), newer);
@@ -32,22 +32,29 @@ TEST(FilmRecord, IsThereOnlyOnceTheFilmIs) {
   EXPECT_EQ(ReadRecord(path), std::nullopt);
 }
 
-TEST(FilmRecord, DiffersWhenThePictureOrTheOptionsDo) {
+TEST(FilmRecord, IsOutOfDateWhenAnythingChangesThatWentIntoTheFilm) {
   const test::TempFolder folder;
-  std::ofstream(folder / "a.jpg") << "12345";
-  const FilmRecord record = RecordOf(folder / "a.jpg", {"--size", "96x64"});
-  EXPECT_EQ(RecordOf(folder / "a.jpg", {"--size", "96x64"}), record);
-  EXPECT_NE(RecordOf(folder / "a.jpg", {"--size", "96x66"}), record);
-  std::filesystem::last_write_time(folder / "a.jpg", std::filesystem::file_time_type{});
-  EXPECT_NE(RecordOf(folder / "a.jpg", {"--size", "96x64"}), record);
+  const std::string project = folder / "p.json", photo = folder / "a.jpg", sound = folder / "a.wav";
+  for (const std::string& source : {project, photo, sound}) std::ofstream(source) << "12345";
+  for (const std::string& source : {project, photo, sound}) {
+    const FilmRecord record = RecordOf({project, photo, "", sound}, {});
+    EXPECT_TRUE(IsCurrent(record));
+    std::filesystem::last_write_time(source, std::filesystem::file_time_type{});
+    EXPECT_FALSE(IsCurrent(record)) << source;
+  }
+  const FilmRecord record = RecordOf({project, photo, "", sound}, {});
+  EXPECT_TRUE(IsOf(record, project));
+  EXPECT_FALSE(IsOf(record, photo));
+  std::filesystem::remove(sound);
+  EXPECT_FALSE(IsCurrent(record));
 }
 
 TEST(FilmRecord, IsNoneWhereTheFileIsNone) {
   const test::TempFolder folder;
   EXPECT_EQ(ReadRecord(folder / "none.json"), std::nullopt);
   for (const char* text :
-       {"", "{}", "[1]", "{\"input\": 3}", "{\"input\": \"a\", \"bytes\": \"b\"}",
-        "{\"input\":\"a\",\"bytes\":1,\"time\":2,\"options\":[3]}"}) {
+       {"", "{}", "[1]", "{\"sources\": 3}", "{\"sources\": [{\"path\": \"a\", \"bytes\": \"b\"}]}",
+        "{\"sources\":[{\"path\":\"a\",\"bytes\":1,\"time\":2}],\"options\":[3]}"}) {
     std::ofstream(folder / "bad.json") << text;
     EXPECT_EQ(ReadRecord(folder / "bad.json"), std::nullopt) << text;
   }

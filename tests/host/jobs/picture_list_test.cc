@@ -35,6 +35,13 @@ TEST(PictureList, OfAListHasItsLinesFromTheListsFolder) {
               ElementsAre(folder / "x/1.jpg", "/else/where 2.png", folder / "last.tif"));
 }
 
+TEST(PictureList, OfAListThatBeginsWithAByteOrderMarkHasItsFirstLine) {
+  const TempFolder folder;
+  std::ofstream(folder / "list.txt") << "\xef\xbb\xbf"
+                                     << "a.jpg\n";
+  EXPECT_THAT(PicturesOf(folder / "list.txt"), ElementsAre(folder / "a.jpg"));
+}
+
 TEST(PictureList, WithoutPicturesIsAnError) {
   const TempFolder folder;
   EXPECT_THROW(PicturesOf(folder / ""), Error) << "an empty folder";

@@ -2,15 +2,19 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 
 #include "host/error.h"
 #include "host/jobs/shared_frames.h"
 #include "host/terminal/interrupt.h"
 #include "host/terminal/terminal.h"
+#include "tests/support/process.h"
 
 namespace kelto::host {
 namespace {
@@ -59,7 +63,7 @@ TEST(Worker, ThatDiesIsMissedAtOnceThoughOthersLive) {
     line.Receive();
     raise(SIGABRT);
   });
-  // Begun later, so its process has copies of what was open before.
+  // Begun later, when it could have kept the first one's end of the line open.
   Worker other(WorkerEnd::kAtOnce, [](Channel& line) { line.Receive(); });
   dying.Line().Send({});
   EXPECT_FALSE(dying.Line().Receive());
@@ -67,9 +71,8 @@ TEST(Worker, ThatDiesIsMissedAtOnceThoughOthersLive) {
 }
 
 TEST(Worker, SeesItsOwnerGo) {
-  int ends[2];
-  ASSERT_EQ(pipe(ends), 0);
-  const pid_t owner = fork();
+  const auto ends = test::MakePipe();
+  const pid_t owner = test::Fork();
   if (owner == 0) {
     Worker worker(WorkerEnd::kAtOnce, [&](Channel& line) {
       close(ends[0]);
@@ -80,22 +83,56 @@ TEST(Worker, SeesItsOwnerGo) {
     kill(getpid(), SIGKILL);
   }
   close(ends[1]);
-  waitpid(owner, nullptr, 0);
+  test::WaitFor(owner, nullptr);
   // The end of the pipe comes when the worker, which holds its other side, is gone.
   char byte = 0;
   EXPECT_EQ(read(ends[0], &byte, 1), 0);
   close(ends[0]);
 }
 
+TEST(Worker, SeesItsOwnersLineEndThoughOthersLive) {
+  const auto told = test::MakePipe(), release = test::MakePipe();
+  const pid_t owner = test::Fork();
+  if (owner == 0) {
+    close(release[1]);
+    // Without the system's own word of the owner's end only the line is left to tell it.
+    Worker first(WorkerEnd::kAtOnce, [&](Channel& line) {
+      prctl(PR_SET_PDEATHSIG, 0);
+      line.Send({});
+      line.Receive();
+      EXPECT_EQ(write(told[1], "x", 1), 1);
+    });
+    // Begun later, its process has a copy of the owner's end of the first one's line.
+    Worker second(WorkerEnd::kAtOnce, [&](Channel& line) {
+      prctl(PR_SET_PDEATHSIG, 0);
+      line.Send({});
+      char byte = 0;
+      EXPECT_EQ(read(release[0], &byte, 1), 0);
+    });
+    first.Line().Receive();
+    second.Line().Receive();
+    kill(getpid(), SIGKILL);
+  }
+  test::WaitFor(owner, nullptr);
+  pollfd waiting{told[0], POLLIN, 0};
+  EXPECT_EQ(poll(&waiting, 1, 20'000), 1) << "the first worker waits for an owner that is gone";
+  for (const int end : {release[1], release[0], told[0], told[1]}) close(end);
+}
+
 TEST(Worker, EndsWithTheObject) {
-  Worker worker(WorkerEnd::kAtOnce, [](Channel&) {
-    for (;;) pause();
-  });
+  for (const WorkerEnd end : {WorkerEnd::kAtOnce, WorkerEnd::kClearUp}) {
+    {
+      Worker worker(end, [](Channel&) {
+        for (;;) pause();
+      });
+    }
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child is left";
+    EXPECT_EQ(errno, ECHILD);
+  }
 }
 
 TEST(Worker, AskedToEndIsLeftToClearUp) {
-  int ends[2];
-  ASSERT_EQ(pipe(ends), 0);
+  const auto ends = test::MakePipe();
   {
     Worker worker(WorkerEnd::kClearUp, [&](Channel& line) {
       CatchInterrupts();

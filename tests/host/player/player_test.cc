@@ -51,7 +51,7 @@ class Playing : public testing::Test {
     words.insert(words.end(), more.begin(), more.end());
     player_.emplace(words);
     if (screen_.Find("photo.png")) return;
-    kill(player_->Process(), SIGKILL);
+    player_->Signal(SIGKILL);
     // Thrown, since the rest of the test would only wait for a window that is not there.
     const std::string told = player_->Wait().err;
     player_.reset();
@@ -66,7 +66,7 @@ class Playing : public testing::Test {
   }
   void TearDown() override {
     if (!player_) return;
-    kill(player_->Process(), SIGKILL);
+    player_->Signal(SIGKILL);
     player_->Wait();
   }
 
@@ -92,7 +92,8 @@ TEST_F(Playing, KeepsTimeAndStopsAtTheLastFrame) {
   const int to = FrameOf(screen_.WaitForTitle([](const auto& t) { return FrameOf(t) > 70; }));
   const double seconds =
       std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-  EXPECT_NEAR((to - from) / 25.0, seconds, 0.4);
+  // As far as it can be seen through programs that a busy machine starts late.
+  EXPECT_NEAR((to - from) / 25.0, seconds, 0.6 + 0.25 * seconds);
   screen_.WaitForTitle("paused");
   ExpectShows(kFrames - 1);
   ExpectQuits("q");
@@ -207,7 +208,7 @@ TEST_F(Playing, DrawsAtHalfQualityWhereItCannotKeepUp) {
 
 TEST_F(Playing, EndsAsTheSignalSaysOnCtrlC) {
   Start();
-  kill(player_->Process(), SIGINT);
+  player_->Signal(SIGINT);
   EXPECT_EQ(player_->Wait().signal, SIGINT);
   player_.reset();
 }

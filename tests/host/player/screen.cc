@@ -2,15 +2,15 @@
 
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <signal.h>
 #include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <thread>
+
+#include "tests/support/process.h"
 
 namespace kelto::test {
 namespace {
@@ -32,10 +32,9 @@ std::string ReadLine(int file, int milliseconds) {
 }  // namespace
 
 Screen::Screen() {
-  int ends[2];
-  if (pipe(ends) != 0) return;
+  const auto ends = MakePipe();
   const std::string file = std::to_string(ends[1]);
-  server_ = fork();
+  server_ = Fork();
   if (server_ == 0) {
     // Goes with the test, however that ends.
     prctl(PR_SET_PDEATHSIG, SIGTERM);

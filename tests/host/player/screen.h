@@ -38,7 +38,7 @@ class Screen {
   std::string Do(const std::string& command) const;
 
   TempFolder folder_;
-  pid_t server_ = -1;
+  pid_t server_ = -1;  ///< a process, once constructed
   std::string window_;
 };
 

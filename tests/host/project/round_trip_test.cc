@@ -2,21 +2,17 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 #include "host/error.h"
 #include "host/project/project_file.h"
 #include "tests/host/project/random_plan.h"
+#include "tests/support/file_bytes.h"
 #include "tests/support/photo.h"
 
 namespace kelto::host {
 namespace {
 
-std::string BytesOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
+using test::BytesOf;
 
 void ExpectSame(const RenderPlan& a, const RenderPlan& b) {
   EXPECT_EQ(a.photo, b.photo);
