@@ -52,6 +52,8 @@ MediaFile OpenMedia(const std::string& path, const std::string& what) {
   const std::string url = "file:" + path;
   AVDictionary* options = nullptr;
   av_dict_set(&options, "protocol_whitelist", "file", 0);
+  // A picture's name is meant as it is, whatever signs are in it.
+  av_dict_set(&options, "pattern_type", "none", 0);
   const AVInputFormat* form = nullptr;
   int code = FindForm(url, &form);
   AVFormatContext* file = nullptr;

@@ -9,15 +9,12 @@
 
 namespace kelto::host {
 
-class VideoReader;
-
 /// Renders any frame of a list's scenes; holds one session at a time, so scenes are best asked for
 /// in their order. Operations throw Error.
 class SceneRenderer {
  public:
   /// `aborted` is asked while frames render; once it answers true, Render throws.
   SceneRenderer(SceneList list, std::function<bool()> aborted);
-  ~SceneRenderer();
 
   /// Frame `number` of a scene's film. The view holds until the next call.
   FrameView Render(size_t scene, int32_t number);
@@ -25,15 +22,12 @@ class SceneRenderer {
   void RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, size_t scene, int32_t number);
 
  private:
-  void Open(size_t scene);
-  /// Opens the scene and lays the video's frame under the photo.
-  void Prepare(size_t scene, int32_t number);
+  EffectSession& Open(size_t scene);
 
   SceneList list_;
   std::function<bool()> aborted_;
   size_t open_;  ///< the scene of session_
   std::unique_ptr<EffectSession> session_;
-  std::unique_ptr<VideoReader> video_;  ///< what lies behind; null for none
 };
 
 /// Frame `index` of all scenes' frames: which scene's, and which of its film.

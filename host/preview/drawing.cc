@@ -14,6 +14,14 @@ namespace kelto::host {
 namespace {
 
 constexpr const char* kFont = "sans-serif";
+constexpr const char* kEllipsis = "\u2026";
+/// Of a unit of an SVG drawing, the pixels of pictures that it keeps.
+constexpr double kPixelsOfUnit = 2.0;
+
+struct FreeSurface {
+  void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
+};
+using Surface = std::unique_ptr<cairo_surface_t, FreeSurface>;
 
 cairo_status_t Append(void* bytes, const unsigned char* data, unsigned int size) {
   auto& to = *static_cast<std::vector<uint8_t>*>(bytes);
@@ -22,6 +30,7 @@ cairo_status_t Append(void* bytes, const unsigned char* data, unsigned int size)
 }
 
 bool IsSvg(const std::string& file) {
+  if (file.empty()) return false;  // in memory only
   if (file.ends_with(".svg")) return true;
   if (file.ends_with(".png")) return false;
   throw UsageError(file + ": drawings are written to names that end in .png or .svg");
@@ -151,6 +160,22 @@ double Drawing::WidthOf(const std::string& text, double size, bool bold) {
   return extents.x_advance;
 }
 
+std::string Drawing::Shortened(const std::string& text, double width, double size, bool bold) {
+  if (WidthOf(text, size, bold) <= width) return text;
+  const std::string whole = Drawable(text);
+  std::vector<size_t> starts;  // of characters
+  for (size_t at = 0; at < whole.size(); at += CharacterAt(whole, at)) starts.push_back(at);
+  starts.push_back(whole.size());
+  std::string shortened;
+  for (size_t kept = starts.size() - 1; kept-- > 0;) {
+    const size_t front = (kept + 1) / 2, back = kept - front;
+    shortened =
+        whole.substr(0, starts[front]) + kEllipsis + whole.substr(starts[starts.size() - 1 - back]);
+    if (WidthOf(shortened, size, bold) <= width) break;
+  }
+  return shortened;
+}
+
 void Drawing::Text(const std::string& text, Point at, double size, const Ink& ink, Align align,
                    bool bold) {
   const double width = WidthOf(text, size, bold);  // sets the font, too
@@ -161,26 +186,43 @@ void Drawing::Text(const std::string& text, Point at, double size, const Ink& in
 }
 
 void Drawing::Picture(const FrameView& frame, const Box& box) {
-  cairo_surface_t* picture =
-      cairo_image_surface_create(CAIRO_FORMAT_RGB24, frame.size.width, frame.size.height);
-  if (cairo_surface_status(picture) == CAIRO_STATUS_SUCCESS) {
-    const ptrdiff_t stride = cairo_image_surface_get_stride(picture);
-    uint8_t* const pixels = cairo_image_surface_get_data(picture);
+  const Surface picture(
+      cairo_image_surface_create(CAIRO_FORMAT_RGB24, frame.size.width, frame.size.height));
+  if (cairo_surface_status(picture.get()) == CAIRO_STATUS_SUCCESS) {
+    const ptrdiff_t stride = cairo_image_surface_get_stride(picture.get());
+    uint8_t* const pixels = cairo_image_surface_get_data(picture.get());
     for (int32_t y = 0; y < frame.size.height; ++y) {
       std::copy_n(frame.Row(y), ptrdiff_t{frame.size.width} * 4, pixels + y * stride);
     }
-    cairo_surface_mark_dirty(picture);
+    cairo_surface_mark_dirty(picture.get());
   }
+  const auto seen = [](double units) {
+    return std::max(1, static_cast<int>(std::ceil(units * kPixelsOfUnit)));
+  };
+  const int width = std::min(frame.size.width, seen(box.width));
+  const int height = std::min(frame.size.height, seen(box.height));
+  if (IsSvg(file_) && !(FrameSize{width, height} == frame.size)) {
+    Drawing smaller(width, height);
+    smaller.Place(picture.get(), {0.0, 0.0, smaller.width_, smaller.height_});
+    cairo_surface_flush(smaller.surface_);
+    Place(smaller.surface_, box);
+  } else {
+    Place(picture.get(), box);
+  }
+}
+
+void Drawing::Place(cairo_surface_t* picture, const Box& box) {
+  const int width = cairo_image_surface_get_width(picture);
+  const int height = cairo_image_surface_get_height(picture);
   cairo_save(cairo_);
   cairo_translate(cairo_, box.left, box.top);
-  cairo_scale(cairo_, box.width / frame.size.width, box.height / frame.size.height);
+  cairo_scale(cairo_, box.width / width, box.height / height);
   cairo_set_source_surface(cairo_, picture, 0.0, 0.0);
   cairo_pattern_set_filter(cairo_get_source(cairo_), CAIRO_FILTER_GOOD);
   cairo_pattern_set_extend(cairo_get_source(cairo_), CAIRO_EXTEND_PAD);
-  cairo_rectangle(cairo_, 0.0, 0.0, frame.size.width, frame.size.height);
+  cairo_rectangle(cairo_, 0.0, 0.0, width, height);
   cairo_fill(cairo_);
   cairo_restore(cairo_);
-  cairo_surface_destroy(picture);
   Check();
 }
 

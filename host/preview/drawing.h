@@ -53,7 +53,11 @@ class Drawing {
   void Text(const std::string& text, Point at, double size, const Ink& ink,
             Align align = Align::kLeft, bool bold = false);
   double WidthOf(const std::string& text, double size, bool bold = false);
-  /// Scales a frame of PixelLayout::kBGRA into the box; its alpha is left out.
+  /// The text, or where it is wider than `width`, as much of both its ends as there is room for
+  /// around an ellipsis.
+  std::string Shortened(const std::string& text, double width, double size, bool bold = false);
+  /// Scales a frame of PixelLayout::kBGRA into the box; its alpha is left out. An SVG file keeps no
+  /// more of its pixels than can be told apart in the box, looked at closely.
   void Picture(const FrameView& frame, const Box& box);
   /// Until the end of the scope of the result, nothing is drawn outside the box.
   class Clip {
@@ -74,6 +78,7 @@ class Drawing {
 
  private:
   void Use(const Ink& ink);
+  void Place(cairo_surface_t* picture, const Box& box);
   void Check() const;
 
   std::string file_;

@@ -110,7 +110,8 @@ class Plot {
 
   void DrawHead(const std::string& title, const std::string& facts) {
     drawing_.Fill({0.0, 0.0, kWidth, kHeight}, kPaper);
-    drawing_.Text(title, {kLeft, 40.0}, kTitle, kText, Align::kLeft, true);
+    drawing_.Text(drawing_.Shortened(title, kRight - kLeft, kTitle, true), {kLeft, 40.0}, kTitle,
+                  kText, Align::kLeft, true);
     drawing_.Text(facts, {kLeft, 64.0}, kTextSize, kFaint);
   }
   void DrawPanel(const Panel& panel, double top);

@@ -17,6 +17,7 @@ namespace {
 constexpr double kWidth = 1600.0, kMargin = 32.0, kHead = 76.0;
 constexpr double kMapHeight = 900.0;
 constexpr double kGap = 16.0, kCaption = 26.0;
+constexpr double kNameSize = 22.0;
 constexpr int32_t kFramesInRow = 6;
 /// More points than the map is wide would only be thrown away.
 constexpr double kMapPixels = 1600.0;
@@ -76,15 +77,10 @@ class Sheet {
   }
 
   void DrawHead() {
-    drawing_.Text(std::filesystem::path(photo_.given).filename().string(), {kMargin, 36.0}, 22.0,
-                  kText, Align::kLeft, true);
-    const double rate = plan_.format.rate.PerSecond();
-    drawing_.Text(std::to_string(photo_.width) + "x" + std::to_string(photo_.height) +
-                      " photo, film of " + TickText(plan_.frames / rate, 2) + " seconds, " +
-                      ToString(plan_.format.size) + ", " + std::to_string(plan_.frames) +
-                      " frames at " + TickText(rate, plan_.format.rate.denominator == 1 ? 0 : 3) +
-                      " a second",
-                  {kMargin, 60.0}, 15.0, kFaint);
+    const std::string name = std::filesystem::path(photo_.given).filename().string();
+    drawing_.Text(drawing_.Shortened(name, kWidth - 2 * kMargin, kNameSize, true), {kMargin, 36.0},
+                  kNameSize, kText, Align::kLeft, true);
+    drawing_.Text(StoryboardFacts(plan_, photo_), {kMargin, 60.0}, 15.0, kFaint);
   }
   void DrawMap() {
     const Box room{kMargin, kHead, kWidth - 2 * kMargin, mapHeight_};
@@ -119,6 +115,15 @@ class Sheet {
 };
 
 }  // namespace
+
+std::string StoryboardFacts(const RenderPlan& plan, const Photo& photo) {
+  const FilmFormat& format = plan.format;
+  const double rate = format.rate.PerSecond();
+  return std::to_string(photo.width) + "x" + std::to_string(photo.height) + " photo, film of " +
+         TickText(plan.frames / rate, 2) + " seconds, " + ToString(format.size) + ", " +
+         std::to_string(plan.frames) + (plan.frames == 1 ? " frame" : " frames") + " at " +
+         TickText(rate, format.rate.denominator == 1 ? 0 : 3) + " a second";
+}
 
 std::vector<int32_t> StripFrames(int32_t count, int32_t total) {
   const int32_t shown = std::min(count, total);

@@ -19,6 +19,9 @@ struct StoryboardOptions {
 void DrawStoryboard(const std::string& modulePath, const RenderPlan& plan, const Photo& photo,
                     const StoryboardOptions& options);
 
+/// What the sheet says of photo and film, below the photo's name.
+std::string StoryboardFacts(const RenderPlan& plan, const Photo& photo);
+
 /// The frames of a strip of `count` out of `total`: the first, the last, and between them frames
 /// that lie even; all of them when there are no more.
 std::vector<int32_t> StripFrames(int32_t count, int32_t total);

@@ -23,7 +23,8 @@ EffectSession::EffectSession(const std::string& modulePath, const RenderPlan& pl
                              const Photo& photo, PixelLayout layout)
     : plan_(plan),
       input_(plan.format.size.width, plan.format.size.height, ColorspaceOf(layout)),
-      output_(plan.format.size.width, plan.format.size.height, ColorspaceOf(layout)) {
+      output_(plan.format.size.width, plan.format.size.height, ColorspaceOf(layout)),
+      backdrop_(plan, layout) {
   std::string error;
   module_ = hfx::Module::Load(modulePath, &error);
   if (!module_) throw Error(error);
@@ -62,14 +63,16 @@ void EffectSession::RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, int32_t numb
 }
 
 void EffectSession::RenderFrame(hfxImage& whole, int32_t number, double quality) {
+  // Anew for every frame: the effect writes into its input.
+  backdrop_.Fill(number, *input_.image());
   for (int32_t field = 0; field < FieldsOf(plan_); ++field) {
     const hfx::RenderState state = FieldState(plan_, number, field, quality);
     if (plan_.format.Interlaced()) {
-      hfxImage input = hfx::FieldView(Input(), state.topField);
+      hfxImage input = hfx::FieldView(*input_.image(), state.topField);
       hfxImage output = hfx::FieldView(whole, state.topField);
       RenderField(state, input, output);
     } else {
-      RenderField(state, Input(), whole);
+      RenderField(state, *input_.image(), whole);
     }
   }
 }

@@ -8,13 +8,14 @@
 
 #include "host/film/film_format.h"
 #include "host/plan/render_plan.h"
+#include "host/session/backdrop.h"
 #include "host/session/photo.h"
 #include "runtime/hfx/host.h"
 
 namespace kelto::host {
 
-/// Loads the effect's module, sets its first effect up for a plan and renders frames, in any order.
-/// Operations throw Error.
+/// Loads the effect's module, sets its first effect up for a plan and renders frames, in any order,
+/// over those of the plan's video. Operations throw Error.
 class EffectSession {
  public:
   /// `photo` is the plan's, opened.
@@ -26,10 +27,6 @@ class EffectSession {
 
   /// Asked while frames render; once it answers true, Render throws.
   void SetAbortQuery(std::function<bool()> query);
-
-  /// The video that the effect lies over, black at first: pixels in the session's layout and size,
-  /// to be written before a Render.
-  hfxImage& Input() { return *input_.image(); }
 
   /// Renders frame `number`, 0-based; both its fields when the film is interlaced. `quality` is
   /// what the effect is told: 1 for all of it, 0.5 for a preview in a hurry. The view holds until
@@ -50,6 +47,7 @@ class EffectSession {
   RenderPlan plan_;
   hfx::ImageBuffer input_;  ///< the effect demands an input even where nothing of it is seen
   hfx::ImageBuffer output_;
+  Backdrop backdrop_;
   std::unique_ptr<hfx::Module> module_;
   std::unique_ptr<hfx::Effect> effect_;  // goes before its module
 };

@@ -1,6 +1,11 @@
 #include "host/video/video_file.h"
 
+extern "C" {
+#include <libavutil/avstring.h>
+}
+
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -14,6 +19,14 @@ constexpr const char* kWhat = "a video";
 /// Farther ahead than this, in seconds, looking for a nearer place to begin costs less than
 /// decoding all that is between.
 constexpr double kSeekAhead = 3.0;
+/// How far before a picture, in seconds, places to begin are looked for, one after the other:
+/// where the key pictures are, not every file tells.
+constexpr std::array kSeekBefore{0.0, 3.0, 12.0};
+/// Of the end this much is read: the last packet seldom is the picture shown last.
+constexpr double kTail = 2.0;
+/// In a program stream not every picture has a time, though one within so many seconds has; until
+/// the first of them the others' are guesses.
+constexpr double kMostBetweenTimes = 0.7;
 constexpr AVRational kUsualRate{25, 1};
 constexpr int32_t kMaxAspectTerm = 65535;
 
@@ -53,29 +66,40 @@ VideoInfo LookAtVideo(const std::string& path) { return VideoFile(path).Info(); 
 
 VideoFile::VideoFile(const std::string& path)
     : path_(path),
-      file_(OpenMedia(path, kWhat)),
       packet_(Own(av_packet_alloc())),
       shown_(Own(av_frame_alloc())),
       next_(Own(av_frame_alloc())) {
-  stream_ = PictureStreamOf(*file_);
-  if (stream_ < 0) {
-    const bool sound = SoundStreamOf(*file_) >= 0;
-    throw Error(path + ": has no moving pictures" + (sound ? ", only sound" : ""));
-  }
-  decoder_ = OpenDecoder(Stream(), path);
+  Open();
   if (decoder_->width <= 0 || decoder_->height <= 0) {
     throw Error(path + ": cannot be read as a video: its pictures have no size");
   }
   Describe();
-  for (unsigned i = 0; i < file_->nb_streams; ++i) {
-    if (static_cast<int>(i) != stream_) file_->streams[i]->discard = AVDISCARD_ALL;
+  const Ends ends = FindEnds();
+  CheckWhole(ends);
+  Rewind();
+  // Times that are the packets' in their order are late by what the decoder holds back.
+  if (next_->pts == AV_NOPTS_VALUE) {
+    const double held = std::min(nextAt_, HeldBack());
+    start_ += held;
+    firstAt_ = nextAt_ -= held;
   }
-  if (!Decode()) throw Error(path + ": none of its pictures can be decoded");
+  DescribeLength(ends);
   const bool whole = info_.fields == FieldOrder::kProgressive;
   if (whole && next_->interlaced_frame != 0 && turn_.Upright()) {
     info_.fields = next_->top_field_first != 0 ? FieldOrder::kTopFirst : FieldOrder::kBottomFirst;
   }
   Advance();
+}
+
+void VideoFile::Open() {
+  decoder_.reset();
+  file_ = OpenMedia(path_, kWhat);
+  stream_ = PictureStreamOf(*file_);
+  if (stream_ < 0) {
+    const bool sound = SoundStreamOf(*file_) >= 0;
+    throw Error(path_ + ": has no moving pictures" + (sound ? ", only sound" : ""));
+  }
+  decoder_ = OpenDecoder(Stream(), path_);
 }
 
 void VideoFile::Describe() {
@@ -92,9 +116,9 @@ void VideoFile::Describe() {
   info_.fields = FieldsOf(Stream().codecpar->field_order);
   info_.sound = SoundStreamOf(*file_) >= 0;
   DescribeTurn();
-  const Ends ends = ReadEnds();
-  CheckWhole(ends);
-  Rewind();
+}
+
+void VideoFile::DescribeLength(const Ends& ends) {
   info_.seconds = std::max(ends.pictures - start_, 1.0 / info_.rate.PerSecond());
   const double frames = std::round(info_.seconds * info_.rate.PerSecond());
   info_.frames = static_cast<int32_t>(std::clamp(frames, 1.0, 1e9));
@@ -123,22 +147,36 @@ void VideoFile::DescribeTurn() {
   if (!turn_.Upright()) info_.fields = FieldOrder::kProgressive;
 }
 
-VideoFile::Ends VideoFile::ReadEnds() {
+VideoFile::Ends VideoFile::FindEnds() {
   if (file_->duration > 0) {
     const int64_t begin = file_->start_time == AV_NOPTS_VALUE ? 0 : file_->start_time;
     const int64_t end = begin + file_->duration;
-    avformat_seek_file(file_.get(), -1, std::numeric_limits<int64_t>::min(), end, end, 0);
+    const auto tail = std::max(begin, end - static_cast<int64_t>(kTail * AV_TIME_BASE));
+    avformat_seek_file(file_.get(), -1, std::numeric_limits<int64_t>::min(), tail, end, 0);
   }
+  const Ends ends = ReadEnds();
+  if (ends.pictures >= 0.0 && ends.timed) return ends;
+  // A file without an index may be left at its end by the search, and one without times is counted
+  // out.
+  Open();
+  return ReadEnds();
+}
+
+VideoFile::Ends VideoFile::ReadEnds() {
   Ends ends;
   int64_t untimed = 0;
   while (av_read_frame(file_.get(), packet_.get()) >= 0) {
     const double tick = av_q2d(file_->streams[packet_->stream_index]->time_base);
     const bool picture = packet_->stream_index == stream_;
-    double end = static_cast<double>(packet_->pts + packet_->duration) * tick;
-    if (picture && packet_->duration <= 0) end += 1.0 / info_.rate.PerSecond();
-    if (packet_->pts == AV_NOPTS_VALUE) {
-      // Bare streams have no times, and are read from the beginning.
-      end = picture ? static_cast<double>(++untimed) / info_.rate.PerSecond() : 0.0;
+    const int64_t time = packet_->pts != AV_NOPTS_VALUE ? packet_->pts : packet_->dts;
+    double end = static_cast<double>(time + packet_->duration) * tick;
+    const double frame = 1.0 / info_.rate.PerSecond();
+    if (picture && packet_->duration <= 0) end += frame;
+    // A time of decoding: shown it is when the decoder has held it back.
+    if (picture && time != packet_->pts) end += HeldBack();
+    if (time == AV_NOPTS_VALUE) {
+      end = picture ? static_cast<double>(++untimed) * frame : 0.0;
+      if (picture) ends.timed = false;
     }
     if ((packet_->flags & AV_PKT_FLAG_CORRUPT) == 0) {
       if (picture) ends.pictures = std::max(ends.pictures, end);
@@ -147,6 +185,10 @@ VideoFile::Ends VideoFile::ReadEnds() {
     av_packet_unref(packet_.get());
   }
   return ends;
+}
+
+double VideoFile::HeldBack() const {
+  return Stream().codecpar->video_delay / info_.rate.PerSecond();
 }
 
 void VideoFile::CheckWhole(const Ends& ends) const {
@@ -170,8 +212,9 @@ void VideoFile::CheckWhole(const Ends& ends) const {
 
 const AVFrame& VideoFile::At(double seconds) {
   const double time = seconds + tolerance_;
-  const bool back = time < shownAt_ && shownAt_ > tolerance_;
-  const bool farAhead = hasNext_ && nextAt_ + kSeekAhead < std::min(time, info_.seconds);
+  const bool back = time < shownAt_ && shownAt_ > firstAt_ + tolerance_;
+  const bool farAhead =
+      hasPlaces_ && hasNext_ && nextAt_ + kSeekAhead < std::min(time, info_.seconds);
   if (back || (farAhead && NearerPlaceFor(seconds)))
     SeekTo(std::clamp(seconds, 0.0, info_.seconds));
   while (hasNext_ && nextAt_ <= time) Advance();
@@ -196,31 +239,49 @@ bool VideoFile::NearerPlaceFor(double seconds) const {
 }
 
 void VideoFile::SeekTo(double seconds) {
-  const AVStream& stream = Stream();
-  const auto target =
-      static_cast<int64_t>(std::floor((start_ + seconds) / av_q2d(stream.time_base)));
-  const int code = avformat_seek_file(file_.get(), stream_, std::numeric_limits<int64_t>::min(),
-                                      target, target, 0);
-  avcodec_flush_buffers(decoder_.get());
-  drained_ = false;
-  hasShown_ = hasNext_ = false;
-  // The place found may lie behind the target, where a file's index is coarse or wrong.
-  if (code < 0 || !Decode() || nextAt_ > seconds + tolerance_) {
+  const auto found = [&](double before) { return SeekNear(seconds - before, seconds); };
+  if (!hasPlaces_ || !std::any_of(kSeekBefore.begin(), kSeekBefore.end(), found)) {
+    // Near the beginning there need not be a place between; farther on there is none at all.
+    if (seconds > kSeekBefore.back()) hasPlaces_ = false;
     Rewind();
-    if (!Decode()) throw Error(path_ + ": none of its pictures can be decoded");
   }
   Advance();
 }
 
-void VideoFile::Rewind() {
-  const AVStream& stream = Stream();
-  const int64_t first = stream.start_time == AV_NOPTS_VALUE ? 0 : stream.start_time;
-  int code = avformat_seek_file(file_.get(), stream_, std::numeric_limits<int64_t>::min(), first,
-                                first, 0);
-  if (code < 0) code = avformat_seek_file(file_.get(), -1, 0, 0, 0, AVSEEK_FLAG_BYTE);
-  if (code < 0)
-    throw Error(path_ + ": cannot be read from the beginning again: " + LibavText(code));
+bool VideoFile::SeekNear(double seconds, double latest) {
+  const auto target =
+      static_cast<int64_t>(std::floor((start_ + seconds) / av_q2d(Stream().time_base)));
+  const int code = avformat_seek_file(file_.get(), stream_, std::numeric_limits<int64_t>::min(),
+                                      target, target, 0);
   avcodec_flush_buffers(decoder_.get());
+  Forget();
+  if (code < 0) return false;
+  // The place may lie behind the target, where a file's index is coarse or wrong; and between key
+  // pictures, where there is none: pictures decoded before the first of them lack what they are
+  // built on.
+  double settled = -std::numeric_limits<double>::infinity();
+  for (;;) {
+    if (!Decode() || std::isnan(SecondsOf(*next_)) || nextAt_ > latest + tolerance_) return false;
+    if (std::isinf(settled) && TimesAreSparse()) settled = nextAt_ + kMostBetweenTimes;
+    if (next_->key_frame != 0 && nextAt_ >= settled) return true;
+  }
+}
+
+bool VideoFile::TimesAreSparse() const { return av_match_name("mpeg", file_->iformat->name) != 0; }
+
+void VideoFile::Rewind() {
+  // Seeking to the first picture's time misses it in files that are sought by the times of
+  // decoding, so the file is opened anew.
+  Open();
+  for (unsigned i = 0; i < file_->nb_streams; ++i) {
+    if (static_cast<int>(i) != stream_) file_->streams[i]->discard = AVDISCARD_ALL;
+  }
+  Forget();
+  if (!Decode()) throw Error(path_ + ": none of its pictures can be decoded");
+  firstAt_ = nextAt_;
+}
+
+void VideoFile::Forget() {
   drained_ = false;
   hasShown_ = hasNext_ = false;
   nextAt_ = shownAt_ = 0.0;

@@ -26,19 +26,34 @@ class VideoFile {
 
  private:
   AVStream& Stream() const { return *file_->streams[stream_]; }
+  void Open();
   void Describe();
   void DescribeRate();
   void DescribeTurn();
   /// Where packets end that stand near the end of the file, in seconds of its clock; below 0 when
-  /// there are none.
+  /// there are none. Not `timed`, pictures without times were counted.
   struct Ends {
     double pictures = -1.0, all = -1.0;
+    bool timed = true;
   };
+  Ends FindEnds();
+  /// The same from where the file is being read on.
   Ends ReadEnds();
+  /// For how many seconds the decoder keeps a picture that others go before.
+  double HeldBack() const;
   void CheckWhole(const Ends& ends) const;
+  void DescribeLength(const Ends& ends);
   bool NearerPlaceFor(double seconds) const;
+  /// Shows a picture that begins at `seconds` or earlier.
   void SeekTo(double seconds);
+  /// Finds a place before `seconds` to begin at, and decodes its first whole picture. False when
+  /// there is none, or when that picture begins later than `latest`.
+  bool SeekNear(double seconds, double latest);
+  bool TimesAreSparse() const;
+  /// Begins anew with the first picture, decoded.
   void Rewind();
+  /// Nothing is decoded yet.
+  void Forget();
   /// Decodes the next picture into `next_`; false at the end.
   bool Decode();
   void Advance();
@@ -53,6 +68,8 @@ class VideoFile {
   Orientation turn_;
   double start_ = 0.0;      ///< seconds of the first picture by the file's clock
   double tolerance_ = 0.0;  ///< by which times in the file may be rounded
+  double firstAt_ = 0.0;    ///< of the first picture that can be decoded
+  bool hasPlaces_ = true;   ///< to begin at, besides the first picture
   Owned<AVFrame> shown_, next_;
   double shownAt_ = 0.0, nextAt_ = 0.0;
   bool hasShown_ = false, hasNext_ = false;

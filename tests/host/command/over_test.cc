@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "tests/host/command/run.h"
 #include "tests/host/support/film_reader.h"
@@ -78,6 +79,25 @@ TEST_F(Over, EveryNumberOfJobsMakesTheSameFilm) {
   ASSERT_EQ(RenderOver("1.mkv", {"--jobs", "1"}).err, "");
   ASSERT_EQ(RenderOver("3.mkv", {"--jobs", "3"}).err, "");
   EXPECT_EQ(BytesOf(folder_ / "1.mkv"), BytesOf(folder_ / "3.mkv"));
+}
+
+TEST_F(Over, AProjectThatNamesNoVideoHasBlackThere) {
+  const std::string project = folder_ / "p.json";
+  std::ofstream(project) << R"({"image": "photo.png",
+    "film": {"width": 96, "height": 64, "frames": 9},
+    "parameters": {"display": {"value": "Display: Target"}, "size": {"value": 0.4},
+                   "compositeover": {"value": "Background: Video"}}})";
+  for (const char* jobs : {"1", "3"}) {
+    const Outcome outcome =
+        RunKelto({"render", project, "-o", folder_ / std::string(jobs) + ".bgra", "--jobs", jobs});
+    ASSERT_EQ(outcome.err, "");
+  }
+  const std::string film = BytesOf(folder_ / "1.bgra");
+  EXPECT_EQ(film, BytesOf(folder_ / "3.bgra")) << "a frame is the same whichever came before it";
+  ASSERT_EQ(film.size(), size_t{9} * 96 * 64 * 4);
+  for (size_t frame = 0; frame < 9; ++frame) {
+    EXPECT_LE(uint8_t(film[frame * 96 * 64 * 4 + 1]), 1) << frame;
+  }
 }
 
 TEST_F(Over, PartsJoinWithoutASeam) {

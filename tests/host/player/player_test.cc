@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdlib>
 #include <optional>
 #include <stdexcept>
@@ -129,6 +130,37 @@ TEST_F(Playing, StepsAndSeeksToFrames) {
   ExpectShows(50);
   screen_.Press("Home");
   ExpectShows(0);
+  ExpectQuits("q");
+}
+
+TEST_F(Playing, ShowsTheVideosFrameBehindEachOfItsOwn) {
+  const auto levelOf = [](int frame) { return frame * 37 % 200; };
+  const Outcome made = RunShell(
+      "ffmpeg -nostdin -v error -f lavfi -i color=gray:size=640x360:rate=25:duration=4.04,"
+      "geq=lum='16+mod(N*37\\,200)':cb=128:cr=128 -c:v libx264 -qp 2 -g 40 -bf 2 -y " +
+      (folder_ / "video.ts"));
+  ASSERT_EQ(made.code, 0) << made.err;
+  Start({"--paused", "--over", folder_ / "video.ts", "--from", "0.3", "--to", "0.3"});
+  const auto expectBehind = [&](int frame) {
+    const std::string title = "frame " + std::to_string(frame) + " of 101";
+    EXPECT_THAT(screen_.WaitForTitle(title), HasSubstr(title));
+    const auto level = uint8_t(std::lround(levelOf(frame) * 255 / 219.0));
+    const Rgb corner = screen_.Look().At(8, 8);
+    EXPECT_LE(Distance(corner, {level, level, level}), kTolerance) << ToString(corner);
+  };
+  expectBehind(0);
+  screen_.Press("period period period");
+  expectBehind(3);
+  screen_.Press("comma");
+  expectBehind(2);
+  screen_.Press("End");
+  expectBehind(100);
+  screen_.Press("comma");
+  expectBehind(99);
+  screen_.Press("Left Left");
+  expectBehind(49);
+  screen_.Press("Home");
+  expectBehind(0);
   ExpectQuits("q");
 }
 

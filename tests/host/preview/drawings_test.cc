@@ -4,13 +4,15 @@
 
 #include <fstream>
 #include <iterator>
+#include <regex>
 
 #include "host/error.h"
 #include "host/preview/axis_ticks.h"
+#include "host/preview/drawing.h"
 #include "host/preview/key_times.h"
 #include "host/preview/motion_plot.h"
 #include "host/preview/storyboard.h"
-#include "tests/host/support/pictures.h"
+#include "tests/host/support/videos.h"
 
 namespace kelto::host {
 namespace {
@@ -103,6 +105,60 @@ TEST_F(Drawings, TheStoryboardShowsTheWholePhotoAndFramesOfTheFilm) {
   EXPECT_LE(Distance(sheet.At(1500, y), {30, 30, 200}), 6);
   EXPECT_LE(Distance(sheet.At(700, y), {200, 30, 30}), 6) << "the middle one sees both";
   EXPECT_LE(Distance(sheet.At(900, y), {30, 30, 200}), 6);
+}
+
+TEST_F(Drawings, TheStoryboardsFramesLieOverTheVideosFrames) {
+  plan_.over = test::WriteVideo(folder_ / "v.mkv", {{160, 90}, {25, 1}}, 50, [](int i) {
+    return test::GreyFrame({160, 90}, 5 * i);
+  });
+  plan_.Set("compositeover", std::string("Background: Video"));
+  const View small{0.3, 0.0, 0.0};
+  const ViewKey far[] = {{0.0, small, "In: Linear", "Out: Linear"},
+                         {1.0, small, "In: Linear", "Out: Linear"}};
+  plan_.SetViews(far);
+  const test::Picture sheet = Sheet(6);
+  // A corner of each frame of the strip, which the photo leaves free.
+  const auto frames = StripFrames(6, 50);
+  for (int i = 0; i < 6; ++i) {
+    const Rgb corner = sheet.At(32 + i * 259 + 8, sheet.height - 58 - 8);
+    const auto level = uint8_t(5 * frames[size_t(i)]);
+    EXPECT_LE(Distance(corner, {level, level, level}), 4) << i << ": " << test::ToString(corner);
+  }
+}
+
+TEST_F(Drawings, AnSvgStoryboardKeepsNoMorePixelsThanItsPlacesShow) {
+  plan_.format.size = {1280, 720};
+  DrawStoryboard(KELTO_MODULE, plan_, OpenPhoto(plan_.photo), {folder_ / "sheet.svg", 6});
+  std::ifstream file(folder_ / "sheet.svg");
+  const std::string svg{std::istreambuf_iterator<char>(file), {}};
+  const std::regex image("<image[^>]* width=\"([0-9]+)\"");
+  int strip = 0;
+  for (std::sregex_iterator at(svg.begin(), svg.end(), image), end; at != end; ++at) {
+    const int width = std::stoi((*at)[1]);
+    EXPECT_LE(width, 486) << "a place is 243 units wide; the photo has 400 pixels";
+    strip += width > 400 ? 1 : 0;
+  }
+  EXPECT_EQ(strip, 6);
+}
+
+TEST_F(Drawings, LongTextsAreCutInTheirMiddle) {
+  Drawing drawing(100, 100);
+  const std::string name = "Z\u00FCrich " + std::string(200, 'x') + " See.jpg";
+  const std::string cut = drawing.Shortened(name, 300.0, 22.0);
+  EXPECT_LE(drawing.WidthOf(cut, 22.0), 300.0);
+  EXPECT_GT(drawing.WidthOf(cut, 22.0), 260.0);
+  EXPECT_THAT(cut, testing::StartsWith("Z\u00FCrich x"));
+  EXPECT_THAT(cut, HasSubstr("x\u2026x"));
+  EXPECT_THAT(cut, testing::EndsWith("x See.jpg"));
+  EXPECT_EQ(drawing.Shortened("See.jpg", 300.0, 22.0), "See.jpg");
+}
+
+TEST_F(Drawings, TheStoryboardTellsWhatTheFilmIs) {
+  const Photo photo = OpenPhoto(plan_.photo);
+  EXPECT_EQ(StoryboardFacts(plan_, photo),
+            "400x300 photo, film of 2.00 seconds, 160x90, 50 frames at 25 a second");
+  plan_.frames = 1;
+  EXPECT_THAT(StoryboardFacts(plan_, photo), HasSubstr(", 1 frame at 25 a second"));
 }
 
 TEST_F(Drawings, TheStoryboardOutlinesTheViewOfEachKey) {

@@ -3,12 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <optional>
 #include <vector>
 
 #include "host/error.h"
 #include "platform/ipl.h"
+#include "tests/host/support/videos.h"
 #include "tests/support/photo.h"
 
 namespace kelto::host {
@@ -39,6 +39,14 @@ class Session : public testing::Test {
   }
 
   void Open() { session_.emplace(KELTO_MODULE, plan_, OpenPhoto(plan_.photo), PixelLayout::kBGRA); }
+  /// The photo leaves the corners to what is behind it.
+  void ShowFarAwayOverVideo() {
+    plan_.Set("compositeover", std::string("Background: Video"));
+    const View far{0.1, 0.0, 0.0};
+    const ViewKey keys[] = {{0.0, far, "In: Linear", "Out: Linear"},
+                            {1.0, far, "In: Linear", "Out: Linear"}};
+    plan_.SetViews(keys);
+  }
   std::string ErrorOfOpening() {
     try {
       Open();
@@ -99,15 +107,21 @@ TEST_F(Session, RefusesValuesOfAnotherKindAndGroups) {
   EXPECT_THAT(ErrorOfOpening(), HasSubstr("is a group"));
 }
 
-TEST_F(Session, ShowsTheInputWhereTheVideoIsTheBackground) {
-  plan_.Set("compositeover", std::string("Background: Video"));
-  const View far{0.1, 0.0, 0.0};
-  const ViewKey keys[] = {{0.0, far, "In: Linear", "Out: Linear"},
-                          {1.0, far, "In: Linear", "Out: Linear"}};
-  plan_.SetViews(keys);
+TEST_F(Session, ShowsTheVideoWhereItIsTheBackground) {
+  ShowFarAwayOverVideo();
+  plan_.over = folder_ / "grey.mkv";
+  test::RunFfmpeg("-f lavfi -i color=0xC8C8C8:size=48x32:rate=25:duration=0.2 -c:v ffv1 " +
+                  plan_.over);
   Open();
-  for (int32_t y = 0; y < 32; ++y) std::memset(session_->Input().GetRowPtr(y), 200, 48 * 4);
-  EXPECT_NEAR(Frame(0)[1], 200, 1);
+  for (const int32_t frame : {0, 3, 1}) EXPECT_NEAR(Frame(frame)[1], 200, 2) << frame;
+}
+
+TEST_F(Session, EveryFrameBeginsBlackWhereTheVideoIsMissing) {
+  ShowFarAwayOverVideo();
+  Open();
+  const auto first = Frame(0);
+  EXPECT_LE(first[1], 1);
+  EXPECT_EQ(Frame(0), first) << "nothing of a frame is left for the next one";
 }
 
 TEST_F(Session, TakesChangesBetweenFrames) {

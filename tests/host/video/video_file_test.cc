@@ -116,6 +116,68 @@ TEST_F(VideoFiles, AnyOrderShowsTheSamePictures) {
   }
 }
 
+TEST_F(VideoFiles, WhosePacketsLieInAnotherOrderAreShownFromFirstToLast) {
+  const std::string h264 = "-c:v libx264 -qp 2 -x264-params b-adapt=0 -bf 2 ";
+  const std::string h265 = "-c:v libx265 -x265-params qp=4:b-adapt=0:bframes=2:log-level=none";
+  struct {
+    const char* name;
+    std::string coding;
+  } videos[] = {{"short-groups.ts", h264 + "-g 12"},
+                {"one-group.ts", h264},
+                {"one-group.m2ts", h264},
+                {"h265.ts", h265 + ":keyint=12"},
+                {"h265-one-group.ts", h265},
+                {"mpeg2.ts", "-c:v mpeg2video -q:v 1 -bf 2"},
+                {"mpeg2.mpg", "-c:v mpeg2video -q:v 1 -bf 2"},
+                {"mpeg4.ts", "-c:v mpeg4 -q:v 1 -bf 2"},
+                {"no-index.flv", h264},
+                {"mpeg4.avi", "-c:v mpeg4 -q:v 1 -bf 2"},
+                {"h264.avi", h264},
+                {"bare.264", h264}};
+  Video("source.mkv", 50);
+  for (const auto& [name, coding] : videos) {
+    const std::string path = folder_ / name;
+    RunFfmpeg("-i " + folder_ / "source.mkv" + " " + coding + " -pix_fmt yuv420p " + path);
+    ASSERT_EQ(ErrorOf(path), "none");
+    VideoFile file(path);
+    EXPECT_EQ(file.Info().frames, 50) << name;
+    for (int i = 0; i < 50; ++i) EXPECT_EQ(NumberOf(file.At((i + 0.5) / 25.0)), i) << name;
+  }
+}
+
+TEST_F(VideoFiles, OfStreamsForSendingShowTheSameInAnyOrder) {
+  const std::string source = WriteVideo(folder_ / "source.mkv", {kSize, {25, 1}}, 600,
+                                        [](int i) { return GreyFrame(kSize, 4 * (i % 60)); });
+  struct {
+    const char* name;
+    const char* coding;
+  } videos[] = {{"a.ts", "-c:v libx264 -qp 2 -bf 2 -g 50"},
+                {"open.ts", "-c:v libx264 -qp 2 -bf 2 -g 50 -x264-params open-gop=1"},
+                {"one-group.ts", "-c:v libx264 -qp 2 -bf 2 -g 900"},
+                {"mpeg4.ts", "-c:v mpeg4 -q:v 1 -bf 2"},
+                {"mpeg2.mpg", "-c:v mpeg2video -q:v 1 -bf 2"},
+                {"mpeg4.avi", "-c:v mpeg4 -q:v 1 -bf 2"},
+                {"a.flv", "-c:v libx264 -qp 2 -bf 2 -g 50"}};
+  for (const auto& [name, coding] : videos) {
+    RunFfmpeg("-i " + source + " " + coding + " -pix_fmt yuv420p " + folder_ / name);
+    VideoFile file(folder_ / name);
+    for (const int i : {599, 0, 598, 300, 299, 301, 302, 12, 11, 450, 450, 5, 1, 0}) {
+      EXPECT_EQ(NumberOf(file.At((i + 0.5) / 25.0)), i % 60) << name << " frame " << i;
+    }
+  }
+}
+
+TEST_F(VideoFiles, NamedLikeAPatternAreTheFilesOfThatName) {
+  const auto grey = [](uint8_t level) {
+    return test::MakePicture(16, 16, [=](int, int) { return test::Rgb{level, level, level}; });
+  };
+  test::WritePng(folder_ / "photo%d.png", grey(200));
+  test::WritePng(folder_ / "photo1.png", grey(100));
+  VideoFile file(folder_ / "photo%d.png");
+  EXPECT_EQ(file.Info().frames, 1);
+  EXPECT_EQ(file.At(0.0).data[0][0], 200);
+}
+
 TEST_F(VideoFiles, TheLastPictureStaysAndTheFirstOneIsThereBefore) {
   VideoFile file(Video("a.mkv", 10));
   EXPECT_EQ(NumberOf(file.At(7.0)), 9);
@@ -141,6 +203,23 @@ TEST_F(VideoFiles, ThatBeginLateBeginAtTheirFirstPicture) {
   RunFfmpeg("-itsoffset 3 -i " + folder_ / "a.mkv" + " -c copy " + folder_ / "late.mkv");
   VideoFile file(folder_ / "late.mkv");
   for (int i = 0; i < 20; ++i) EXPECT_EQ(NumberOf(file.At(i / 25.0)), i);
+}
+
+TEST_F(VideoFiles, CutOutOfALongerStreamKeepTheTimesOfTheirPictures) {
+  Video("a.mkv", 50);
+  RunFfmpeg("-i " + folder_ / "a.mkv" + " -c:v libx264 -qp 2 -g 20 -pix_fmt yuv420p " +
+            folder_ / "whole.ts");
+  // The first picture lacks its beginning, and so all that are built on it.
+  std::ifstream in(folder_ / "whole.ts", std::ios::binary);
+  const std::string whole{std::istreambuf_iterator<char>(in), {}};
+  std::ofstream(folder_ / "cut.ts", std::ios::binary)
+      << whole.substr(0, size_t{3} * 188) << whole.substr(size_t{6} * 188);
+  VideoFile file(folder_ / "cut.ts");
+  const int last = file.Info().frames - 1;
+  const int missing = 49 - last;
+  for (const int i : {last, 19 - missing, 0, 20 - missing, last, 25 - missing}) {
+    EXPECT_EQ(NumberOf(file.At((i + 0.5) / 25.0)), std::max(i + missing, 20)) << i;
+  }
 }
 
 TEST_F(VideoFiles, BareStreamsWithoutTimesAreCountedOut) {
@@ -213,22 +292,28 @@ TEST_F(VideoFiles, ThatAreNoneAreRefusedByName) {
 }
 
 TEST_F(VideoFiles, DamagedInTheMiddleNeverCrash) {
-  const std::string path = Video("a.mp4", 50, {25, 1}, "h264");
-  std::ifstream in(path, std::ios::binary);
-  const std::string whole{std::istreambuf_iterator<char>(in), {}};
-  for (unsigned seed = 1; seed <= 60; ++seed) {
-    std::string bytes = whole;
-    unsigned state = seed * 2654435761u;
-    for (int i = 0; i < 12; ++i) {
-      state = state * 1664525u + 1013904223u;
-      bytes[(state >> 4) % bytes.size()] = static_cast<char>(state >> 24);
-    }
-    std::ofstream(folder_ / "b.mp4", std::ios::binary) << bytes;
-    try {
-      VideoFile file(folder_ / "b.mp4");
-      for (int i = 0; i < 50; i += 3) EXPECT_GT(file.At(i / 25.0).width, 0);
-    } catch (const Error& error) {
-      EXPECT_THAT(error.what(), StartsWith(folder_ / "b.mp4" + ": "));
+  Video("a.mp4", 50, {25, 1}, "h264");
+  for (const std::string form : {"mp4", "ts", "mpg", "avi", "flv"}) {
+    const std::string path = folder_ / "a." + form;
+    if (form != "mp4") RunFfmpeg("-i " + folder_ / "a.mp4" + " -c:v copy " + path);
+    std::ifstream in(path, std::ios::binary);
+    const std::string whole{std::istreambuf_iterator<char>(in), {}};
+    for (unsigned seed = 1; seed <= 40; ++seed) {
+      std::string bytes = whole;
+      unsigned state = seed * 2654435761u;
+      for (int i = 0; i < 12; ++i) {
+        state = state * 1664525u + 1013904223u;
+        bytes[(state >> 4) % bytes.size()] = static_cast<char>(state >> 24);
+      }
+      const std::string damaged = folder_ / "b." + form;
+      std::ofstream(damaged, std::ios::binary) << bytes;
+      try {
+        VideoFile file(damaged);
+        for (int i = 0; i < 50; i += 3) EXPECT_GT(file.At(i / 25.0).width, 0);
+        EXPECT_GT(file.At(0.2).width, 0);
+      } catch (const Error& error) {
+        EXPECT_THAT(error.what(), StartsWith(damaged + ": "));
+      }
     }
   }
 }
