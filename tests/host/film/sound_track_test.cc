@@ -111,7 +111,9 @@ TEST_F(SoundTracks, AreCopiedWhereTheContainerTakesThem) {
 TEST_F(SoundTracks, AreCodedAnewWhereACopyCouldNotBePlayed) {
   const std::string wav = Wav(2.0), flac = folder_ / "a.flac", opus = folder_ / "a.opus";
   for (const std::string& coded : {flac, opus}) {
-    ASSERT_EQ(std::system(("ffmpeg -v error -y -i " + wav + " " + coded).c_str()), 0);
+    std::string command = "ffmpeg -v error -y -i ";
+    command.append(wav).append(" ").append(coded);
+    ASSERT_EQ(std::system(command.c_str()), 0);
   }
   for (const auto& [name, sound] : {std::pair{"f.mp4", flac}, {"f.mov", flac}, {"o.mov", opus}}) {
     const DecodedSound heard = test::ReadSound(Film(name, sound));
