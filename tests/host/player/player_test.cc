@@ -51,7 +51,11 @@ class Playing : public testing::Test {
     preset("--to", "2@0.25,0");
     words.insert(words.end(), more.begin(), more.end());
     player_.emplace(words);
-    if (screen_.Find("photo.png")) return;
+    if (screen_.Find("photo.png")) {
+      // There before anything is drawn into it.
+      screen_.WaitForTitle("frame ");
+      return;
+    }
     player_->Signal(SIGKILL);
     // Thrown, since the rest of the test would only wait for a window that is not there.
     const std::string told = player_->Wait().err;

@@ -4,10 +4,13 @@
 #include <poll.h>
 #include <sys/prctl.h>
 #include <unistd.h>
+#include <xcb/xcb.h>
 
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
+#include <stdexcept>
 #include <thread>
 
 #include "tests/support/process.h"
@@ -27,6 +30,35 @@ std::string ReadLine(int file, int milliseconds) {
     line += c;
   }
   return line;
+}
+
+struct Free {
+  void operator()(void* reply) const { std::free(reply); }
+  void operator()(xcb_connection_t* server) const { xcb_disconnect(server); }
+};
+
+/// What a window that can be seen as a whole shows. Programs that take pictures of screens may
+/// first wait for the window's next change, which need not come.
+Picture PixelsOf(xcb_window_t window) {
+  const std::unique_ptr<xcb_connection_t, Free> server(xcb_connect(nullptr, nullptr));
+  const std::unique_ptr<xcb_get_geometry_reply_t, Free> place(
+      xcb_get_geometry_reply(server.get(), xcb_get_geometry(server.get(), window), nullptr));
+  if (!place) throw std::runtime_error("the window is gone");
+  const int width = place->width, height = place->height;
+  const std::unique_ptr<xcb_get_image_reply_t, Free> image(
+      xcb_get_image_reply(server.get(),
+                          xcb_get_image(server.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, window, 0, 0,
+                                        place->width, place->height, ~0U),
+                          nullptr));
+  // B, G, R and a byte without meaning, on a screen of 24 bits and this machine's byte order.
+  if (!image || xcb_get_image_data_length(image.get()) != width * height * 4) {
+    throw std::runtime_error("the window's pixels cannot be read");
+  }
+  const uint8_t* const pixels = xcb_get_image_data(image.get());
+  return MakePicture(width, height, [&](int x, int y) {
+    const uint8_t* const pixel = pixels + (size_t(y) * width + x) * 4;
+    return Rgb{pixel[2], pixel[1], pixel[0]};
+  });
 }
 
 }  // namespace
@@ -115,11 +147,9 @@ void Screen::Drag(int fromX, int fromY, int toX, int toY) const {
 }
 
 Picture Screen::Look() const {
-  const std::string file = folder_ / "screen.png";
   // Drawn by the server a little after the title has changed.
   Wait(0.15);
-  Do("import -window " + window_ + " PNG24:" + file);
-  return ReadPng(file);
+  return PixelsOf(static_cast<xcb_window_t>(std::stoul(window_)));
 }
 
 }  // namespace kelto::test

@@ -32,12 +32,12 @@ class Screen {
   /// Moves the pointer to a place in the window and presses the left button there.
   void Click(int x, int y) const;
   void Drag(int fromX, int fromY, int toX, int toY) const;
+  /// The window's pixels; throws when it is gone, or partly outside the screen.
   Picture Look() const;
 
  private:
   std::string Do(const std::string& command) const;
 
-  TempFolder folder_;
   pid_t server_ = -1;  ///< a process, once constructed
   std::string window_;
 };
