@@ -5,8 +5,8 @@
 
 #include "image/cache.h"
 #include "image/image_holder.h"
+#include "image/open_still.h"
 #include "image/paths.h"
-#include "image/still_file.h"
 #include "image/studio_levels.h"
 #include "platform/hfx.h"
 #include "platform/ipl.h"
@@ -36,28 +36,28 @@ void SaveNetworkForm(PanZoomState& state) {
 }
 
 /// Looks for the file elsewhere and opens it there; saves the place when that works.
-void Relocate(PanZoomState& state, bool interactive, StillFile& file) {
+void Relocate(PanZoomState& state, bool interactive, OpenStill& still) {
   PathRecord path(state.imagePath);
   const bool found =
       interactive ? LocateImageFile(path.text, sizeof(path.text)) : FindInKnownFolders(path.text);
   if (!found) return;
   FSSpec specification;
   if (MakeFileSpecification(path.text, &specification) != noErr) throw kOutOfMemory;
-  if (file.Open(specification) != noErr) return;
+  if (still.Open(specification) != noErr) return;
   state.imagePath = path.text;
   SaveImagePath(state);
 }
 
-bool OpenImageFile(PanZoomState& state, bool interactive, StillFile& file) {
+bool OpenImageFile(PanZoomState& state, bool interactive, OpenStill& still) {
   FSSpec specification;
   OSErr error = MakeFileSpecification(state.imagePath.c_str(), &specification);
-  if (error == noErr) error = file.Open(specification);
+  if (error == noErr) error = still.Open(specification);
   if (error == noErr) {
     RememberImageFolder(state.imagePath.c_str());
   } else {
-    Relocate(state, interactive, file);
+    Relocate(state, interactive, still);
   }
-  return file.isOpen();
+  return still.isOpen();
 }
 
 /// Rows of an image as an image of their own, which owns nothing.
@@ -115,25 +115,25 @@ IplImage* NewHeader(int32_t channels, const char* model, const char* sequence, i
 }
 
 /// Decodes into memory of the image library's, without a copy in between. False when that fails.
-bool Decode(PanZoomState& state, StillFile& file, const StillRect& bounds, IplImage* target) {
+bool Decode(PanZoomState& state, OpenStill& still, const StillRect& bounds, IplImage* target) {
   // This failure is not told to the console a second time.
   if (LibraryFailed()) return false;
   AllocateImageData(state, target);
   if (LibraryFailed()) return false;
   if (target->imageData == nullptr) throw kOutOfMemory;
-  return file.DrawAndClose(bounds, *target) == noErr;
+  return still.DrawAndClose(bounds, *target) == noErr;
 }
 
 bool Load(PanZoomState& state, bool interactive) {
   SaveNetworkForm(state);
-  StillFile file;
-  if (!OpenImageFile(state, interactive, file)) return false;
+  OpenStill still;
+  if (!OpenImageFile(state, interactive, still)) return false;
   StillRect bounds = {};
-  if (file.GetBounds(&bounds) != noErr) return false;
+  if (still.GetBounds(&bounds) != noErr) return false;
   const ImageSize size = {bounds.right - bounds.left, bounds.bottom - bounds.top};
 
   ImageHolder decoded(NewHeader(4, "RGBA", "BGRA", IPL_ALIGN_DWORD, size));
-  if (!Decode(state, file, bounds, decoded.get())) return false;
+  if (!Decode(state, still, bounds, decoded.get())) return false;
 
   ImageHolder converted(NewHeader(3, "YCr", "YCr", IPL_ALIGN_QWORD, size));
   if (!AllocateOrTell(state, converted.get())) return false;

@@ -7,12 +7,12 @@
 namespace kelto {
 
 /// Owns an importer and closes it.
-class StillFile {
+class OpenStill {
  public:
-  StillFile() = default;
-  StillFile(const StillFile&) = delete;
-  StillFile& operator=(const StillFile&) = delete;
-  ~StillFile() { Close(); }
+  OpenStill() = default;
+  OpenStill(const OpenStill&) = delete;
+  OpenStill& operator=(const OpenStill&) = delete;
+  ~OpenStill() { Close(); }
 
   bool isOpen() const { return importer_ != nullptr; }
   /// Opens the file that `file` names; the importer's error code.

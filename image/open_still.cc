@@ -1,4 +1,4 @@
-#include "image/still_file.h"
+#include "image/open_still.h"
 
 #include <utility>
 
@@ -18,18 +18,18 @@ struct OffscreenWorldHolder {
 
 }  // namespace
 
-OSErr StillFile::Open(const FSSpec& file) {
+OSErr OpenStill::Open(const FSSpec& file) {
   Close();
   const OSErr error = GetGraphicsImporterForFile(&file, &importer_);
   if (error != noErr) importer_ = nullptr;
   return error;
 }
 
-OSErr StillFile::GetBounds(StillRect* bounds) const {
+OSErr OpenStill::GetBounds(StillRect* bounds) const {
   return GraphicsImportGetNaturalBounds(importer_, bounds);
 }
 
-OSErr StillFile::DrawAndClose(const StillRect& bounds, const IplImage& target) {
+OSErr OpenStill::DrawAndClose(const StillRect& bounds, const IplImage& target) {
   OffscreenWorldHolder world;
   OSErr error = QTNewGWorldFromPtr(&world.world, k32BGRAPixelFormat, &bounds, nullptr, nullptr, 0,
                                    target.imageData, target.widthStep);
@@ -40,7 +40,7 @@ OSErr StillFile::DrawAndClose(const StillRect& bounds, const IplImage& target) {
   return error != noErr ? error : closeError;
 }
 
-OSErr StillFile::Close() {
+OSErr OpenStill::Close() {
   if (importer_ == nullptr) return noErr;
   return CloseComponent(std::exchange(importer_, nullptr));
 }
