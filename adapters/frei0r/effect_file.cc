@@ -2,11 +2,11 @@
 
 #include <dlfcn.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 
 #include "host/error.h"
+#include "host/files/input_file.h"
 #include "host/session/module_file.h"
 
 namespace kelto::frei0r {
@@ -25,21 +25,12 @@ fs::path LibraryFolder() {
   return error ? fs::path(info.dli_fname).parent_path() : file.parent_path();
 }
 
-bool IsFile(const fs::path& path) {
-  std::error_code error;
-  return fs::is_regular_file(path, error);
-}
-
 }  // namespace
 
 std::string FindEffectFile() {
-  const char* named = std::getenv(host::kModuleVariable);
-  if (named != nullptr && *named != '\0') {
-    if (IsFile(named)) return named;
-    throw host::Error(std::string(host::kModuleVariable) + "=" + named + ": there is no such file");
-  }
+  if (std::string named = host::ModuleFromEnvironment(); !named.empty()) return named;
   const fs::path beside = LibraryFolder() / host::kModuleName;
-  if (IsFile(beside)) return beside.string();
+  if (host::IsFile(beside)) return beside.string();
   throw host::Error(beside.string() +
                     ": there is no such file; say where the effect's module is in " +
                     host::kModuleVariable);

@@ -21,15 +21,6 @@ constexpr const char* kFirstLevels = "Source Has RGB Levels";
 constexpr const char* kColourBehind = "Background: Color";
 constexpr const char* kVideoBehind = "Background: Video";
 
-/// The value that the effect holds a constant parameter to; null for that which it begins with, or
-/// the first entry where no key is active.
-const host::SettingValue* HeldValue(const host::Setting* setting) {
-  if (setting == nullptr) return nullptr;
-  if (setting->keys.empty()) return setting->value ? &*setting->value : nullptr;
-  if (setting->activeKey < 0) return nullptr;
-  return &setting->keys.at(static_cast<size_t>(setting->activeKey)).value;
-}
-
 /// What `parse` makes of a text; of the default, when that fails.
 template <typename Parse>
 auto Read(const Values& values, Role role, int index, Parse parse) {
@@ -124,7 +115,7 @@ void ApplyParameters(const Values& values, Role role, bool all, host::RenderPlan
 
 /// The entry of a list that the effect holds it to: its active key's, or the first without one.
 std::string HeldEntry(const host::RenderPlan& plan, const char* list, const char* first) {
-  const host::SettingValue* value = HeldValue(plan.FindSetting(list));
+  const host::SettingValue* value = host::HeldValue(plan.FindSetting(list));
   const std::string* entry = value == nullptr ? nullptr : std::get_if<std::string>(value);
   return entry == nullptr ? first : *entry;
 }
@@ -132,7 +123,7 @@ std::string HeldEntry(const host::RenderPlan& plan, const char* list, const char
 /// The colour that is seen beside the picture; none where the video is.
 std::optional<host::Colour> ColourBehind(const host::RenderPlan& plan) {
   if (HeldEntry(plan, "compositeover", kColourBehind) == kVideoBehind) return std::nullopt;
-  const host::SettingValue* value = HeldValue(plan.FindSetting("bgcolor"));
+  const host::SettingValue* value = host::HeldValue(plan.FindSetting("bgcolor"));
   const auto* rgb = value == nullptr ? nullptr : std::get_if<std::array<double, 3>>(value);
   if (rgb == nullptr) return host::Colour{};
   // Back from the studio levels that the effect takes.

@@ -16,6 +16,7 @@
 #include "host/jobs/task_line.h"
 #include "host/jobs/task_processes.h"
 #include "host/plan/default_plan.h"
+#include "host/program/program_folder.h"
 #include "host/session/module_file.h"
 #include "host/terminal/events.h"
 #include "host/terminal/progress.h"
@@ -186,9 +187,16 @@ class Batch {
   }
 
   std::vector<std::string> TaskOf(const Item& item) const {
-    std::vector<std::string> task{
-        ProgramPath(), "render",   Absolute(item.picture), "-o", Absolute(item.film), "--jobs",
-        "1",           "--record", Absolute(item.record)};
+    const std::string program = ProgramFile().string();
+    std::vector<std::string> task{program.empty() ? "kelto" : program,
+                                  "render",
+                                  Absolute(item.picture),
+                                  "-o",
+                                  Absolute(item.film),
+                                  "--jobs",
+                                  "1",
+                                  "--record",
+                                  Absolute(item.record)};
     if (!options_.film.module.empty()) {
       task.insert(task.end(), {"--module", Absolute(options_.film.module)});
     }

@@ -4,23 +4,11 @@ extern "C" {
 #include <libavutil/avstring.h>
 }
 
-#include <filesystem>
-#include <system_error>
-
 #include "host/error.h"
+#include "host/files/input_file.h"
 
 namespace kelto::host {
 namespace {
-
-namespace fs = std::filesystem;
-
-void CheckFile(const std::string& path, const std::string& what) {
-  std::error_code error;
-  const fs::file_status status = fs::status(path, error);
-  if (!fs::exists(status)) throw Error(path + ": there is no such file");
-  if (fs::is_directory(status)) throw Error(path + ": is a folder, not " + what);
-  if (!fs::is_regular_file(status)) throw Error(path + ": is not an ordinary file");
-}
 
 /// Forms that are no media themselves: lists of other files or addresses, and any text, which would
 /// pass for a film of a terminal.

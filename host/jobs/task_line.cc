@@ -3,14 +3,8 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
-#include <filesystem>
-#include <system_error>
 
 #include "host/error.h"
-
-#if defined(_WIN32)
-#include <windows.h>
-#endif
 
 namespace kelto::host {
 
@@ -41,18 +35,6 @@ std::string TaskLine(const std::vector<std::string>& words) {
     line += ShellQuoted(word);
   }
   return line;
-}
-
-std::string ProgramPath() {
-#if defined(_WIN32)
-  char name[MAX_PATH] = {};
-  GetModuleFileNameA(nullptr, name, MAX_PATH);
-  return name;
-#else
-  std::error_code error;
-  const auto path = std::filesystem::read_symlink("/proc/self/exe", error);
-  return error ? "kelto" : path.string();
-#endif
 }
 
 }  // namespace kelto::host

@@ -13,7 +13,4 @@ std::string ShellQuoted(const std::string& word);
 /// no line can hold.
 std::string TaskLine(const std::vector<std::string>& words);
 
-/// Path of this program's file.
-std::string ProgramPath();
-
 }  // namespace kelto::host

@@ -11,17 +11,13 @@
 namespace kelto::host {
 namespace {
 
-/// The effect holds a constant parameter with keys to its active key, and at false without one.
 bool SwitchedOn(const RenderPlan& plan, const char* parameter, bool usual) {
   const Setting* setting = plan.FindSetting(parameter);
-  if (setting == nullptr) return usual;
-  const SettingValue* value = setting->value ? &*setting->value : nullptr;
-  if (!setting->keys.empty()) {
-    if (setting->activeKey < 0) return false;
-    value = &setting->keys.at(static_cast<size_t>(setting->activeKey)).value;
-  }
+  const SettingValue* value = HeldValue(setting);
   const bool* on = value != nullptr ? std::get_if<bool>(value) : nullptr;
-  return on != nullptr ? *on : usual;
+  if (on != nullptr) return *on;
+  const bool noneActive = setting != nullptr && !setting->keys.empty();
+  return usual && !noneActive;
 }
 
 /// Where a stretch of this length begins that is moved into 0..`end`, or about its middle.

@@ -33,4 +33,9 @@ struct Setting {
   bool operator==(const Setting&) const = default;
 };
 
+/// The value that the effect holds a constant parameter to: its active key's where it has keys.
+/// Null for what it begins with, or, with keys of which none is active, a list's first entry and
+/// a switch that is off. `setting` may be null.
+const SettingValue* HeldValue(const Setting* setting);
+
 }  // namespace kelto::host

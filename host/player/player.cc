@@ -41,8 +41,8 @@ std::vector<double> Times(const std::vector<KeyTime>& keys) {
 }
 
 bool ShowsTarget(const RenderPlan& plan) {
-  const Setting* display = plan.FindSetting("display");
-  return display != nullptr && display->value == SettingValue(std::string(kTarget));
+  const SettingValue* display = HeldValue(plan.FindSetting("display"));
+  return display != nullptr && *display == SettingValue(std::string(kTarget));
 }
 
 class Player {

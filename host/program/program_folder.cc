@@ -8,6 +8,8 @@
 #include <windows.h>
 #endif
 
+#include "host/files/input_file.h"
+
 namespace kelto::host {
 namespace {
 
@@ -31,21 +33,18 @@ std::string PercentEncoded(const std::string& path) {
 
 }  // namespace
 
-fs::path ProgramFolder() {
+fs::path ProgramFile() {
 #if defined(_WIN32)
   char name[MAX_PATH] = {};
   GetModuleFileNameA(nullptr, name, MAX_PATH);
-  return fs::path(name).parent_path();
+  return name;
 #else
   std::error_code error;
-  return fs::read_symlink("/proc/self/exe", error).parent_path();
+  return fs::read_symlink("/proc/self/exe", error);
 #endif
 }
 
-bool IsFile(const fs::path& path) {
-  std::error_code error;
-  return fs::is_regular_file(path, error);
-}
+fs::path ProgramFolder() { return ProgramFile().parent_path(); }
 
 std::string SchemaUrl(const fs::path& programFolder) {
   const fs::path schema = programFolder.parent_path() / "share" / "kelto" / "project.schema.json";

@@ -6,11 +6,10 @@
 
 namespace kelto::host {
 
-/// The folder of the running program's file; empty when the system does not tell.
+/// The running program's file; empty when the system does not tell.
+std::filesystem::path ProgramFile();
+/// The folder that it is in; empty, too, then.
 std::filesystem::path ProgramFolder();
-
-/// Whether there is a file of that name; false, too, where that cannot be told.
-bool IsFile(const std::filesystem::path& path);
 
 /// The schema of project files beside a program in `programFolder`, as a URL for editors; empty
 /// when it is not there.

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "host/error.h"
+#include "host/files/input_file.h"
 #include "host/options/rate.h"
 #include "host/plan/default_plan.h"
 #include "host/project/complaint.h"
@@ -144,13 +145,12 @@ struct CloseFile {
 };
 
 std::string ReadText(const std::string& path) {
-  std::error_code error;
-  const fs::file_status status = fs::status(path, error);
-  if (!fs::exists(status)) throw Error("there is no such file");
-  // A pipe could be waited for without end.
-  if (!fs::is_regular_file(status)) throw Error("is not an ordinary file");
+  CheckFile(path, "a project");
+  const auto unreadable = [&] {
+    return Error(path + ": cannot be read: " + std::generic_category().message(errno));
+  };
   const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "rb"));
-  if (!file) throw Error("cannot be read: " + std::generic_category().message(errno));
+  if (!file) throw unreadable();
   std::string text;
   char block[65536];
   while (text.size() <= kMaxJsonText) {
@@ -158,9 +158,7 @@ std::string ReadText(const std::string& path) {
     if (got == 0) break;
     text.append(block, got);
   }
-  if (std::ferror(file.get()) != 0) {
-    throw Error("cannot be read: " + std::generic_category().message(errno));
-  }
+  if (std::ferror(file.get()) != 0) throw unreadable();
   return text;
 }
 
@@ -195,14 +193,6 @@ RenderPlan ParseProject(const std::string& text, const std::string& path) {
   }
 }
 
-RenderPlan ReadProject(const std::string& path) {
-  std::string text;
-  try {
-    text = ReadText(path);
-  } catch (const Error& error) {
-    throw Error(path + ": " + error.what());
-  }
-  return ParseProject(text, path);
-}
+RenderPlan ReadProject(const std::string& path) { return ParseProject(ReadText(path), path); }
 
 }  // namespace kelto::host

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "host/error.h"
+#include "host/files/input_file.h"
 #include "host/program/program_folder.h"
 
 namespace kelto::host {
@@ -15,16 +16,19 @@ std::vector<fs::path> SearchedFiles(const fs::path& executableFolder) {
           executableFolder / kModuleName, fs::path(KELTO_INSTALLED_MODULES) / kModuleName};
 }
 
+std::string ModuleFromEnvironment() {
+  const char* named = std::getenv(kModuleVariable);
+  if (named == nullptr || *named == '\0') return "";
+  if (IsFile(named)) return named;
+  throw Error(std::string(kModuleVariable) + "=" + named + ": there is no such file");
+}
+
 std::string FindModule(const std::string& given) {
   if (!given.empty()) {
     if (IsFile(given)) return given;
     throw Error("--module " + given + ": there is no such file");
   }
-  const char* named = std::getenv(kModuleVariable);
-  if (named != nullptr && *named != '\0') {
-    if (IsFile(named)) return named;
-    throw Error(std::string(kModuleVariable) + "=" + named + ": there is no such file");
-  }
+  if (std::string named = ModuleFromEnvironment(); !named.empty()) return named;
   std::string searched;
   for (const fs::path& path : SearchedFiles(ProgramFolder())) {
     if (IsFile(path)) return path.string();

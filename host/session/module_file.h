@@ -10,6 +10,10 @@ namespace kelto::host {
 inline constexpr const char* kModuleName = "KeltoPanAndZoom.hfx";
 inline constexpr const char* kModuleVariable = "KELTO_MODULE";
 
+/// The file that the environment variable KELTO_MODULE names, empty when it is not set. Throws
+/// Error when that file is not there.
+std::string ModuleFromEnvironment();
+
 /// The module file to load: `given` when not empty; else what the environment variable KELTO_MODULE
 /// names; else the first that exists of SearchedFiles. Throws Error when it is not there.
 std::string FindModule(const std::string& given);

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/error.h"
+#include "host/files/input_file.h"
 #include "platform/still_importer.h"
 
 namespace kelto::host {
@@ -33,12 +34,8 @@ std::string Reason(const std::string& path) {
   return reason.empty() ? "unknown form" : reason;
 }
 
-void CheckFile(const std::string& path) {
-  std::error_code error;
-  const fs::file_status status = fs::status(path, error);
-  if (!fs::exists(status)) throw Error(path + ": there is no such file");
-  if (fs::is_directory(status)) throw Error(path + ": is a folder, not a picture");
-  if (!fs::is_regular_file(status)) throw Error(path + ": is not an ordinary file");
+void CheckPicture(const std::string& path) {
+  CheckFile(path, "a picture");
   std::FILE* file = std::fopen(path.c_str(), "rb");
   if (file == nullptr) {
     throw Error(path + ": cannot be read: " + std::generic_category().message(errno));
@@ -91,7 +88,7 @@ std::string ShortestForm(const std::string& path) {
 }
 
 Photo OpenPhoto(const std::string& path) {
-  CheckFile(path);
+  CheckPicture(path);
   Photo photo{path, path};
   if (path.size() > kMaxPath) photo.path = ShortestForm(path);
   if (photo.path.size() > kMaxPath) {

@@ -16,10 +16,10 @@ using testing::AllOf;
 using testing::EndsWith;
 using testing::StartsWith;
 
-TEST(ProgramFolder, HoldsTheRunningProgram) {
-  const std::string name = "test_host_session";
-  EXPECT_TRUE(IsFile(ProgramFolder() / name) || IsFile(ProgramFolder() / (name + ".exe")));
-  EXPECT_FALSE(IsFile(ProgramFolder()));
+TEST(ProgramFile, IsTheRunningProgramInItsFolder) {
+  EXPECT_EQ(ProgramFile().stem(), "test_host_session");
+  EXPECT_TRUE(fs::is_regular_file(ProgramFile()));
+  EXPECT_EQ(ProgramFolder(), ProgramFile().parent_path());
 }
 
 TEST(SchemaUrl, NamesTheSchemaBesideTheProgramAsBuiltAndAsInstalled) {

@@ -240,7 +240,7 @@ TEST(ReadProject, FilesThatCannotBeReadAreToldByName) {
   test::TempFolder folder;
   EXPECT_EQ(fault(folder / "no.json"), (folder / "no.json") + ": there is no such file");
   std::filesystem::create_directory(folder / "d.json");
-  EXPECT_EQ(fault(folder / "d.json"), (folder / "d.json") + ": is not an ordinary file");
+  EXPECT_EQ(fault(folder / "d.json"), (folder / "d.json") + ": is a folder, not a project");
   std::ofstream(folder / "e.json") << "{}";
   EXPECT_EQ(fault(folder / "e.json"), (folder / "e.json") + ": the file: has no \"image\"");
 }
