@@ -157,12 +157,14 @@ Window::Window(const std::string& title, FrameSize size, SampleAspect aspect, in
   }
   parts_->window.reset(SDL_CreateWindow(
       title.c_str(), SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, std::max(shown.w, kLeastWidth),
-      std::max(shown.h + barHeight, kLeastHeight), SDL_WINDOW_RESIZABLE));
+      std::max(shown.h + barHeight, kLeastHeight), SDL_WINDOW_RESIZABLE | SDL_WINDOW_HIDDEN));
   if (!parts_->window) Fail("no window can be opened");
   SDL_SetWindowMinimumSize(parts_->window.get(), kLeastWidth, kLeastHeight);
   parts_->renderer.reset(SDL_CreateRenderer(parts_->window.get(), -1, 0));
   if (!parts_->renderer) Fail("nothing can be drawn into the window");
   parts_->picture = parts_->NewTexture(size);
+  // Only now: the renderer may have put another window in the place of the first.
+  SDL_ShowWindow(parts_->window.get());
 }
 
 Window::~Window() = default;
