@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <numbers>
 
 #include "host/error.h"
@@ -23,9 +24,14 @@ struct FreeSurface {
 };
 using Surface = std::unique_ptr<cairo_surface_t, FreeSurface>;
 
+/// Lets no exception through the library that calls it.
 cairo_status_t Append(void* bytes, const unsigned char* data, unsigned int size) {
   auto& to = *static_cast<std::vector<uint8_t>*>(bytes);
-  to.insert(to.end(), data, data + size);
+  try {
+    to.insert(to.end(), data, data + size);
+  } catch (const std::bad_alloc&) {
+    return CAIRO_STATUS_NO_MEMORY;
+  }
   return CAIRO_STATUS_SUCCESS;
 }
 
@@ -249,6 +255,10 @@ void Drawing::Finish() {
     throw Error(file_ + ": cannot be coded as PNG");
   }
   cairo_surface_finish(surface_);
+  if (const cairo_status_t status = cairo_surface_status(surface_);
+      status != CAIRO_STATUS_SUCCESS) {
+    throw Error(file_ + ": cannot be drawn: " + cairo_status_to_string(status));
+  }
   const std::vector<uint8_t>& bytes = IsSvg(file_) ? svg_ : png;
   OutputFile output(file_);
   output.Write(bytes.data(), bytes.size());
