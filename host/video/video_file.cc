@@ -150,8 +150,11 @@ void VideoFile::DescribeTurn() {
 VideoFile::Ends VideoFile::FindEnds() {
   if (file_->duration > 0) {
     const int64_t begin = file_->start_time == AV_NOPTS_VALUE ? 0 : file_->start_time;
-    const int64_t end = begin + file_->duration;
-    const auto tail = std::max(begin, end - static_cast<int64_t>(kTail * AV_TIME_BASE));
+    // Either may be anything that a file says.
+    const int64_t most = std::numeric_limits<int64_t>::max() - std::max(begin, int64_t{0});
+    const int64_t end = begin + std::min(file_->duration, most);
+    const auto tailLength = static_cast<int64_t>(kTail * AV_TIME_BASE);
+    const int64_t tail = file_->duration > tailLength ? end - tailLength : begin;
     avformat_seek_file(file_.get(), -1, std::numeric_limits<int64_t>::min(), tail, end, 0);
   }
   const Ends ends = ReadEnds();
@@ -169,7 +172,7 @@ VideoFile::Ends VideoFile::ReadEnds() {
     const double tick = av_q2d(file_->streams[packet_->stream_index]->time_base);
     const bool picture = packet_->stream_index == stream_;
     const int64_t time = packet_->pts != AV_NOPTS_VALUE ? packet_->pts : packet_->dts;
-    double end = static_cast<double>(time + packet_->duration) * tick;
+    double end = (static_cast<double>(time) + static_cast<double>(packet_->duration)) * tick;
     const double frame = 1.0 / info_.rate.PerSecond();
     if (picture && packet_->duration <= 0) end += frame;
     // A time of decoding: shown it is when the decoder has held it back.

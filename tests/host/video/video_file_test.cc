@@ -205,6 +205,14 @@ TEST_F(VideoFiles, ThatBeginLateBeginAtTheirFirstPicture) {
   for (int i = 0; i < 20; ++i) EXPECT_EQ(NumberOf(file.At(i / 25.0)), i);
 }
 
+TEST_F(VideoFiles, ThatBeginAtTheEndOfTimeAreReadAllTheSame) {
+  Video("a.mkv", 5);
+  RunFfmpeg("-i " + folder_ / "a.mkv" + " -c copy -output_ts_offset 9223372036000 " +
+            folder_ / "late.mkv");
+  VideoFile file(folder_ / "late.mkv");
+  EXPECT_EQ(NumberOf(file.At(0.0)), 0);
+}
+
 TEST_F(VideoFiles, CutOutOfALongerStreamKeepTheTimesOfTheirPictures) {
   Video("a.mkv", 50);
   RunFfmpeg("-i " + folder_ / "a.mkv" + " -c:v libx264 -qp 2 -g 20 -pix_fmt yuv420p " +
