@@ -73,7 +73,6 @@ struct ModelDescription {
 enum class ParamKind { Group, List, Boolean, Number, Point2D, ColorRGB };
 
 // --- Process-wide
-// ---------------------------------------------------------------------------------
 
 /// What hfxGetPlayMode answers, a hfxPlayMode; hfxPlayModeRender at first.
 KELTO_PLATFORM_API void SetPlayMode(int32_t mode);
@@ -82,7 +81,6 @@ KELTO_PLATFORM_API void SetPlayMode(int32_t mode);
 KELTO_PLATFORM_API void SetConsole(std::function<void(const std::string&)> sink);
 
 // --- Images
-// ---------------------------------------------------------------------------------------
 
 /// Pixels of the host's own with the image that describes them, black at first (in 4:2:2 the studio
 /// range's black, in RGB with alpha 255).
@@ -114,7 +112,6 @@ class KELTO_PLATFORM_API ImageBuffer {
 KELTO_PLATFORM_API hfxImage FieldView(const hfxImage& frame, bool topField);
 
 // --- Instances
-// ------------------------------------------------------------------------------------
 
 /// The answers in force; write through the reference to change them.
 KELTO_PLATFORM_API RenderState& StateOf(hfxInstance_v1& instance);
@@ -134,12 +131,10 @@ KELTO_PLATFORM_API bool InstanceDataModified(const hfxInstance_v1& instance);
 KELTO_PLATFORM_API std::vector<hfxParameter*> ParametersOf(const hfxInstance_v1& instance);
 
 // --- Models
-// ---------------------------------------------------------------------------------------
 
 KELTO_PLATFORM_API const ModelDescription& DescriptionOf(const hfxModel_v1& model);
 
 // --- Parameters and keys
-// --------------------------------------------------------------------------
 //
 // Values pass in raw form with their size, which must be ValueSizeOf's. None of these calls the
 // model's update-parameters callback: an editor does that once, after a whole edit.
@@ -192,7 +187,6 @@ KELTO_PLATFORM_API void WriteBoundFields(hfxInstance_v1& instance, double time);
 KELTO_PLATFORM_API double FrameTime(const RenderState& state);
 
 // --- Modules and effects
-// --------------------------------------------------------------------------
 
 /// A loaded module; shuts it down and unloads it when destroyed, which must be after its models and
 /// instances are gone. A file loaded twice is one library in the process, started up twice.
