@@ -21,10 +21,10 @@ BOOL CALLBACK TakeDialog(HWND window, LPARAM found) {
   return FALSE;
 }
 
-/// Asks again and again for ten seconds.
+/// Asks again and again for two minutes: a dialog that comes after that stays for ever.
 template <typename Question>
 bool Wait(Question question) {
-  for (int i = 0; i < 1000; ++i) {
+  for (int i = 0; i < 12000; ++i) {
     if (question()) return true;
     Sleep(10);
   }

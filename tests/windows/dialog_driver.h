@@ -33,7 +33,7 @@ class DialogDriver {
   DialogDriver& operator=(const DialogDriver&) = delete;
 
   /// The dialogs, to be asked for after the call that shows them has come back. Fewer than there
-  /// are answers when one did not come within ten seconds.
+  /// are answers when one did not come in time.
   const std::vector<SeenDialog>& Seen();
 
  private:

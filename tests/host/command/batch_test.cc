@@ -151,7 +151,7 @@ TEST_F(BatchCommand, GoesOnAfterAKillWithoutDoingWorkAgain) {
     return std::count_if(films.begin(), films.end(),
                          [](const std::string& name) { return !name.starts_with('.'); });
   };
-  for (int i = 0; i < 1000 && finished() < 30; ++i) std::this_thread::sleep_for(20ms);
+  for (int i = 0; i < 10000 && finished() < 30; ++i) std::this_thread::sleep_for(20ms);
   command.Signal(SIGKILL);
   EXPECT_EQ(command.Wait().signal, SIGKILL);
   // Its processes clear up what they were writing.
@@ -160,7 +160,7 @@ TEST_F(BatchCommand, GoesOnAfterAKillWithoutDoingWorkAgain) {
     return std::any_of(films.begin(), films.end(),
                        [](const std::string& name) { return name.starts_with('.'); });
   };
-  for (int i = 0; i < 200 && unfinished(); ++i) std::this_thread::sleep_for(50ms);
+  for (int i = 0; i < 1200 && unfinished(); ++i) std::this_thread::sleep_for(50ms);
   const auto before = Written();
   ASSERT_GE(before.size(), 30u);
   ASSERT_LT(before.size(), 120u);
@@ -215,7 +215,7 @@ TEST_F(BatchCommand, StoppedLeavesNoUnfinishedFilm) {
   WritePictures(6);
   for (const int signal : {SIGINT, SIGTERM}) {
     Command command(Line({"--jobs", "3", "--frames", "1000000"}));
-    for (int i = 0; i < 600 && Films().empty(); ++i) std::this_thread::sleep_for(20ms);
+    for (int i = 0; i < 6000 && Films().empty(); ++i) std::this_thread::sleep_for(20ms);
     const auto workers = ChildrenOf(command.Process());
     ASSERT_FALSE(workers.empty());
     command.Signal(signal);
@@ -223,7 +223,7 @@ TEST_F(BatchCommand, StoppedLeavesNoUnfinishedFilm) {
     EXPECT_EQ(outcome.signal, signal);
     EXPECT_EQ(outcome.err, "");
     EXPECT_THAT(Films(), testing::IsEmpty());
-    for (const pid_t worker : workers) EXPECT_NE(kill(worker, 0), 0);
+    for (const pid_t worker : workers) EXPECT_FALSE(IsRunning(worker));
   }
 }
 

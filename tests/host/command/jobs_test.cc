@@ -56,8 +56,8 @@ class Jobs : public testing::Test {
   /// Waits for processes that are not this one's children to go.
   void ExpectGone(const std::vector<pid_t>& processes) {
     for (const pid_t process : processes) {
-      for (int i = 0; i < 200 && kill(process, 0) == 0; ++i) std::this_thread::sleep_for(50ms);
-      EXPECT_NE(kill(process, 0), 0) << "process " << process << " is left";
+      for (int i = 0; i < 600 && IsRunning(process); ++i) std::this_thread::sleep_for(50ms);
+      EXPECT_FALSE(IsRunning(process)) << "process " << process << " is left";
     }
   }
 

@@ -8,12 +8,38 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <optional>
+#include <regex>
 #include <sstream>
 #include <utility>
 
 #include "tests/support/process.h"
 
 namespace kelto::test {
+namespace {
+
+/// The parent of the process that a folder in /proc tells of; nothing when there is no such process
+/// or it has ended.
+std::optional<pid_t> ParentOfRunning(const std::filesystem::path& folder) {
+  std::ifstream stat(folder / "stat");
+  std::string text;
+  if (!std::getline(stat, text)) return std::nullopt;
+  // "PID (NAME) STATE PARENT ...", and the name may hold anything.
+  std::istringstream rest(text.substr(text.rfind(')') + 1));
+  char state = 0;
+  pid_t parent = 0;
+  if (!(rest >> state >> parent) || state == 'Z' || state == 'X') return std::nullopt;
+  return parent;
+}
+
+/// "kelto: frame 51 of 170, 4.9 a second, 25 s left" comes every few seconds, if it takes so long.
+std::string WithoutProgress(const std::string& text) {
+  static const std::regex progress(
+      "kelto: (frame|film) [0-9]+ of [0-9]+, [0-9.]+ a second, [0-9]+ s left\n");
+  return std::regex_replace(text, progress, "");
+}
+
+}  // namespace
 
 Command::Command(const Words& arguments, const std::string& output, const std::string& errors,
                  const std::string& program)
@@ -52,7 +78,7 @@ Outcome Command::Wait() {
   if (WIFEXITED(status)) outcome.code = WEXITSTATUS(status);
   if (WIFSIGNALED(status)) outcome.signal = WTERMSIG(status);
   if (output_ == folder_ / "out") outcome.out = BytesOf(output_);
-  if (errors_ == folder_ / "err") outcome.err = BytesOf(errors_);
+  if (errors_ == folder_ / "err") outcome.err = WithoutProgress(BytesOf(errors_));
   return outcome;
 }
 
@@ -67,18 +93,15 @@ Outcome RunShell(const std::string& script) {
 std::vector<pid_t> ChildrenOf(pid_t parent) {
   std::vector<pid_t> children;
   for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-    std::ifstream stat(entry.path() / "stat");
-    std::string text;
-    if (!std::getline(stat, text)) continue;
-    // "PID (NAME) STATE PARENT ...", and the name may hold anything.
-    std::istringstream rest(text.substr(text.rfind(')') + 1));
-    char state = 0;
-    pid_t its = 0;
-    if (rest >> state >> its && its == parent && state != 'Z') {
+    if (ParentOfRunning(entry.path()) == parent) {
       children.push_back(static_cast<pid_t>(std::stoi(entry.path().filename().string())));
     }
   }
   return children;
+}
+
+bool IsRunning(pid_t process) {
+  return ParentOfRunning("/proc/" + std::to_string(process)).has_value();
 }
 
 Outcome Render(const std::string& photo, const std::string& out, const Words& more) {

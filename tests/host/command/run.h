@@ -14,7 +14,8 @@ namespace kelto::test {
 struct Outcome {
   int code = -1;   ///< exit code, -1 when a signal ended the command
   int signal = 0;  ///< that signal
-  std::string out, err;
+  std::string out;
+  std::string err;  ///< without lines of progress, which only slow machines get to see
 };
 
 using Words = std::vector<std::string>;
@@ -50,6 +51,10 @@ Outcome RunShell(const std::string& script);
 
 /// Processes that `parent` has begun and that have not ended.
 std::vector<pid_t> ChildrenOf(pid_t parent);
+
+/// Whether a process has not ended. One that nobody has waited for yet keeps its number, and where
+/// the first process of a container waits for none it keeps it for good.
+bool IsRunning(pid_t process);
 
 /// `kelto render PHOTO -o OUT`, small and short unless `more` says otherwise.
 Outcome Render(const std::string& photo, const std::string& out, const Words& more = {});

@@ -18,8 +18,8 @@ class Screen {
   Screen(const Screen&) = delete;
   Screen& operator=(const Screen&) = delete;
 
-  /// Waits for a window whose title contains `title` and gives it the keyboard; what keys and
-  /// pictures are of from then on. False when none came.
+  /// Waits for a window whose title matches `title`, a regular expression, and gives it the
+  /// keyboard; what keys and pictures are of from then on. False when none came.
   bool Find(const std::string& title);
   std::string Title() const;
   /// Waits until the title fulfils `wanted`; the last title in any case.
