@@ -29,12 +29,13 @@ double ZeroMeans(int index, double value) { return index == kZoom && value == 0.
 
 }  // namespace
 
-Adapter::Adapter(Role role, uint32_t width, uint32_t height, uint32_t rowLength)
+Adapter::Adapter(Role role, uint32_t width, uint32_t height, uint32_t rowLength, FrameClock clock)
     : role_(role),
       width_(width),
       height_(height),
       rowLength_(rowLength),
       values_(DefaultValues(role)),
+      clock_(clock),
       scene_(std::make_unique<Scene>()) {}
 
 Adapter::~Adapter() = default;

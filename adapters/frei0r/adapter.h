@@ -23,8 +23,9 @@ struct Scene;
 /// Operations on one instance come one at a time; different instances may be used side by side.
 class KELTO_PLATFORM_API Adapter {
  public:
-  /// `rowLength` pixels lie from one row of a frame to the next, `width` at least.
-  Adapter(Role role, uint32_t width, uint32_t height, uint32_t rowLength);
+  /// `rowLength` pixels lie from one row of a frame to the next, `width` at least. `clock` reads
+  /// the host's times.
+  Adapter(Role role, uint32_t width, uint32_t height, uint32_t rowLength, FrameClock clock);
   ~Adapter();
   Adapter(const Adapter&) = delete;
   Adapter& operator=(const Adapter&) = delete;

@@ -30,12 +30,22 @@ std::optional<int64_t> WholeFrame(double seconds, double rate) {
 
 }  // namespace
 
+FrameClock FrameClock::OfMilliseconds() {
+  FrameClock clock;
+  clock.unit_ = Unit::kMilliseconds;
+  return clock;
+}
+
 int64_t FrameClock::Read(double time, double rate) {
   const int64_t counted = last_ + 1;
   if (unit_ == Unit::kNone) return counted;
   const auto seconds = WholeFrame(time, rate);
   const auto milliseconds = WholeFrame(time / 1000.0, rate);
   if (last_ >= 0 && time == lastTime_) return last_;
+  if (unit_ == Unit::kMilliseconds) {
+    if (!milliseconds) unit_ = Unit::kNone;
+    return milliseconds.value_or(counted);
+  }
   // Tiny milliseconds are close to frame 0 whatever they are, so a small step rules them out.
   const bool small = last_ >= 0 && std::abs(time - lastTime_) * rate < kLargeStep;
   if (!seconds && (!milliseconds || small || unit_ == Unit::kSeconds)) {

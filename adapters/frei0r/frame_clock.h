@@ -16,6 +16,11 @@ namespace kelto::frei0r {
 /// not.
 class KELTO_PLATFORM_API FrameClock {
  public:
+  FrameClock() = default;
+  /// Of a host that is known to give milliseconds: without that, a first time such as 400 could be
+  /// either.
+  static FrameClock OfMilliseconds();
+
   /// The frame, from 0, that a call at `time` shows in a stream of `rate` frames a second (29.97
   /// and its like stand for the exact 1000/1001 rates).
   ///
@@ -26,7 +31,7 @@ class KELTO_PLATFORM_API FrameClock {
   int64_t Next(double time, double rate);
 
  private:
-  enum class Unit { kUnknown, kSeconds, kNone };
+  enum class Unit { kUnknown, kSeconds, kMilliseconds, kNone };
   int64_t Read(double time, double rate);
 
   Unit unit_ = Unit::kUnknown;

@@ -52,7 +52,9 @@ KELTO_FREI0R_EXPORT void f0r_get_param_info(ParameterInfo* info, int index) {
 
 KELTO_FREI0R_EXPORT void* f0r_construct(unsigned int width, unsigned int height) {
   try {
-    return new Adapter(kRole, width, height, RowLength(__builtin_return_address(0), width));
+    const void* caller = __builtin_return_address(0);
+    return new Adapter(kRole, width, height, RowLength(caller, width),
+                       GivesMilliseconds(caller) ? FrameClock::OfMilliseconds() : FrameClock());
   } catch (const std::bad_alloc&) {
     return nullptr;
   }

@@ -12,11 +12,18 @@ namespace {
 constexpr unsigned kMeasuredMajor = 8;
 constexpr uint32_t kPixelsOf64Bytes = 16;
 
-bool IsMeasuredFilterLibrary(const void* code) {
+/// The file of FFmpeg's filter library, when `code` lies in that; else null.
+const char* FilterLibrary(const void* code) {
   Dl_info info{};
-  if (dladdr(code, &info) == 0 || info.dli_fname == nullptr) return false;
-  if (std::string_view(info.dli_fname).find("libavfilter") == std::string_view::npos) return false;
-  void* library = dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD);
+  if (dladdr(code, &info) == 0 || info.dli_fname == nullptr) return nullptr;
+  const bool is = std::string_view(info.dli_fname).find("libavfilter") != std::string_view::npos;
+  return is ? info.dli_fname : nullptr;
+}
+
+bool IsMeasuredFilterLibrary(const void* code) {
+  const char* file = FilterLibrary(code);
+  if (file == nullptr) return false;
+  void* library = dlopen(file, RTLD_NOW | RTLD_NOLOAD);
   if (library == nullptr) return false;
   const auto version = reinterpret_cast<unsigned (*)()>(dlsym(library, "avfilter_version"));
   const bool measured = version != nullptr && version() >> 16 == kMeasuredMajor;
@@ -30,5 +37,7 @@ uint32_t RowLength(const void* caller, uint32_t width) {
   if (width % kPixelsOf64Bytes == 0 || !IsMeasuredFilterLibrary(caller)) return width;
   return width + kPixelsOf64Bytes - width % kPixelsOf64Bytes;
 }
+
+bool GivesMilliseconds(const void* caller) { return FilterLibrary(caller) != nullptr; }
 
 }  // namespace kelto::frei0r

@@ -16,4 +16,7 @@ namespace kelto::frei0r {
 /// guess would write past a frame's end.
 KELTO_PLATFORM_API uint32_t RowLength(const void* caller, uint32_t width);
 
+/// Whether the host whose code `caller` lies in hands over times in milliseconds, as FFmpeg does.
+KELTO_PLATFORM_API bool GivesMilliseconds(const void* caller);
+
 }  // namespace kelto::frei0r

@@ -116,6 +116,22 @@ TEST_F(Ffmpeg, RatesOtherThanTheOneGivenAreCounted) {
   }
 }
 
+TEST_F(Ffmpeg, AFilterEnabledInTheMiddleOfTheVideoTakesTheMotionUpThere) {
+  const Size size{320, 180};
+  const Frames frames = Render(
+      Video(size) + "," + Filter("|1.2@0.1\\,0|2@-0.2\\,0.1|12|hiqual|#203040:enable='gte(t,0.4)'"),
+      size, 12);
+  ASSERT_EQ(frames.Count(), 12u);
+  Words move = kMove;
+  move[1] = "12";
+  const Frames command = RenderByCommand(photo_, size, move);
+  const auto last = [&](const Frames& all) {
+    const auto from = static_cast<ptrdiff_t>(all.bytes.size() / 12 * 10);
+    return Frames{size.width, size.height, {all.bytes.begin() + from, all.bytes.end()}};
+  };
+  ExpectSameFrames(last(frames), last(command), "from the tenth frame");
+}
+
 TEST_F(Ffmpeg, EmptyPlacesStandForDefaults) {
   const Size size{320, 180};
   ExpectSameFrames(

@@ -24,6 +24,20 @@ TEST(FrameClock, MillisecondsAreRead) {
   }
 }
 
+TEST(FrameClock, OfMillisecondsReadsAFirstTimeThatCouldBeSecondsToo) {
+  FrameClock clock = FrameClock::OfMilliseconds();
+  for (const int64_t frame : {10, 11, 12, 40, 5000})
+    EXPECT_EQ(clock.Next(frame * 40.0, 25.0), frame);
+}
+
+TEST(FrameClock, OfMillisecondsCountsForGoodAfterATimeThatIsNoFrame) {
+  FrameClock clock = FrameClock::OfMilliseconds();
+  EXPECT_EQ(clock.Next(0.0, 25.0), 0);
+  EXPECT_EQ(clock.Next(20.0, 25.0), 1);
+  EXPECT_EQ(clock.Next(20.0, 25.0), 2);
+  EXPECT_EQ(clock.Next(40.0, 25.0), 3);
+}
+
 TEST(FrameClock, MillisecondsRoundedToWholeOnesAreRead) {
   FrameClock clock;
   const double rate = 30000.0 / 1001;

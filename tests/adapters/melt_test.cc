@@ -122,6 +122,20 @@ TEST_F(Melt, AProjectRendersTheFramesOfTheCommandOnManyThreads) {
   ExpectSameFrames(Render(filter, size, 4), command, "filter");
 }
 
+TEST_F(Melt, ClipsOfAColourWithTheFilterMoveFromTheirOwnBeginnings) {
+  const Size size{320, 180};
+  Words clip{"colour:black",          "out=7",           "-attach",
+             "frei0r.kelto_pan_zoom", "image=" + photo_, "background=#203040",
+             "progress=0=0;7=1"};
+  clip.insert(clip.end(), kViews.begin(), kViews.end());
+  Words clips = clip;
+  clips.insert(clips.end(), clip.begin(), clip.end());
+  Frames command = RenderByCommand(photo_, size, kMove);
+  const std::vector<uint8_t> once = command.bytes;
+  command.bytes.insert(command.bytes.end(), once.begin(), once.end());
+  ExpectSameFrames(Render(clips, size, 3), command, "one clip after the other");
+}
+
 TEST_F(Melt, AMissingPhotographGivesOneLineForAllThreads) {
   const Size size{321, 237};
   photo_ = folder_ / "nowhere.jpg";
