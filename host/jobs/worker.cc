@@ -104,7 +104,7 @@ Worker::~Worker() {
 }
 
 void Worker::Stop() {
-  // A second SIGTERM would end it while it clears up.
+  // Another SIGTERM, much later, would end it while it clears up.
   if (process_ < 0 || asked_) return;
   asked_ = true;
   kill(process_, SIGTERM);

@@ -1,7 +1,10 @@
 #include "host/terminal/interrupt.h"
 
+#include <atomic>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
+#include <ctime>
 #include <initializer_list>
 
 namespace kelto::host {
@@ -12,15 +15,35 @@ volatile std::sig_atomic_t noted = 0;
 void Note(int signal) { noted = signal; }
 
 #if !defined(_WIN32)
+/// When each signal first came, in milliseconds; 0 while it has not.
+std::atomic<int64_t> firstAt[NSIG];
+static_assert(std::atomic<int64_t>::is_always_lock_free, "or no handler could use it");
+
+int64_t Now() {
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return 1 + int64_t{1000} * now.tv_sec + now.tv_nsec / 1'000'000;
+}
+
+/// Whoever stops a whole group of processes reaches some of them twice, as timeout(1) does, or as a
+/// worker's owner passes on what the worker got, too. Only a signal repeated later is impatience.
+void NoteOrEnd(int signal) {
+  constexpr int64_t kOneWish = 2000;  // milliseconds
+  int64_t first = 0;
+  Note(signal);
+  if (firstAt[signal].compare_exchange_strong(first, Now()) || Now() - first < kOneWish) return;
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);  // blocked until this returns
+}
+
 void Catch(int signal) {
   struct sigaction before {};
   sigaction(signal, nullptr, &before);
   // A shell that ran the command in the background wants it deaf; it stays so.
   if (before.sa_handler == SIG_IGN) return;
   struct sigaction action {};
-  action.sa_handler = Note;
-  // Not SA_RESTART: a write to a reader that has stalled must give up too.
-  action.sa_flags = static_cast<int>(SA_RESETHAND);
+  // Without SA_RESTART: a write to a reader that has stalled must give up too.
+  action.sa_handler = NoteOrEnd;
   sigaction(signal, &action, nullptr);
 }
 #endif

@@ -3,9 +3,9 @@
 
 namespace kelto::host {
 
-/// From now on the first interrupt, termination or hang-up signal is only noted (a second one ends
-/// the process at once), and a reader that went away or a file beyond the size allowed is an
-/// ordinary write error.
+/// From now on an interrupt, termination or hang-up signal is only noted (the same one again, two
+/// seconds later or more, ends the process at once), and a reader that went away or a file beyond
+/// the size allowed is an ordinary write error.
 void CatchInterrupts();
 
 /// The signal noted, 0 when there was none.

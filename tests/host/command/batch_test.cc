@@ -227,6 +227,23 @@ TEST_F(BatchCommand, StoppedLeavesNoUnfinishedFilm) {
   }
 }
 
+TEST_F(BatchCommand, StoppedAsAWholeGroupLeavesNoUnfinishedFilm) {
+  WritePictures(6);
+  for (int i = 0; i < 5; ++i) {
+    Command command(Line({"--jobs", "3", "--frames", "1000000"}));
+    for (int j = 0; j < 6000 && Films().empty(); ++j) std::this_thread::sleep_for(20ms);
+    const auto workers = ChildrenOf(command.Process());
+    ASSERT_FALSE(workers.empty());
+    // As timeout(1) and service managers do: to all of them, and the owner then tells its workers.
+    command.Signal(SIGTERM);
+    for (const pid_t worker : workers) kill(worker, SIGTERM);
+    command.Signal(SIGTERM);
+    EXPECT_EQ(command.Wait().signal, SIGTERM);
+    for (const pid_t worker : workers) EXPECT_FALSE(IsRunning(worker));
+    EXPECT_THAT(Films(), testing::IsEmpty());
+  }
+}
+
 TEST_F(BatchCommand, OfAListKeepsPicturesOfOneNameApart) {
   for (const char* folder : {"x", "y"}) {
     fs::create_directory(photos_ / folder);

@@ -1,0 +1,46 @@
+#include "host/terminal/interrupt.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstring>
+
+#include "tests/support/process.h"
+
+namespace kelto::host {
+namespace {
+
+/// How a process ends that catches interrupts, gets `signal` twice, so long after each other, and
+/// returns 0 when it has noted that.
+int EndOfTwice(int signal, useconds_t between) {
+  const pid_t process = test::Fork();
+  if (process == 0) {
+    std::signal(signal, SIG_DFL);
+    CatchInterrupts();
+    std::raise(signal);
+    usleep(between);
+    std::raise(signal);
+    _exit(InterruptSignal() == signal ? 0 : 1);
+  }
+  int status = 0;
+  test::WaitFor(process, &status);
+  return status;
+}
+
+TEST(Interrupt, ThatComesTwiceAtOnceIsOne) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    const int status = EndOfTwice(signal, 0);
+    EXPECT_TRUE(WIFEXITED(status)) << strsignal(signal);
+    EXPECT_EQ(WEXITSTATUS(status), 0) << strsignal(signal);
+  }
+}
+
+TEST(Interrupt, RepeatedLaterEndsTheProcess) {
+  const int status = EndOfTwice(SIGINT, 2'200'000);
+  EXPECT_TRUE(WIFSIGNALED(status));
+  EXPECT_EQ(WTERMSIG(status), SIGINT);
+}
+
+}  // namespace
+}  // namespace kelto::host
