@@ -20,6 +20,7 @@
 #include "host/commands/storyboard.h"
 #endif
 #include "host/error.h"
+#include "host/files/narrow_text.h"
 #include "host/terminal/interrupt.h"
 #include "host/terminal/standard_output.h"
 #include "host/terminal/terminal.h"
@@ -90,6 +91,11 @@ int Run(int argc, char** argv) {
     const int code = app.exit(request, text);
     PrintResult(text.str());
     return code;
+  } catch (const CLI::ExtrasError&) {
+    // The parser's own text has them in reverse order.
+    std::string extras;
+    for (const std::string& extra : app.remaining(true)) extras += ' ' + extra;
+    throw UsageError("not expected:" + extras + "; see kelto --help");
   } catch (const CLI::ParseError& error) {
     throw UsageError(std::string(error.what()) + "; see kelto --help");
   }
@@ -119,6 +125,7 @@ int RunAndReport(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   using namespace kelto::host;
+  ReadPathsAsTheSystemDoes();
   CatchInterrupts();
   AnswerModules();
   const int code = RunAndReport(argc, argv);

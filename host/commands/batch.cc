@@ -10,6 +10,7 @@
 #include "host/commands/film_options.h"
 #include "host/commands/plan_options.h"
 #include "host/error.h"
+#include "host/files/narrow_text.h"
 #include "host/jobs/film_job.h"
 #include "host/jobs/film_record.h"
 #include "host/jobs/picture_list.h"
@@ -52,7 +53,7 @@ struct Item {
 std::string Absolute(const std::string& path) {
   std::error_code error;
   const fs::path absolute = fs::absolute(path, error);
-  return error ? path : absolute.lexically_normal().string();
+  return error ? path : NarrowText(absolute.lexically_normal());
 }
 
 class Batch {
@@ -131,8 +132,8 @@ class Batch {
     std::vector<std::string> others;
     for (size_t i = 0; i < pictures.size(); ++i) {
       const fs::path folder = options_.folder;
-      const Item item{pictures[i], (folder / names[i]).string(),
-                      (folder / kRecords / (names[i] + ".json")).string()};
+      const Item item{pictures[i], NarrowText(folder / names[i]),
+                      NarrowText(folder / kRecords / (names[i] + ".json"))};
       if (options_.resume && IsMade(item, others)) {
         ++kept_;
       } else {
@@ -229,7 +230,8 @@ CLI::App* AddBatch(CLI::App& app) {
   const auto options = std::make_shared<BatchOptions>();
   command
       ->add_option("INPUT", options->input,
-                   "A folder of photographs, or a text file with the path of one on each line")
+                   "A folder of photographs, without the folders in it, or a text file with the "
+                   "path of one on each line, relative to that file")
       ->required()
       ->type_name("");
   constexpr const char* kFiles = "Files";

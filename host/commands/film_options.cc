@@ -7,6 +7,7 @@
 
 #include "host/commands/option_text.h"
 #include "host/error.h"
+#include "host/files/narrow_text.h"
 #include "host/film/codecs.h"
 #include "host/options/number.h"
 #include "host/session/module_file.h"
@@ -120,7 +121,7 @@ std::vector<std::string> WordsGiven(const CLI::App& command) {
     for (const std::string& value : option->results()) {
       words.push_back("--" + name);
       // The words may be read in another folder.
-      words.push_back(NamesFile(name) ? fs::absolute(value).lexically_normal().string() : value);
+      words.push_back(NamesFile(name) ? NarrowText(fs::absolute(value).lexically_normal()) : value);
     }
   }
   return words;

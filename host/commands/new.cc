@@ -7,6 +7,7 @@
 
 #include "host/commands/plan_options.h"
 #include "host/error.h"
+#include "host/files/narrow_text.h"
 #include "host/film/output_file.h"
 #include "host/project/project_file.h"
 #include "host/session/photo.h"
@@ -22,9 +23,9 @@ struct NewOptions {
 
 void Run(const NewOptions& options) {
   if (options.photo.empty()) throw UsageError("PHOTO is empty; name the photograph");
-  const std::string output = !options.output.empty()
-                                 ? options.output
-                                 : std::filesystem::path(options.photo).stem().string() + ".json";
+  const std::string output =
+      !options.output.empty() ? options.output
+                              : NarrowText(std::filesystem::path(options.photo).stem()) + ".json";
   std::error_code error;
   if (!options.force && output != kStandardOutput && std::filesystem::exists(output, error)) {
     throw UsageError(output + ": is there already; --force replaces it");

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "host/error.h"
+#include "host/files/narrow_text.h"
 
 namespace kelto::host {
 namespace {
@@ -12,7 +13,7 @@ bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 }  // namespace
 
 FramePattern::FramePattern(const std::string& path) {
-  const size_t nameStart = path.size() - std::filesystem::path(path).filename().string().size();
+  const size_t nameStart = path.size() - NarrowText(std::filesystem::path(path).filename()).size();
   before_ = path.substr(0, nameStart);
   std::string* text = &before_;
   for (size_t i = nameStart; i < path.size(); ++i) {

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "host/error.h"
+#include "host/files/narrow_text.h"
 
 #if defined(_WIN32)
 #include <fcntl.h>
@@ -48,7 +49,7 @@ fs::path TemporaryBeside(const fs::path& path) {
   std::string mark;
   for (int i = 0; i < 8; ++i) mark += kLetters[random() % 32];
   // Cut, since the mark must not make a name too long that was short enough.
-  const std::string stem = path.filename().string().substr(0, 200);
+  const std::string stem = NarrowText(path.filename()).substr(0, 200);
   return path.parent_path() / ("." + stem + "." + mark + ".part");
 }
 
@@ -91,11 +92,11 @@ OutputFile::OutputFile(const std::string& name) : name_(name), pipe_(name == kSt
   }
   const fs::path folder = finalPath_.has_parent_path() ? finalPath_.parent_path() : ".";
   if (!fs::exists(folder, error)) {
-    throw Error(name_ + ": there is no folder " + folder.string() + "; make it first");
+    throw Error(name_ + ": there is no folder " + NarrowText(folder) + "; make it first");
   }
   workPath_ = TemporaryBeside(finalPath_);
   // "x": the name is nobody else's.
-  file_ = std::fopen(workPath_.string().c_str(), "wbx");
+  file_ = std::fopen(NarrowText(workPath_).c_str(), "wbx");
   if (file_ == nullptr) {
     const int cause = errno;
     workPath_.clear();

@@ -7,6 +7,7 @@
 #include <system_error>
 #include <utility>
 
+#include "host/files/narrow_text.h"
 #include "host/film/output_file.h"
 
 namespace kelto::host {
@@ -63,7 +64,7 @@ Json ToJson(const FilmRecord& record) {
 FilmRecord::Source StateOf(const std::string& path) {
   std::error_code error;
   const fs::path absolute = fs::absolute(path, error).lexically_normal();
-  FilmRecord::Source source{error ? path : absolute.string()};
+  FilmRecord::Source source{error ? path : NarrowText(absolute)};
   const auto bytes = fs::file_size(path, error);
   if (!error) source.bytes = static_cast<int64_t>(bytes);
   const auto time = fs::last_write_time(path, error);

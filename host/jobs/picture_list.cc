@@ -11,6 +11,7 @@
 #include <system_error>
 
 #include "host/error.h"
+#include "host/files/narrow_text.h"
 
 namespace kelto::host {
 namespace {
@@ -39,7 +40,7 @@ std::vector<std::string> InFolder(const std::string& folder) {
     const fs::path& path = entry->path();
     std::error_code ignored;
     if (path.filename().string().starts_with('.') || !EndsLikeAPicture(path)) continue;
-    if (!entry->is_directory(ignored)) pictures.push_back(path.string());
+    if (!entry->is_directory(ignored)) pictures.push_back(NarrowText(path));
   }
   if (error) throw Error(folder + ": cannot be read: " + error.message());
   std::sort(pictures.begin(), pictures.end());
@@ -62,7 +63,7 @@ std::vector<std::string> InList(const std::string& list) {
     if (line.find('\0') != line.npos) {
       throw Error(list + ": is no list; write a file with the path of a picture on each line");
     }
-    if (!line.empty()) pictures.push_back((folder / line).string());
+    if (!line.empty()) pictures.push_back(NarrowText(folder / line));
   }
   if (pictures.empty()) throw Error(list + ": names no pictures");
   return pictures;
@@ -80,7 +81,7 @@ std::vector<std::string> PicturesOf(const std::string& input) {
 std::vector<std::string> FilmNames(const std::vector<std::string>& pictures,
                                    const std::string& ending) {
   const auto shortName = [&](const std::string& picture) {
-    return fs::path(picture).stem().string() + "." + ending;
+    return NarrowText(fs::path(picture).stem()) + "." + ending;
   };
   std::map<std::string, int> wanted;
   for (const std::string& picture : pictures) ++wanted[Lowered(shortName(picture))];
@@ -93,7 +94,7 @@ std::vector<std::string> FilmNames(const std::vector<std::string>& pictures,
   for (const std::string& picture : pictures) {
     std::string name = shortName(picture);
     if (wanted[Lowered(name)] > 1) {
-      const std::string base = fs::path(picture).filename().string();
+      const std::string base = NarrowText(fs::path(picture).filename());
       const std::string last = "." + ending;
       name = base;
       name += last;

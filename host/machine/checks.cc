@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/error.h"
+#include "host/files/narrow_text.h"
 #include "host/film/codecs.h"
 #include "host/film/formats.h"
 #include "host/machine/sample_stills.h"
@@ -41,7 +42,7 @@ class WorkFolder {
   }
   WorkFolder(const WorkFolder&) = delete;
   WorkFolder& operator=(const WorkFolder&) = delete;
-  std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+  std::string operator/(const std::string& name) const { return NarrowText(path_ / name); }
 
  private:
   fs::path path_;

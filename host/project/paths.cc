@@ -5,6 +5,8 @@
 #include <new>
 #include <system_error>
 
+#include "host/files/narrow_text.h"
+
 namespace kelto::host {
 namespace {
 
@@ -25,7 +27,9 @@ fs::path Full(const std::string& path) {
 
 std::string FromProject(const std::string& project, const std::string& named) {
   if (IsNetworkPath(named)) return named;
-  return (fs::path(project).parent_path() / fs::path(named)).string();
+  // A project is UTF-8 on every system.
+  const std::u8string name(named.begin(), named.end());
+  return NarrowText(fs::path(project).parent_path() / fs::path(name));
 }
 
 std::string ForProject(const std::string& project, const std::string& path) {

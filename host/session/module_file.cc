@@ -4,6 +4,7 @@
 
 #include "host/error.h"
 #include "host/files/input_file.h"
+#include "host/files/narrow_text.h"
 #include "host/program/program_folder.h"
 
 namespace kelto::host {
@@ -31,9 +32,9 @@ std::string FindModule(const std::string& given) {
   if (std::string named = ModuleFromEnvironment(); !named.empty()) return named;
   std::string searched;
   for (const fs::path& path : SearchedFiles(ProgramFolder())) {
-    if (IsFile(path)) return path.string();
+    if (IsFile(path)) return NarrowText(path);
     searched += searched.empty() ? "" : ", ";
-    searched += path.string();
+    searched += NarrowText(path);
   }
   throw Error(std::string(kModuleName) + ": not found as " + searched +
               "; say where it is with --module");

@@ -10,6 +10,7 @@
 
 #include "host/error.h"
 #include "host/files/input_file.h"
+#include "host/files/narrow_text.h"
 #include "platform/still_importer.h"
 
 namespace kelto::host {
@@ -28,7 +29,7 @@ using Importer = std::unique_ptr<std::remove_pointer_t<GraphicsImportComponent>,
 /// Why the importer failed, without the path that messages begin with anyway.
 std::string Reason(const std::string& path) {
   std::string reason = StillImporterLastError();
-  for (const std::string& name : {path, fs::path(path).filename().string()}) {
+  for (const std::string& name : {path, NarrowText(fs::path(path).filename())}) {
     if (reason.starts_with(name + ": ")) reason.erase(0, name.size() + 2);
   }
   return reason.empty() ? "unknown form" : reason;
@@ -81,7 +82,7 @@ std::string ShortestForm(const std::string& path) {
   const fs::path resolved = fs::weakly_canonical(path, error);
   const fs::path folder = fs::weakly_canonical(here, error);
   for (const fs::path& form : {absolute, resolved, resolved.lexically_relative(folder)}) {
-    const std::string text = form.string();
+    const std::string text = NarrowText(form);
     if (!text.empty() && text.size() < shortest.size()) shortest = text;
   }
   return shortest;

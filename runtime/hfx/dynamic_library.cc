@@ -10,8 +10,8 @@ namespace hfx {
 
 #if defined(_WIN32)
 
-void* OpenLibrary(const std::string& path, std::string* error) {
-  if (HMODULE library = LoadLibraryA(path.c_str())) return library;
+void* OpenLibrary(const std::filesystem::path& path, std::string* error) {
+  if (HMODULE library = LoadLibraryW(path.c_str())) return library;
   const DWORD code = GetLastError();
   char text[512] = "";
   FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0, text,
@@ -28,7 +28,7 @@ void CloseLibrary(void* library) { FreeLibrary(static_cast<HMODULE>(library)); }
 
 #else
 
-void* OpenLibrary(const std::string& path, std::string* error) {
+void* OpenLibrary(const std::filesystem::path& path, std::string* error) {
   if (void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) return library;
   const char* text = dlerror();
   *error = text != nullptr ? text : "unknown reason";

@@ -46,7 +46,7 @@ std::unique_ptr<Module> Module::Load(const std::string& path, std::string* error
   std::unique_ptr<Module> module(new Module);
   std::string reason;
   // An absolute path, because a bare name would be looked for among the system's libraries.
-  module->library_ = OpenLibrary(std::filesystem::absolute(path).string(), &reason);
+  module->library_ = OpenLibrary(std::filesystem::absolute(path), &reason);
   if (module->library_ == nullptr) return refuse(reason);
 
   EntryPoints entries(module->library_);

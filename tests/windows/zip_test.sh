@@ -34,3 +34,30 @@ for picture in frame-*.png; do
   count=$((count + 1))
 done
 [ "$count" -eq 10 ] || fail "$count pictures instead of 10"
+
+# Folders and pictures are named after people and places, in letters of the system's code page.
+# Wine takes this side's names for what the locale says.
+export LC_ALL=C.UTF-8
+named="$folder/José und Zoë"
+mv "$folder/kelto-windows-i686" "$named"
+cd "$named"
+mv photo.jpg 'Fête.jpg'
+kelto() { env -u WINEPATH -u KELTO_MODULE "$sources/tools/windows/run-wine" kelto.exe "$@"; }
+small='--size 160x120 --frames 2'
+# shellcheck disable=SC2086
+kelto render 'Fête.jpg' -o 'été-%02d.png' $small || fail "no pictures under a name with accents"
+[ -s 'été-01.png' ] || fail "the pictures with accents in their name lie elsewhere"
+kelto new 'Fête.jpg' -o 'Fête.json' || fail "no project of a picture with accents in its name"
+grep -q '"image": "Fête.jpg"' 'Fête.json' || fail "the project names another picture"
+# shellcheck disable=SC2086
+kelto render 'Fête.json' -o 'Fête.y4m' $small || fail "no film of a project with accents in its name"
+[ -s 'Fête.y4m' ] || fail "the film with accents in its name lies elsewhere"
+mkdir photos
+cp 'Fête.jpg' photos
+# shellcheck disable=SC2086
+kelto batch photos -o films --format y4m $small || fail "no films of a folder of such pictures"
+[ -s films/Fête.y4m ] || fail "the film of a folder lies elsewhere"
+# The folder for passing files lies below the user's, which bears a name.
+printf 'set TMP=%%CD%%\r\nkelto.exe doctor\r\n' >doctor.bat
+"$sources/tools/windows/run-wine" cmd /c doctor.bat >said
+grep -q '^kelto can render on this machine' said || fail "the doctor is lost in such a folder"

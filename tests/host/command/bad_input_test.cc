@@ -221,6 +221,10 @@ TEST_F(BadInput, NoArgumentsOrTooFew) {
   }
 }
 
+TEST_F(BadInput, WordsTooManyAreNamedInTheirOrder) {
+  ExpectMisuse("not expected: --bogus 3 other.jpg;", {"--bogus", "3", "other.jpg"});
+}
+
 TEST_F(BadInput, ACommandThatIsNone) {
   const Outcome outcome = RunKelto({"redner", photo_});
   EXPECT_EQ(outcome.code, kMisused);
