@@ -1,6 +1,7 @@
 #include "host/commands/slideshow.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
 
 #include "host/commands/film_options.h"
@@ -54,6 +55,10 @@ Slideshow ShowFor(const SlideshowOptions& options) {
   show.fade = ReadOption("--fade", options.fade, [&](const std::string& text) {
     return ParseFade(text, first.format.rate);
   });
+  // Half of a photograph's time may end within a frame: rounded up, two of it would not fit.
+  if (2.0 * ParseNumber(options.fade).value_or(0.0) <= ParseSeconds(options.each)) {
+    show.fade = std::min(show.fade, show.each / 2);
+  }
   if (2 * int64_t{show.fade} > show.each) {
     throw UsageError("--fade " + options.fade + ": two fades do not fit into --each " +
                      options.each);
@@ -111,7 +116,8 @@ CLI::App* AddSlideshow(CLI::App& app) {
   const auto options = std::make_shared<SlideshowOptions>();
   command
       ->add_option("INPUT", options->input,
-                   "A folder of photographs, or a text file with the path of one on each line")
+                   "A folder of photographs, without the folders in it, or a text file with the "
+                   "path of one on each line, relative to that file")
       ->required()
       ->type_name("");
   DeclareOutput(*command, options->output);

@@ -69,6 +69,11 @@ TEST_F(SlideshowCommand, WithoutFadesCutsFromOneToTheNext) {
   EXPECT_EQ(Middles(films_ / "f.bgra").size(), 15u);
 }
 
+TEST_F(SlideshowCommand, FadesOfHalfAPhotographsTimeFitWhereHalfIsNoWholeFrame) {
+  ASSERT_EQ(Show(films_ / "f.bgra", {"--each", "0.2", "--fade", "0.1"}).err, "");
+  EXPECT_EQ(Middles(films_ / "f.bgra").size(), 11u) << "5 frames each, 2 of a fade";
+}
+
 TEST_F(SlideshowCommand, IsTheSameForEveryNumberOfJobs) {
   const Words words{"--each", "0.4", "--fade", "0.2", "--from", "1", "--to", "1.5", "--jobs"};
   std::string first;
