@@ -188,7 +188,7 @@ class Batch {
   }
 
   std::vector<std::string> TaskOf(const Item& item) const {
-    const std::string program = ProgramFile().string();
+    const std::string program = NarrowText(ProgramFile());
     std::vector<std::string> task{program.empty() ? "kelto" : program,
                                   "render",
                                   Absolute(item.picture),

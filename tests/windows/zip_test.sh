@@ -57,6 +57,9 @@ cp 'Fête.jpg' photos
 # shellcheck disable=SC2086
 kelto batch photos -o films --format y4m $small || fail "no films of a folder of such pictures"
 [ -s films/Fête.y4m ] || fail "the film of a folder lies elsewhere"
+kelto batch photos -o later --format y4m --plan >plan || fail "no list of films to make"
+folders=$(LC_ALL=C grep -ao 'Jos[^a-z]* und Zo' plan | sort -u | wc -l)
+[ "$folders" -eq 1 ] || fail "the list spells the folder in $folders ways"
 # The folder for passing files lies below the user's, which bears a name.
 printf 'set TMP=%%CD%%\r\nkelto.exe doctor\r\n' >doctor.bat
 "$sources/tools/windows/run-wine" cmd /c doctor.bat >said
