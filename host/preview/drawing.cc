@@ -7,6 +7,7 @@
 #include <cmath>
 #include <new>
 #include <numbers>
+#include <utility>
 
 #include "host/error.h"
 #include "host/film/output_file.h"
@@ -79,8 +80,11 @@ std::string Drawable(const std::string& text) {
 
 }  // namespace
 
+Drawing::Drawing(Blank, std::string file, double width, double height)
+    : file_(std::move(file)), width_(width), height_(height) {}
+
 Drawing::Drawing(const std::string& file, double width, double height)
-    : file_(file), width_(width), height_(height) {
+    : Drawing(Blank{}, file, width, height) {
   surface_ = IsSvg(file) ? cairo_svg_surface_create_for_stream(Append, &svg_, width, height)
                          : cairo_image_surface_create(CAIRO_FORMAT_RGB24,
                                                       static_cast<int>(std::ceil(width)),
@@ -89,11 +93,9 @@ Drawing::Drawing(const std::string& file, double width, double height)
   Check();
 }
 
-Drawing::Drawing(int32_t width, int32_t height)
-    : width_(width),
-      height_(height),
-      surface_(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height)),
-      cairo_(cairo_create(surface_)) {
+Drawing::Drawing(int32_t width, int32_t height) : Drawing(Blank{}, "", width, height) {
+  surface_ = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
+  cairo_ = cairo_create(surface_);
   Check();
 }
 

@@ -77,6 +77,9 @@ class Drawing {
   void Finish();
 
  private:
+  /// Without surface yet: those that make one start from it, so that it is freed when they throw.
+  struct Blank {};
+  Drawing(Blank, std::string file, double width, double height);
   void Use(const Ink& ink);
   void Place(cairo_surface_t* picture, const Box& box);
   void Check() const;

@@ -176,6 +176,12 @@ TEST_F(Drawings, OtherKindsOfFilesAreRefused) {
   EXPECT_THROW(Plot(folder_ / "no/plot.png"), Error);
 }
 
+TEST_F(Drawings, OneTooLargeToBeDrawnIsRefusedByItsName) {
+  const std::string file = folder_ / "wide.png";
+  EXPECT_THAT([&] { Drawing(file, 100000.0, 10.0); },
+              testing::ThrowsMessage<Error>(testing::StartsWith(file + ": cannot be drawn: ")));
+}
+
 TEST_F(Drawings, AFilmOfOneFrameIsDrawnToo) {
   plan_.frames = 1;
   EXPECT_NO_THROW(Plot(folder_ / "plot.png"));
