@@ -5,6 +5,7 @@
 #include "resample/filters.h"
 #include "resample/geometry.h"
 #include "resample/job.h"
+#include "resample/target.h"
 #include "resample/weights.h"
 
 namespace kelto {
@@ -31,8 +32,8 @@ FilteredPlan PlanFiltered(const ResampleJob& job, const Canvas& canvas, const Fi
 
 /// Draws a plan. Pixels that the picture covers in part are mixed with what the canvas holds there.
 /// On the current target: in vectors where whole numbers are exact enough, else as
-/// DrawFilteredScalar.
-void DrawFiltered(const FilteredPlan& plan);
+/// DrawFilteredScalar. Returns the target whose code drew it.
+Target DrawFiltered(const FilteredPlan& plan);
 
 /// The straightforward form of the arithmetic, which any faster one is held against. Memory: the
 /// intermediate rows that one destination row needs, never more than the source has.

@@ -3,15 +3,15 @@
 
 namespace kelto {
 
-void DrawFiltered(const FilteredPlan& plan) {
-  if (plan.columns.Empty() || plan.rows.Empty()) return;
+Target DrawFiltered(const FilteredPlan& plan) {
+  if (plan.columns.Empty() || plan.rows.Empty()) return CurrentTarget();
   if (CurrentTarget() != Target::Scalar) {
     if (const auto filters = MakeFixedFilters(plan.columnWeights, plan.rowWeights)) {
-      DrawFilteredFixed(plan, *filters);
-      return;
+      return DrawFilteredFixed(plan, *filters);
     }
   }
   DrawFilteredScalar(plan);
+  return Target::Scalar;
 }
 
 }  // namespace kelto

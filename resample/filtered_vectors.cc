@@ -18,6 +18,7 @@
 #include "resample/filtered_fixed.h"
 #include "resample/filtered_store.h"
 #include "resample/turned_rows-inl.h"
+#include "resample/vectors.h"
 
 HWY_BEFORE_NAMESPACE();
 #if HWY_TARGET == HWY_AVX3_DL && defined(__clang__)
@@ -30,7 +31,10 @@ namespace kelto {
 namespace HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128
 
-void DrawFixed(const FilteredPlan& plan, const FixedFilters&) { DrawFilteredScalar(plan); }
+int64_t DrawFixed(const FilteredPlan& plan, const FixedFilters&) {
+  DrawFilteredScalar(plan);
+  return HWY_TARGET;
+}
 
 #else
 namespace {
@@ -91,6 +95,25 @@ class PairRows {
   Buffer words_;
 };
 
+/// Sums of a column so far. Pixels 0 and 2 and pixels 1 and 3 are summed apart where registers
+/// last: a sum waits for the product before it.
+template <class Layout>
+struct ColumnSums {
+  static constexpr size_t kChains = Layout::kSums == 2 ? 2 : 1;
+  WordVector even[Layout::kSums][kChains], odd[Layout::kSums][kChains];
+
+  /// Adds the products of a group's plane at `at`.
+  HWY_INLINE void Add(size_t sum, const int32_t* at, WordVector weights02, WordVector weights13) {
+    const Words words;
+    WordVector& even13 = even[sum][kChains - 1];
+    WordVector& odd13 = odd[sum][kChains - 1];
+    even[sum][0] = AddProducts(even[sum][0], hn::Load(words, at), weights02);
+    odd[sum][0] = AddProducts(odd[sum][0], hn::Load(words, at + kLanes), weights02);
+    even13 = AddProducts(even13, hn::Load(words, at + 2 * kLanes), weights13);
+    odd13 = AddProducts(odd13, hn::Load(words, at + 3 * kLanes), weights13);
+  }
+};
+
 /// One column's sums over its groups, scaled and turned into words of two rows.
 template <class Layout>
 HWY_INLINE void SumColumn(const FixedFilters& filters, const FixedWeights::Entry& entry,
@@ -98,14 +121,11 @@ HWY_INLINE void SumColumn(const FixedFilters& filters, const FixedWeights::Entry
   const Words words;
   const int32_t shift = entry.shift - filters.fraction;
   const int32_t start = (1 << (shift - 1)) - (128 << entry.shift);
-  // Pixels 0 and 2 and pixels 1 and 3 are summed apart where registers last: a sum waits for the
-  // product before it.
-  constexpr size_t kChains = Layout::kSums == 2 ? 2 : 1;
-  WordVector even[Layout::kSums][kChains], odd[Layout::kSums][kChains];
+  ColumnSums<Layout> sums;
   const int32_t* from[Layout::kSums];
   for (size_t sum = 0; sum < Layout::kSums; ++sum) {
-    for (size_t chain = 0; chain < kChains; ++chain) {
-      even[sum][chain] = odd[sum][chain] = hn::Set(words, chain == 0 ? start : 0);
+    for (size_t chain = 0; chain < sums.kChains; ++chain) {
+      sums.even[sum][chain] = sums.odd[sum][chain] = hn::Set(words, chain == 0 ? start : 0);
     }
     from[sum] = groups + Layout::Plane(column, sum) * 4 * kLanes;
   }
@@ -114,22 +134,24 @@ HWY_INLINE void SumColumn(const FixedFilters& filters, const FixedWeights::Entry
     const auto weights02 = hn::Set(words, weights[0]);
     const auto weights13 = hn::Set(words, weights[1]);
     for (size_t sum = 0; sum < Layout::kSums; ++sum) {
-      const int32_t* const at = from[sum];
-      WordVector& even13 = even[sum][kChains - 1];
-      WordVector& odd13 = odd[sum][kChains - 1];
-      even[sum][0] = AddProducts(even[sum][0], hn::Load(words, at), weights02);
-      odd[sum][0] = AddProducts(odd[sum][0], hn::Load(words, at + kLanes), weights02);
-      even13 = AddProducts(even13, hn::Load(words, at + 2 * kLanes), weights13);
-      odd13 = AddProducts(odd13, hn::Load(words, at + 3 * kLanes), weights13);
+      sums.Add(sum, from[sum], weights02, weights13);
       from[sum] += TurnedRows<Layout>::kGroupWords;
+    }
+  }
+  for (const FixedWeights::Extra& extra : filters.columns.Extras(entry)) {
+    const int32_t* const at =
+        groups + static_cast<size_t>(extra.group) * TurnedRows<Layout>::kGroupWords;
+    for (size_t sum = 0; sum < Layout::kSums; ++sum) {
+      sums.Add(sum, at + Layout::Plane(column, sum) * 4 * kLanes, hn::Set(words, extra.words[0]),
+               hn::Set(words, extra.words[1]));
     }
   }
   const Halves halves;
   for (size_t sum = 0; sum < Layout::kSums; ++sum) {
-    auto low = even[sum][0], high = odd[sum][0];
-    if constexpr (kChains == 2) {
-      low = hn::Add(low, even[sum][1]);
-      high = hn::Add(high, odd[sum][1]);
+    auto low = sums.even[sum][0], high = sums.odd[sum][0];
+    if constexpr (sums.kChains == 2) {
+      low = hn::Add(low, sums.even[sum][1]);
+      high = hn::Add(high, sums.odd[sum][1]);
     }
     low = hn::ShiftRightSame(low, shift);
     high = hn::ShiftLeft<16>(hn::ShiftRightSame(high, shift));
@@ -178,6 +200,13 @@ HWY_NOINLINE void FilterDownTile(const FixedFilters& filters, const FixedWeights
     if (++place == pairs.Count()) {
       place = 0;
       from = pairs.Place(0) + firstWord;
+    }
+  }
+  for (const FixedWeights::Extra& extra : filters.rows.Extras(entry)) {
+    const auto weight = hn::Set(words, extra.words[0]);
+    const int32_t* const at = pairs.Place(entry.firstGroup + extra.group) + firstWord;
+    for (size_t i = 0; i < PairRows::kTileVectors; ++i) {
+      sums[i] = AddProducts(sums[i], hn::Load(words, at + i * kLanes), weight);
     }
   }
   // To nearest, ties to even.
@@ -229,12 +258,13 @@ void Draw(const FilteredPlan& plan, const FixedFilters& filters) {
 
 }  // namespace
 
-void DrawFixed(const FilteredPlan& plan, const FixedFilters& filters) {
+int64_t DrawFixed(const FilteredPlan& plan, const FixedFilters& filters) {
   if (plan.canvas.format == PixelFormat::Packed422) {
     Draw<Layout422>(plan, filters);
   } else {
     Draw<Layout4Byte>(plan, filters);
   }
+  return HWY_TARGET;
 }
 
 #endif
@@ -247,8 +277,8 @@ namespace kelto {
 
 HWY_EXPORT(DrawFixed);
 
-void DrawFilteredFixed(const FilteredPlan& plan, const FixedFilters& filters) {
-  HWY_DYNAMIC_DISPATCH(DrawFixed)(plan, filters);
+Target DrawFilteredFixed(const FilteredPlan& plan, const FixedFilters& filters) {
+  return vectors::Named(HWY_DYNAMIC_DISPATCH(DrawFixed)(plan, filters));
 }
 
 }  // namespace kelto

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace kelto {
 namespace {
@@ -13,6 +14,11 @@ constexpr double kLargestSample = 128.0;
 constexpr double kLargestSum = 0.98 * 2147483648.0;
 /// The most by which exact and computed values may differ before each is rounded to a level.
 constexpr double kMostError = 0.95;
+/// The error of an axis's rounded weights, in levels, from which further words are worth their
+/// time.
+constexpr double kCoarse = 0.2;
+/// That a weight is made of at most.
+constexpr double kMostWords = 16.0;
 
 /// What bounds the arithmetic with weights, normalised.
 struct Bounds {
@@ -53,22 +59,35 @@ Bounds BoundsOf(const WeightTable::Entry& entry, const float* weights) {
   return {peak * normaliser, sum * normaliser, entry.count};
 }
 
-/// The largest shift at which weights fit 16 bits and sums of `largestValue` times them 32.
-int32_t LargestShift(const Bounds& bounds, double largestValue) {
-  const double fits = std::min(kLargestWeight / bounds.largest,
-                               kLargestSum / (largestValue * (bounds.absolute + 1.0)));
+/// The values that a pass's weights multiply.
+struct Values {
+  double largest;  ///< as the pass holds them
+  double levels;   ///< the same in levels
+};
+
+/// The largest shift at which weights fit `words` words of 16 bits and sums of `values` times them
+/// one of 32.
+int32_t LargestShift(const Bounds& bounds, const Values& values, double words = 1.0) {
+  const double fits = std::min(words * kLargestWeight / bounds.largest,
+                               kLargestSum / (values.largest * (bounds.absolute + 1.0)));
   // Not a number where weights are none.
   return fits >= 2.0 ? std::min(std::ilogb(fits), 24) : 0;
 }
 
-/// What rows of such bounds add to the error of the first pass's results, in levels, when their
-/// rounded weights differ from the exact ones by `difference` units in all; large where nothing
-/// fits.
-double RowError(const Bounds& rows, double difference, double largestBetween, int32_t fraction) {
-  const int32_t shift = LargestShift(rows, std::ldexp(largestBetween, fraction));
-  if (shift == 0) return 1e9;
-  return std::ldexp(0.5, -fraction) * rows.absolute +
-         largestBetween * std::ldexp(difference, -shift);
+/// The error in levels when rounded weights differ from the exact ones by `difference` units in
+/// all.
+double RoundingError(const Values& values, double difference, int32_t shift) {
+  return values.levels * std::ldexp(difference, -shift);
+}
+
+/// The first pass's results, of which the second makes its own.
+Values ValuesBetween(double largestBetween, int32_t fraction) {
+  return {std::ldexp(largestBetween, fraction), largestBetween};
+}
+
+/// What rounding to `fraction` bits between the passes adds, in levels.
+double FractionError(const Bounds& rows, int32_t fraction) {
+  return std::ldexp(0.5, -fraction) * rows.absolute;
 }
 
 /// The number of fractional bits between the passes that suits rows like the columns best. Of the
@@ -76,7 +95,11 @@ double RowError(const Bounds& rows, double difference, double largestBetween, in
 int32_t ChooseFraction(const Bounds& columns, double largestBetween) {
   const double difference = columns.count / 3.0;  // as it is on average
   const auto error = [&](int32_t fraction) {
-    return RowError(columns, difference, largestBetween, fraction);
+    const Values between = ValuesBetween(largestBetween, fraction);
+    const int32_t shift = LargestShift(columns, between);
+    return shift == 0
+               ? 1e9
+               : FractionError(columns, fraction) + RoundingError(between, difference, shift);
   };
   int32_t best = 0;
   for (int32_t fraction = 1; fraction <= 7; ++fraction) {
@@ -88,8 +111,9 @@ int32_t ChooseFraction(const Bounds& columns, double largestBetween) {
 
 /// Rounds an entry's weights so that they sum to 1 << shift: the sums up to each of them are what
 /// is rounded. Returns the sum of the differences' magnitudes.
+template <typename Whole>
 double RoundWeights(const float* weights, int32_t count, double factor, int32_t shift,
-                    int16_t* rounded) {
+                    Whole* rounded) {
   // Beside 1.5 * 2^52 a double has no room for a fraction.
   constexpr double kNoFraction = 6755399441055744.0;
   double sum = 0.0, before = 0.0, difference = 0.0;
@@ -97,7 +121,7 @@ double RoundWeights(const float* weights, int32_t count, double factor, int32_t 
     const double exact = weights[i] * factor;
     sum += exact;
     const double whole = i + 1 < count ? (sum + kNoFraction) - kNoFraction : std::ldexp(1.0, shift);
-    rounded[i] = static_cast<int16_t>(static_cast<int32_t>(whole - before));
+    rounded[i] = static_cast<Whole>(static_cast<int32_t>(whole - before));
     difference += std::abs(whole - before - exact);
     before = whole;
   }
@@ -109,10 +133,48 @@ int32_t Word(int16_t low, int16_t high) {
                               static_cast<uint32_t>(static_cast<uint16_t>(high)) << 16);
 }
 
-/// Cuts a table's runs into groups of `group` pixels (2 or 4) from `base` on; entry i's weights sum
-/// to 1 << shifts[i].
-FixedWeights Round(const WeightTable& table, int32_t base, int32_t group,
-                   const std::vector<int32_t>& shifts) {
+/// The words of a group of weights, two or four.
+template <int32_t kGroup>
+void PutWords(const int16_t* weights, int32_t* words) {
+  if constexpr (kGroup == 2) {
+    words[0] = Word(weights[0], weights[1]);
+  } else {
+    words[0] = Word(weights[0], weights[2]);
+    words[1] = Word(weights[1], weights[3]);
+  }
+}
+
+/// Rounds an entry's weights at a shift at which they may need several words.
+template <int32_t kGroup>
+void RoundHeavy(const float* weights, const WeightTable::Entry& entry, int32_t lead,
+                FixedWeights& fixed, FixedWeights::Entry& to) {
+  constexpr auto kLargest = static_cast<int32_t>(kLargestWeight);
+  std::vector<int32_t> rest(static_cast<size_t>(to.groups) * kGroup);
+  to.difference = RoundWeights(weights, entry.count, std::ldexp(entry.normaliser, to.shift),
+                               to.shift, rest.data() + lead);
+  to.extraOffset = fixed.extras.size();
+  for (int32_t group = 0; group < to.groups; ++group) {
+    int32_t* const from = rest.data() + group * kGroup;
+    for (bool first = true; first || std::any_of(from, from + kGroup, [](int32_t w) { return w; });
+         first = false) {
+      int16_t part[kGroup];
+      for (int32_t i = 0; i < kGroup; ++i) {
+        part[i] = static_cast<int16_t>(std::clamp(from[i], -kLargest, kLargest));
+        from[i] -= part[i];
+      }
+      if (!first) fixed.extras.push_back({group, {}});
+      PutWords<kGroup>(part, first ? fixed.words.data() + to.offset + group * (kGroup / 2)
+                                   : fixed.extras.back().words);
+    }
+  }
+  to.extraCount = fixed.extras.size() - to.extraOffset;
+}
+
+/// Cuts a table's runs into groups of kGroup pixels (2 or 4) from `base` on, each entry's weights
+/// at the largest shift that suits `values`. Nothing where one's is `lowestShift` or less.
+template <int32_t kGroup>
+std::optional<FixedWeights> Round(const WeightTable& table, const std::vector<Bounds>& bounds,
+                                  int32_t base, const Values& values, int32_t lowestShift) {
   FixedWeights fixed;
   fixed.base = base;
   fixed.entries.resize(table.entries.size());
@@ -120,29 +182,34 @@ FixedWeights Round(const WeightTable& table, int32_t base, int32_t group,
   for (size_t i = 0; i < table.entries.size(); ++i) {
     const WeightTable::Entry& entry = table.entries[i];
     FixedWeights::Entry& to = fixed.entries[i];
-    to.shift = shifts[i];
-    to.firstGroup = (entry.first - base) / group;
-    to.groups = (entry.first - base + entry.count - 1) / group + 1 - to.firstGroup;
+    to.shift = LargestShift(bounds[i], values);
+    if (to.shift <= lowestShift) return {};
+    to.firstGroup = (entry.first - base) / kGroup;
+    to.groups = (entry.first - base + entry.count - 1) / kGroup + 1 - to.firstGroup;
     to.offset = words;
-    words += static_cast<size_t>(to.groups) * static_cast<size_t>(group / 2);
+    words += static_cast<size_t>(to.groups) * (kGroup / 2);
   }
   fixed.words.resize(words);
   std::vector<int16_t> run;
   for (size_t i = 0; i < table.entries.size(); ++i) {
     const WeightTable::Entry& entry = table.entries[i];
+    const float* const weights = table.Weights(entry);
     FixedWeights::Entry& to = fixed.entries[i];
-    run.assign(static_cast<size_t>(to.groups) * static_cast<size_t>(group), 0);
-    to.difference =
-        RoundWeights(table.Weights(entry), entry.count, std::ldexp(entry.normaliser, to.shift),
-                     to.shift, run.data() + (entry.first - base - to.firstGroup * group));
-    int32_t* word = fixed.words.data() + to.offset;
-    if (group == 2) {
-      for (size_t k = 0; k < run.size(); k += 2) *word++ = Word(run[k], run[k + 1]);
-    } else {
-      for (size_t k = 0; k < run.size(); k += 4) {
-        *word++ = Word(run[k], run[k + 2]);
-        *word++ = Word(run[k + 1], run[k + 3]);
+    const int32_t lead = entry.first - base - to.firstGroup * kGroup;
+    run.assign(static_cast<size_t>(to.groups) * kGroup, 0);
+    to.difference = RoundWeights(weights, entry.count, std::ldexp(entry.normaliser, to.shift),
+                                 to.shift, run.data() + lead);
+    if (RoundingError(values, to.difference, to.shift) > kCoarse) {
+      const int32_t finer = LargestShift(bounds[i], values, kMostWords);
+      if (finer > to.shift) {
+        to.shift = finer;
+        RoundHeavy<kGroup>(weights, entry, lead, fixed, to);
+        continue;
       }
+    }
+    int32_t* word = fixed.words.data() + to.offset;
+    for (size_t k = 0; k < run.size(); k += kGroup, word += kGroup / 2) {
+      PutWords<kGroup>(run.data() + k, word);
     }
   }
   int32_t keep = fixed.entries.back().firstGroup;
@@ -161,38 +228,41 @@ FixedWeights Round(const WeightTable& table, int32_t base, int32_t group,
 }  // namespace
 
 std::optional<FixedFilters> MakeFixedFilters(const WeightTable& columns, const WeightTable& rows) {
-  Bounds columnBounds;
-  for (const WeightTable::Entry& entry : columns.entries) {
-    columnBounds.Include(BoundsOf(entry, columns.Weights(entry)));
-  }
-  const int32_t columnShift = LargestShift(columnBounds, kLargestSample);
-  const double largestBetween = kLargestSample * columnBounds.absolute + 1.0;
-  const int32_t fraction = ChooseFraction(columnBounds, largestBetween);
-  if (columnShift <= fraction || std::ldexp(largestBetween, fraction) > kLargestWeight) return {};
-  std::vector<Bounds> rowBounds;
-  std::vector<int32_t> rowShifts;
-  for (const WeightTable::Entry& entry : rows.entries) {
-    rowBounds.push_back(BoundsOf(entry, rows.Weights(entry)));
-    rowShifts.push_back(LargestShift(rowBounds.back(), std::ldexp(largestBetween, fraction)));
-    if (rowShifts.back() == 0) return {};
-  }
+  const auto boundsOf = [](const WeightTable& table) {
+    std::vector<Bounds> bounds;
+    bounds.reserve(table.entries.size());
+    for (const WeightTable::Entry& entry : table.entries) {
+      bounds.push_back(BoundsOf(entry, table.Weights(entry)));
+    }
+    return bounds;
+  };
+  const std::vector<Bounds> columnBounds = boundsOf(columns), rowBounds = boundsOf(rows);
+  Bounds allColumns;
+  for (const Bounds& bounds : columnBounds) allColumns.Include(bounds);
+  const double largestBetween = kLargestSample * allColumns.absolute + 1.0;
+  const int32_t fraction = ChooseFraction(allColumns, largestBetween);
+  const Values samples = {kLargestSample, kLargestSample};
+  const Values between = ValuesBetween(largestBetween, fraction);
+  if (between.largest > kLargestWeight) return {};
 
   const int32_t firstColumn = columns.ImagePixels().first;
-  FixedFilters filters = {Round(columns, firstColumn - firstColumn % 4, 4,
-                                std::vector<int32_t>(columns.entries.size(), columnShift)),
-                          Round(rows, rows.ImagePixels().first, 2, rowShifts), fraction};
-  double difference = 0.0;
-  for (const FixedWeights::Entry& entry : filters.columns.entries) {
-    difference = std::max(difference, entry.difference);
+  auto fixedColumns =
+      Round<4>(columns, columnBounds, firstColumn - firstColumn % 4, samples, fraction);
+  if (!fixedColumns) return {};
+  auto fixedRows = Round<2>(rows, rowBounds, rows.ImagePixels().first, between, 0);
+  if (!fixedRows) return {};
+  double columnError = 0.0;
+  for (const FixedWeights::Entry& entry : fixedColumns->entries) {
+    columnError = std::max(columnError, RoundingError(samples, entry.difference, entry.shift));
   }
-  const double columnError = kLargestSample * std::ldexp(difference, -columnShift);
   for (size_t i = 0; i < rowBounds.size(); ++i) {
-    const double error =
-        columnError * rowBounds[i].absolute +
-        RowError(rowBounds[i], filters.rows.entries[i].difference, largestBetween, fraction);
+    const FixedWeights::Entry& row = fixedRows->entries[i];
+    const double error = columnError * rowBounds[i].absolute +
+                         FractionError(rowBounds[i], fraction) +
+                         RoundingError(between, row.difference, row.shift);
     if (!(error < kMostError)) return {};
   }
-  return filters;
+  return FixedFilters{std::move(*fixedColumns), std::move(*fixedRows), fraction};
 }
 
 }  // namespace kelto

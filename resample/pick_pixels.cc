@@ -1,9 +1,7 @@
 #include "resample/pick_pixels.h"
 
 #include <cstddef>
-#include <cstring>
-
-#include "resample/target.h"
+#include <utility>
 
 namespace kelto {
 
@@ -14,14 +12,14 @@ PickedBytes PickedBytes422(const ChromaBytes& chroma, int32_t firstColumn) {
   return picked;
 }
 
-void PickPixels(const uint8_t* sourceRow, const std::vector<int32_t>& columns,
-                const PickedBytes& picked, uint8_t* to) {
+Target PickPixels(const uint8_t* sourceRow, const std::vector<int32_t>& columns,
+                  const PickedBytes& picked, uint8_t* to) {
   const auto pick = CurrentTarget() == Target::Scalar ? PickPixelsScalar : PickPixelsVectors;
-  pick(sourceRow, columns.data(), columns.size(), picked, to);
+  return pick(sourceRow, columns.data(), columns.size(), picked, to);
 }
 
-void PickPixelsScalar(const uint8_t* sourceRow, const int32_t* columns, size_t count,
-                      const PickedBytes& picked, uint8_t* to) {
+Target PickPixelsScalar(const uint8_t* sourceRow, const int32_t* columns, size_t count,
+                        const PickedBytes& picked, uint8_t* to) {
   for (size_t i = 0; i < count; ++i) {
     const uint8_t* const from = sourceRow + ptrdiff_t{4} * columns[i];
     const std::array<uint8_t, 4>& bytes = i % 2 == 0 ? picked.first : picked.second;
@@ -29,6 +27,7 @@ void PickPixelsScalar(const uint8_t* sourceRow, const int32_t* columns, size_t c
       *to++ = from[bytes[static_cast<size_t>(byte)]];
     }
   }
+  return Target::Scalar;
 }
 
 }  // namespace kelto

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "resample/job.h"
+#include "resample/target.h"
 
 namespace kelto {
 
@@ -22,16 +23,17 @@ constexpr PickedBytes kWholePixels = {};
 /// Luma, and the chroma byte of the column's parity, for a row from `firstColumn` on.
 PickedBytes PickedBytes422(const ChromaBytes& chroma, int32_t firstColumn);
 
-/// Writes the picked bytes of the source pixels `columns` of a row. On the current target.
-void PickPixels(const uint8_t* sourceRow, const std::vector<int32_t>& columns,
-                const PickedBytes& picked, uint8_t* to);
+/// Writes the picked bytes of the source pixels `columns` of a row. On the current target. Returns
+/// the target whose code did it.
+Target PickPixels(const uint8_t* sourceRow, const std::vector<int32_t>& columns,
+                  const PickedBytes& picked, uint8_t* to);
 
 /// The same pixel by pixel.
-void PickPixelsScalar(const uint8_t* sourceRow, const int32_t* columns, size_t count,
-                      const PickedBytes& picked, uint8_t* to);
+Target PickPixelsScalar(const uint8_t* sourceRow, const int32_t* columns, size_t count,
+                        const PickedBytes& picked, uint8_t* to);
 
 /// The same in vectors, where the engine is built with them.
-void PickPixelsVectors(const uint8_t* sourceRow, const int32_t* columns, size_t count,
-                       const PickedBytes& picked, uint8_t* to);
+Target PickPixelsVectors(const uint8_t* sourceRow, const int32_t* columns, size_t count,
+                         const PickedBytes& picked, uint8_t* to);
 
 }  // namespace kelto

@@ -4,15 +4,17 @@
 #include <hwy/highway.h>
 
 #include "resample/pick_pixels.h"
+#include "resample/vectors.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace kelto {
 namespace HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128
 
-void Pick(const uint8_t* sourceRow, const int32_t* columns, size_t count, const PickedBytes& picked,
-          uint8_t* to) {
+int64_t Pick(const uint8_t* sourceRow, const int32_t* columns, size_t count,
+             const PickedBytes& picked, uint8_t* to) {
   PickPixelsScalar(sourceRow, columns, count, picked, to);
+  return HWY_TARGET;
 }
 
 #else
@@ -33,8 +35,8 @@ struct BlockOrder {
   }
 };
 
-void Pick(const uint8_t* sourceRow, const int32_t* columns, size_t count, const PickedBytes& picked,
-          uint8_t* to) {
+int64_t Pick(const uint8_t* sourceRow, const int32_t* columns, size_t count,
+             const PickedBytes& picked, uint8_t* to) {
   const hn::ScalableTag<int32_t> words;
   const hn::Repartition<uint8_t, decltype(words)> bytes;
   const hn::Repartition<uint64_t, decltype(words)> doubles;
@@ -60,6 +62,7 @@ void Pick(const uint8_t* sourceRow, const int32_t* columns, size_t count, const 
     }
   }
   PickPixelsScalar(sourceRow, columns + i, count - i, picked, to + perPixel * i);
+  return HWY_TARGET;
 }
 
 #endif
@@ -72,9 +75,9 @@ namespace kelto {
 
 HWY_EXPORT(Pick);
 
-void PickPixelsVectors(const uint8_t* sourceRow, const int32_t* columns, size_t count,
-                       const PickedBytes& picked, uint8_t* to) {
-  HWY_DYNAMIC_DISPATCH(Pick)(sourceRow, columns, count, picked, to);
+Target PickPixelsVectors(const uint8_t* sourceRow, const int32_t* columns, size_t count,
+                         const PickedBytes& picked, uint8_t* to) {
+  return vectors::Named(HWY_DYNAMIC_DISPATCH(Pick)(sourceRow, columns, count, picked, to));
 }
 
 }  // namespace kelto

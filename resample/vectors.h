@@ -2,6 +2,7 @@
 // vectors_none.cc instead, where nothing is available.
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "resample/target.h"
@@ -16,5 +17,8 @@ void Choose(Target target);
 
 /// What dispatched functions run on; Scalar where nothing is available.
 Target Running();
+
+/// The target of Highway's own number; Scalar for others than those of Target.
+Target Named(int64_t highwayTarget);
 
 }  // namespace kelto::vectors

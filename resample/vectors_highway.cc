@@ -49,10 +49,11 @@ void Choose(Target target) {
   }
 }
 
-Target Running() {
-  const int64_t running = HWY_DYNAMIC_DISPATCH(ThisTarget)();
+Target Running() { return Named(HWY_DYNAMIC_DISPATCH(ThisTarget)()); }
+
+Target Named(int64_t highwayTarget) {
   for (const Known& known : kKnown) {
-    if (known.bit == running) return known.target;
+    if (known.bit == highwayTarget) return known.target;
   }
   return Target::Scalar;
 }

@@ -15,15 +15,17 @@ void Choose(Target) {}
 
 Target Running() { return Target::Scalar; }
 
+Target Named(int64_t) { return Target::Scalar; }
+
 }  // namespace vectors
 
-void DrawFilteredFixed(const FilteredPlan&, const FixedFilters&) {
+Target DrawFilteredFixed(const FilteredPlan&, const FixedFilters&) {
   throw std::logic_error("this engine is built without vectors");
 }
 
-void PickPixelsVectors(const uint8_t* sourceRow, const int32_t* columns, size_t count,
-                       const PickedBytes& picked, uint8_t* to) {
-  PickPixelsScalar(sourceRow, columns, count, picked, to);
+Target PickPixelsVectors(const uint8_t* sourceRow, const int32_t* columns, size_t count,
+                         const PickedBytes& picked, uint8_t* to) {
+  return PickPixelsScalar(sourceRow, columns, count, picked, to);
 }
 
 }  // namespace kelto
