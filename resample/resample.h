@@ -13,6 +13,10 @@ bool ClipJob(ResampleJob& job);
 /// included. Whatever the job's numbers, nothing outside its buffers is read or written: rectangles
 /// that make no sense show the background. Throws std::bad_alloc when memory for tables or
 /// intermediate rows runs out; what the destination holds then is not defined.
+///
+/// Memory: that of the rows (filtered.h, filtered_fixed.h) and of the tables of weights, four bytes
+/// for each tap of each column and row drawn and half as much again for vectors. Of a column or row
+/// no more taps are held than the image has pixels along it.
 void ResampleTo422(const ResampleJob& job);
 
 /// Draws a job into a four-byte destination, background included; a video background is 4:2:2 and

@@ -41,6 +41,7 @@ Adapter::Adapter(Role role, uint32_t width, uint32_t height, uint32_t rowLength,
 Adapter::~Adapter() = default;
 
 void Adapter::SetNumber(int index, double value) noexcept try {
+  const std::lock_guard lock(mutex_);
   const Parameter& parameter = At(role_, index);
   if (parameter.isText) return;
   const std::string name = parameter.name;
@@ -63,6 +64,7 @@ void Adapter::SetNumber(int index, double value) noexcept try {
 }
 
 void Adapter::SetText(int index, const char* value) noexcept try {
+  const std::lock_guard lock(mutex_);
   if (!At(role_, index).isText) return;
   std::string& text = values_.texts[static_cast<size_t>(index)];
   const char* given = value == nullptr ? "" : value;
@@ -73,14 +75,19 @@ void Adapter::SetText(int index, const char* value) noexcept try {
   // No memory for the text; the parameter stays as it was.
 }
 
-double Adapter::Number(int index) const { return values_.numbers[static_cast<size_t>(index)]; }
+double Adapter::Number(int index) const {
+  const std::lock_guard lock(mutex_);
+  return values_.numbers[static_cast<size_t>(index)];
+}
 
 const char* Adapter::Text(int index) const {
+  const std::lock_guard lock(mutex_);
   return values_.texts[static_cast<size_t>(index)].c_str();
 }
 
 void Adapter::Render(double time, const uint32_t* in, uint32_t* out) noexcept {
   if (out == nullptr || width_ == 0 || height_ == 0) return;
+  const std::lock_guard lock(mutex_);
   try {
     ReadParameters();
     RenderOver(in, out, clock_.Next(time, scene_->format.rate.PerSecond()));

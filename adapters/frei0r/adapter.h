@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include "adapters/frei0r/frame_clock.h"
@@ -20,7 +21,8 @@ struct Scene;
 /// loaded with the first frame. Nothing throws but the constructor, std::bad_alloc: whatever is
 /// wrong gives a frame of background (or of the incoming video) and one line on the console.
 ///
-/// Operations on one instance come one at a time; different instances may be used side by side.
+/// Instances may be used side by side, and one instance from several threads: some hosts render
+/// parts of a frame at once.
 class KELTO_PLATFORM_API Adapter {
  public:
   /// `rowLength` pixels lie from one row of a frame to the next, `width` at least. `clock` reads
@@ -51,6 +53,7 @@ class KELTO_PLATFORM_API Adapter {
   void FillBackground(const uint32_t* in, uint32_t* out) const;
   void MakeOpaque(uint32_t* out) const;
 
+  mutable std::mutex mutex_;
   Role role_;
   uint32_t width_, height_, rowLength_;
   Values values_;

@@ -64,6 +64,36 @@ TEST(FreiSharing, InstancesOnManyThreadsRenderWhatTheyRenderAlone) {
   for (int i = 0; i < kThreads; ++i) EXPECT_EQ(together[i], alone[i]) << "instance " << i;
 }
 
+TEST(FreiSharing, OneInstanceMayBeCalledFromSeveralThreads) {
+  test::TempFolder folder;
+  test::WriteTestPhoto(folder / "photo.bmp", 300, 200);
+  constexpr uint32_t kWidth = 200, kHeight = 120;
+  // Over video, of which the instance keeps a copy, and half beside the picture.
+  Instance instance(FilterPlugin(), kWidth, kHeight);
+  instance.Set(kImage, folder / "photo.bmp");
+  instance.Set(kFrom, "0.5");
+  const auto frame = [&](uint32_t video) {
+    const std::vector<uint32_t> in(kWidth * kHeight, video);
+    std::vector<uint32_t> out(in.size());
+    FilterPlugin().update(instance.handle(), 0.0, in.data(), out.data());
+    return out;
+  };
+  const std::vector<uint32_t> expected[] = {frame(0xff102030), frame(0xffe0d0c0)};
+  ASSERT_NE(expected[0], expected[1]);
+  bool same[] = {true, true};
+  std::thread threads[2];
+  for (int i = 0; i < 2; ++i) {
+    threads[i] = std::thread([&, i] {
+      for (int round = 0; round < 40; ++round) {
+        same[i] = same[i] && frame(i == 0 ? 0xff102030 : 0xffe0d0c0) == expected[i];
+        instance.Set(kQuality, 1.0);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_TRUE(same[0] && same[1]);
+}
+
 TEST(FreiSharing, InstancesOfOnePhotographShareOneDecodedCopy) {
   test::TempFolder folder;
   constexpr int64_t kCopy = int64_t{3000} * 2000 * 4;
