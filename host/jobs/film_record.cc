@@ -7,6 +7,7 @@
 #include <system_error>
 #include <utility>
 
+#include "host/files/input_file.h"
 #include "host/files/narrow_text.h"
 #include "host/film/output_file.h"
 
@@ -15,6 +16,9 @@ namespace {
 
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
+
+/// Bytes; a few paths and options are some hundreds.
+constexpr uintmax_t kLargestRecord = 1 << 20;
 
 /// Paths are any bytes and JSON is UTF-8, so each byte is written as the character of its number.
 std::string ToText(const std::string& bytes) {
@@ -92,15 +96,20 @@ bool IsCurrent(const FilmRecord& record) {
 }
 
 std::optional<FilmRecord> ReadRecord(const std::string& path) {
+  // The folder may be shared: what lies there under a record's name need not be one.
+  std::error_code error;
+  if (!IsFile(path) || fs::file_size(path, error) > kLargestRecord || error) return std::nullopt;
   std::ifstream file(path, std::ios::binary);
   if (!file) return std::nullopt;
+  const auto whole = [](const Json& number) {
+    return number.is_number_integer() ? number.get<int64_t>() : -1;  // no file's
+  };
   try {
     const Json json = Json::parse(file);
     FilmRecord record;
     for (const Json& source : json.at("sources")) {
       record.sources.push_back({ToBytes(source.at("path").get<std::string>()),
-                                source.at("bytes").get<int64_t>(),
-                                source.at("time").get<int64_t>()});
+                                whole(source.at("bytes")), whole(source.at("time"))});
     }
     for (const Json& word : json.at("options")) {
       record.options.push_back(ToBytes(word.get<std::string>()));

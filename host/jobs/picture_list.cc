@@ -21,6 +21,9 @@ namespace fs = std::filesystem;
 constexpr std::array kEndings = {".jpg", ".jpeg", ".jpe", ".png", ".tif",  ".tiff", ".webp",
                                  ".gif", ".bmp",  ".dib", ".tga", ".heic", ".heif"};
 
+/// Of a list, which may come from a pipe without end.
+constexpr size_t kMostPictures = 1000000;
+
 std::string Lowered(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(),
                  [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
@@ -48,20 +51,43 @@ std::vector<std::string> InFolder(const std::string& folder) {
   return pictures;
 }
 
+Error NoList(const std::string& list) {
+  return Error(list + ": is no list; write a file with the path of a picture on each line");
+}
+
+/// The next line of a list into `line`; false at the end. What is no list may have no lines at all,
+/// so that no line is read beyond what the longest path needs.
+bool ReadLine(std::istream& file, const std::string& list, std::string& line) {
+  constexpr size_t kLongest = 65536;
+  line.resize(kLongest);
+  file.getline(line.data(), static_cast<std::streamsize>(kLongest));
+  if (file.bad()) throw Error(list + ": cannot be read to its end");
+  const auto count = static_cast<size_t>(file.gcount());
+  if (file.eof()) {
+    line.resize(count);
+    return count > 0;
+  }
+  if (file.fail()) throw NoList(list);
+  line.resize(count - 1);
+  return true;
+}
+
 std::vector<std::string> InList(const std::string& list) {
   std::ifstream file(list);
   if (!file) throw Error(list + ": cannot be read as a list of pictures");
   const fs::path folder = fs::path(list).parent_path();
   std::vector<std::string> pictures;
   bool first = true;
-  for (std::string line; std::getline(file, line);) {
+  for (std::string line; ReadLine(file, list, line);) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
     // Some editors begin a text so.
     constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
     if (first && line.starts_with(kByteOrderMark)) line.erase(0, kByteOrderMark.size());
     first = false;
-    if (line.find('\0') != line.npos) {
-      throw Error(list + ": is no list; write a file with the path of a picture on each line");
+    if (line.find('\0') != line.npos) throw NoList(list);
+    if (pictures.size() == kMostPictures) {
+      throw Error(list + ": names more than " + std::to_string(kMostPictures) +
+                  " pictures; give them in several lists");
     }
     if (!line.empty()) pictures.push_back(NarrowText(folder / line));
   }

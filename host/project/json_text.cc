@@ -17,6 +17,7 @@ using nlohmann::json;
 class Strict {
  public:
   bool operator()(int depth, json::parse_event_t event, json& parsed) {
+    CountEntry(event);
     switch (event) {
       case json::parse_event_t::object_start:
       case json::parse_event_t::array_start:
@@ -25,10 +26,12 @@ class Strict {
                       " objects and arrays within each other");
         }
         names_.emplace_back();
+        entries_.push_back(0);
         break;
       case json::parse_event_t::object_end:
       case json::parse_event_t::array_end:
         names_.pop_back();
+        entries_.pop_back();
         break;
       case json::parse_event_t::key:
         CheckLength(parsed);
@@ -49,6 +52,17 @@ class Strict {
   }
 
  private:
+  /// While parsing, as the validator spends minutes and gigabytes on millions of them.
+  void CountEntry(json::parse_event_t event) {
+    const bool begins = event == json::parse_event_t::value ||
+                        event == json::parse_event_t::object_start ||
+                        event == json::parse_event_t::array_start;
+    if (begins && !entries_.empty() && ++entries_.back() > kMaxJsonEntries) {
+      throw Error("has more than " + std::to_string(kMaxJsonEntries) +
+                  " entries in one object or array");
+    }
+  }
+
   static void CheckLength(const json& text) {
     if (text.get_ref<const std::string&>().size() > kMaxJsonString) {
       throw Error("has a text of more than " + std::to_string(kMaxJsonString) + " bytes");
@@ -56,6 +70,7 @@ class Strict {
   }
 
   std::vector<std::set<std::string>> names_;
+  std::vector<size_t> entries_;  ///< of the objects and arrays that are open
 };
 
 /// The parser's message without the name of its exception.

@@ -14,6 +14,9 @@ constexpr int kMaxJsonDepth = 16;
 /// Bytes of a text within it at most; no path is longer.
 constexpr size_t kMaxJsonString = 4096;
 
+/// Entries of an object or array at most; no list of a project may hold more.
+constexpr size_t kMaxJsonEntries = 10000;
+
 /// Parses `text`. Throws Error where it is no JSON, says one thing twice or passes a limit.
 nlohmann::json ParseJson(const std::string& text);
 

@@ -58,6 +58,19 @@ TEST(FilmRecord, IsNoneWhereTheFileIsNone) {
     std::ofstream(folder / "bad.json") << text;
     EXPECT_EQ(ReadRecord(folder / "bad.json"), std::nullopt) << text;
   }
+  std::ofstream(folder / "long.json") << std::string(2 << 20, ' ') << "{}";
+  EXPECT_EQ(ReadRecord(folder / "long.json"), std::nullopt);
+  std::filesystem::create_directory(folder / "folder.json");
+  EXPECT_EQ(ReadRecord(folder / "folder.json"), std::nullopt);
+}
+
+TEST(FilmRecord, OfNumbersThatNoFileHasIsOutOfDate) {
+  const test::TempFolder folder;
+  std::ofstream(folder / "odd.json")
+      << R"({"sources": [{"path": "a", "bytes": 1e300, "time": 2.5}], "options": []})";
+  const auto record = ReadRecord(folder / "odd.json");
+  ASSERT_TRUE(record.has_value());
+  EXPECT_FALSE(IsCurrent(*record));
 }
 
 }  // namespace

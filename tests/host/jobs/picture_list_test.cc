@@ -53,6 +53,20 @@ TEST(PictureList, WithoutPicturesIsAnError) {
   EXPECT_THROW(PicturesOf(folder / "blank.txt"), Error);
 }
 
+TEST(PictureList, WithoutEndOrThatCannotBeReadIsAnError) {
+  const TempFolder folder;
+  std::ofstream(folder / "long.txt") << std::string(100000, 'a') << "\n";
+  EXPECT_THAT([&] { PicturesOf(folder / "long.txt"); },
+              testing::ThrowsMessage<Error>(testing::HasSubstr("is no list")));
+#if defined(__linux__)
+  EXPECT_THAT([] { PicturesOf("/dev/zero"); },
+              testing::ThrowsMessage<Error>(testing::HasSubstr("is no list")));
+  // Opens, and cannot be read.
+  EXPECT_THAT([] { PicturesOf("/proc/self/mem"); },
+              testing::ThrowsMessage<Error>(testing::HasSubstr("cannot be read to its end")));
+#endif
+}
+
 TEST(FilmNames, AreThePicturesWithAnotherEnding) {
   EXPECT_THAT(FilmNames({"x/a.jpg", "x/b.c.png"}, "mp4"), ElementsAre("a.mp4", "b.c.mp4"));
 }

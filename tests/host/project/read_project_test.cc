@@ -225,7 +225,7 @@ TEST(ReadProject, LimitsHold) {
     keys +=
         (i == 0 ? "" : ",") + std::string(R"({"frame": )") + std::to_string(i) + R"(, "value": 1})";
   }
-  EXPECT_THAT(FaultOf("size", "[" + keys + "]"), HasSubstr("at most 10000"));
+  EXPECT_THAT(FaultOf("size", "[" + keys + "]"), HasSubstr("more than 10000 entries"));
 }
 
 TEST(ReadProject, FilesThatCannotBeReadAreToldByName) {
