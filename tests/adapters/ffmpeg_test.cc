@@ -61,19 +61,21 @@ TEST_F(Ffmpeg, SourceRendersTheFramesOfTheCommandAtEverySize) {
 }
 
 TEST_F(Ffmpeg, AProjectRendersTheFramesOfTheCommandInBothPlugins) {
-  const Size size{854, 480};
   const std::string project = folder_ / "film.json";
   test::WriteTestProject(project, "photo.bmp", 6);
-  const Frames command = test::RenderByCommand(project, size, {});
-  ASSERT_EQ(command.Count(), 6u);
-  ExpectSameFrames(Render(Video(size, "50") + ",frei0r=kelto_pan_zoom:" + project, size, 6),
-                   command, "filter");
-  EXPECT_TRUE(outcome_.Lines().empty()) << outcome_.err;
-  ExpectSameFrames(Render("frei0r_src=size=854x480:framerate=50:filter_name=kelto_pan_zoom_src:"
-                          "filter_params=" +
-                              project,
-                          size, 6),
-                   command, "source");
+  for (const Size size : test::kSizes) {
+    const Frames command = test::RenderByCommand(project, size, {});
+    ASSERT_EQ(command.Count(), 6u);
+    ExpectSameFrames(Render(Video(size, "50") + ",frei0r=kelto_pan_zoom:" + project, size, 6),
+                     command, size.Text() + " filter");
+    EXPECT_TRUE(outcome_.Lines().empty()) << outcome_.err;
+    ExpectSameFrames(Render("frei0r_src=size=" + size.Text() +
+                                ":framerate=50:filter_name=kelto_pan_zoom_src:"
+                                "filter_params=" +
+                                project,
+                            size, 6),
+                     command, size.Text() + " source");
+  }
 }
 
 TEST_F(Ffmpeg, FieldsAndThePixelsShapeOfAProjectAreItsOwn) {

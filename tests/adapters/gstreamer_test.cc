@@ -62,19 +62,20 @@ TEST_F(GStreamer, SourceRendersTheFramesOfTheCommandAtEverySize) {
 }
 
 TEST_F(GStreamer, AProjectRendersTheFramesOfTheCommandInBothPlugins) {
-  const Size size{854, 480};
   const std::string project = folder_ / "film.json";
   test::WriteTestProject(project, "photo.bmp", 6);
-  const Frames command = test::RenderByCommand(project, size, {});
-  ExpectSameFrames(Launch({"videotestsrc", "num-buffers=6", "!", Caps(size), "!",
-                           "frei0r-filter-kelto-pan-zoom", "image=" + project, "fps=25"},
-                          size),
-                   command, "filter");
-  EXPECT_TRUE(outcome_.Lines().empty()) << outcome_.err;
-  ExpectSameFrames(Launch({"frei0r-src-kelto-pan-zoom-src", "image=" + project, "fps=25",
-                           "num-buffers=6", "!", Caps(size)},
-                          size),
-                   command, "source");
+  for (const Size size : test::kSizes) {
+    const Frames command = test::RenderByCommand(project, size, {});
+    ExpectSameFrames(Launch({"videotestsrc", "num-buffers=6", "!", Caps(size), "!",
+                             "frei0r-filter-kelto-pan-zoom", "image=" + project, "fps=25"},
+                            size),
+                     command, size.Text() + " filter");
+    EXPECT_TRUE(outcome_.Lines().empty()) << outcome_.err;
+    ExpectSameFrames(Launch({"frei0r-src-kelto-pan-zoom-src", "image=" + project, "fps=25",
+                             "num-buffers=6", "!", Caps(size)},
+                            size),
+                     command, size.Text() + " source");
+  }
 }
 
 TEST_F(GStreamer, LookingAtAnElementOpensNoPhotographAndSaysNothing) {

@@ -89,37 +89,40 @@ TEST_F(Melt, ProducerWithKeyframedProgressRendersTheFramesOfTheCommandAtEverySiz
 }
 
 TEST_F(Melt, ProducerWithKeyframedZoomRendersTheViewsInBetween) {
-  const Size size{854, 480};
-  const Frames frames = Render(Producer(4, {"zoom=0=1;4=2", "x=0=0;4=0.2"}), size, 4);
-  ASSERT_EQ(frames.Count(), 5u);
-  const size_t length = frames.bytes.size() / 5;
-  const char* views[] = {"1@0,0", "1.25@0.05,0", "1.5@0.1,0", "1.75@0.15,0", "2@0.2,0"};
-  for (size_t i = 0; i < 5; ++i) {
-    Frames frame{size.width, size.height, {}};
-    frame.bytes.assign(frames.bytes.begin() + length * i, frames.bytes.begin() + length * (i + 1));
-    ExpectSameFrames(
-        frame,
-        RenderByCommand(photo_, size,
-                        {"--frames", "1", "--from", views[i], "--background", "#203040"}),
-        views[i]);
+  for (const Size size : test::kSizes) {
+    const Frames frames = Render(Producer(4, {"zoom=0=1;4=2", "x=0=0;4=0.2"}), size, 4);
+    ASSERT_EQ(frames.Count(), 5u);
+    const size_t length = frames.bytes.size() / 5;
+    const char* views[] = {"1@0,0", "1.25@0.05,0", "1.5@0.1,0", "1.75@0.15,0", "2@0.2,0"};
+    for (size_t i = 0; i < 5; ++i) {
+      Frames frame{size.width, size.height, {}};
+      frame.bytes.assign(frames.bytes.begin() + length * i,
+                         frames.bytes.begin() + length * (i + 1));
+      ExpectSameFrames(
+          frame,
+          RenderByCommand(photo_, size,
+                          {"--frames", "1", "--from", views[i], "--background", "#203040"}),
+          size.Text() + " at " + views[i]);
+    }
   }
 }
 
 TEST_F(Melt, AProjectRendersTheFramesOfTheCommandOnManyThreads) {
-  const Size size{854, 480};
   const std::string project = folder_ / "film.json";
   test::WriteTestProject(project, "photo.bmp", 8);
-  const Frames command = test::RenderByCommand(project, size, {});
-  const Words producer{"frei0r.kelto_pan_zoom_src", "out=7", "image=" + project};
-  Words led = producer, timed = producer;
-  led.push_back("progress=0=0;7=1");
-  ExpectSameFrames(Render(led, size, 4), command, "led by progress");
-  timed.push_back("fps=25");  // the profile's
-  ExpectSameFrames(Render(timed, size, 4), command, "by itself");
-  EXPECT_TRUE(outcome_.Lines().empty()) << outcome_.err;
-  const Words filter{"colour:red",       "out=7",           "-filter", "frei0r.kelto_pan_zoom",
-                     "image=" + project, "progress=0=0;7=1"};
-  ExpectSameFrames(Render(filter, size, 4), command, "filter");
+  for (const Size size : test::kSizes) {
+    const Frames command = test::RenderByCommand(project, size, {});
+    const Words producer{"frei0r.kelto_pan_zoom_src", "out=7", "image=" + project};
+    Words led = producer, timed = producer;
+    led.push_back("progress=0=0;7=1");
+    ExpectSameFrames(Render(led, size, 4), command, size.Text() + " led by progress");
+    timed.push_back("fps=25");  // the profile's
+    ExpectSameFrames(Render(timed, size, 4), command, size.Text() + " by itself");
+    EXPECT_TRUE(outcome_.Lines().empty()) << outcome_.err;
+    const Words filter{"colour:red",       "out=7",           "-filter", "frei0r.kelto_pan_zoom",
+                       "image=" + project, "progress=0=0;7=1"};
+    ExpectSameFrames(Render(filter, size, 4), command, size.Text() + " filter");
+  }
 }
 
 TEST_F(Melt, ClipsOfAColourWithTheFilterMoveFromTheirOwnBeginnings) {
