@@ -116,8 +116,10 @@ void CheckRequest(const FilmKind& kind, const FilmRequest& request) {
     heightStep = codec.HeightStep(interlaced);
   } else {
     const auto refuse = [&](const std::string& option, const std::string& lack) {
-      throw UsageError(option + ": " + kind.name + " films have no " + lack + "; use one of " +
-                       Names(&IsContainer));
+      const std::string others = Names(&IsContainer);
+      throw UsageError(option + ": " + kind.name + " films have no " + lack +
+                       (others.empty() ? ", nor have the others that this command writes"
+                                       : "; use one of " + others));
     };
     if (!request.codec.empty()) refuse("--codec " + request.codec, "codec");
     if (!request.audio.empty()) refuse("--audio " + request.audio, "sound");

@@ -12,6 +12,7 @@ StillError OpenFailure(int error) {
   switch (error) {
     case ENOENT:
     case ENOTDIR:
+    case EINVAL:  // of letters that no name may have here
       return {fnfErr, "no such file"};
     case EACCES:
     case EPERM:

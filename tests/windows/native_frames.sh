@@ -22,7 +22,9 @@ convert() {
   mv "$folder/photo.$form" "$folder/$name"
 }
 name=JPEG444 form=jpg convert -pix_fmt yuvj444p -q:v 2
+name=JPEG420 form=jpg convert -pix_fmt yuvj420p -q:v 2
 name=PNG48 form=png convert -pix_fmt rgb48be
+name=PNG24 form=png convert -pix_fmt rgb24
 name=TIFF form=tif convert -pix_fmt rgb24 -compression_algo lzw
 
 # 256 x 192 pixels with each level of each colour.

@@ -1,6 +1,6 @@
 #!/bin/sh
 # get-wine.sh FOLDER: puts 32-bit Wine and its libraries into FOLDER, unpacked from Debian's
-# packages. Needs no root, installs nothing. The folder can be moved until run-wine.sh has used it.
+# packages. Needs no root, installs nothing. The folder can be moved until run-wine has used it.
 set -eu
 # shellcheck source=tools/windows/cache.sh
 . "$(dirname "$0")/cache.sh"

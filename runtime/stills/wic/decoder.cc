@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "runtime/stills/row_writer.h"
+#include "runtime/stills/still_error.h"
 #include "runtime/stills/wic/gif_screen.h"
 #include "runtime/stills/wic/orientation.h"
 #include "runtime/stills/wic/picture.h"
@@ -29,7 +30,7 @@ class Wic final : public Decoder {
 
   void Decode(StillFile& file, const StillInfo& info, const PixelBuffer& target) const override {
     const auto screen = ReadGifScreen(file);
-    WicPicture picture(file);
+    WicPicture picture = OpenAgain(file);
     CheckUnchanged(info, screen ? screen->width : picture.width(),
                    screen ? screen->height : picture.height());
     picture.Convert();
@@ -45,6 +46,16 @@ class Wic final : public Decoder {
   }
 
  private:
+  /// The component has known the file before.
+  static WicPicture OpenAgain(StillFile& file) {
+    try {
+      return WicPicture(file);
+    } catch (const StillError& error) {
+      if (error.code != noCodecErr) throw;
+      throw StillError(codecBadDataErr, "the file changed after it was opened");
+    }
+  }
+
   static void DrawWhole(WicPicture& picture, RowWriter& writer) {
     const uint32_t width = picture.width(), height = picture.height();
     for (uint32_t y = 0; y < height;) {

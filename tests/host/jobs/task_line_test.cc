@@ -4,12 +4,14 @@
 
 #include <array>
 #include <cstdio>
+#include <string>
 
 #include "host/error.h"
 
 namespace kelto::host {
 namespace {
 
+#if !defined(_WIN32)  // which has no such shell to ask
 /// What a shell makes of a word.
 std::string ByShell(const std::string& quoted) {
   const std::string line = "printf %s " + quoted;
@@ -22,19 +24,27 @@ std::string ByShell(const std::string& quoted) {
   pclose(shell);
   return text;
 }
+#endif
 
 TEST(TaskLine, OrdinaryWordsStayAsTheyAre) {
   EXPECT_EQ(TaskLine({"kelto", "render", "/a/b-1.jpg", "--from", "1@0.5,-0.1"}),
             "kelto render /a/b-1.jpg --from 1@0.5,-0.1");
 }
 
+TEST(TaskLine, OtherWordsAreQuoted) {
+  EXPECT_EQ(ShellQuoted("a b"), "'a b'");
+  EXPECT_EQ(ShellQuoted("it's"), "'it'\\''s'");
+  EXPECT_EQ(ShellQuoted(""), "''");
+}
+
+#if !defined(_WIN32)
 TEST(TaskLine, AShellReadsEveryWordBack) {
   for (const std::string word : {"it's", "a b", "$HOME", "`x`", "\"", "\\", "*", "#rrggbb", "~",
                                  "!", "tab\there", "Zürich", "'", "''", "-n;ls", "{1,2}"}) {
     EXPECT_EQ(ByShell(ShellQuoted(word)), word);
   }
-  EXPECT_EQ(ShellQuoted(""), "''");
 }
+#endif
 
 TEST(TaskLine, AWordOfTwoLinesIsRefused) { EXPECT_THROW(TaskLine({"a\nb"}), Error); }
 

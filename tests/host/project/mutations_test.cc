@@ -151,8 +151,12 @@ class Mutations : public testing::Test {
   std::vector<std::string> texts_;
 };
 
-TEST_F(Mutations, TenThousandDamagedProjectsAreRefusedOrRender) {
+TEST_F(Mutations, DamagedProjectsAreRefusedOrRender) {
+#if defined(_WIN32)
+  constexpr int kCount = 1000;  // a test for what differs there, at Wine's pace
+#else
   constexpr int kCount = 10000;
+#endif
   host::RenderPlan first = host::DefaultPlan(folder_ / "photo.bmp");
   first.format.size = {32, 24};
   host::EffectSession session(KELTO_MODULE, first, host::OpenPhoto(first.photo),

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
 #include "host/error.h"
 #include "host/project/project_file.h"
@@ -14,10 +15,13 @@ namespace {
 
 using test::BytesOf;
 
+namespace fs = std::filesystem;
+
 void ExpectSame(const RenderPlan& a, const RenderPlan& b) {
-  EXPECT_EQ(a.photo, b.photo);
-  EXPECT_EQ(a.over, b.over);
-  EXPECT_EQ(a.audio, b.audio);
+  // As paths: slashes may lean either way on Windows.
+  EXPECT_EQ(fs::path(a.photo), fs::path(b.photo));
+  EXPECT_EQ(fs::path(a.over), fs::path(b.over));
+  EXPECT_EQ(fs::path(a.audio), fs::path(b.audio));
   EXPECT_EQ(a.format.size, b.format.size);
   EXPECT_EQ(a.format.rate, b.format.rate);
   EXPECT_EQ(a.format.fields, b.format.fields);
@@ -69,15 +73,15 @@ TEST_F(RoundTrip, WhatThePlanLeavesToTheEffectStaysThere) {
 
 TEST_F(RoundTrip, FilesBesideAndBelowTheProjectAreNamedRelativeToItOthersInFull) {
   RenderPlan plan = Here(DefaultPlan("sub/photo.jpg"));
-  plan.over = (std::filesystem::path(folder_ / "").parent_path().parent_path() / "x.mp4").string();
+  plan.over = (fs::path(folder_ / "").parent_path().parent_path() / "x.mp4").string();
   const std::string text = ProjectText(folder_ / "p.json", plan);
   EXPECT_NE(text.find("\"image\": \"sub/photo.jpg\""), std::string::npos) << text;
-  EXPECT_NE(text.find("\"over\": \"" + plan.over + "\""), std::string::npos) << text;
+  EXPECT_NE(text.find("\"over\": " + nlohmann::json(plan.over).dump()), std::string::npos) << text;
 }
 
 TEST_F(RoundTrip, PathsAreRelativeToTheProjectNotToTheCurrentFolder) {
   const RenderPlan plan = ParseProject(R"({"image": "a/b.jpg", "audio": "/c.wav"})", "x/y.json");
-  EXPECT_EQ(plan.photo, "x/a/b.jpg");
+  EXPECT_EQ(fs::path(plan.photo), fs::path("x/a/b.jpg"));
   EXPECT_EQ(plan.audio, "/c.wav");
   EXPECT_EQ(ParseProject(R"({"image": "b.jpg"})", "y.json").photo, "b.jpg");
 }
@@ -85,7 +89,7 @@ TEST_F(RoundTrip, PathsAreRelativeToTheProjectNotToTheCurrentFolder) {
 TEST_F(RoundTrip, APlanThatNoProjectCanHoldIsRefusedAndNothingWritten) {
   const auto refused = [&](const RenderPlan& plan) {
     EXPECT_THROW(WriteProject(folder_ / "p.json", plan), Error);
-    EXPECT_FALSE(std::filesystem::exists(folder_ / "p.json"));
+    EXPECT_FALSE(fs::exists(folder_ / "p.json"));
   };
   RenderPlan plan = DefaultPlan("photo.jpg");
   plan.Set("size", 50.0);
@@ -93,7 +97,9 @@ TEST_F(RoundTrip, APlanThatNoProjectCanHoldIsRefusedAndNothingWritten) {
   plan = DefaultPlan("photo.jpg");
   plan.Set("lens", 1.0);
   refused(plan);
+#if !defined(_WIN32)  // where names are letters of a code page, and any of them can be UTF-8
   refused(DefaultPlan("photo \xff.jpg"));
+#endif
   plan = DefaultPlan("photo.jpg");
   plan.SettingOf("size").keys = {{0.5, 1.0}, {0.5, 2.0}};
   refused(plan);

@@ -14,9 +14,22 @@ namespace {
 
 using testing::HasSubstr;
 
+/// Sets the environment's variable; an empty text takes it away.
+void NameModuleInEnvironment(const std::string& path) {
+#if defined(_WIN32)
+  _putenv_s(kModuleVariable, path.c_str());
+#else
+  if (path.empty()) {
+    unsetenv(kModuleVariable);
+  } else {
+    setenv(kModuleVariable, path.c_str(), 1);
+  }
+#endif
+}
+
 class ModuleFile : public testing::Test {
  protected:
-  void TearDown() override { unsetenv(kModuleVariable); }
+  void TearDown() override { NameModuleInEnvironment(""); }
 
   std::string File(const char* name) {
     std::string path = folder_ / name;
@@ -36,19 +49,19 @@ class ModuleFile : public testing::Test {
 };
 
 TEST_F(ModuleFile, TheOneGivenGoesFirst) {
-  setenv(kModuleVariable, File("other.hfx").c_str(), 1);
+  NameModuleInEnvironment(File("other.hfx"));
   EXPECT_EQ(FindModule(File("given.hfx")), folder_ / "given.hfx");
 }
 
 TEST_F(ModuleFile, ThenTheEnvironments) {
-  setenv(kModuleVariable, File("other.hfx").c_str(), 1);
+  NameModuleInEnvironment(File("other.hfx"));
   EXPECT_EQ(FindModule(""), folder_ / "other.hfx");
 }
 
 TEST_F(ModuleFile, OneThatIsNamedMustBeThere) {
   EXPECT_THAT(ErrorOf(folder_ / "no.hfx"), HasSubstr(folder_ / "no.hfx"));
   EXPECT_THAT(ErrorOf(folder_ / ""), HasSubstr("--module"));
-  setenv(kModuleVariable, (folder_ / "no.hfx").c_str(), 1);
+  NameModuleInEnvironment(folder_ / "no.hfx");
   EXPECT_THAT(ErrorOf(""), HasSubstr(kModuleVariable));
 }
 

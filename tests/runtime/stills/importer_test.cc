@@ -1,22 +1,31 @@
-// The importer's own contract, whatever the format.
-#include <sys/stat.h>
-#include <unistd.h>
+// The importer's own contract, whatever the format and whoever decodes it.
+#include <gmock/gmock.h>
 
 #include <cstring>
 #include <filesystem>
 
-#include "tests/runtime/stills/encode_jpeg.h"
-#include "tests/runtime/stills/encode_png.h"
+#include "tests/runtime/stills/drawing.h"
 #include "tests/runtime/stills/still_test.h"
 
 namespace kelto::stills {
 namespace {
 
+using testing::AnyOf;
+using testing::StartsWith;
+
 class Importer : public StillTest {
  protected:
-  /// A 6x4 PNG.
-  std::string SmallPicture(const std::string& name = "small.png") const {
-    return Write(name, EncodePng(PngOf(GradientPicture(6, 4))));
+  /// A BMP without loss, which every decoder reads.
+  std::string Gradual(const std::string& name, int width, int height) const {
+    test::WritePhoto(Path(name), width, height, [](int32_t x, int32_t y) {
+      const Pixel p = Gradient(x, y);
+      return test::Rgb{p.r, p.g, p.b};
+    });
+    return Path(name);
+  }
+  /// 6x4 pixels.
+  std::string SmallPicture(const std::string& name = "small.bmp") const {
+    return Gradual(name, 6, 4);
   }
 };
 
@@ -40,9 +49,10 @@ TEST(FileSpecification, MissingEmptyAndTooLongPathsAreFilesNotFound) {
 }
 
 TEST_F(Importer, APathOfMoreThan255CharactersCannotBeOpenedThoughTheFileIsThere) {
-  const std::string folder = Path(std::string(200, 'd'));
+  const std::string folder = Path(std::string(180, 'd')) + "/";
   std::filesystem::create_directory(folder);
-  const std::string path = folder + "/" + std::string(60, 'f');
+  // Windows opens up to 259.
+  const std::string path = folder + std::string(257 - folder.size(), 'f');
   std::filesystem::copy(SmallPicture(), path);
   EXPECT_EQ(OpenStill(path).error, fnfErr);
 }
@@ -55,27 +65,6 @@ TEST_F(Importer, SaysWhyAFileCannotBeRead) {
   EXPECT_EQ(LoadStill(Path("photos")).error, fnfErr);
   EXPECT_EQ(LoadStill(Path("photos")).text, "photos: a folder, not a picture");
   EXPECT_EQ(LoadStill(Path("photos/")).error, fnfErr);
-}
-
-TEST_F(Importer, SaysThatAFileMayNotBeRead) {
-  const std::string path = SmallPicture("secret.png");
-  ASSERT_EQ(::chmod(path.c_str(), 0), 0);
-  const bool privileged = ::geteuid() == 0;
-  constexpr uid_t kNobody = 65534;
-  if (privileged) {
-    ASSERT_EQ(::seteuid(kNobody), 0);
-  }
-  const Loaded loaded = LoadStill(path);
-  if (privileged) {
-    ASSERT_EQ(::seteuid(0), 0);
-  }
-  EXPECT_EQ(loaded.error, fnfErr);
-  EXPECT_EQ(loaded.text, "secret.png: no permission to read the file");
-}
-
-TEST_F(Importer, APipeIsRefusedWithoutWaitingForItsWriter) {
-  ASSERT_EQ(::mkfifo(Path("pipe.jpg").c_str(), 0600), 0);
-  EXPECT_EQ(LoadStill(Path("pipe.jpg")).text, "pipe.jpg: not a file");
 }
 
 TEST_F(Importer, EmptyFilesAndTextsAreNoPictures) {
@@ -94,7 +83,7 @@ TEST_F(Importer, ShortFilesOfAnyFirstByteAreNoPictures) {
 }
 
 TEST_F(Importer, ContentCountsAndNotTheName) {
-  const Loaded loaded = LoadStill(SmallPicture("really-a-png.jpg"));
+  const Loaded loaded = LoadStill(SmallPicture("really-a-bmp.jpg"));
   ASSERT_EQ(loaded.error, noErr) << loaded.text;
   EXPECT_EQ(LargestDifference(loaded.picture, GradientPicture(6, 4)), 0);
 }
@@ -166,32 +155,12 @@ TEST_F(Importer, RefusesToDrawIntoNoWorldOrOneSmallerThanThePicture) {
               noErr);
     ASSERT_EQ(GraphicsImportSetGWorld(opened.importer, world, nullptr), noErr);
     EXPECT_EQ(GraphicsImportDraw(opened.importer), paramErr);
-    EXPECT_STREQ(StillImporterLastError(), "small.png: the world is smaller than the picture");
+    EXPECT_STREQ(StillImporterLastError(), "small.bmp: the world is smaller than the picture");
     DisposeGWorld(world);
   }
   EXPECT_EQ(pixels, untouched);
   CloseComponent(opened.importer);
 }
-
-/// An importer with a world over its own pixels.
-struct Drawing {
-  explicit Drawing(const Opened& opened) : importer(opened.importer) {
-    StillRect bounds = {};
-    GraphicsImportGetNaturalBounds(importer, &bounds);
-    const int row_bytes = bounds.right * 4;
-    pixels.resize(size_t{1} * row_bytes * bounds.bottom);
-    QTNewGWorldFromPtr(&world, k32BGRAPixelFormat, &bounds, nullptr, nullptr, 0, pixels.data(),
-                       row_bytes);
-    GraphicsImportSetGWorld(importer, world, nullptr);
-  }
-  ~Drawing() {
-    DisposeGWorld(world);
-    CloseComponent(importer);
-  }
-  GraphicsImportComponent importer;
-  GWorldPtr world = nullptr;
-  Bytes pixels;
-};
 
 TEST_F(Importer, DrawsTwiceAlike) {
   Drawing drawing(OpenStill(SmallPicture()));
@@ -202,57 +171,37 @@ TEST_F(Importer, DrawsTwiceAlike) {
   EXPECT_EQ(drawing.pixels, first);
 }
 
-TEST_F(Importer, KeepsTheFileOpenSoThatADeletedOneStillDraws) {
-  const std::string path = SmallPicture();
-  Drawing drawing(OpenStill(path));
-  std::filesystem::remove(path);
-  EXPECT_EQ(GraphicsImportDraw(drawing.importer), noErr);
-}
-
-/// A PNG without compression, larger than what a stream reads ahead.
-Bytes LargePng(int width, int height) {
-  PngSpec spec = PngOf(GradientPicture(width, height));
-  spec.chunks = [](png_structp png, png_infop) { png_set_compression_level(png, 0); };
-  return EncodePng(spec);
-}
+// Decoders that read a picture in one piece cannot tell a file's end from damage.
+const auto kSaysThatCut = AnyOf(StartsWith("cut.bmp: truncated "), StartsWith("cut.bmp: damaged "),
+                                StartsWith("cut.bmp: the file changed after it was opened"));
 
 TEST_F(Importer, AFileCutShortAfterItWasOpenedIsAnError) {
-  const Bytes whole = LargePng(200, 150);
   for (const uintmax_t left : {uintmax_t{60000}, uintmax_t{20}, uintmax_t{0}}) {
-    const std::string path = Write("large.png", whole);
+    const std::string path = Gradual("cut.bmp", 200, 150);
     Drawing drawing(OpenStill(path));
     std::filesystem::resize_file(path, left);
     EXPECT_EQ(GraphicsImportDraw(drawing.importer), codecBadDataErr) << left;
-    EXPECT_STREQ(StillImporterLastError(), "large.png: truncated PNG (the file ends too early)");
+    EXPECT_THAT(StillImporterLastError(), kSaysThatCut);
   }
 }
 
 TEST_F(Importer, AFileThatBecameAnotherPictureAfterItWasOpenedIsAnError) {
   for (const int width : {190, 210}) {
-    Drawing png(OpenStill(Write("large.png", LargePng(200, 150))));
-    Write("large.png", LargePng(width, 150));
-    EXPECT_EQ(GraphicsImportDraw(png.importer), codecBadDataErr);
-    EXPECT_STREQ(StillImporterLastError(), "large.png: the file changed after it was opened");
-
-    JpegSpec jpeg = JpegOf(GradientPicture(200, 150));
-    jpeg.quality = 100;
-    Drawing photo(OpenStill(Write("large.jpg", EncodeJpeg(jpeg))));
-    jpeg = JpegOf(GradientPicture(width, 150));
-    jpeg.quality = 100;
-    Write("large.jpg", EncodeJpeg(jpeg));
-    EXPECT_EQ(GraphicsImportDraw(photo.importer), codecBadDataErr);
-    EXPECT_STREQ(StillImporterLastError(), "large.jpg: the file changed after it was opened");
+    Drawing drawing(OpenStill(Gradual("large.bmp", 200, 150)));
+    Gradual("large.bmp", width, 150);
+    EXPECT_EQ(GraphicsImportDraw(drawing.importer), codecBadDataErr);
+    EXPECT_STREQ(StillImporterLastError(), "large.bmp: the file changed after it was opened");
   }
 }
 
 TEST_F(Importer, TheLastErrorGoesWithTheNextSuccessButOutlivesCleaningUp) {
-  Bytes cut = EncodePng(PngOf(GradientPicture(6, 4)));
-  cut.resize(70);
+  const std::string path = SmallPicture("cut.bmp");
+  std::filesystem::resize_file(path, 70);
   {
-    Drawing drawing(OpenStill(Write("cut.png", cut)));
+    Drawing drawing(OpenStill(path));
     ASSERT_EQ(GraphicsImportDraw(drawing.importer), codecBadDataErr);
   }
-  EXPECT_STREQ(StillImporterLastError(), "cut.png: truncated PNG (the file ends too early)");
+  EXPECT_THAT(StillImporterLastError(), kSaysThatCut);
   FSSpec spec;
   MakeFileSpecification("x", &spec);
   EXPECT_STREQ(StillImporterLastError(), "");

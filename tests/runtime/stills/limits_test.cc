@@ -3,8 +3,6 @@
 
 #include <zlib.h>
 
-#include "runtime/stills/scratch.h"
-#include "runtime/stills/still_error.h"
 #include "tests/runtime/stills/encode_jpeg.h"
 #include "tests/runtime/stills/encode_png.h"
 #include "tests/runtime/stills/encode_tiff.h"
@@ -126,17 +124,6 @@ TEST_F(Limits, PackedTextsOfAPngAreNotUnpacked) {
   for (int i = 0; i < 20; ++i)
     bytes.insert(bytes.begin() + kPngAfterHeader, chunk.begin(), chunk.end());
   EXPECT_EQ(LargestDifference(Load(bytes).picture, GradientPicture(8, 8)), 0);
-}
-
-TEST_F(Limits, WorkingMemoryIsCheckedBeforeItIsAllocated) {
-  CheckScratch(kMaxScratchBytes);
-  try {
-    CheckScratch(kMaxScratchBytes + (1 << 20));
-    FAIL() << "more than the limit was allowed";
-  } catch (const StillError& error) {
-    EXPECT_EQ(error.code, codecBadDataErr);
-    EXPECT_EQ(error.reason, "decoding needs 2049 MiB of working memory; the limit is 2048 MiB");
-  }
 }
 
 TEST_F(Limits, TilesOfGigabytesAreRefused) {
