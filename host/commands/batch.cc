@@ -23,6 +23,9 @@
 #include "host/terminal/progress.h"
 #include "host/terminal/standard_output.h"
 #include "host/terminal/terminal.h"
+#if defined(KELTO_FFMPEG)
+#include "host/video/video_info.h"
+#endif
 
 namespace kelto::host {
 namespace {
@@ -69,6 +72,9 @@ class Batch {
                        "at a time");
     }
     // What is wrong with the options is told once, not of every picture.
+#if defined(KELTO_FFMPEG)
+    if (!options.plan.over.empty()) LookAtVideo(options.plan.over);
+#endif
     RenderPlan plan = DefaultPlan("");
     try {
       ApplyOptions(options.plan, plan);
@@ -78,10 +84,16 @@ class Batch {
       // Some options mean what they mean for a certain picture, and there is none yet.
     }
     CheckRequest(kind_, RequestFor("film", plan));
+#if defined(KELTO_FFMPEG)
+    if (!options.plan.audio.empty()) CheckSound(options.plan.audio);
+#endif
     CollectItems();
   }
 
   void PrintTasks() const {
+    // What Run would refuse; only a module that is named must be the same elsewhere.
+    JobsAsked(options_.film, 1);
+    if (!options_.film.module.empty()) FindModule(options_.film.module);
     std::string tasks;
     for (const Item& item : items_) tasks += TaskLine(TaskOf(item)) + "\n";
     PrintResult(tasks);

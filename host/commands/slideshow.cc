@@ -2,12 +2,15 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <memory>
+#include <set>
 
 #include "host/commands/film_options.h"
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
 #include "host/error.h"
+#include "host/film/codecs.h"
 #include "host/film/output_file.h"
 #include "host/jobs/film_job.h"
 #include "host/jobs/picture_list.h"
@@ -17,6 +20,7 @@
 #include "host/session/module_file.h"
 #include "host/session/photo.h"
 #include "host/terminal/events.h"
+#include "host/terminal/interrupt.h"
 #include "host/terminal/progress.h"
 #include "host/terminal/terminal.h"
 
@@ -24,12 +28,14 @@ namespace kelto::host {
 namespace {
 
 constexpr const char* kUsualEach = "5";
+/// As long as a fade is usually; shorter where photographs are not seen for twice as long.
 constexpr const char* kUsualFade = "1";
 
 /// The options as they were typed; empty where nothing was.
 struct SlideshowOptions {
   std::string input, output;
   std::string each = kUsualEach, fade = kUsualFade;
+  bool fadeGiven = false;
   FilmOptions film;
   PlanOptions plan;
 };
@@ -39,47 +45,69 @@ int32_t ParseFade(const std::string& text, FrameRate rate) {
   return ParseNumber(text) == 0.0 ? 0 : FramesOf(ParseSeconds(text), rate);
 }
 
-Slideshow ShowFor(const SlideshowOptions& options) {
+/// "0.5", which is read as the same number again.
+std::string NumberText(double number) {
+  char text[32];
+  return {text, std::to_chars(text, text + sizeof text, number).ptr};
+}
+
+/// Whole frames of a fade between pictures of `each` frames.
+int32_t FadeFor(const SlideshowOptions& options, FrameRate rate, int32_t each) {
+  const int32_t fade = ReadOption("--fade", options.fade,
+                                  [&](const std::string& text) { return ParseFade(text, rate); });
+  const double longest = ParseSeconds(options.each) / 2;
+  // Half of a photograph's time may end within a frame: rounded up, two of it would not fit.
+  const bool fits = ParseNumber(options.fade).value_or(0.0) <= longest;
+  if (fits || !options.fadeGiven) return std::min(fade, each / 2);
+  if (2 * int64_t{fade} <= each) return fade;
+  throw UsageError("--fade " + options.fade + ": two fades do not fit into --each " + options.each +
+                   "; --fade " + NumberText(longest) + " is the longest");
+}
+
+/// Looks at each photograph, which takes long where they are decoded for it.
+template <typename Items, typename Look>
+void ForEachPhoto(const Items& photos, const Look& look) {
+  Progress progress("photo", static_cast<int64_t>(photos.size()));
+  int64_t done = 0;
+  for (const auto& photo : photos) {
+    if (InterruptSignal() != 0) throw Error("interrupted");
+    look(photo);
+    progress.Show(++done);
+  }
+}
+
+Slideshow ShowFor(const SlideshowOptions& options, const std::vector<std::string>& pictures) {
   if (options.output.empty()) throw UsageError("-o is empty; name the film");
+  // What is quickly found wrong goes before the looking.
   Slideshow show;
+  show.kind = &KindFor(options.output, options.film.format);
+  show.workers = JobsAsked(options.film, CoreCount());
+  show.module = FindModule(options.film.module);
   PlanOptions each = options.plan;
   each.seconds = ReadOption("--each", options.each, [](const std::string& text) {
     ParseSeconds(text);  // so that a complaint names this option
     return text;
   });
-  for (const std::string& picture : PicturesOf(options.input)) {
-    show.plans.push_back(PlanFor(picture, each));
-  }
+  ForEachPhoto(pictures,
+               [&](const std::string& picture) { show.plans.push_back(PlanFor(picture, each)); });
   const RenderPlan& first = show.plans.front();
   show.each = first.frames;
-  show.fade = ReadOption("--fade", options.fade, [&](const std::string& text) {
-    return ParseFade(text, first.format.rate);
-  });
-  // Half of a photograph's time may end within a frame: rounded up, two of it would not fit.
-  if (2.0 * ParseNumber(options.fade).value_or(0.0) <= ParseSeconds(options.each)) {
-    show.fade = std::min(show.fade, show.each / 2);
-  }
-  if (2 * int64_t{show.fade} > show.each) {
-    throw UsageError("--fade " + options.fade + ": two fades do not fit into --each " +
-                     options.each);
-  }
-  show.kind = &KindFor(options.output, options.film.format);
+  show.fade = FadeFor(options, first.format.rate, show.each);
   show.request = {options.output, first.format,
                   SlideshowFrames(show.plans.size(), show.each, show.fade), options.film.codec,
                   options.plan.audio};
-  show.workers = JobsAsked(options.film, CoreCount());
   return show;
 }
 
 /// Throws what can be known to go wrong before any work.
-void Check(const SlideshowOptions& options, const Slideshow& show) {
-  std::vector<std::string> sources = PicturesOf(options.input);
-  sources.insert(sources.end(), {options.input, show.request.audio});
-  for (const RenderPlan& plan : show.plans) {
-    sources.insert(sources.end(), {plan.photo, plan.over});
-  }
-  CheckFilm(*show.kind, show.request, sources);
-  for (const RenderPlan& plan : show.plans) {
+void Check(const SlideshowOptions& options, const std::vector<std::string>& pictures,
+           const Slideshow& show) {
+  // Most pictures are their plans' photos.
+  std::set<std::string> sources(pictures.begin(), pictures.end());
+  sources.insert({options.input, show.request.audio});
+  for (const RenderPlan& plan : show.plans) sources.insert({plan.photo, plan.over});
+  CheckFilm(*show.kind, show.request, {sources.begin(), sources.end()});
+  ForEachPhoto(show.plans, [&](const RenderPlan& plan) {
     OpenPhoto(plan.photo);
     const FilmFormat &format = plan.format, &film = show.request.format;
     if (format.size != film.size || format.rate != film.rate || format.fields != film.fields ||
@@ -89,14 +117,33 @@ void Check(const SlideshowOptions& options, const Slideshow& show) {
           ": would be another kind of film than the first, by its project or the "
           "first's; say --size, --fps and --fields for all, and give projects one displayAspect");
     }
+  });
+}
+
+/// Says which projects have sound that the film will not have.
+void TellOfLostSound(const SlideshowOptions& options, const std::vector<std::string>& pictures,
+                     const Slideshow& show) {
+  if (!options.plan.audio.empty() || !IsContainer(show.kind->name)) return;
+  std::set<std::string> projects;
+  for (size_t i = 0; i < pictures.size(); ++i) {
+    if (!show.plans[i].audio.empty()) projects.insert(pictures[i]);
   }
+  if (projects.empty()) return;
+  const size_t others = projects.size() - 1;
+  const std::string whose =
+      others == 0   ? ": its sound is"
+      : others == 1 ? " and another project: their sound is"
+                    : " and " + std::to_string(others) + " other projects: their sound is";
+  PrintMessage(*projects.begin() + whose + " left out; give the show its sound with --audio");
 }
 
 void Run(const SlideshowOptions& options) {
   ApplyReporting(options.film);
-  Slideshow show = ShowFor(options);
-  show.module = FindModule(options.film.module);
-  Check(options, show);
+  // A list may come through a pipe, which gives it once.
+  const std::vector<std::string> pictures = PicturesOf(options.input);
+  const Slideshow show = ShowFor(options, pictures);
+  Check(options, pictures, show);
+  TellOfLostSound(options, pictures, show);
   const bool events = CurrentReporting() == Reporting::kJson;
   if (events) {
     PrintEvent("start", {{"output", options.output}, {"frames", int64_t{show.request.frames}}});
@@ -131,11 +178,13 @@ CLI::App* AddSlideshow(CLI::App& app) {
                        kUsualEach + "]")
       ->group(kFilm)
       ->type_name("TIME");
-  command
-      ->add_option("--fade", options->fade,
-                   std::string("Seconds of a cross-fade, 0 for none [") + kUsualFade + "]")
-      ->group(kFilm)
-      ->type_name("TIME");
+  const CLI::Option* fade =
+      command
+          ->add_option("--fade", options->fade,
+                       std::string("Seconds of a cross-fade, 0 for none [") + kUsualFade +
+                           ", or half of --each where that is less]")
+          ->group(kFilm)
+          ->type_name("TIME");
   DeclarePlan(*command, options->plan);
   for (const char* replaced : {"--seconds", "--frames", "--over"}) {
     // Not every build has all of them.
@@ -143,7 +192,10 @@ CLI::App* AddSlideshow(CLI::App& app) {
       command->remove_option(option);
     }
   }
-  command->final_callback([options] { Run(*options); });
+  command->final_callback([options, fade] {
+    options->fadeGiven = fade->count() > 0;
+    Run(*options);
+  });
   return command;
 }
 

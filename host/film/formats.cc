@@ -4,20 +4,28 @@
 #include <cctype>
 #include <filesystem>
 #include <iterator>
+#include <map>
 #include <system_error>
 
 #include "host/error.h"
+#include "host/files/narrow_text.h"
 #include "host/film/codecs.h"
 #include "host/film/encoder.h"
 #include "host/film/frame_pattern.h"
 #include "host/film/output_file.h"
 #include "host/film/picture_sequence.h"
 #include "host/film/raw_video.h"
+#if defined(KELTO_FFMPEG)
+#include "host/film/sound_source.h"
+#endif
 #include "host/film/y4m.h"
 #include "host/options/size.h"
+#include "host/terminal/interrupt.h"
 
 namespace kelto::host {
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr PixelLayout kYCbYCr = PixelLayout::kYCbYCr;
 constexpr PixelLayout kBGRA = PixelLayout::kBGRA;
@@ -62,7 +70,7 @@ const FilmKind* Find(const std::string& name) {
 }
 
 std::string EndingOf(const std::string& output) {
-  std::string ending = std::filesystem::path(output).extension().string();
+  std::string ending = fs::path(output).extension().string();
   if (!ending.empty()) ending.erase(0, 1);
   std::transform(ending.begin(), ending.end(), ending.begin(),
                  [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
@@ -88,6 +96,58 @@ void CheckSize(const FilmKind& kind, FrameSize size, int32_t heightStep, bool in
   const FrameSize fitted{Fitted(size.width, kind.widthStep), Fitted(size.height, heightStep)};
   throw UsageError("--size " + ToString(size) + ": " + (interlaced ? "interlaced " : "") +
                    kind.name + " needs " + need + ", such as " + ToString(fitted));
+}
+
+/// Only files of one size can be one and the same, which saves comparing each with each.
+using FilesBySize = std::multimap<uintmax_t, std::string>;
+
+bool IsOneOf(const FilesBySize& files, const std::string& path) {
+  std::error_code error;
+  const uintmax_t size = fs::file_size(path, error);
+  if (error) return false;
+  const auto [first, last] = files.equal_range(size);
+  return std::any_of(first, last, [&](const auto& file) { return IsSameFile(file.second, path); });
+}
+
+/// Whether any of `paths` is, by its name or behind links, a picture of a sequence.
+bool SequenceHasAny(const FramePattern& pattern, const FilmRequest& request,
+                    std::span<const std::string> paths) {
+  const auto numberOf = [&](const fs::path& path) {
+    auto number = pattern.NumberOf(NarrowText(path.filename()));
+    if (number &&
+        (*number < request.firstNumber || *number - request.firstNumber >= request.frames)) {
+      number.reset();
+    }
+    return number;
+  };
+  const auto heedInterrupt = [] {
+    if (InterruptSignal() != 0) throw Error("interrupted");
+  };
+  FilesBySize files;
+  for (const std::string& path : paths) {
+    // There may be no file of the name yet.
+    const auto number = numberOf(path);
+    if (number && IsSameFile(path, pattern.PathOf(*number))) return true;
+    std::error_code error;
+    const uintmax_t size = fs::file_size(path, error);
+    if (!error) files.emplace(size, path);
+  }
+  if (files.empty()) return false;
+  // The folder tells which of millions of pictures are there.
+  std::error_code error;
+  fs::directory_iterator entry(pattern.Folder(), error);
+  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+    heedInterrupt();
+    const auto number = numberOf(entry->path());
+    if (number && IsOneOf(files, pattern.PathOf(*number))) return true;
+  }
+  if (!error || error == std::errc::no_such_file_or_directory) return false;
+  // One can write into folders that one cannot read.
+  for (int32_t i = 0; i < request.frames; ++i) {
+    heedInterrupt();
+    if (IsOneOf(files, pattern.PathOf(request.firstNumber + i))) return true;
+  }
+  return false;
 }
 
 }  // namespace
@@ -135,13 +195,24 @@ void CheckRequest(const FilmKind& kind, const FilmRequest& request) {
 }
 
 bool WouldReplace(const FilmKind& kind, const FilmRequest& request, const std::string& path) {
-  if (request.output == kStandardOutput) return false;
-  if (!kind.pictures) return IsSameFile(path, request.output);
-  const FramePattern pattern(request.output);
-  for (int32_t i = 0; i < request.frames; ++i) {
-    if (IsSameFile(path, pattern.PathOf(request.firstNumber + i))) return true;
-  }
-  return false;
+  return WouldReplaceAny(kind, request, {&path, 1});
 }
+
+bool WouldReplaceAny(const FilmKind& kind, const FilmRequest& request,
+                     std::span<const std::string> paths) {
+  if (request.output == kStandardOutput) return false;
+  std::string output = request.output;
+  if (kind.pictures) {
+    const FramePattern pattern(output);
+    if (pattern.Numbered()) return SequenceHasAny(pattern, request, paths);
+    output = pattern.PathOf(request.firstNumber);
+  }
+  return std::any_of(paths.begin(), paths.end(),
+                     [&](const std::string& path) { return IsSameFile(path, output); });
+}
+
+#if defined(KELTO_FFMPEG)
+void CheckSound(const std::string& path) { SoundSource sound(path); }
+#endif
 
 }  // namespace kelto::host

@@ -45,4 +45,14 @@ void CheckRequest(const FilmKind& kind, const FilmRequest& request);
 /// file has an empty name.
 bool WouldReplace(const FilmKind& kind, const FilmRequest& request, const std::string& path);
 
+/// The same for any of `paths`; as quick for many as for one, however many pictures the film has. A
+/// noted interrupt (see InterruptSignal) ends it with Error.
+bool WouldReplaceAny(const FilmKind& kind, const FilmRequest& request,
+                     std::span<const std::string> paths);
+
+#if defined(KELTO_FFMPEG)
+/// Throws Error when the file `path` has no sound for a film.
+void CheckSound(const std::string& path);
+#endif
+
 }  // namespace kelto::host

@@ -1,22 +1,38 @@
 #include "host/film/frame_pattern.h"
 
+#include <algorithm>
+#include <cctype>
 #include <filesystem>
+#include <limits>
+#include <string_view>
 
 #include "host/error.h"
 #include "host/files/narrow_text.h"
+#include "host/options/number.h"
 
 namespace kelto::host {
 namespace {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
+/// Whether some file system may take the one for the other: all letters beyond ASCII pass for
+/// alike.
+bool MayBeTheSame(unsigned char a, unsigned char b) {
+  return (a >= 0x80 && b >= 0x80) || std::tolower(a) == std::tolower(b);
+}
+
+bool MayBeTheSame(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return MayBeTheSame(uint8_t(x), uint8_t(y)); });
+}
+
 }  // namespace
 
 FramePattern::FramePattern(const std::string& path) {
-  const size_t nameStart = path.size() - NarrowText(std::filesystem::path(path).filename()).size();
-  before_ = path.substr(0, nameStart);
+  nameStart_ = path.size() - NarrowText(std::filesystem::path(path).filename()).size();
+  before_ = path.substr(0, nameStart_);
   std::string* text = &before_;
-  for (size_t i = nameStart; i < path.size(); ++i) {
+  for (size_t i = nameStart_; i < path.size(); ++i) {
     if (path[i] != '%') {
       *text += path[i];
       continue;
@@ -48,6 +64,23 @@ std::string FramePattern::PathOf(int32_t number) const {
   std::string digits = std::to_string(number);
   if (digits.size() < digits_) digits.insert(0, digits_ - digits.size(), '0');
   return before_ + digits + after_;
+}
+
+std::string FramePattern::Folder() const {
+  return nameStart_ == 0 ? "." : before_.substr(0, nameStart_);
+}
+
+std::optional<int32_t> FramePattern::NumberOf(const std::string& name) const {
+  const std::string_view before = std::string_view(before_).substr(nameStart_), text = name;
+  if (!numbered_ || text.size() <= before.size() + after_.size()) return std::nullopt;
+  const std::string_view digits =
+      text.substr(before.size(), text.size() - before.size() - after_.size());
+  if (!std::all_of(digits.begin(), digits.end(), IsDigit)) return std::nullopt;
+  if (!MayBeTheSame(before, text.substr(0, before.size()))) return std::nullopt;
+  if (!MayBeTheSame(after_, text.substr(text.size() - after_.size()))) return std::nullopt;
+  const auto number = ParseWhole(digits);
+  if (!number || *number > std::numeric_limits<int32_t>::max()) return std::nullopt;
+  return static_cast<int32_t>(*number);
 }
 
 }  // namespace kelto::host

@@ -44,8 +44,7 @@ void CheckFilm(const FilmKind& kind, const FilmRequest& request,
   if (request.output == kStandardOutput && StandardOutputIsTerminal()) {
     throw UsageError("-o -: will not write a film to the terminal; send it to a program or file");
   }
-  for (const std::string& source : sources) {
-    if (source.empty() || !WouldReplace(kind, request, source)) continue;
+  if (WouldReplaceAny(kind, request, sources)) {
     throw UsageError(request.output + ": is what the film is made of; give the film another name");
   }
 }

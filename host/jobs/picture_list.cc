@@ -12,6 +12,7 @@
 
 #include "host/error.h"
 #include "host/files/narrow_text.h"
+#include "host/project/project_file.h"
 
 namespace kelto::host {
 namespace {
@@ -101,7 +102,12 @@ std::vector<std::string> PicturesOf(const std::string& input) {
   std::error_code error;
   const fs::file_status status = fs::status(input, error);
   if (!fs::exists(status)) throw Error(input + ": there is no such folder or list");
-  return fs::is_directory(status) ? InFolder(input) : InList(input);
+  if (fs::is_directory(status)) return InFolder(input);
+  // Its lines would pass for names of pictures.
+  if (IsProjectName(input)) {
+    throw Error(input + ": is a project, not a list; render it, or write its path into a list");
+  }
+  return InList(input);
 }
 
 std::vector<std::string> FilmNames(const std::vector<std::string>& pictures,

@@ -8,7 +8,8 @@ namespace kelto::host {
 
 /// The pictures of `input`: of a folder, the files directly in it that end as pictures do, hidden
 /// ones aside, in the order of their names; of any other file, the paths that its lines hold, in
-/// their order, relative ones from the list's folder. Throws Error when there is none.
+/// their order, relative ones from the list's folder. Reads a list once, as pipes need it. Throws
+/// Error when there is none, and for a project.
 std::vector<std::string> PicturesOf(const std::string& input);
 
 /// A file name for the film of each picture, all different even where case makes no difference: the

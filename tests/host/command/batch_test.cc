@@ -306,6 +306,40 @@ TEST_F(BatchCommand, WrongOptionsAreToldOnce) {
   }
 }
 
+TEST_F(BatchCommand, FilesThatDoNotServeAreToldOnce) {
+  WritePictures(6);
+  WriteBytes(films_ / "text.txt", Text("Dear diary\n"));
+  for (const char* option : {"--audio", "--over"}) {
+    for (const char* name : {"none.mkv", "text.txt"}) {
+      for (const char* plan : {"--quiet", "--plan"}) {
+        const std::string file = films_ / name;
+        Words words = Line({option, file, plan});
+        words[3] = films_ / "films";
+        const Outcome outcome = RunKelto(words);
+        EXPECT_EQ(outcome.code, 1) << option;
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+        EXPECT_THAT(outcome.err, HasSubstr(file));
+        EXPECT_FALSE(fs::exists(films_ / "films"));
+      }
+    }
+  }
+}
+
+TEST_F(BatchCommand, PlansNothingThatItWouldNotDo) {
+  WritePictures(3);
+  const Outcome jobs = RunKelto(Line({"--plan", "--jobs", "0"}));
+  EXPECT_EQ(jobs.code, 2);
+  EXPECT_THAT(jobs.err, HasSubstr("--jobs 0"));
+  const Outcome module = RunKelto(Line({"--plan", "--module", films_ / "none.hfx"}));
+  EXPECT_EQ(module.code, 1);
+  EXPECT_THAT(module.err, HasSubstr("none.hfx: there is no such file"));
+  for (const Outcome& outcome : {jobs, module}) {
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+  }
+}
+
 TEST_F(BatchCommand, FoldersThatAreNoneAreFailures) {
   WritePictures(1);
   std::ofstream(films_ / "file") << "x";

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 #include "host/error.h"
 
 namespace kelto::host {
@@ -30,6 +32,23 @@ TEST(FramePattern, TwoPercentSignsAreOne) {
 
 TEST(FramePattern, FoldersAreTakenAsTheyStand) {
   EXPECT_EQ(FramePattern("50%s/%n/f%d.png").PathOf(1), "50%s/%n/f1.png");
+}
+
+TEST(FramePattern, FindsTheNumberInAName) {
+  const FramePattern pattern("out/a%%b-%04d.png");
+  EXPECT_EQ(pattern.NumberOf("a%b-0007.png"), 7);
+  EXPECT_EQ(pattern.NumberOf("a%b-12345.png"), 12345);
+  EXPECT_EQ(pattern.NumberOf("A%B-0007.PNG"), 7) << "some file systems know no case";
+  for (const char* other : {"a%b-.png", "a%b-+007.png", "a%b-0007.jpg", "x%b-0007.png", "a%b-0007",
+                            "a%b-00x7.png", "a%b-99999999999.png", "7", ""}) {
+    EXPECT_EQ(pattern.NumberOf(other), std::nullopt) << other;
+  }
+  EXPECT_EQ(FramePattern("still.png").NumberOf("still.png"), std::nullopt);
+}
+
+TEST(FramePattern, KnowsItsFolder) {
+  EXPECT_EQ(FramePattern("a/b/%d.png").Folder(), "a/b/");
+  EXPECT_EQ(FramePattern("%d.png").Folder(), ".");
 }
 
 TEST(FramePattern, RefusesWhatAFormattingFunctionWouldTake) {

@@ -69,6 +69,22 @@ TEST(PictureList, WithoutEndOrThatCannotBeReadIsAnError) {
 #endif
 }
 
+TEST(PictureList, OfAProjectIsAnErrorThatSaysWhatToDo) {
+  const TempFolder folder;
+  std::ofstream(folder / "p.JSON") << "{\n\"image\": \"a.jpg\"\n}\n";
+  try {
+    PicturesOf(folder / "p.JSON");
+    FAIL() << "read as a list";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.what(), (folder / "p.JSON") +
+                                ": is a project, not a list; render it, or write its path into a "
+                                "list");
+  }
+  std::filesystem::create_directory(folder / "folder.json");
+  Touch(folder / "folder.json/a.jpg");
+  EXPECT_THAT(PicturesOf(folder / "folder.json/"), ElementsAre(folder / "folder.json/a.jpg"));
+}
+
 TEST(FilmNames, AreThePicturesWithAnotherEnding) {
   EXPECT_THAT(FilmNames({"x/a.jpg", "x/b.c.png"}, "mp4"), ElementsAre("a.mp4", "b.c.mp4"));
 }
