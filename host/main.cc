@@ -1,7 +1,9 @@
 // The `kelto` command.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstring>
 #include <exception>
+#include <iterator>
 #include <new>
 #include <sstream>
 #include <string>
@@ -23,6 +25,7 @@
 #include "host/files/narrow_text.h"
 #include "host/terminal/interrupt.h"
 #include "host/terminal/standard_output.h"
+#include "host/terminal/standard_streams.h"
 #include "host/terminal/terminal.h"
 #include "platform/win32.h"
 #include "runtime/hfx/host.h"
@@ -65,6 +68,18 @@ void CheckCommandName(const CLI::App& app, int argc, char** argv) {
                    "; see kelto --help");
 }
 
+/// Whoever reads events gets those of a faulty command line as events, too.
+void ReportAsAsked(int argc, char** argv) {
+  constexpr const char* kWithEvents[] = {"render", "batch", "slideshow"};
+  const auto is = [](const char* word) {
+    return [word](const char* other) { return std::strcmp(word, other) == 0; };
+  };
+  if (argc < 2 || std::none_of(std::begin(kWithEvents), std::end(kWithEvents), is(argv[1]))) return;
+  // Behind "--" are names only.
+  char** const end = std::find_if(argv, argv + argc, is("--"));
+  if (std::any_of(argv, end, is("--json"))) SetReporting(Reporting::kJson);
+}
+
 int Run(int argc, char** argv) {
   CLI::App app("Pans and zooms over photographs.", "kelto");
   app.set_version_flag("--version", VersionText, "Version, instruction set and libraries");
@@ -84,6 +99,7 @@ int Run(int argc, char** argv) {
 #endif
 
   CheckCommandName(app, argc, argv);
+  ReportAsAsked(argc, argv);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& request) {
@@ -125,6 +141,7 @@ int RunAndReport(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   using namespace kelto::host;
+  OpenStandardStreams();
   ReadPathsAsTheSystemDoes();
   CatchInterrupts();
   AnswerModules();

@@ -21,7 +21,7 @@ struct Scene {
   std::string levels;                      ///< entry of the effect's list
   std::vector<host::Setting> settings;     ///< of the effect, as in a plan
   std::optional<host::Colour> background;  ///< as seen; none: the incoming video
-  bool outlined = false;                   ///< the whole photograph with the view outlined
+  bool outlined = false;                   ///< the photograph at zoom 1, with the view outlined
   int32_t frames = 0;                      ///< length of a motion that runs by itself, or 0
   host::FilmFormat format;  ///< rate of the stream, for the host's times; fields; pixels' shape
   int32_t playMode = 0;     ///< a hfxPlayMode

@@ -18,6 +18,7 @@ struct OptionFacts {
   std::string value;               ///< what its value is, "WxH"; empty for a flag
   std::vector<std::string> words;  ///< the values there are, where they are few
   bool file = false;               ///< whether the value is the name of a file or folder
+  bool repeated = false;           ///< whether it may be given several times
 };
 
 struct CommandFacts {

@@ -26,7 +26,7 @@ std::vector<std::string> WordsFor(const std::string& name) {
   if (name == "--codec") {
     for (const FilmCodec& codec : FilmCodecs()) words.emplace_back(codec.name);
   }
-  if (name == "--fields") words = {"top", "bottom"};
+  if (name == "--fields") words = {"top", "bottom", "progressive"};
   if (name == "--fit") words = {"fill", "whole"};
   if (name == "--move") {
     words = MoveWords();
@@ -44,6 +44,7 @@ OptionFacts FactsOf(const CLI::Option& option) {
   if (option.get_expected_max() > 0) {
     facts.value = option.get_type_name();
     facts.file = facts.value.find("FILE") != facts.value.npos || facts.value == "FOLDER";
+    facts.repeated = option.get_expected_max() > 1;
     facts.words = WordsFor(facts.names.back());
   }
   return facts;

@@ -59,7 +59,7 @@ std::string ZshOption(const OptionFacts& option) {
   }
   std::string lines;
   for (const std::string& name : option.names) {
-    std::string entry = name;
+    std::string entry = option.repeated ? "*" + name : name;
     entry.append("[").append(ZshText(ShortHelp(option.help))).append("]").append(value);
     lines += " \\\n        ";
     lines += Quoted(entry);
@@ -99,6 +99,9 @@ std::string BashScript(const CLI::App& app) {
          "  local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]}\n"
          "  local command=${COMP_WORDS[1]} words=\n"
          "  COMPREPLY=()\n"
+         // The "=" of --option=value is a word of its own.
+         "  [ \"$current\" != = ] || current=\n"
+         "  [ \"$before\" != = ] || before=${COMP_WORDS[COMP_CWORD-2]}\n"
          "  if [ \"$COMP_CWORD\" -eq 1 ]; then\n"
          "    COMPREPLY=($(compgen -W '" +
          names +
@@ -113,10 +116,11 @@ std::string BashScript(const CLI::App& app) {
          "  esac\n"
          "  case $current in\n"
          "    -*) COMPREPLY=($(compgen -W \"$words\" -- \"$current\")) ;;\n"
-         "    *) COMPREPLY=($(compgen -f -- \"$current\")) ;;\n"
+         // bash itself completes names of files, and quotes what is in them.
+         "    *) compopt -o default 2>/dev/null ;;\n"
          "  esac\n"
          "}\n"
-         "complete -o filenames -F _kelto kelto\n";
+         "complete -F _kelto kelto\n";
 }
 
 std::string ZshScript(const CLI::App& app) {

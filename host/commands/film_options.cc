@@ -69,6 +69,7 @@ void DeclareOutput(CLI::App& command, std::string& output) {
                   "The film, replaced if it is there; - writes to the standard output")
       ->group(kFiles)
       ->type_name("FILE")
+      ->check(FileText)
       ->required();
 }
 

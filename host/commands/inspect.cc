@@ -75,7 +75,7 @@ CLI::App* AddInspect(CLI::App& app) {
   command
       ->add_option("--plot", options->plot,
                    "Draw position, zoom and speed over time into this file, .svg or .png; no table "
-                   "is printed then")
+                   "is printed then unless --csv or --json asks for it")
       ->group(kList)
       ->type_name("FILE");
 #endif

@@ -5,6 +5,7 @@
 #include <memory>
 #include <system_error>
 
+#include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
 #include "host/error.h"
 #include "host/files/narrow_text.h"
@@ -27,7 +28,9 @@ void Run(const NewOptions& options) {
       !options.output.empty() ? options.output
                               : NarrowText(std::filesystem::path(options.photo).stem()) + ".json";
   std::error_code error;
-  if (!options.force && output != kStandardOutput && std::filesystem::exists(output, error)) {
+  // That a folder is none is told by what would write there.
+  if (!options.force && output != kStandardOutput && std::filesystem::exists(output, error) &&
+      !std::filesystem::is_directory(output, error)) {
     throw UsageError(output + ": is there already; --force replaces it");
   }
   PlanOptions plan = options.plan;
@@ -55,7 +58,8 @@ CLI::App* AddNew(CLI::App& app) {
                    "The project, .json [the photograph's name, in the current folder]; - writes to "
                    "the standard output")
       ->group("Files")
-      ->type_name("FILE");
+      ->type_name("FILE")
+      ->check(FileText);
   command->add_flag("--force", options->force, "Replace a file of that name")->group("Files");
   DeclarePlan(*command, options->plan);
   command->get_option("--move")->description(command->get_option("--move")->get_description() +

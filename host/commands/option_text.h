@@ -18,4 +18,10 @@ auto ReadOption(const std::string& option, const std::string& text, Parse parse)
   }
 }
 
+/// What is wrong with the text of an option that names a file to be written: another option, where
+/// the name was forgotten.
+inline std::string FileText(const std::string& text) {
+  return text.starts_with("--") ? "lacks its FILE; " + text + " is an option" : "";
+}
+
 }  // namespace kelto::host

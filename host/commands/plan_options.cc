@@ -28,7 +28,8 @@ std::string GivenText(const std::string& text) { return text.empty() ? "nothing 
 FieldOrder ParseFields(const std::string& text) {
   if (text == "top") return FieldOrder::kTopFirst;
   if (text == "bottom") return FieldOrder::kBottomFirst;
-  throw UsageError("choose one of top, bottom");
+  if (text == "progressive") return FieldOrder::kProgressive;
+  throw UsageError("choose one of top, bottom, progressive");
 }
 
 int32_t ParsePlayMode(const std::string& text) {
@@ -128,7 +129,8 @@ void DeclarePlan(CLI::App& command, PlanOptions& options) {
           "other options say otherwise");
 #endif
   declare(kFilm, "--fields", "ORDER", options.fields,
-          "Interlaced, with this field first: top, bottom [whole frames]");
+          "Interlaced, with this field first: top, bottom; or progressive, whole frames "
+          "[progressive]");
 
   constexpr const char* kPicture = "Picture";
   DeclareViews(command, kPicture, options.views);

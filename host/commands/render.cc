@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <utility>
 
 #include "host/commands/film_options.h"
 #include "host/commands/option_text.h"
@@ -65,6 +66,13 @@ FilmJob JobFor(const RenderOptions& options) {
 
 /// Throws UsageError where one of the files to be written is another one of the command's.
 void CheckFiles(const RenderOptions& options, const FilmJob& job) {
+  const std::pair<const char*, const std::string&> others[] = {{"--save-project", options.project},
+                                                               {"--record", options.record}};
+  for (const auto& [option, name] : others) {
+    if (options.output == kStandardOutput && name == kStandardOutput) {
+      throw UsageError(std::string("-o and ") + option + " cannot both be -");
+    }
+  }
   const RenderPlan& plan = job.scene.plan;
   for (const std::string& other : {options.photo, options.project, options.record}) {
     if (WouldReplace(*job.kind, job.request, other)) throw NameUsedTwice(options.output);
@@ -73,11 +81,28 @@ void CheckFiles(const RenderOptions& options, const FilmJob& job) {
                   {options.photo, options.project, plan.photo, plan.over, plan.audio});
 }
 
+/// Whether `complaint` begins with an option that the command line does not have.
+bool IsOfOptionNotGiven(const std::string& complaint, const CLI::App& command) {
+  const CLI::Option* option =
+      command.get_option_no_throw(complaint.substr(0, complaint.find_first_of(" :")));
+  return option != nullptr && option->count() == 0;
+}
+
+/// Checks the job; what a project says is told by the project's name.
+void CheckJobOf(const RenderOptions& options, const FilmJob& job, const CLI::App& command) {
+  try {
+    CheckJob(job);
+  } catch (const UsageError& error) {
+    if (!IsProjectName(options.photo) || !IsOfOptionNotGiven(error.what(), command)) throw;
+    throw UsageError(options.photo + ": " + error.what());
+  }
+}
+
 void Run(const RenderOptions& options, const CLI::App& command) {
   ApplyReporting(options.film);
   FilmJob job = JobFor(options);
   job.module = FindModule(options.film.module);
-  CheckJob(job);
+  CheckJobOf(options, job, command);
   CheckFiles(options, job);
   if (!options.project.empty()) WriteProject(options.project, job.scene.plan);
   const bool events = CurrentReporting() == Reporting::kJson;

@@ -54,6 +54,7 @@ CLI::App* AddStoryboard(CLI::App& app) {
   command->add_option("-o,--output", options->output, "The sheet, .png or .svg")
       ->group(kSheet)
       ->type_name("FILE")
+      ->check(FileText)
       ->required();
   command->add_option("--strip", options->strip, "Frames under the photo [12]")
       ->group(kSheet)

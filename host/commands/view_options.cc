@@ -1,6 +1,8 @@
 #include "host/commands/view_options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
 #include <optional>
 
 #include "host/commands/option_text.h"
@@ -10,11 +12,24 @@
 #include "host/moves/presets.h"
 #include "host/plan/default_plan.h"
 #include "host/session/photo.h"
+#include "host/terminal/terminal.h"
 
 namespace kelto::host {
 namespace {
 
 constexpr const char* kAuto = "auto";
+
+/// Tells of a part that is shown with more around it than the frame's shape asks for.
+void TellIfWidened(const std::string& option, const std::string& text, const PhotoRect& part,
+                   const PhotoRect& shown) {
+  constexpr double kRounding = 1e-9;
+  const double asked = std::max(part.width, part.height * shown.width / shown.height);
+  if (shown.width <= asked * (1 + kRounding)) return;
+  char size[64];
+  std::snprintf(size, sizeof size, "%.4gx%.4g", shown.width, shown.height);
+  PrintMessage(option + " " + text + ": is widened to " + size +
+               " pixels of the photo; zoom 20 goes no closer");
+}
 
 /// Reads views; opens the photo for the first that speaks of its pixels.
 class ViewReader {
@@ -25,8 +40,11 @@ class ViewReader {
     if (!IsPhotoRect(text)) return ReadOption(option, text, ParseView);
     const PhotoRect part = ReadOption(option, text, ParsePhotoRect);
     const PhotoViews& views = Views();
-    return ReadOption(option, text,
-                      [&](const std::string&) { return views.ViewOf(views.Around(part)); });
+    const PhotoRect shown = views.Around(part);
+    const View view =
+        ReadOption(option, text, [&](const std::string&) { return views.ViewOf(shown); });
+    TellIfWidened(option, text, part, shown);
+    return view;
   }
 
   const Photo& OpenedPhoto() {
@@ -76,7 +94,7 @@ void DeclareViews(CLI::App& command, const std::string& group, ViewOptions& opti
       "--from", options.from, "VIEW",
       "First view: ZOOM or ZOOM@X,Y, zoom 0.1 to 20, centre in picture widths and heights to "
       "the right of and below the picture's centre; or X,Y,WIDTH,HEIGHT, a part of the photo in "
-      "its pixels");
+      "its pixels, widened where zoom 20 shows more");
   CLI::Option* to =
       add("--to", options.to, "VIEW", "Last view; with only one of the two the view stands still");
   CLI::Option* view =
@@ -84,9 +102,10 @@ void DeclareViews(CLI::App& command, const std::string& group, ViewOptions& opti
           "A view; given several times, the views that the move goes through, evenly "
           "spaced in time");
   view->allow_extra_args(false);
-  CLI::Option* move = add("--move", options.move, "NAME",
-                          "A move that stays within the photo: " + MoveNames() +
-                              "; or auto, in to what is most out of the ordinary");
+  CLI::Option* move =
+      add("--move", options.move, "NAME",
+          "A move that stays within the photo, as far as zoom 20 goes: " + MoveNames() +
+              "; or auto, in to what is most out of the ordinary");
   CLI::Option* fit =
       add("--fit", options.fit, "WORD",
           "Widest view of a move: fill shows nothing but photo, whole shows all of it "

@@ -127,7 +127,7 @@ void CheckFormat(const FilmCodec& codec, const FilmFormat& format) {
       if (each.fields) able += (able.empty() ? "" : ", ") + std::string(each.name);
     }
     throw UsageError(std::string("--fields: ") + codec.name +
-                     " holds whole frames only; use --codec " + able + ", or leave --fields out");
+                     " holds whole frames only; use --codec " + able + ", or --fields progressive");
   }
   const int32_t least = codec.MinimumSide();
   if (std::min(format.size.width, format.size.height) < least) {

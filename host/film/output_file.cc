@@ -85,7 +85,7 @@ OutputFile::OutputFile(const std::string& name) : name_(name), pipe_(name == kSt
   finalPath_ = *behind;
   const fs::file_status status = fs::status(name, error);
   if (fs::is_directory(status) || !finalPath_.has_filename()) {
-    throw Error(name_ + ": is a folder; give the film a file name");
+    throw Error(name_ + ": is a folder; give it a file name");
   }
   if (fs::exists(status) && !fs::is_regular_file(status)) {
     throw Error(name_ + ": is not an ordinary file; write to the standard output (-) instead");

@@ -18,6 +18,16 @@ extern "C" {
 #include <libswscale/swscale.h>
 }
 #endif
+#if defined(KELTO_OPENCV)
+#include <opencv2/core/utility.hpp>
+#endif
+#if defined(KELTO_CAIRO)
+#include <cairo.h>
+#endif
+#if defined(KELTO_SDL)
+#define SDL_MAIN_HANDLED
+#include <SDL.h>
+#endif
 #if defined(KELTO_HIGHWAY)
 #include <hwy/highway.h>
 #include <hwy/targets.h>
@@ -89,6 +99,18 @@ std::vector<Library> Libraries() {
 #endif
 #if !defined(_WIN32)
   AddStillCodecs(libraries);
+#endif
+#if defined(KELTO_OPENCV)
+  libraries.push_back({"OpenCV", cv::getVersionString()});
+#endif
+#if defined(KELTO_CAIRO)
+  libraries.push_back({"Cairo", cairo_version_string()});
+#endif
+#if defined(KELTO_SDL)
+  SDL_version sdl;
+  SDL_GetVersion(&sdl);
+  libraries.push_back({"SDL", std::to_string(sdl.major) + "." + std::to_string(sdl.minor) + "." +
+                                  std::to_string(sdl.patch)});
 #endif
   return libraries;
 }

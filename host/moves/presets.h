@@ -25,8 +25,8 @@ void CheckMoveName(std::string_view name);
 
 /// First and last view of the move called `name`: "in" and "out" zoom by half as much again,
 /// "left", "up-right" and the like pan as far as the photo goes that way, "hold" stands still. No
-/// view shows what lies beside the photo, but as far as `fit` asks for it. Throws UsageError as
-/// CheckMoveName does.
+/// view shows what lies beside the photo, but as far as `fit` asks for it or zoom 20 cannot help
+/// it. Throws UsageError as CheckMoveName does.
 std::vector<PhotoRect> MoveViews(const PhotoViews& views, std::string_view name, Fit fit);
 
 }  // namespace kelto::host

@@ -29,7 +29,8 @@ constexpr ChoiceList kLists[] = {
     {"--path", "path", "Path between the views", "linear", kPath},
     {"--filter", "filter", "Resampling filter", "hiqual", kFilter},
     {"--levels", "levels", "Levels of the photo: full-range RGB or studio range", "rgb", kLevels},
-    {"--display", "display", "The film itself, or the whole photo with the view outlined", "target",
+    {"--display", "display",
+     "The film itself, or the photo as zoom 1 shows it, with the view outlined", "target",
      kDisplay},
 };
 

@@ -30,7 +30,7 @@ class FrameInspector {
 
   const RenderPlan& Plan() const { return plan_; }
   FrameFacts Of(int32_t number, int32_t field = 0);
-  /// The part of the photo that the view shows at a frame, also where the display shows all of it.
+  /// The part of the photo that the view shows at a frame, also where the display is the source.
   DrawnArea ViewArea(const FrameFacts& facts) const;
 
  private:

@@ -18,7 +18,7 @@ namespace kelto::host {
 /// What settles a frame's look.
 struct FrameMotion {
   View view;
-  bool target = true;        ///< "Display: Target": the view, not the whole photo
+  bool target = true;        ///< "Display: Target": the view, not what zoom 1 shows
   bool squarePixels = true;  ///< of the photo
   std::string filter;        ///< entry of the list "filter"
 };

@@ -1,5 +1,6 @@
 #include "host/project/json_text.h"
 
+#include <cmath>
 #include <cstdint>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -46,6 +47,10 @@ class Strict {
         if (parsed.is_number_unsigned() && parsed.get<uint64_t>() > INT64_MAX) {
           parsed = parsed.get<double>();
         }
+        // The schema's whole numbers may be written 2.0; the validator's may not.
+        if (parsed.is_number_float() && IsWhole(parsed.get<double>())) {
+          parsed = static_cast<int64_t>(parsed.get<double>());
+        }
         break;
     }
     return true;
@@ -61,6 +66,13 @@ class Strict {
       throw Error("has more than " + std::to_string(kMaxJsonEntries) +
                   " entries in one object or array");
     }
+  }
+
+  /// Whether an integer is as good: not for -0, nor where numbers lie more than 1 apart.
+  static bool IsWhole(double number) {
+    constexpr double kMax = 9007199254740992.0;
+    return std::abs(number) <= kMax && std::trunc(number) == number &&
+           !(number == 0.0 && std::signbit(number));
   }
 
   static void CheckLength(const json& text) {

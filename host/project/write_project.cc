@@ -95,7 +95,10 @@ std::string ProjectText(const std::string& path, const RenderPlan& plan) {
     ParseProject(text, path);
     return text;
   } catch (const Error& error) {
-    throw Error("cannot be kept as a project: " + std::string(error.what()));
+    const std::string name = path + ": ";
+    std::string fault = error.what();
+    if (fault.starts_with(name)) fault.erase(0, name.size());
+    throw Error(name + "cannot be kept as a project: " + fault);
   }
 }
 

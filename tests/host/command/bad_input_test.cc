@@ -186,7 +186,7 @@ TEST_F(BadInput, OtherOptionsThatAreNone) {
   ExpectMisuse("linear, spline", {"--path", "round"});
   ExpectMisuse("rgb, 601", {"--levels", "709"});
   ExpectMisuse("target, source", {"--display", "both"});
-  ExpectMisuse("top, bottom", {"--fields", "both"});
+  ExpectMisuse("top, bottom, progressive", {"--fields", "both"});
   ExpectMisuse("--background", {"--background", "red"});
   ExpectMisuse("--play-mode", {"--play-mode", "x"});
   ExpectMisuse("mp4, mkv", {"--format", "avi"});
@@ -223,6 +223,25 @@ TEST_F(BadInput, NoArgumentsOrTooFew) {
 
 TEST_F(BadInput, WordsTooManyAreNamedInTheirOrder) {
   ExpectMisuse("not expected: --bogus 3 other.jpg;", {"--bogus", "3", "other.jpg"});
+}
+
+TEST_F(BadInput, AnOptionWhereAFileShouldBe) {
+  for (const char* command : {"render", "slideshow", "new"}) {
+    const Outcome outcome = RunKelto({command, photo_, "-o", "--frames", "2"});
+    EXPECT_EQ(outcome.code, kMisused);
+    EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+    EXPECT_THAT(outcome.err, HasSubstr("--output: lacks its FILE; --frames is an option"));
+  }
+}
+
+TEST_F(BadInput, TwoFilesForTheStandardOutput) {
+  for (const char* option : {"--save-project", "--record"}) {
+    const Outcome outcome = Render(photo_, "-", {"--format", "y4m", option, "-"});
+    EXPECT_EQ(outcome.code, kMisused);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+    EXPECT_THAT(outcome.err, HasSubstr(std::string("-o and ") + option + " cannot both be -"));
+  }
 }
 
 TEST_F(BadInput, ACommandThatIsNone) {

@@ -59,9 +59,29 @@ TEST_F(Completion, InBashOffersCommandsOptionsAndWords) {
   EXPECT_THAT(BashOffers("render --filter ul"), testing::ElementsAre("ultra"));
   EXPECT_THAT(BashOffers("batch --format mp"), testing::ElementsAre("mp4"));
   EXPECT_THAT(BashOffers("render --size \"\""), IsEmpty());
-  std::ofstream(folder_ / "photo.jpg") << "x";
-  EXPECT_THAT(BashOffers("render " + (folder_ / "ph")),
-              testing::ElementsAre(folder_ / "photo.jpg"));
+  EXPECT_THAT(BashOffers("render --fields p"), testing::ElementsAre("progressive"));
+}
+
+TEST_F(Completion, InBashOffersWordsBehindAnEqualsSign) {
+  EXPECT_THAT(BashOffers("render --filter = ul"), testing::ElementsAre("ultra"));
+  EXPECT_THAT(BashOffers("render --fit ="), testing::ElementsAre("fill", "whole"));
+}
+
+TEST_F(Completion, InBashQuotesNamesOfFiles) {
+  std::ofstream(folder_ / "two words.jpg") << "x";
+  std::ofstream(folder_ / "keys") << ". ./bash\nkelto() { printf '<%s>' \"$@\"; }\n"
+                                  << "kelto render two\t -o x --fit=w\t --audio=tw\t\nexit\n";
+  Script("bash");
+  const Outcome outcome =
+      RunShell("cd '" + (folder_ / "") + "' && INPUTRC=/dev/null bash --norc -i < keys");
+  EXPECT_EQ(outcome.out, "<render><two words.jpg><-o><x><--fit=whole><--audio=two words.jpg>")
+      << outcome.err;
+}
+
+TEST_F(Completion, InZshOffersAgainWhatMayBeGivenAgain) {
+  const std::string script = BytesOf(Script("zsh"));
+  EXPECT_THAT(script, HasSubstr("'*--view["));
+  EXPECT_THAT(script, HasSubstr("'--from["));
 }
 
 TEST_F(Completion, InEveryShellKnowsEveryOption) {
@@ -125,6 +145,23 @@ TEST(Doctor, TellsWhatThisMachineReadsAndWrites) {
         "  TIFF: yes\n", "  WebP: yes\n", "  GIF: yes\n", "  BMP: yes\n", "  TGA: yes\n",
         "  h264 in mp4, by libx264: yes\n", "  png: yes\n", "  y4m: yes\n"}) {
     EXPECT_THAT(outcome.out, HasSubstr(line));
+  }
+}
+
+TEST(Doctor, TellsTheVersionsOfAllLibraries) {
+  std::vector<std::string> names{"libavformat", "libpng", "giflib"};
+#if defined(KELTO_OPENCV)
+  names.emplace_back("OpenCV");
+#endif
+#if defined(KELTO_CAIRO)
+  names.emplace_back("Cairo");
+#endif
+#if defined(KELTO_SDL)
+  names.emplace_back("SDL");
+#endif
+  const std::string version = RunKelto({"--version"}).out;
+  for (const std::string& name : names) {
+    EXPECT_THAT(version, testing::ContainsRegex("\n" + name + " [0-9]+\\.[0-9]+"));
   }
 }
 

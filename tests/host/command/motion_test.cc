@@ -94,7 +94,7 @@ TEST_F(Motion, BesideThePhotoTheBackgroundShows) {
   EXPECT_LE(Distance(Middle(film[0]), {128, 128, 128}), kTolerance);
 }
 
-TEST_F(Motion, TheSourceDisplayShowsTheWholePhotoWithTheViewOutlined) {
+TEST_F(Motion, TheSourceDisplayShowsThePhotoAtZoom1WithTheViewOutlined) {
   const auto film = Film(1, {"--from", "2", "--display", "source"});
   EXPECT_LE(Distance(film[0].At(6, 20), {13, 41, 128}), 8) << ToString(film[0].At(6, 20));
   const auto plain = Film(1, {});

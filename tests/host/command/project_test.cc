@@ -90,6 +90,48 @@ TEST_F(Projects, ANewProjectIsNamedAfterThePhotoAndReplacesNothingUnasked) {
   std::filesystem::current_path("/");
 }
 
+TEST_F(Projects, AFolderIsNotWhatForceReplaces) {
+  std::filesystem::create_directory(folder_ / "d.json");
+  for (const Words& force : {Words{}, Words{"--force"}}) {
+    Words words{"new", photo_, "-o", folder_ / "d.json"};
+    words.insert(words.end(), force.begin(), force.end());
+    const Outcome outcome = RunKelto(words);
+    EXPECT_NE(outcome.code, 0);
+    EXPECT_EQ(outcome.err,
+              "kelto: " + (folder_ / "d.json") + ": is a folder; give it a file name\n");
+  }
+}
+
+TEST_F(Projects, APlanThatNoProjectHoldsIsToldByTheProjectsName) {
+  const std::string odd = folder_ / "caf\xe9.png";
+  std::filesystem::copy_file(photo_, odd);
+  const Outcome outcome = RunKelto({"new", odd, "-o", folder_ / "p.json"});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+  EXPECT_TRUE(
+      outcome.err.starts_with("kelto: " + (folder_ / "p.json") + ": cannot be kept as a project: "))
+      << outcome.err;
+}
+
+TEST_F(Projects, WhatAProjectSaysIsNotBlamedOnOptions) {
+  std::ofstream(folder_ / "p.json") << R"({"image": "photo.png", "film":
+      {"width": 64, "height": 38, "rate": 25, "frames": 1, "fields": "top"}})";
+  const auto fault = [&](const char* film, const Words& more = {}) {
+    Words words{"render", folder_ / "p.json", "-o", folder_ / film};
+    words.insert(words.end(), more.begin(), more.end());
+    return RunKelto(words).err;
+  };
+  const std::string project = "kelto: " + (folder_ / "p.json") + ": ";
+  EXPECT_TRUE(fault("f.webm").starts_with(project + "--fields: vp9 holds whole frames only; "))
+      << fault("f.webm");
+  EXPECT_NE(fault("f.webm").find("or --fields progressive"), std::string::npos);
+  EXPECT_EQ(fault("f.webm", {"--fields", "progressive"}), "");
+  EXPECT_TRUE(fault("f.mp4").starts_with(project + "--size 64x38: ")) << fault("f.mp4");
+  // What was given is told as such.
+  EXPECT_TRUE(fault("f.webm", {"--fields", "top"}).starts_with("kelto: --fields: "));
+  EXPECT_TRUE(fault("f.mp4", {"--size", "64x38"}).starts_with("kelto: --size 64x38: "));
+}
+
 TEST_F(Projects, ANewProjectNeedsAPhotoAndSparesIt) {
   for (const Words& words : {Words{"new", folder_ / "no.jpg", "-o", folder_ / "p.json"},
                              Words{"new", photo_, "-o", photo_, "--force"}}) {
@@ -195,6 +237,19 @@ TEST_F(Projects, AnAreaOfThePhotoIsAView) {
   EXPECT_NEAR(Row(film[0], 89), 84, 3);
   EXPECT_NEAR(Column(film[1], 0), 20, 3);
   EXPECT_NEAR(Row(film[1], 89), 89, 3);
+}
+
+TEST_F(Projects, AnAreaTooSmallForTheClosestZoomIsWidenedAloud) {
+  // Zoom 1 shows 200 columns of the photo, and zoom 20 a twentieth of them.
+  for (const char* option : {"--view", "--from", "--to"}) {
+    const Outcome widened = Render(photo_, folder_ / "f.y4m", {option, "100,40,4,3"});
+    EXPECT_EQ(widened.code, 0);
+    EXPECT_EQ(widened.err, std::string("kelto: ") + option +
+                               " 100,40,4,3: is widened to 10x6.667 pixels of the photo; zoom 20 "
+                               "goes no closer\n");
+  }
+  EXPECT_EQ(Render(photo_, folder_ / "f.y4m", {"--view", "100,40,80,20"}).err, "");
+  EXPECT_EQ(Render(photo_, folder_ / "f.y4m", {"--view", "20"}).err, "");
 }
 
 TEST_F(Projects, PixelsOfAPhotoTakenOnItsSideAreThoseOfTheUprightPicture) {

@@ -160,6 +160,57 @@ TEST_F(Report, InJsonTellsFailuresToo) {
   EXPECT_THAT(events.back()["text"].get<std::string>(), HasSubstr("cannot be read as a picture"));
 }
 
+TEST_F(Report, InJsonTellsFaultsOfTheCommandLineToo) {
+  for (const Words& faulty : {Words{"--siz", "64x64"}, {"--jobs"}, {"--bogus"}, {"--from", "x"}}) {
+    Words words{"render", photo_, "-o", films_ / "f.mp4", "--json"};
+    words.insert(words.end(), faulty.begin(), faulty.end());
+    const Outcome outcome = RunKelto(words);
+    EXPECT_EQ(outcome.code, 2);
+    const std::vector<Json> events = EventsOf(outcome.err);
+    ASSERT_EQ(events.size(), 1u) << outcome.err;
+    EXPECT_EQ(events[0]["event"], "error");
+    EXPECT_THAT(events[0]["text"].get<std::string>(), HasSubstr(faulty[0]));
+  }
+  // There they are names, and what --json of other commands prints is no report.
+  EXPECT_TRUE(IsOneLine(RunKelto({"render", "--", "a.jpg", "--json"}).err));
+  EXPECT_TRUE(IsOneLine(RunKelto({"inspect", photo_, "--json", "--bogus"}).err));
+}
+
+TEST_F(Report, OnAClosedStreamDoesNotEndInTheFilm) {
+  Command command({"-c",
+                   "exec \"$0\" render '" + photo_ + "' -o '" + (films_ / "f.mp4") +
+                       "' --size 64x64 --frames 100000 --jobs 1 2>&-",
+                   KELTO_COMMAND},
+                  "", "", "sh");
+  // The film is open when it has its name.
+  for (int i = 0; i < 6000 && NamesIn(films_).empty(); ++i) usleep(10'000);
+  ASSERT_FALSE(NamesIn(films_).empty());
+  const std::string streams = "/proc/" + std::to_string(command.Process()) + "/fd/";
+  EXPECT_EQ(std::filesystem::read_symlink(streams + "2"), "/dev/null");
+}
+
+TEST_F(Report, ClosedStreamsAreNoHindrance) {
+  const std::string film = films_ / "f.y4m", other = films_ / "g.y4m";
+  for (const char* closed : {"2>&-", "0<&- 1>&-", "0<&- 1>&- 2>&-"}) {
+    const auto render = [&](const std::string& out, const std::string& streams) {
+      return RunShell("exec \"$0\" render '" + photo_ + "' -o '" + out +
+                      "' --size 64x64 --frames 6 --jobs 2 " + streams);
+    };
+    EXPECT_EQ(render(film, "").code, 0);
+    const Outcome outcome = render(other, closed);
+    EXPECT_EQ(outcome.code, 0) << closed << ": " << outcome.err;
+    EXPECT_EQ(BytesOf(other), BytesOf(film)) << closed;
+    std::filesystem::remove(other);
+  }
+}
+
+TEST_F(Report, AFilmForAClosedStreamIsAFailure) {
+  const Outcome outcome = RunShell("exec \"$0\" render '" + photo_ +
+                                   "' -o - --format y4m --size 64x64 --frames 2 1>&-");
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_THAT(outcome.err, HasSubstr("standard output: cannot be written: Bad file descriptor"));
+}
+
 TEST_F(Report, QuietOnesAreOfFailuresOnly) {
   Terminal terminal;
   Command command({"render", photo_, "-o", films_ / "f.y4m", "--frames", "60", "--quiet"}, "",

@@ -80,8 +80,8 @@ TEST(ContainerFormats, AloneHaveCodecsAndSound) {
 TEST(ContainerFormats, CodecsWithoutFieldsSaySo) {
   const FilmRequest request{"-", {{64, 64}, {25, 1}, FieldOrder::kTopFirst}, 1, "vp9"};
   EXPECT_EQ(MisuseOf([&] { CheckRequest(KindFor("-", "webm"), request); }),
-            "--fields: vp9 holds whole frames only; use --codec h264, prores, ffv1, or leave "
-            "--fields out");
+            "--fields: vp9 holds whole frames only; use --codec h264, prores, ffv1, or "
+            "--fields progressive");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 
@@ -90,6 +91,29 @@ TEST(ReadProject, ALengthInSecondsIsRoundedToFrames) {
   EXPECT_EQ(frames(R"("seconds": 2.02)"), 51);
   EXPECT_EQ(frames(R"("rate": 50)"), 250);
   EXPECT_EQ(frames(R"("rate": "30000/1001", "seconds": 1)"), 30);
+}
+
+TEST(ReadProject, WholeNumbersMayBeWrittenWithAPoint) {
+  const RenderPlan plan = Read(R"({"image": "a", "playMode": 1e0,
+      "film": {"width": 64.0, "height": 48.0, "rate": 25.0, "frames": 2.0},
+      "parameters": {"filter": {"value": 5.0}, "size": [{"frame": 1.0, "value": 2.0}]}})");
+  EXPECT_EQ(plan.frames, 2);
+  EXPECT_EQ(plan.playMode, 1);
+  EXPECT_EQ(plan.format.size, (FrameSize{64, 48}));
+  EXPECT_EQ(plan.format.rate, (FrameRate{25, 1}));
+  EXPECT_EQ(plan.FindSetting("filter")->value, SettingValue(std::string("Filter: Gaussian")));
+  EXPECT_EQ(plan.FindSetting("size")->keys.at(0).value, SettingValue(2.0));
+  for (const char* frames : {"2.5", "0.0", "-1.0", "9007199254740994.0", "1e300", "-1e300"}) {
+    EXPECT_THAT(Fault(std::string(R"({"image": "a", "film": {"frames": )") + frames + "}}"),
+                HasSubstr("film.frames: "));
+  }
+}
+
+TEST(ReadProject, ZerosKeepTheirSign) {
+  const RenderPlan plan = ReadParameter("position", R"({"value": [-0.0, 0.0]})");
+  const auto position = std::get<std::array<double, 2>>(*plan.FindSetting("position")->value);
+  EXPECT_TRUE(std::signbit(position[0]));
+  EXPECT_FALSE(std::signbit(position[1]));
 }
 
 TEST(ReadProject, RatesAreNumbersOrFractions) {
