@@ -45,6 +45,12 @@ const bool kRegistered = [] {
           mode, scale, AvailableTargets().back());
     }
   }
+  // The whole picture within the frame: the weights at its edges differ from scale to scale.
+  for (const double scale : {9.745, 10.67, 12.041, 12.411, 12.6}) {
+    benchmark::RegisterBenchmark(("edges/ultra/" + ScaleName(scale)).c_str(), Frame,
+                                 static_cast<int32_t>(FilterUltraQual), scale,
+                                 AvailableTargets().back());
+  }
   for (const Target target : AvailableTargets()) {
     benchmark::RegisterBenchmark(("kelto_on/" + std::string(TargetName(target)) + "/3.125").c_str(),
                                  Frame, static_cast<int32_t>(FilterHiQual), 3.125, target);

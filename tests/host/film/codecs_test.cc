@@ -9,6 +9,7 @@
 
 #include "host/error.h"
 #include "host/film/encoder.h"
+#include "tests/host/film/misuse.h"
 #include "tests/host/support/effect_frames.h"
 #include "tests/host/support/film_reader.h"
 #include "tests/support/file_bytes.h"
@@ -18,6 +19,7 @@ namespace {
 
 using test::DecodedFilm;
 using test::DecodedFrame;
+using test::MisuseOf;
 using test::Rgb;
 using testing::HasSubstr;
 
@@ -189,16 +191,6 @@ TEST_P(CodecFields, AreMarkedAndKeepApart) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, CodecFields, testing::ValuesIn(FilmsWithFields()), &NameOf);
-
-template <typename Step>
-std::string MisuseOf(Step step) {
-  try {
-    step();
-  } catch (const UsageError& error) {
-    return error.what();
-  }
-  return "none";
-}
 
 TEST(CodecTable, EveryContainerHasAUsualCodecThatItHolds) {
   std::set<std::string> containers;

@@ -5,21 +5,13 @@
 #include <gtest/gtest.h>
 
 #include "host/error.h"
+#include "tests/host/film/misuse.h"
 
 namespace kelto::host {
 namespace {
 
+using test::MisuseOf;
 using testing::HasSubstr;
-
-template <typename Step>
-std::string MisuseOf(Step step) {
-  try {
-    step();
-  } catch (const UsageError& error) {
-    return error.what();
-  }
-  return "none";
-}
 
 TEST(ContainerFormats, AreChosenByTheNamesEnding) {
   EXPECT_STREQ(KindFor("a/film.mp4", "").name, "mp4");

@@ -8,22 +8,14 @@
 #include <span>
 
 #include "host/error.h"
+#include "tests/host/film/misuse.h"
 #include "tests/host/support/effect_frames.h"
 
 namespace kelto::host {
 namespace {
 
+using test::MisuseOf;
 using testing::HasSubstr;
-
-template <typename Step>
-std::string MisuseOf(Step step) {
-  try {
-    step();
-  } catch (const UsageError& error) {
-    return error.what();
-  }
-  return "none";
-}
 
 TEST(Formats, AreChosenByTheNamesEnding) {
   EXPECT_STREQ(KindFor("frame-%04d.png", "").name, "png");
