@@ -30,6 +30,32 @@ endif()
 target_compile_definitions(kelto_options INTERFACE
   $<$<OR:$<CONFIG:Debug>,$<BOOL:${KELTO_SANITIZE}>>:_GLIBCXX_ASSERTIONS>)
 
+# Every program and library is built with the search path that it keeps, from where it lies itself, and
+# installing copies it as it is. A path to be replaced later would be filled up with separators until
+# then, and the loader takes each empty entry for the current folder: a library planted beside a
+# photograph would run. lib/kelto is where an installed tree has them; the build tree has it, too.
+set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
+set(CMAKE_INSTALL_RPATH "$ORIGIN/../lib/kelto")
+if(NOT WIN32)
+  file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+  file(CREATE_LINK . ${CMAKE_BINARY_DIR}/lib/kelto SYMBOLIC)
+endif()
+
+# kelto_search_path(TARGETS ... FOLDERS ...): where the loader looks for the libraries of these, as
+# folders seen from their own.
+function(kelto_search_path)
+  cmake_parse_arguments(ARG "" "" "TARGETS;FOLDERS" ${ARGN})
+  set(path)
+  foreach(folder ${ARG_FOLDERS})
+    cmake_path(NORMAL_PATH folder)
+    string(REGEX REPLACE "/$" "" folder "$ORIGIN/${folder}")
+    list(APPEND path ${folder})
+  endforeach()
+  list(TRANSFORM path REPLACE "/[.]$" "")
+  list(REMOVE_DUPLICATES path)
+  set_target_properties(${ARG_TARGETS} PROPERTIES INSTALL_RPATH "${path}")
+endfunction()
+
 # kelto_library(NAME [SHARED] SOURCES ... LINK ...): a library of this project.
 function(kelto_library name)
   cmake_parse_arguments(ARG "SHARED" "" "SOURCES;LINK;PRIVATE_LINK" ${ARGN})

@@ -5,9 +5,14 @@ set(plugins kelto_pan_zoom kelto_pan_zoom_src)
 set(libraries kelto_frei0r hfx kelto_ipl kelto_win32)
 set_target_properties(${libraries} PROPERTIES SOVERSION 1)
 
-# Found from where they lie, in the build folder and installed alike.
-set_target_properties(${plugins} PROPERTIES INSTALL_RPATH "$ORIGIN/kelto")
-set_target_properties(${libraries} KeltoPanAndZoom PROPERTIES INSTALL_RPATH "$ORIGIN")
+# Wherever the plug-ins lie, their libraries are in the folder below: installed as above, as links in
+# the build tree, as one link in a package.
+kelto_search_path(TARGETS ${plugins} FOLDERS kelto)
+set(below ${CMAKE_BINARY_DIR}/lib/frei0r-1/kelto)
+file(MAKE_DIRECTORY ${below})
+foreach(library ${libraries})
+  file(CREATE_LINK ../../lib${library}.so.1 ${below}/lib${library}.so.1 SYMBOLIC)
+endforeach()
 
 install(TARGETS ${plugins} LIBRARY DESTINATION . COMPONENT frei0r EXCLUDE_FROM_ALL)
 install(TARGETS ${libraries} KeltoPanAndZoom
