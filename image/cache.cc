@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <new>
 
+#include "framing/cached_size.h"
 #include "image/image_holder.h"
 #include "resample/resample.h"
 
@@ -82,20 +83,9 @@ void EnforceCacheBudget(PanZoomState& state) {
 }
 
 bool KeepsNaturalSize(const PanZoomState& state) {
-  if (state.playMode == 0 || state.outputWidth == 0 || state.outputHeight == 0) return true;
-  // Unsigned: an output of width 1 leaves no image narrow enough.
-  return state.imageWidth < static_cast<uint32_t>(state.outputWidth) - 1u &&
-         state.imageHeight < static_cast<uint32_t>(state.outputHeight) - 1u;
-}
-
-ImageSize ReducedSize(ImageSize picture, ImageSize output) {
-  const auto follow = [](int32_t given, int32_t across, int32_t along) {
-    return std::max(1, static_cast<int32_t>(static_cast<double>(given) * across / along));
-  };
-  if (picture.width > picture.height) {
-    return {std::max(1, output.width), follow(output.width, picture.height, picture.width)};
-  }
-  return {follow(output.height, picture.width, picture.height), std::max(1, output.height)};
+  const PixelSize picture = {static_cast<int32_t>(state.imageWidth),
+                             static_cast<int32_t>(state.imageHeight)};
+  return KeepsNaturalSize(state.playMode, picture, {state.outputWidth, state.outputHeight});
 }
 
 void ReduceToVideoResolution(PanZoomState& state) {
@@ -109,7 +99,7 @@ void ReduceToVideoResolution(PanZoomState& state) {
 
   const StatusReset resetOnReturn;
   const IplImage& natural = *state.workImages[0];
-  const ImageSize size =
+  const PixelSize size =
       ReducedSize({natural.width, natural.height}, {output->GetWidth(), output->GetHeight()});
   ImageHolder reduced(NewCachedImageHeader(size.width, size.height));
   if (iplGetErrStatus() != IPL_StsOk) return;

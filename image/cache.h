@@ -33,24 +33,13 @@ IplImage* NewCachedImageHeader(int32_t width, int32_t height);
 /// caller's own images stay, whatever the total.
 void EnforceCacheBudget(PanZoomState& state);
 
-/// True when the instance's image stays cached at its natural size: final renders, an unknown
-/// output size, or an image that is smaller than the output in both directions. `cacheState` should
-/// be 1 then and 0 otherwise.
+/// KeepsNaturalSize of the instance's image and output. `cacheState` should be 1 then and 0
+/// otherwise.
 bool KeepsNaturalSize(const PanZoomState& state);
 
-/// Size, in pixels, of a picture.
-struct ImageSize {
-  int32_t width, height;
-};
-
-/// Size that a picture is reduced to for an output: a landscape picture takes the output's width,
-/// others its height; the other side follows the picture's shape, cut to whole pixels, at least 1.
-/// It may exceed the output.
-ImageSize ReducedSize(ImageSize picture, ImageSize output);
-
-/// Replaces level 0 by a reduced copy unless KeepsNaturalSize, and sets `cacheState`. When memory
-/// runs out the natural size stays. Throws the integer 1 when the image library reports success
-/// without giving pixels.
+/// Replaces level 0 by a reduced copy (ReducedSize) unless KeepsNaturalSize, and sets `cacheState`.
+/// When memory runs out the natural size stays. Throws the integer 1 when the image library reports
+/// success without giving pixels.
 void ReduceToVideoResolution(PanZoomState& state);
 
 /// The level to render a frame from: the last of the leading levels that are larger than the frame

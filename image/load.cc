@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "framing/pixel_size.h"
 #include "image/cache.h"
 #include "image/image_holder.h"
 #include "image/open_still.h"
@@ -108,7 +109,7 @@ bool AllocateOrTell(PanZoomState& state, IplImage* image) {
 }
 
 IplImage* NewHeader(int32_t channels, const char* model, const char* sequence, int32_t align,
-                    const ImageSize& size) {
+                    PixelSize size) {
   return iplCreateImageHeader(channels, 0, IPL_DEPTH_8U, model, sequence, IPL_DATA_ORDER_PIXEL,
                               IPL_ORIGIN_TL, align, size.width, size.height, nullptr, nullptr,
                               nullptr, nullptr);
@@ -130,7 +131,7 @@ bool Load(PanZoomState& state, bool interactive) {
   if (!OpenImageFile(state, interactive, still)) return false;
   StillRect bounds = {};
   if (still.GetBounds(&bounds) != noErr) return false;
-  const ImageSize size = {bounds.right - bounds.left, bounds.bottom - bounds.top};
+  const PixelSize size = {bounds.right - bounds.left, bounds.bottom - bounds.top};
 
   ImageHolder decoded(NewHeader(4, "RGBA", "BGRA", IPL_ALIGN_DWORD, size));
   if (!Decode(state, still, bounds, decoded.get())) return false;

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "framing/view.h"
 #include "render/motion.h"
 
 namespace kelto {
@@ -65,9 +66,9 @@ bool DeclareParameters(PanZoomState& state) {
   panel.Switch("Show Action Safe", "showactionsafe", group, state.showActionSafe);
 
   group = panel.Group("Size", "sizegroup", kOpen);
-  hfxPNumber* size = panel.Add(
-      hfxPNumber::New("Zoom Factor", "size", &state.zoom, sizeof state.zoom, 0.1, 20.0, 0.01, 0, 1),
-      group);
+  hfxPNumber* size = panel.Add(hfxPNumber::New("Zoom Factor", "size", &state.zoom,
+                                               sizeof state.zoom, kMinZoom, kMaxZoom, 0.01, 0, 1),
+                               group);
   size->SetInterpolator(InterpolateZoom);
   size->SetUserData(&state);
 

@@ -4,9 +4,9 @@
 #include <cstring>
 #include <memory>
 
+#include "framing/frame_rects.h"
 #include "image/cache.h"
 #include "platform/pxcfx.h"
-#include "render/geometry.h"
 #include "render/outline.h"
 #include "resample/resample.h"
 
@@ -14,10 +14,6 @@ namespace kelto {
 namespace {
 
 constexpr double kRealTimeQuality = 0.5;
-
-struct Size {
-  int32_t width, height;
-};
 
 /// A pixel layout as the conversion library is told it.
 struct Layout {
@@ -32,7 +28,7 @@ constexpr Layout k422 = {"Y422", pxcColorSpaceYCbCr, 2};
 /// Converts an image's rows in place through a buffer, each by the image's own row delta, so that
 /// padded and bottom-up images keep what lies between their rows.
 template <typename Conversion>
-void ConvertRowsInPlace(hfxImage& image, Size size, const Layout& from, const Layout& to) {
+void ConvertRowsInPlace(hfxImage& image, PixelSize size, const Layout& from, const Layout& to) {
   const size_t rowBytes = static_cast<size_t>(size.width) * to.bytesPerPixel;
   const auto buffer = std::make_unique_for_overwrite<uint8_t[]>(rowBytes * size.height);
   pxcImage source(size.width, size.height, from.tag, image.GetRowPtr(0), pxcComponent8U,
@@ -45,8 +41,19 @@ void ConvertRowsInPlace(hfxImage& image, Size size, const Layout& from, const La
   }
 }
 
+/// The current output as far as geometry goes.
+FrameGeometry GeometryOf(const PanZoomState& state, const hfxImage& output) {
+  FrameGeometry frame;
+  frame.output = {output.GetWidth(), output.GetHeight()};
+  frame.fieldMode = state.GetFieldMode();
+  frame.displayAspect = state.GetDisplayAspect();
+  frame.squarePixels = state.squarePixels;
+  frame.videoType = state.GetVideoType();
+  return frame;
+}
+
 /// What every job of a frame has in common: destination, field and layout.
-ResampleJob JobFor(const PanZoomState& state, hfxImage& output, Size size) {
+ResampleJob JobFor(const PanZoomState& state, hfxImage& output, PixelSize size) {
   ResampleJob job;
   const int32_t fieldMode = state.GetFieldMode();
   const bool oneField = fieldMode == hfxFieldModeSeparate;
@@ -61,7 +68,7 @@ ResampleJob JobFor(const PanZoomState& state, hfxImage& output, Size size) {
 }
 
 /// Draws the job into the output and brings RGB outputs back from 4:2:2.
-void Draw(const ResampleJob& job, hfxImage& output, Size size, int32_t colorspace) {
+void Draw(const ResampleJob& job, hfxImage& output, PixelSize size, int32_t colorspace) {
   ResampleTo422(job);
   if (colorspace == hfxColorspaceRGB) {
     ConvertRowsInPlace<pxcYCbYCr2RGBA>(output, size, k422, kBgra);
@@ -76,10 +83,10 @@ void SetPicture(ResampleJob& job, const IplImage* picture) {
   job.chroma = {2, 1};
 }
 
-void SetVideoBackground(ResampleJob& job, hfxImage& input, Size size, int32_t colorspace) {
+void SetVideoBackground(ResampleJob& job, hfxImage& input, PixelSize size, int32_t colorspace) {
   // Without pixels the input still counts as video: all of it is black.
-  const Size video = {std::clamp(input.GetWidth(), 0, size.width),
-                      std::clamp(input.GetHeight(), 0, size.height)};
+  const PixelSize video = {std::clamp(input.GetWidth(), 0, size.width),
+                           std::clamp(input.GetHeight(), 0, size.height)};
   // Overwrites the host's RGB input, on purpose: it saves a copy of the frame.
   if (colorspace == hfxColorspaceRGB) {
     ConvertRowsInPlace<pxcRGBA2YCbYCr>(input, video, kBgra, k422);
@@ -146,13 +153,13 @@ void RenderWithoutImage(PanZoomState& state) {
   hfxImage* output = state.GetOutput(0);
   if (!output) throw 1;
   const int32_t colorspace = output->GetColorspace();
-  const Size size = {output->GetWidth(), output->GetHeight()};
+  const PixelSize size = {output->GetWidth(), output->GetHeight()};
   if (!Renderable(colorspace) || size.width < 1 || size.height < 1) return;
 
   ResampleJob job = JobFor(state, *output, size);
   std::memset(job.background.bytes, state.levels == 1 ? 0 : 16, 3);
   const FrameRects rects =
-      ComputeFrameRects(GeometryOf(state, *output, 0, 0, {state.zoom, 0.0, 0.0}));
+      ComputeFrameRects(GeometryOf(state, *output), {0, 0}, {state.zoom, 0.0, 0.0});
   job.sourceRect = rects.source;
   job.destRect = rects.target;
   Draw(job, *output, size, colorspace);
@@ -165,8 +172,8 @@ void RenderFrame(PanZoomState& state, const hfxRect& region) {
   const int32_t colorspace = input->GetColorspace();
   // Rows of one layout written into an image of the other would not fit.
   if (!Renderable(colorspace) || output->GetColorspace() != colorspace) return;
-  const Size size = {Extent(region.x0, region.x1, output->GetWidth()),
-                     Extent(region.y0, region.y1, output->GetHeight())};
+  const PixelSize size = {Extent(region.x0, region.x1, output->GetWidth()),
+                          Extent(region.y0, region.y1, output->GetHeight())};
   if (size.width < 1 || size.height < 1) return;
 
   const bool showTarget = state.display == 1;
@@ -183,7 +190,7 @@ void RenderFrame(PanZoomState& state, const hfxRect& region) {
   job.filterMode = fast ? static_cast<int32_t>(FilterRealTime) : state.filter;
   const View view = showTarget ? View{state.zoom, state.centreX, state.centreY} : View{};
   const FrameRects rects =
-      ComputeFrameRects(GeometryOf(state, *output, job.source.width, job.source.height, view));
+      ComputeFrameRects(GeometryOf(state, *output), {job.source.width, job.source.height}, view);
   job.sourceRect = rects.source;
   job.destRect = rects.target;
 

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "framing/rect.h"
+
 namespace kelto {
 
 /// Four bytes a pixel in a source; the destination's bytes a pixel follow from the entry called.
@@ -12,12 +14,6 @@ struct PixelBlock {
   int32_t width = 0;
   int32_t height = 0;
   ptrdiff_t rowBytes = 0;  ///< from a row to the row below it; may be negative
-};
-
-/// Inclusive pixel-centre coordinates: a whole image of width W spans 0.5 .. W - 0.5.
-/// Code matches fields by name: collaborators list the four in different orders.
-struct RectF {
-  float left = 0.0f, top = 0.0f, right = 0.0f, bottom = 0.0f;
 };
 
 /// Which bytes of a four-byte source pixel hold the chroma that a 4:2:2 destination interleaves:

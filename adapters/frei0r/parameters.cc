@@ -46,7 +46,7 @@ Table MakeTable(Role role) {
       Text("fps", "",
            "The host's frames a second, by which its times are read: 29.97 ...; else 25, or as a "
            "project has it"),
-      Number("zoom", 1.0, host::kMinZoom, host::kMaxZoom,
+      Number("zoom", 1.0, kMinZoom, kMaxZoom,
              "How close the view is, 0.1 to 20; at 1 the photograph fits the frame; 0 means 1"),
       Number("x", 0.0, -host::kMaxCentre, host::kMaxCentre,
              "Centre of the view in picture widths to the right of the picture's centre"),

@@ -40,8 +40,8 @@ std::string EntryAt(const Values& values, Role role, int index) {
               [&](const std::string& word) { return host::EntryOf(host::ListOf(list), word); });
 }
 
-std::optional<host::View> ViewAt(const Values& values, Role role, int index) {
-  return Read(values, role, index, [](const std::string& text) -> std::optional<host::View> {
+std::optional<View> ViewAt(const Values& values, Role role, int index) {
+  return Read(values, role, index, [](const std::string& text) -> std::optional<View> {
     if (text.empty()) return std::nullopt;
     return host::ParseView(text);
   });
@@ -49,7 +49,7 @@ std::optional<host::View> ViewAt(const Values& values, Role role, int index) {
 
 std::vector<host::ViewKey> KeysOf(const Values& values, Role role) {
   const auto from = ViewAt(values, role, kFrom), to = ViewAt(values, role, kTo);
-  const host::View still{values.numbers[kZoom], values.numbers[kX], values.numbers[kY]};
+  const View still{values.numbers[kZoom], values.numbers[kX], values.numbers[kY]};
   const std::string arrival = EntryAt(values, role, kArrive);
   const std::string departure = EntryAt(values, role, kLeave);
   return {{0.0, from.value_or(to.value_or(still)), arrival, departure},

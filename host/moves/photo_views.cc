@@ -31,7 +31,7 @@ double Moved(double begin, double length, double end) {
 PhotoViews::PhotoViews(const RenderPlan& plan, PixelSize photo)
     : frame_(FrameToDraw(plan, photo, FieldState(plan, 0, 0),
                          SwitchedOn(plan, "squarepixels", true))) {
-  const DrawnArea base = AreaOf(frame_);
+  const DrawnArea base = AreaOf(frame_, View{});
   baseWidth_ = base.right - base.left;
   baseHeight_ = base.bottom - base.top;
 }
@@ -77,11 +77,7 @@ PhotoRect PhotoViews::Inside(PhotoRect view) const {
 }
 
 PhotoRect PhotoViews::PartOf(const View& view) const {
-  DrawnFrame frame = frame_;
-  frame.zoom = view.zoom;
-  frame.x = view.x;
-  frame.y = view.y;
-  const DrawnArea area = AreaOf(frame);
+  const DrawnArea area = AreaOf(frame_, view);
   return {area.left, area.top, area.right - area.left, area.bottom - area.top};
 }
 
@@ -95,9 +91,9 @@ View PhotoViews::ViewOf(const PhotoRect& part) const {
   view.zoom = std::clamp(view.zoom, kMinZoom, kMaxZoom);
   // The centre enters evenly, from where the zoom alone has it.
   const PhotoRect at0 = PartOf({view.zoom, 0.0, 0.0}), at1 = PartOf({view.zoom, 1.0, 1.0});
-  view.x = (part.CentreX() - at0.CentreX()) / (at1.CentreX() - at0.CentreX());
-  view.y = (part.CentreY() - at0.CentreY()) / (at1.CentreY() - at0.CentreY());
-  if (std::abs(view.x) > kMaxCentre || std::abs(view.y) > kMaxCentre) {
+  view.centreX = (part.CentreX() - at0.CentreX()) / (at1.CentreX() - at0.CentreX());
+  view.centreY = (part.CentreY() - at0.CentreY()) / (at1.CentreY() - at0.CentreY());
+  if (std::abs(view.centreX) > kMaxCentre || std::abs(view.centreY) > kMaxCentre) {
     throw UsageError("lies too far from the photo");
   }
   return view;

@@ -1,7 +1,7 @@
 // Views as parts of the photo.
 #pragma once
 
-#include "host/geometry/drawn_area.h"
+#include "framing/drawn_area.h"
 #include "host/options/photo_rect.h"
 #include "host/options/view.h"
 #include "host/plan/render_plan.h"

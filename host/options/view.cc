@@ -36,8 +36,8 @@ View ParseView(std::string_view text) {
   const std::string_view centre = text.substr(at + 1);
   const size_t comma = centre.find(',');
   if (comma == std::string_view::npos) throw BadForm();
-  view.x = ParseCentre(centre.substr(0, comma));
-  view.y = ParseCentre(centre.substr(comma + 1));
+  view.centreX = ParseCentre(centre.substr(0, comma));
+  view.centreY = ParseCentre(centre.substr(comma + 1));
   return view;
 }
 

@@ -30,7 +30,7 @@ void RenderPlan::SetViews(std::span<const ViewKey> keys) {
       arrival{"invelocity", std::nullopt, {}, -1}, departure{"outvelocity", std::nullopt, {}, -1};
   for (const ViewKey& key : keys) {
     zoom.keys.push_back({key.time, key.view.zoom});
-    position.keys.push_back({key.time, std::array{key.view.x, key.view.y}});
+    position.keys.push_back({key.time, std::array{key.view.centreX, key.view.centreY}});
     arrival.keys.push_back({key.time, key.arrival});
     departure.keys.push_back({key.time, key.departure});
   }

@@ -6,16 +6,16 @@ DrawnFrame FrameToDraw(const RenderPlan& plan, PixelSize photo, const hfx::Rende
                        bool squarePixels) {
   DrawnFrame frame;
   frame.photo = photo;
-  frame.frame = {plan.format.size.width, plan.format.size.height};
-  frame.output = frame.frame;
-  if (plan.format.Interlaced()) {
-    frame.output.height = (frame.frame.height + (state.topField ? 1 : 0)) / 2;
-  }
-  frame.fieldMode = state.fieldMode;
-  frame.videoType = state.videoType;
+  frame.first = {plan.format.size.width, plan.format.size.height};
   frame.playMode = plan.playMode;
-  frame.displayAspect = state.displayAspect;
-  frame.squarePixels = squarePixels;
+  frame.geometry.output = frame.first;
+  if (plan.format.Interlaced()) {
+    frame.geometry.output.height = (frame.first.height + (state.topField ? 1 : 0)) / 2;
+  }
+  frame.geometry.fieldMode = state.fieldMode;
+  frame.geometry.videoType = state.videoType;
+  frame.geometry.displayAspect = state.displayAspect;
+  frame.geometry.squarePixels = squarePixels;
   return frame;
 }
 

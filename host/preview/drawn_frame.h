@@ -1,14 +1,14 @@
 // A frame or field of a plan's film, as far as geometry goes.
 #pragma once
 
-#include "host/geometry/drawn_area.h"
+#include "framing/drawn_area.h"
 #include "host/plan/render_plan.h"
 #include "runtime/hfx/host.h"
 
 namespace kelto::host {
 
 /// What a session tells the effect of `photo` and of the frame or field that `state` is the time
-/// of, with the view at its default. `squarePixels` is the parameter's value.
+/// of. `squarePixels` is the parameter's value.
 DrawnFrame FrameToDraw(const RenderPlan& plan, PixelSize photo, const hfx::RenderState& state,
                        bool squarePixels);
 

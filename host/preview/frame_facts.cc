@@ -39,11 +39,7 @@ DrawnArea FrameInspector::ViewArea(const FrameFacts& facts) const {
 
 DrawnArea FrameInspector::Area(const FrameFacts& facts, const View& view) const {
   const hfx::RenderState state = FieldState(plan_, facts.number, facts.field, quality_);
-  DrawnFrame frame = FrameToDraw(plan_, photo_, state, squarePixels_);
-  frame.zoom = view.zoom;
-  frame.x = view.x;
-  frame.y = view.y;
-  return AreaOf(frame);
+  return AreaOf(FrameToDraw(plan_, photo_, state, squarePixels_), view);
 }
 
 }  // namespace kelto::host

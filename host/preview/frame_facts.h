@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "host/geometry/drawn_area.h"
+#include "framing/drawn_area.h"
 #include "host/plan/render_plan.h"
 #include "host/preview/motion.h"
 #include "host/session/photo.h"

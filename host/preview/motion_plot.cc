@@ -89,14 +89,16 @@ std::vector<Panel> PanelsOf(const FrameInspector& inspector, const Samples& samp
   const auto zoom = [](const FrameFacts& from, const FrameFacts& to) {
     return std::log2(to.view.zoom / from.view.zoom);
   };
-  return {{"Centre of the view (widths, heights)",
-           {{"x, to the right", kBlue, Each(samples, [](const FrameFacts& f) { return f.view.x; })},
-            {"y, down", kOrange, Each(samples, [](const FrameFacts& f) { return f.view.y; })}}},
-          {"Zoom (times)",
-           {{"zoom", kBlue, Each(samples, [](const FrameFacts& f) { return f.view.zoom; })}}},
-          {"Speed (a second)",
-           {{"pan, in frame widths", kBlue, Speed(samples, pan)},
-            {"zoom, in doublings", kOrange, Speed(samples, zoom)}}}};
+  return {
+      {"Centre of the view (widths, heights)",
+       {{"x, to the right", kBlue,
+         Each(samples, [](const FrameFacts& f) { return f.view.centreX; })},
+        {"y, down", kOrange, Each(samples, [](const FrameFacts& f) { return f.view.centreY; })}}},
+      {"Zoom (times)",
+       {{"zoom", kBlue, Each(samples, [](const FrameFacts& f) { return f.view.zoom; })}}},
+      {"Speed (a second)",
+       {{"pan, in frame widths", kBlue, Speed(samples, pan)},
+        {"zoom, in doublings", kOrange, Speed(samples, zoom)}}}};
 }
 
 class Plot {

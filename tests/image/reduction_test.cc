@@ -77,8 +77,6 @@ TEST_F(Reduction, SizesAgreeWithTheReferenceResults) {
     const int32_t width = c["width"], height = c["height"];
     const int32_t outputWidth = c["output_width"], outputHeight = c["output_height"];
     const Size expected(c["new_width"], c["new_height"]);
-    const ImageSize size = ReducedSize({width, height}, {outputWidth, outputHeight});
-    EXPECT_EQ(Size(size.width, size.height), expected);
     if (int64_t{width} * height > 2000000) continue;  // the largest take seconds
     SetOutput(outputWidth, outputHeight);
     EXPECT_EQ(SizeAfter(width, height), expected);

@@ -4,7 +4,7 @@
 
 #include "image/cache.h"
 #include "image/studio_levels.h"
-#include "render/geometry.h"
+#include "framing/frame_rects.h"
 #include "tests/support/instance.h"
 #include "tests/support/vectors.h"
 

@@ -22,18 +22,17 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"runtime/stills", {"platform"}},
     {"runtime/win32", {"platform"}},
     {"curves", {}},
-    {"resample", {}},
+    {"framing", {"platform"}},
+    {"resample", {"framing"}},
     {"state", {"platform", "curves"}},
-    {"image", {"platform", "state", "resample"}},
-    {"render", {"platform", "curves", "resample", "state", "image"}},
-    {"plugin", {"platform", "curves", "state", "image", "render"}},
+    {"image", {"platform", "framing", "state", "resample"}},
+    {"render", {"platform", "framing", "curves", "resample", "state", "image"}},
+    {"plugin", {"platform", "framing", "curves", "state", "image", "render"}},
     // The command is a host: it knows modules only through the host interface. Where frames come
-    // from in the photo no interface tells, so one small folder, which knows nothing of the
-    // command, asks the module's own code.
-    {"host/geometry", {"platform", "state", "image", "render"}},
-    {"host", {"platform", "runtime/hfx", "host/geometry"}},
+    // from in the photo no interface tells: framing says it to both.
+    {"host", {"platform", "framing", "runtime/hfx"}},
     // Hosts too, made of the command's parts.
-    {"adapters", {"platform", "runtime/hfx", "host"}},
+    {"adapters", {"platform", "framing", "runtime/hfx", "host"}},
 };
 
 /// The longest folder of the table that holds `path`.

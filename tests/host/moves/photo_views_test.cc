@@ -111,8 +111,8 @@ TEST(PhotoViews, ViewsAndPartsAreEachOthersInverse) {
       const View view{zoom, 0.17, -0.23};
       const View again = views.ViewOf(views.PartOf(view));
       EXPECT_NEAR(again.zoom, view.zoom, 2e-3 * zoom);
-      EXPECT_NEAR(again.x, view.x, 1e-3);
-      EXPECT_NEAR(again.y, view.y, 1e-3);
+      EXPECT_NEAR(again.centreX, view.centreX, 1e-3);
+      EXPECT_NEAR(again.centreY, view.centreY, 1e-3);
     }
   }
 }

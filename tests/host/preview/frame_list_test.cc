@@ -83,7 +83,7 @@ TEST_F(FrameListing, JsonReadsBackAsTheVeryNumbers) {
     const auto& frame = list["frames"][static_cast<size_t>(number)];
     EXPECT_EQ(frame["frame"], number);
     EXPECT_EQ(frame["zoom"].get<double>(), facts.view.zoom);
-    EXPECT_EQ(frame["y"].get<double>(), facts.view.y);
+    EXPECT_EQ(frame["y"].get<double>(), facts.view.centreY);
     EXPECT_EQ(frame["left"].get<double>(), facts.area.left);
     EXPECT_EQ(frame["scale_y"].get<double>(), facts.area.scaleY);
     EXPECT_EQ(frame["reduced"], false);

@@ -1,4 +1,6 @@
-#include "render/geometry.h"
+#include "framing/frame_rects.h"
+
+#include "platform/hfx.h"
 
 namespace kelto {
 namespace {
@@ -20,24 +22,25 @@ float CentreOffset(double centre, double zoom, float base, float scale, float as
 
 }  // namespace
 
-FrameRects ComputeFrameRects(const FrameGeometry& frame) {
+FrameRects ComputeFrameRects(const FrameGeometry& frame, PixelSize picture, const View& view) {
   float aspect = static_cast<float>(frame.displayAspect);
   // Non-square source pixels: 625-line video is narrower than it is shown, all other is wider.
   if (!frame.squarePixels) aspect *= frame.videoType == hfxVideoType625 ? 0.9375f : 1.1111112f;
 
-  const float width = static_cast<float>(frame.outputWidth);
-  const float height =
-      static_cast<float>(frame.outputHeight) * (frame.fieldMode == hfxFieldModeSeparate ? 2 : 1);
+  // Unsigned, as the host counts the sides of its images.
+  const float width = static_cast<float>(static_cast<uint32_t>(frame.output.width));
+  const float height = static_cast<float>(static_cast<uint32_t>(frame.output.height)) *
+                       (frame.fieldMode == hfxFieldModeSeparate ? 2 : 1);
   FrameRects rects;
   rects.target = {0.5f, 0.5f, width - 0.5f, height - 0.5f};
 
-  const float sw = static_cast<float>(frame.sourceWidth);
-  const float sh = static_cast<float>(frame.sourceHeight);
+  const float sw = static_cast<float>(picture.width);
+  const float sh = static_cast<float>(picture.height);
   RectF& source = rects.source;
   source = {0.5f, 0.5f, sw - 0.5f, sh - 0.5f};
   float baseWidth = sw, baseHeight = sh;
   // The picture's own shape alone decides, not how it compares with the frame's; kept on purpose.
-  if (frame.sourceWidth <= frame.sourceHeight) {
+  if (picture.width <= picture.height) {
     const float margin = (sw - aspect * sh) * 0.5f;
     source.left = 0.5f + margin;
     source.right = sw - 0.5f - margin;
@@ -49,7 +52,6 @@ FrameRects ComputeFrameRects(const FrameGeometry& frame) {
     baseHeight = source.bottom + 1.0f - source.top;
   }
 
-  const View& view = frame.view;
   const float offsetX = CentreOffset(view.centreX, view.zoom, baseWidth, baseWidth / width, aspect);
   const float offsetY =
       CentreOffset(view.centreY, view.zoom, baseHeight, baseHeight / height, aspect);
@@ -67,21 +69,6 @@ FrameRects ComputeFrameRects(const FrameGeometry& frame) {
   source.top += offsetY;
   source.bottom += offsetY;
   return rects;
-}
-
-FrameGeometry GeometryOf(const PanZoomState& state, const hfxImage& output, int32_t sourceWidth,
-                         int32_t sourceHeight, const View& view) {
-  FrameGeometry frame;
-  frame.sourceWidth = sourceWidth;
-  frame.sourceHeight = sourceHeight;
-  frame.outputWidth = static_cast<uint32_t>(output.GetWidth());
-  frame.outputHeight = static_cast<uint32_t>(output.GetHeight());
-  frame.fieldMode = state.GetFieldMode();
-  frame.displayAspect = state.GetDisplayAspect();
-  frame.squarePixels = state.squarePixels;
-  frame.videoType = state.GetVideoType();
-  frame.view = view;
-  return frame;
 }
 
 }  // namespace kelto
