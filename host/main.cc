@@ -3,25 +3,13 @@
 #include <algorithm>
 #include <cstring>
 #include <exception>
-#include <iterator>
 #include <new>
+#include <span>
 #include <sstream>
 #include <string>
 
-#include "host/commands/batch.h"
-#include "host/commands/completion.h"
-#include "host/commands/doctor.h"
-#include "host/commands/inspect.h"
-#if defined(KELTO_SDL)
-#include "host/commands/play.h"
-#endif
-#include "host/commands/new.h"
-#include "host/commands/render.h"
-#include "host/commands/slideshow.h"
-#if defined(KELTO_CAIRO)
-#include "host/commands/storyboard.h"
-#endif
-#include "host/error.h"
+#include "host/base/error.h"
+#include "host/commands/commands.h"
 #include "host/files/narrow_text.h"
 #include "host/terminal/interrupt.h"
 #include "host/terminal/standard_output.h"
@@ -70,11 +58,15 @@ void CheckCommandName(const CLI::App& app, int argc, char** argv) {
 
 /// Whoever reads events gets those of a faulty command line as events, too.
 void ReportAsAsked(int argc, char** argv) {
-  constexpr const char* kWithEvents[] = {"render", "batch", "slideshow"};
+  if (argc < 2) return;
   const auto is = [](const char* word) {
     return [word](const char* other) { return std::strcmp(word, other) == 0; };
   };
-  if (argc < 2 || std::none_of(std::begin(kWithEvents), std::end(kWithEvents), is(argv[1]))) return;
+  const std::span commands = Commands();
+  const auto given = std::find_if(commands.begin(), commands.end(), [&](const Command& command) {
+    return is(argv[1])(command.name);
+  });
+  if (given == commands.end() || !given->reportsEvents) return;
   // Behind "--" are names only.
   char** const end = std::find_if(argv, argv + argc, is("--"));
   if (std::any_of(argv, end, is("--json"))) SetReporting(Reporting::kJson);
@@ -88,15 +80,9 @@ int Run(int argc, char** argv) {
   app.require_subcommand(1);
   app.footer(kExitCodes);
 
-  for (const auto add :
-       {AddRender, AddNew, AddBatch, AddSlideshow, AddInspect, AddDoctor, AddCompletion})
-    add(app)->footer(kExitCodes);
-#if defined(KELTO_CAIRO)
-  AddStoryboard(app)->footer(kExitCodes);
-#endif
-#if defined(KELTO_SDL)
-  AddPlay(app)->footer(kExitCodes);
-#endif
+  for (const Command& command : Commands()) {
+    if (CLI::App* const added = command.add(app)) added->footer(kExitCodes);
+  }
 
   CheckCommandName(app, argc, argv);
   ReportAsAsked(argc, argv);

@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <system_error>
 
-#include "host/error.h"
+#include "host/base/error.h"
+#include "host/effect/module_file.h"
 #include "host/files/input_file.h"
-#include "host/session/module_file.h"
 
 namespace kelto::frei0r {
 namespace {

@@ -9,9 +9,9 @@
 #include <utility>
 
 #include "adapters/frei0r/effect_file.h"
-#include "host/error.h"
-#include "host/session/effect_settings.h"
-#include "host/session/render_state.h"
+#include "host/base/error.h"
+#include "host/effect/effect_settings.h"
+#include "host/effect/render_state.h"
 
 namespace kelto::frei0r {
 namespace {

@@ -19,7 +19,7 @@
 #include <string>
 
 #include "adapters/frei0r/scene.h"
-#include "host/session/photo.h"
+#include "host/effect/photo.h"
 #include "platform/hfx.h"
 #include "runtime/hfx/host.h"
 

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "adapters/frei0r/console.h"
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/options/choices.h"
 #include "host/options/rate.h"
 #include "host/options/view.h"

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "adapters/frei0r/parameters.h"
-#include "host/film/film_format.h"
+#include "host/base/film_format.h"
 #include "host/options/colour.h"
 #include "host/plan/render_plan.h"
 #include "platform/api.h"

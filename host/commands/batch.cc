@@ -1,4 +1,4 @@
-#include "host/commands/batch.h"
+#include "host/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -7,18 +7,18 @@
 #include <memory>
 #include <system_error>
 
+#include "host/base/error.h"
 #include "host/commands/film_options.h"
 #include "host/commands/plan_options.h"
-#include "host/error.h"
+#include "host/effect/module_file.h"
 #include "host/files/narrow_text.h"
+#include "host/files/program_folder.h"
 #include "host/jobs/film_job.h"
 #include "host/jobs/film_record.h"
 #include "host/jobs/picture_list.h"
 #include "host/jobs/task_line.h"
-#include "host/jobs/task_processes.h"
 #include "host/plan/default_plan.h"
-#include "host/program/program_folder.h"
-#include "host/session/module_file.h"
+#include "host/processes/task_processes.h"
 #include "host/terminal/events.h"
 #include "host/terminal/progress.h"
 #include "host/terminal/standard_output.h"

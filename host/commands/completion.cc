@@ -1,10 +1,10 @@
-#include "host/commands/completion.h"
+#include "host/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
 
+#include "host/base/error.h"
 #include "host/commands/command_tree.h"
-#include "host/error.h"
 #include "host/film/codecs.h"
 #include "host/film/formats.h"
 #include "host/moves/presets.h"

@@ -1,13 +1,13 @@
-#include "host/commands/doctor.h"
+#include "host/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 
-#include "host/error.h"
+#include "host/base/error.h"
+#include "host/effect/module_file.h"
 #include "host/machine/checks.h"
 #include "host/machine/libraries.h"
-#include "host/session/module_file.h"
 #include "host/terminal/standard_output.h"
 
 namespace kelto::host {

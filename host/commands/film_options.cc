@@ -5,12 +5,12 @@
 #include <array>
 #include <filesystem>
 
+#include "host/base/error.h"
 #include "host/commands/option_text.h"
-#include "host/error.h"
+#include "host/effect/module_file.h"
 #include "host/files/narrow_text.h"
 #include "host/film/codecs.h"
 #include "host/options/number.h"
-#include "host/session/module_file.h"
 #include "host/terminal/terminal.h"
 
 namespace kelto::host {

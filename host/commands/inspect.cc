@@ -1,18 +1,18 @@
-#include "host/commands/inspect.h"
+#include "host/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
 
+#include "host/base/error.h"
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
-#include "host/error.h"
-#include "host/film/output_file.h"
+#include "host/effect/module_file.h"
+#include "host/facts/frame_list.h"
+#include "host/files/output_file.h"
 #include "host/options/number.h"
-#include "host/preview/frame_list.h"
-#include "host/session/module_file.h"
 #include "host/terminal/standard_output.h"
 #if defined(KELTO_CAIRO)
-#include "host/preview/motion_plot.h"
+#include "host/drawing/motion_plot.h"
 #endif
 
 namespace kelto::host {

@@ -1,17 +1,17 @@
-#include "host/commands/new.h"
+#include "host/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
 #include <system_error>
 
+#include "host/base/error.h"
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
-#include "host/error.h"
+#include "host/effect/photo.h"
 #include "host/files/narrow_text.h"
-#include "host/film/output_file.h"
+#include "host/files/output_file.h"
 #include "host/project/project_file.h"
-#include "host/session/photo.h"
 
 namespace kelto::host {
 namespace {

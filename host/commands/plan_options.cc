@@ -2,8 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "host/base/error.h"
 #include "host/commands/option_text.h"
-#include "host/error.h"
 #include "host/options/choices.h"
 #include "host/options/colour.h"
 #include "host/options/number.h"

@@ -1,12 +1,12 @@
-#include "host/commands/play.h"
+#include "host/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
 
+#include "host/base/error.h"
 #include "host/commands/plan_options.h"
-#include "host/error.h"
+#include "host/effect/module_file.h"
 #include "host/player/player.h"
-#include "host/session/module_file.h"
 
 namespace kelto::host {
 namespace {

@@ -1,19 +1,19 @@
-#include "host/commands/render.h"
+#include "host/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
 #include <utility>
 
+#include "host/base/error.h"
 #include "host/commands/film_options.h"
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
-#include "host/error.h"
-#include "host/film/output_file.h"
+#include "host/effect/module_file.h"
+#include "host/files/output_file.h"
 #include "host/jobs/film_job.h"
 #include "host/jobs/film_record.h"
 #include "host/options/frame_range.h"
 #include "host/project/project_file.h"
-#include "host/session/module_file.h"
 #include "host/terminal/events.h"
 #include "host/terminal/progress.h"
 #include "host/terminal/terminal.h"

@@ -1,4 +1,4 @@
-#include "host/commands/slideshow.h"
+#include "host/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -6,19 +6,19 @@
 #include <memory>
 #include <set>
 
+#include "host/base/error.h"
 #include "host/commands/film_options.h"
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
-#include "host/error.h"
+#include "host/effect/module_file.h"
+#include "host/effect/photo.h"
+#include "host/files/output_file.h"
 #include "host/film/codecs.h"
-#include "host/film/output_file.h"
 #include "host/jobs/film_job.h"
 #include "host/jobs/picture_list.h"
 #include "host/jobs/slideshow.h"
 #include "host/options/number.h"
 #include "host/options/rate.h"
-#include "host/session/module_file.h"
-#include "host/session/photo.h"
 #include "host/terminal/events.h"
 #include "host/terminal/interrupt.h"
 #include "host/terminal/progress.h"

@@ -1,15 +1,15 @@
-#include "host/commands/storyboard.h"
+#include "host/commands/commands.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
 
+#include "host/base/error.h"
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
-#include "host/error.h"
-#include "host/film/output_file.h"
+#include "host/drawing/storyboard.h"
+#include "host/effect/module_file.h"
+#include "host/files/output_file.h"
 #include "host/options/number.h"
-#include "host/preview/storyboard.h"
-#include "host/session/module_file.h"
 
 namespace kelto::host {
 namespace {

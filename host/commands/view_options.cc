@@ -5,13 +5,13 @@
 #include <cstdio>
 #include <optional>
 
+#include "host/base/error.h"
 #include "host/commands/option_text.h"
-#include "host/error.h"
+#include "host/effect/photo.h"
 #include "host/moves/auto_move.h"
 #include "host/moves/photo_views.h"
 #include "host/moves/presets.h"
 #include "host/plan/default_plan.h"
-#include "host/session/photo.h"
 #include "host/terminal/terminal.h"
 
 namespace kelto::host {

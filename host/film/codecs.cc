@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/options/size.h"
 
 namespace kelto::host {

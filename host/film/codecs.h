@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/film/film_format.h"
+#include "host/base/film_format.h"
 
 namespace kelto::host {
 

@@ -9,7 +9,7 @@
 
 #include <cstdint>
 
-#include "host/film/film_format.h"
+#include "host/base/film_format.h"
 
 namespace kelto::host {
 

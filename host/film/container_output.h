@@ -8,7 +8,7 @@ extern "C" {
 #include <exception>
 #include <string>
 
-#include "host/film/output_file.h"
+#include "host/files/output_file.h"
 
 namespace kelto::host {
 

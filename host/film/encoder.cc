@@ -7,7 +7,7 @@ extern "C" {
 #include <algorithm>
 #include <string>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/film/container_output.h"
 #include "host/film/libav.h"
 #include "host/film/planes.h"

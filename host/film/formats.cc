@@ -7,12 +7,12 @@
 #include <map>
 #include <system_error>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/files/narrow_text.h"
+#include "host/files/output_file.h"
 #include "host/film/codecs.h"
 #include "host/film/encoder.h"
 #include "host/film/frame_pattern.h"
-#include "host/film/output_file.h"
 #include "host/film/picture_sequence.h"
 #include "host/film/raw_video.h"
 #if defined(KELTO_FFMPEG)

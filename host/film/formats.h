@@ -5,7 +5,7 @@
 #include <span>
 #include <string>
 
-#include "host/film/film_format.h"
+#include "host/base/film_format.h"
 #include "host/film/frame_sink.h"
 
 namespace kelto::host {

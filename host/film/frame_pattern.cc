@@ -6,7 +6,7 @@
 #include <limits>
 #include <string_view>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/files/narrow_text.h"
 #include "host/options/number.h"
 

@@ -1,7 +1,7 @@
 // Where finished frames go.
 #pragma once
 
-#include "host/film/film_format.h"
+#include "host/base/film_format.h"
 
 namespace kelto::host {
 

@@ -4,7 +4,7 @@ extern "C" {
 #include <libavutil/avstring.h>
 }
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/files/input_file.h"
 
 namespace kelto::host {

@@ -3,9 +3,9 @@
 #include <stdexcept>
 #include <vector>
 
-#include "host/error.h"
+#include "host/base/error.h"
+#include "host/files/output_file.h"
 #include "host/film/frame_pattern.h"
-#include "host/film/output_file.h"
 #include "host/film/png_file.h"
 #include "host/film/png_pixel_shape.h"
 #if !defined(_WIN32)

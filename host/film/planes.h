@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "host/base/film_format.h"
 #include "host/film/colour_matrix.h"
-#include "host/film/film_format.h"
 
 namespace kelto::host {
 

@@ -1,6 +1,6 @@
 #include "host/film/raw_video.h"
 
-#include "host/film/output_file.h"
+#include "host/files/output_file.h"
 
 namespace kelto::host {
 namespace {

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <utility>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/film/sound_encoder.h"
 #include "host/film/sound_source.h"
 

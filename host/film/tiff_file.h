@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "host/film/film_format.h"
+#include "host/base/film_format.h"
 
 namespace kelto::host {
 

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <vector>
 
-#include "host/film/output_file.h"
+#include "host/files/output_file.h"
 #include "host/film/planes.h"
 
 namespace kelto::host {

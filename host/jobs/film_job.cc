@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <memory>
 
-#include "host/error.h"
+#include "host/base/error.h"
+#include "host/effect/photo.h"
+#include "host/files/output_file.h"
 #include "host/film/codecs.h"
-#include "host/film/output_file.h"
-#include "host/session/photo.h"
 #include "host/terminal/terminal.h"
 
 #if defined(__linux__)

@@ -9,7 +9,7 @@
 
 #include "host/files/input_file.h"
 #include "host/files/narrow_text.h"
-#include "host/film/output_file.h"
+#include "host/files/output_file.h"
 
 namespace kelto::host {
 namespace {

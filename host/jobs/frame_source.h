@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/film/film_format.h"
+#include "host/base/film_format.h"
 #include "host/options/frame_range.h"
 #include "host/plan/render_plan.h"
 

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/files/narrow_text.h"
 #include "host/project/project_file.h"
 

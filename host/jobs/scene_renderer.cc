@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "host/session/photo.h"
+#include "host/effect/photo.h"
 #include "host/terminal/interrupt.h"
 
 namespace kelto::host {

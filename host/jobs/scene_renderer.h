@@ -4,8 +4,8 @@
 #include <functional>
 #include <memory>
 
+#include "host/frames/effect_session.h"
 #include "host/jobs/frame_source.h"
-#include "host/session/effect_session.h"
 
 namespace kelto::host {
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <utility>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/jobs/cross_fade.h"
 #include "host/jobs/frame_source.h"
 #include "host/options/rate.h"

@@ -4,7 +4,7 @@
 #include <cctype>
 #include <cstring>
 
-#include "host/error.h"
+#include "host/base/error.h"
 
 namespace kelto::host {
 

@@ -3,12 +3,12 @@
 #include <utility>
 #include <vector>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/jobs/frame_source.h"
 #include "host/jobs/scene_renderer.h"
-#include "host/jobs/shared_console.h"
-#include "host/jobs/shared_frames.h"
-#include "host/jobs/worker.h"
+#include "host/processes/shared_console.h"
+#include "host/processes/shared_frames.h"
+#include "host/processes/worker.h"
 #include "host/terminal/interrupt.h"
 #include "host/terminal/terminal.h"
 

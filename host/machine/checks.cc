@@ -8,14 +8,14 @@
 #include <system_error>
 #include <vector>
 
-#include "host/error.h"
+#include "host/base/error.h"
+#include "host/effect/photo.h"
 #include "host/files/narrow_text.h"
 #include "host/film/codecs.h"
 #include "host/film/formats.h"
+#include "host/frames/effect_session.h"
 #include "host/machine/sample_stills.h"
 #include "host/plan/default_plan.h"
-#include "host/session/effect_session.h"
-#include "host/session/photo.h"
 #if defined(KELTO_FFMPEG)
 #include "host/film/encoder.h"
 #endif

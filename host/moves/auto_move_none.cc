@@ -1,5 +1,5 @@
 // A build without the library that looks at pictures.
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/moves/auto_move.h"
 
 namespace kelto::host {

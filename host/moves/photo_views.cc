@@ -4,9 +4,9 @@
 #include <cmath>
 #include <string>
 
-#include "host/error.h"
-#include "host/preview/drawn_frame.h"
-#include "host/session/render_state.h"
+#include "host/base/error.h"
+#include "host/effect/render_state.h"
+#include "host/facts/drawn_frame.h"
 
 namespace kelto::host {
 namespace {

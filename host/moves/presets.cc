@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "host/error.h"
+#include "host/base/error.h"
 
 namespace kelto::host {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "host/error.h"
+#include "host/base/error.h"
 
 namespace kelto::host {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/options/number.h"
 
 namespace kelto::host {

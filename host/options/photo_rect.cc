@@ -3,7 +3,7 @@
 #include <array>
 #include <cmath>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/options/number.h"
 
 namespace kelto::host {

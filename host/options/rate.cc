@@ -5,7 +5,7 @@
 #include <numeric>
 #include <string>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/options/number.h"
 
 namespace kelto::host {

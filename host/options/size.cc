@@ -1,6 +1,6 @@
 #include "host/options/size.h"
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/options/number.h"
 
 namespace kelto::host {

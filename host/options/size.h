@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/film/film_format.h"
+#include "host/base/film_format.h"
 
 namespace kelto::host {
 

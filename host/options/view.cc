@@ -3,7 +3,7 @@
 #include <cmath>
 #include <optional>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/options/number.h"
 
 namespace kelto::host {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/film/film_format.h"
+#include "host/base/film_format.h"
 #include "host/options/colour.h"
 #include "host/options/view.h"
 #include "host/plan/setting.h"

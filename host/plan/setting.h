@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/variant.h"
+#include "host/base/variant.h"
 
 namespace kelto::host {
 

@@ -6,13 +6,13 @@
 #include <filesystem>
 #include <optional>
 
-#include "host/error.h"
-#include "host/player/playback.h"
-#include "host/player/quality_control.h"
+#include "host/base/error.h"
+#include "host/facts/key_times.h"
+#include "host/frames/effect_session.h"
+#include "host/playback/playback.h"
+#include "host/playback/quality_control.h"
 #include "host/player/status_bar.h"
 #include "host/player/window.h"
-#include "host/preview/key_times.h"
-#include "host/session/effect_session.h"
 #include "host/terminal/interrupt.h"
 
 namespace kelto::host {

@@ -3,8 +3,8 @@
 
 #include <string>
 
+#include "host/effect/photo.h"
 #include "host/plan/render_plan.h"
-#include "host/session/photo.h"
 
 namespace kelto::host {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/preview/axis_ticks.h"
+#include "host/drawing/axis_ticks.h"
 
 namespace kelto::host {
 namespace {

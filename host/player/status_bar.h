@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/preview/drawing.h"
+#include "host/drawing/drawing.h"
 
 namespace kelto::host {
 

@@ -10,7 +10,7 @@
 #include <iterator>
 #include <string_view>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/options/size.h"
 
 namespace kelto::host {

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "host/film/film_format.h"
+#include "host/base/film_format.h"
 
 namespace kelto::host {
 

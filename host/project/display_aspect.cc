@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <numeric>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/options/number.h"
 
 namespace kelto::host {

@@ -6,7 +6,7 @@
 #include <set>
 #include <vector>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/project/complaint.h"
 
 namespace kelto::host {

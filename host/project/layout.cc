@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/error.h"
+#include "host/base/error.h"
 
 namespace kelto::host {
 namespace {

@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <system_error>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/files/input_file.h"
 #include "host/options/rate.h"
 #include "host/plan/default_plan.h"

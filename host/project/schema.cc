@@ -8,7 +8,7 @@
 #include <valijson/schema_parser.hpp>
 #include <valijson/validator.hpp>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/project/complaint.h"
 
 namespace kelto::host {

@@ -2,9 +2,9 @@
 #include <nlohmann/json.hpp>
 #include <system_error>
 
-#include "host/error.h"
-#include "host/film/output_file.h"
-#include "host/program/program_folder.h"
+#include "host/base/error.h"
+#include "host/files/output_file.h"
+#include "host/files/program_folder.h"
 #include "host/project/display_aspect.h"
 #include "host/project/layout.h"
 #include "host/project/memory_reserve.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "host/variant.h"
+#include "host/base/variant.h"
 
 namespace kelto::host {
 

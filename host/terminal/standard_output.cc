@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <system_error>
 
-#include "host/error.h"
+#include "host/base/error.h"
 
 namespace kelto::host {
 

@@ -7,7 +7,7 @@ extern "C" {
 #include <algorithm>
 #include <cmath>
 
-#include "host/error.h"
+#include "host/base/error.h"
 
 namespace kelto::host {
 namespace {

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "host/film/film_format.h"
+#include "host/base/film_format.h"
 #include "host/film/libav.h"
 #include "host/video/orientation.h"
 #include "host/video/scaler.h"

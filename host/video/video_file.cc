@@ -10,7 +10,7 @@ extern "C" {
 #include <cstdio>
 #include <limits>
 
-#include "host/error.h"
+#include "host/base/error.h"
 
 namespace kelto::host {
 namespace {

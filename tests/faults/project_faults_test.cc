@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/project/memory_reserve.h"
 #include "host/project/project_file.h"
 #include "tests/faults/failing_calls.h"

@@ -4,7 +4,7 @@
 
 #include <fstream>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "tests/support/photo.h"
 
 namespace kelto::host {

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <set>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/film/encoder.h"
 #include "tests/host/film/misuse.h"
 #include "tests/host/support/effect_frames.h"

@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "tests/host/film/misuse.h"
 
 namespace kelto::host {

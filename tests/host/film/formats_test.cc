@@ -7,7 +7,7 @@
 #include <fstream>
 #include <span>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "tests/host/film/misuse.h"
 #include "tests/host/support/effect_frames.h"
 

@@ -4,7 +4,7 @@
 
 #include <optional>
 
-#include "host/error.h"
+#include "host/base/error.h"
 
 namespace kelto::host {
 namespace {

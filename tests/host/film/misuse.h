@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "host/error.h"
+#include "host/base/error.h"
 
 namespace kelto::test {
 

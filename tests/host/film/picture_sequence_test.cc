@@ -13,7 +13,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "tests/host/support/effect_frames.h"
 
 namespace kelto::host {

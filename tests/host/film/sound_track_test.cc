@@ -9,7 +9,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/film/encoder.h"
 #include "tests/host/support/effect_frames.h"
 #include "tests/host/support/film_reader.h"

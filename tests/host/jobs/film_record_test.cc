@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/files/narrow_text.h"
 #include "tests/support/photo.h"
 

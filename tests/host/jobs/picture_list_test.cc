@@ -7,7 +7,7 @@
 #include <fstream>
 #include <set>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "tests/support/photo.h"
 
 namespace kelto::host {

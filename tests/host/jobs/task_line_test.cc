@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <string>
 
-#include "host/error.h"
+#include "host/base/error.h"
 
 namespace kelto::host {
 namespace {

@@ -5,9 +5,9 @@
 
 #include <cmath>
 
-#include "host/error.h"
+#include "host/base/error.h"
+#include "host/frames/effect_session.h"
 #include "host/plan/default_plan.h"
-#include "host/session/effect_session.h"
 #include "tests/support/photo.h"
 
 namespace kelto::host {

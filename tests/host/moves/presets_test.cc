@@ -5,7 +5,7 @@
 
 #include <sstream>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/plan/default_plan.h"
 
 namespace kelto::host {

@@ -5,7 +5,7 @@
 
 #include <set>
 
-#include "host/error.h"
+#include "host/base/error.h"
 
 namespace kelto::host {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/error.h"
+#include "host/base/error.h"
 
 namespace kelto::host {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/project/project_file.h"
 
 namespace kelto::test {

@@ -3,10 +3,10 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/error.h"
+#include "host/base/error.h"
+#include "host/frames/effect_session.h"
 #include "host/project/project_file.h"
 #include "host/project/schema.h"
-#include "host/session/effect_session.h"
 #include "tests/host/project/check_project_text.h"
 #include "tests/host/project/random_plan.h"
 #include "tests/support/photo.h"

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/plan/default_plan.h"
 #include "host/project/json_text.h"
 #include "host/project/project_file.h"

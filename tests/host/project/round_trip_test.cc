@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/project/project_file.h"
 #include "tests/host/project/random_plan.h"
 #include "tests/support/file_bytes.h"

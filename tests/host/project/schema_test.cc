@@ -7,7 +7,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "host/options/choices.h"
 #include "host/project/project_file.h"
 #include "runtime/hfx/host.h"

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "tests/host/support/sounds.h"
 #include "tests/host/support/videos.h"
 

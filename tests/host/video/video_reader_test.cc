@@ -6,7 +6,7 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "host/error.h"
+#include "host/base/error.h"
 #include "tests/host/support/film_reader.h"
 #include "tests/host/support/videos.h"
 

@@ -1,0 +1,126 @@
+#include "host/effect/photo.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+#include <type_traits>
+#include <vector>
+
+#include "host/base/error.h"
+#include "host/files/input_file.h"
+#include "host/files/narrow_text.h"
+#include "platform/still_importer.h"
+
+namespace kelto::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// What the effect can take of a path.
+constexpr size_t kMaxPath = 255;
+
+struct Close {
+  void operator()(GraphicsImportComponent importer) const { CloseComponent(importer); }
+};
+using Importer = std::unique_ptr<std::remove_pointer_t<GraphicsImportComponent>, Close>;
+
+/// Why the importer failed, without the path that messages begin with anyway.
+std::string Reason(const std::string& path) {
+  std::string reason = StillImporterLastError();
+  for (const std::string& name : {path, NarrowText(fs::path(path).filename())}) {
+    if (reason.starts_with(name + ": ")) reason.erase(0, name.size() + 2);
+  }
+  return reason.empty() ? "unknown form" : reason;
+}
+
+void CheckPicture(const std::string& path) {
+  CheckFile(path, "a picture");
+  std::FILE* file = std::fopen(path.c_str(), "rb");
+  if (file == nullptr) {
+    throw Error(path + ": cannot be read: " + std::generic_category().message(errno));
+  }
+  std::fclose(file);
+}
+
+Importer OpenImporter(const std::string& path) {
+  FSSpec spec{};
+  GraphicsImportComponent importer = nullptr;
+  if (MakeFileSpecification(path.c_str(), &spec) != noErr) return nullptr;
+  if (GetGraphicsImporterForFile(&spec, &importer) != noErr) return nullptr;
+  return Importer(importer);
+}
+
+/// Decodes the whole picture into `pixels`; false when that fails.
+bool Draw(GraphicsImportComponent importer, std::vector<uint8_t>& pixels) {
+  StillRect bounds{};
+  if (GraphicsImportGetNaturalBounds(importer, &bounds) != noErr) return false;
+  const int32_t rowBytes = 4 * (bounds.right - bounds.left);
+  pixels.resize(static_cast<size_t>(rowBytes) * (bounds.bottom - bounds.top));
+  GWorldPtr world = nullptr;
+  if (QTNewGWorldFromPtr(&world, k32BGRAPixelFormat, &bounds, nullptr, nullptr, 0, pixels.data(),
+                         rowBytes) != noErr) {
+    return false;
+  }
+  const bool drawn = GraphicsImportSetGWorld(importer, world, nullptr) == noErr &&
+                     GraphicsImportDraw(importer) == noErr;
+  DisposeGWorld(world);
+  return drawn;
+}
+
+}  // namespace
+
+std::string ShortestForm(const std::string& path) {
+  // A network path stays as it is: it has no other form here.
+  if (path.starts_with("\\\\")) return path;
+  std::error_code error;
+  std::string shortest = path;
+  const fs::path absolute = fs::absolute(path, error);
+  const fs::path here = fs::current_path(error);
+  // Only ".." that no symbolic link stands before can be left out.
+  const fs::path resolved = fs::weakly_canonical(path, error);
+  const fs::path folder = fs::weakly_canonical(here, error);
+  for (const fs::path& form : {absolute, resolved, resolved.lexically_relative(folder)}) {
+    const std::string text = NarrowText(form);
+    if (!text.empty() && text.size() < shortest.size()) shortest = text;
+  }
+  return shortest;
+}
+
+Photo OpenPhoto(const std::string& path) {
+  CheckPicture(path);
+  Photo photo{path, path};
+  if (path.size() > kMaxPath) photo.path = ShortestForm(path);
+  if (photo.path.size() > kMaxPath) {
+    throw Error(path + ": the path has " + std::to_string(photo.path.size()) +
+                " characters and the effect takes 255; change to the photo's folder or link to it");
+  }
+  const Importer importer = OpenImporter(photo.path);
+  if (!importer) throw Error(path + ": cannot be read as a picture: " + Reason(photo.path));
+  StillRect bounds{};
+  if (GraphicsImportGetNaturalBounds(importer.get(), &bounds) != noErr) {
+    throw Error(path + ": cannot be read as a picture: " + Reason(photo.path));
+  }
+  photo.width = bounds.right - bounds.left;
+  photo.height = bounds.bottom - bounds.top;
+  return photo;
+}
+
+std::vector<uint8_t> DecodePhoto(const Photo& photo) {
+  const Importer importer = OpenImporter(photo.path);
+  std::vector<uint8_t> pixels;
+  if (!importer || !Draw(importer.get(), pixels)) {
+    throw Error(photo.given + ": cannot be read as a picture: " + Reason(photo.path));
+  }
+  return pixels;
+}
+
+std::optional<std::string> FindFault(const Photo& photo) {
+  const Importer importer = OpenImporter(photo.path);
+  std::vector<uint8_t> pixels;
+  if (importer && Draw(importer.get(), pixels)) return std::nullopt;
+  return Reason(photo.path);
+}
+
+}  // namespace kelto::host

@@ -1,0 +1,46 @@
+// Everything there is to know of a frame before it is rendered.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "framing/drawn_area.h"
+#include "host/effect/photo.h"
+#include "host/facts/motion.h"
+#include "host/plan/render_plan.h"
+
+namespace kelto::host {
+
+struct FrameFacts {
+  int32_t number = 0;    ///< 0-based
+  int32_t field = 0;     ///< 0 or 1, the second in time of an interlaced film's frame
+  double seconds = 0.0;  ///< from the beginning of the film
+  double time = 0.0;     ///< on the scale of key times, 0..1
+  View view;             ///< where the keys look, whatever the display shows
+  DrawnArea area;        ///< of what the frame draws: the view, or in the source display the photo
+  std::string filter;    ///< in force: entry of the list "filter"
+};
+
+/// Tells the facts of a plan's frames.
+class FrameInspector {
+ public:
+  /// `photo` is the plan's, opened; `quality` is what the effect is to be told in renders.
+  FrameInspector(const std::string& modulePath, const RenderPlan& plan, const Photo& photo,
+                 double quality = 1.0);
+
+  const RenderPlan& Plan() const { return plan_; }
+  FrameFacts Of(int32_t number, int32_t field = 0);
+  /// The part of the photo that the view shows at a frame, also where the display is the source.
+  DrawnArea ViewArea(const FrameFacts& facts) const;
+
+ private:
+  DrawnArea Area(const FrameFacts& facts, const View& view) const;
+
+  RenderPlan plan_;
+  PixelSize photo_;
+  double quality_;
+  Motion motion_;
+  bool squarePixels_ = true;  ///< the same in all frames
+};
+
+}  // namespace kelto::host

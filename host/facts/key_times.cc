@@ -1,0 +1,25 @@
+#include "host/facts/key_times.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace kelto::host {
+
+std::vector<KeyTime> KeyTimesOf(const RenderPlan& plan) {
+  std::vector<KeyTime> times;
+  for (const char* parameter : {"size", "position"}) {
+    const Setting* setting = plan.FindSetting(parameter);
+    if (setting == nullptr) continue;
+    for (const SettingKey& key : setting->keys) {
+      if (!(key.time >= 0.0 && key.time <= 1.0)) continue;
+      times.push_back({key.time, static_cast<int32_t>(std::lround(key.time * (plan.frames - 1)))});
+    }
+  }
+  std::sort(times.begin(), times.end(),
+            [](const KeyTime& a, const KeyTime& b) { return a.time < b.time; });
+  const auto same = [](const KeyTime& a, const KeyTime& b) { return a.time == b.time; };
+  times.erase(std::unique(times.begin(), times.end(), same), times.end());
+  return times;
+}
+
+}  // namespace kelto::host

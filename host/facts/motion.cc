@@ -1,0 +1,72 @@
+#include "host/facts/motion.h"
+
+#include <array>
+
+#include "host/base/error.h"
+#include "host/effect/effect_settings.h"
+#include "host/effect/render_state.h"
+
+namespace kelto::host {
+namespace {
+
+constexpr uint16_t kFirstModel = 1;
+/// The smallest frame that the effect draws.
+constexpr int32_t kSide = 2;
+
+hfxParameter& Find(hfx::Effect& effect, const char* key) {
+  hfxParameter* parameter = effect.instance().FindParameter(key);
+  if (parameter == nullptr) throw Error("the effect has no parameter \"" + std::string(key) + "\"");
+  return *parameter;
+}
+
+/// What the effect left in a parameter's field.
+template <typename Value>
+Value ReadField(hfx::Effect& effect, const char* key) {
+  Value value{};
+  if (!hfx::BoundValueOf(Find(effect, key), &value, sizeof value)) {
+    throw Error("the effect's parameter \"" + std::string(key) + "\" is of another kind");
+  }
+  return value;
+}
+
+std::string ReadEntry(hfx::Effect& effect, const char* key) {
+  const auto index = ReadField<int32_t>(effect, key);
+  const auto* list = dynamic_cast<const hfxPList*>(&Find(effect, key));
+  if (list == nullptr || index < 0 || index >= list->GetNumEntries()) {
+    throw Error("the effect's list \"" + std::string(key) + "\" has no entry " +
+                std::to_string(index));
+  }
+  return list->GetEntry(index);
+}
+
+}  // namespace
+
+Motion::Motion(const std::string& modulePath, const RenderPlan& plan)
+    : plan_(plan), input_(kSide, kSide, hfxColorspaceRGB), output_(kSide, kSide, hfxColorspaceRGB) {
+  std::string error;
+  module_ = hfx::Module::Load(modulePath, &error);
+  if (!module_) throw Error(error);
+  effect_ = hfx::Effect::Create(*module_, kFirstModel, &error);
+  if (!effect_) throw Error(modulePath + ": " + error);
+  for (const Setting& setting : plan_.settings) Apply(*effect_, setting);
+  effect_->ParametersChanged();
+  if (!effect_->BeginRender(plan_.playMode, &error)) throw Error("the effect: " + error);
+}
+
+Motion::~Motion() { effect_->EndRender(nullptr); }
+
+FrameMotion Motion::At(int32_t number, int32_t field) {
+  std::string error;
+  if (!effect_->Render(FieldState(plan_, number, field), input_.image(), output_.image(), &error)) {
+    throw Error("the effect: " + error);
+  }
+  FrameMotion motion;
+  const auto centre = ReadField<std::array<double, 2>>(*effect_, "position");
+  motion.view = {ReadField<double>(*effect_, "size"), centre[0], centre[1]};
+  motion.target = ReadEntry(*effect_, "display") == "Display: Target";
+  motion.squarePixels = ReadField<bool>(*effect_, "squarepixels");
+  motion.filter = ReadEntry(*effect_, "filter");
+  return motion;
+}
+
+}  // namespace kelto::host

@@ -1,0 +1,57 @@
+#include "host/files/program_folder.h"
+
+#include <cctype>
+#include <string_view>
+#include <system_error>
+
+#if defined(_WIN32)
+#include <windows.h>
+#endif
+
+#include "host/files/input_file.h"
+
+namespace kelto::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A path as RFC 3986 wants it in a URL.
+std::string PercentEncoded(const std::string& path) {
+  constexpr std::string_view kPlain = "/-._~:";
+  constexpr const char* kDigits = "0123456789ABCDEF";
+  std::string text;
+  for (const char letter : path) {
+    const auto byte = static_cast<unsigned char>(letter);
+    if (byte < 0x80 && (std::isalnum(byte) != 0 || kPlain.find(letter) != std::string_view::npos)) {
+      text += letter;
+    } else {
+      text += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
+fs::path ProgramFile() {
+#if defined(_WIN32)
+  char name[MAX_PATH] = {};
+  GetModuleFileNameA(nullptr, name, MAX_PATH);
+  return name;
+#else
+  std::error_code error;
+  return fs::read_symlink("/proc/self/exe", error);
+#endif
+}
+
+fs::path ProgramFolder() { return ProgramFile().parent_path(); }
+
+std::string SchemaUrl(const fs::path& programFolder) {
+  const fs::path schema = programFolder.parent_path() / "share" / "kelto" / "project.schema.json";
+  if (!IsFile(schema)) return "";
+  const std::string path = schema.generic_string();
+  // A drive's letter stands behind a slash, too.
+  return (path.starts_with('/') ? "file://" : "file:///") + PercentEncoded(path);
+}
+
+}  // namespace kelto::host

@@ -1,0 +1,35 @@
+// What lies behind a photo: a video, or nothing.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "host/base/film_format.h"
+#include "host/plan/render_plan.h"
+#include "runtime/hfx/host.h"
+
+namespace kelto::host {
+
+class VideoReader;
+
+/// The frames of a plan's video in the film's size and in one layout; black where the plan has
+/// none.
+class Backdrop {
+ public:
+  /// Opens the video. Throws Error that names it.
+  Backdrop(const RenderPlan& plan, PixelLayout layout);
+  ~Backdrop();
+  Backdrop(const Backdrop&) = delete;
+  Backdrop& operator=(const Backdrop&) = delete;
+
+  /// Fills `image`, of the film's size and the layout, with what lies behind frame `number`. Frames
+  /// may be asked for in any order. Throws Error.
+  void Fill(int32_t number, hfxImage& image);
+
+ private:
+  std::vector<uint8_t> blackRow_;
+  std::unique_ptr<VideoReader> video_;  ///< null for none
+};
+
+}  // namespace kelto::host

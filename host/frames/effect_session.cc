@@ -1,0 +1,90 @@
+#include "host/frames/effect_session.h"
+
+#include <utility>
+
+#include "host/base/error.h"
+#include "host/effect/effect_settings.h"
+#include "host/effect/render_state.h"
+
+namespace kelto::host {
+namespace {
+
+constexpr uint16_t kFirstModel = 1;
+/// Settles how the photo is loaded, so it comes first.
+constexpr const char* kLevels = "levels";
+
+int32_t ColorspaceOf(PixelLayout layout) {
+  return layout == PixelLayout::kBGRA ? hfxColorspaceRGB : hfxColorspaceYCbCr;
+}
+
+}  // namespace
+
+EffectSession::EffectSession(const std::string& modulePath, const RenderPlan& plan,
+                             const Photo& photo, PixelLayout layout)
+    : plan_(plan),
+      input_(plan.format.size.width, plan.format.size.height, ColorspaceOf(layout)),
+      output_(plan.format.size.width, plan.format.size.height, ColorspaceOf(layout)),
+      backdrop_(plan, layout) {
+  std::string error;
+  module_ = hfx::Module::Load(modulePath, &error);
+  if (!module_) throw Error(error);
+  effect_ = hfx::Effect::Create(*module_, kFirstModel, &error);
+  if (!effect_) throw Error(modulePath + ": " + error);
+  SetPhoto(*effect_, photo);
+  if (const Setting* levels = plan_.FindSetting(kLevels)) Apply(*effect_, *levels);
+  if (!HasPicture(*effect_, photo, FrameState(plan_, 0), plan_.playMode, *input_.image(),
+                  output_)) {
+    const std::string reason = WhyNoPicture(photo);
+    if (!reason.empty()) throw Error(reason);
+  }
+  for (const Setting& setting : plan_.settings) Apply(*effect_, setting);
+  effect_->ParametersChanged();
+  if (!effect_->BeginRender(plan_.playMode, &error)) throw Error("the effect: " + error);
+}
+
+EffectSession::~EffectSession() { effect_->EndRender(nullptr); }
+
+void EffectSession::SetAbortQuery(std::function<bool()> query) {
+  hfx::SetAbortQuery(effect_->instance(), std::move(query));
+}
+
+FrameView EffectSession::Render(int32_t number, double quality) {
+  hfxImage& whole = *output_.image();
+  RenderFrame(whole, number, quality);
+  return {whole.GetRowPtr(0), whole.GetRowDelta(), plan_.format.size};
+}
+
+void EffectSession::RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number,
+                               double quality) {
+  const hfxImage& own = *output_.image();
+  hfxImage whole(own.GetWidth(), own.GetHeight(), pixels, rowBytes, own.GetColorspace(),
+                 own.GetImgFormat());
+  RenderFrame(whole, number, quality);
+}
+
+void EffectSession::RenderFrame(hfxImage& whole, int32_t number, double quality) {
+  // Anew for every frame: the effect writes into its input.
+  backdrop_.Fill(number, *input_.image());
+  for (int32_t field = 0; field < FieldsOf(plan_); ++field) {
+    const hfx::RenderState state = FieldState(plan_, number, field, quality);
+    if (plan_.format.Interlaced()) {
+      hfxImage input = hfx::FieldView(*input_.image(), state.topField);
+      hfxImage output = hfx::FieldView(whole, state.topField);
+      RenderField(state, input, output);
+    } else {
+      RenderField(state, *input_.image(), whole);
+    }
+  }
+}
+
+void EffectSession::Change(const Setting& setting) {
+  Apply(*effect_, setting);
+  effect_->ParametersChanged();
+}
+
+void EffectSession::RenderField(const hfx::RenderState& state, hfxImage& input, hfxImage& output) {
+  std::string error;
+  if (!effect_->Render(state, &input, &output, &error)) throw Error("the effect: " + error);
+}
+
+}  // namespace kelto::host

@@ -1,0 +1,55 @@
+// The effect, set up for one plan.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "host/base/film_format.h"
+#include "host/effect/photo.h"
+#include "host/frames/backdrop.h"
+#include "host/plan/render_plan.h"
+#include "runtime/hfx/host.h"
+
+namespace kelto::host {
+
+/// Loads the effect's module, sets its first effect up for a plan and renders frames, in any order,
+/// over those of the plan's video. Operations throw Error.
+class EffectSession {
+ public:
+  /// `photo` is the plan's, opened.
+  EffectSession(const std::string& modulePath, const RenderPlan& plan, const Photo& photo,
+                PixelLayout layout);
+  ~EffectSession();
+  EffectSession(const EffectSession&) = delete;
+  EffectSession& operator=(const EffectSession&) = delete;
+
+  /// Asked while frames render; once it answers true, Render throws.
+  void SetAbortQuery(std::function<bool()> query);
+
+  /// Renders frame `number`, 0-based; both its fields when the film is interlaced. `quality` is
+  /// what the effect is told: 1 for all of it, 0.5 for a preview in a hurry. The view holds until
+  /// the next call.
+  FrameView Render(int32_t number, double quality = 1.0);
+
+  /// The same into memory of the caller's, `rowBytes` from one row to the row below. What the
+  /// effect leaves alone in a frame keeps what it has there.
+  void RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number, double quality = 1.0);
+
+  /// Changes one of the plan's settings for the frames to come.
+  void Change(const Setting& setting);
+
+ private:
+  void RenderFrame(hfxImage& whole, int32_t number, double quality);
+  void RenderField(const hfx::RenderState& state, hfxImage& input, hfxImage& output);
+
+  RenderPlan plan_;
+  hfx::ImageBuffer input_;  ///< the effect demands an input even where nothing of it is seen
+  hfx::ImageBuffer output_;
+  Backdrop backdrop_;
+  std::unique_ptr<hfx::Module> module_;
+  std::unique_ptr<hfx::Effect> effect_;  // goes before its module
+};
+
+}  // namespace kelto::host

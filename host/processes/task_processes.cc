@@ -1,0 +1,93 @@
+#include "host/processes/task_processes.h"
+
+#include <poll.h>
+
+#include <list>
+#include <memory>
+#include <vector>
+
+#include "host/base/error.h"
+#include "host/processes/worker.h"
+#include "host/terminal/interrupt.h"
+
+namespace kelto::host {
+namespace {
+
+struct RunningTask {
+  size_t index;
+  std::unique_ptr<Worker> worker;
+  std::string failure{};
+};
+
+class TaskRunner {
+ public:
+  explicit TaskRunner(const TaskList& tasks) : tasks_(tasks) {}
+
+  void Run(size_t jobs) {
+    for (size_t next = 0; next < tasks_.count || !running_.empty();) {
+      if (InterruptSignal() != 0) Stop();
+      if (next < tasks_.count && running_.size() < jobs) {
+        Begin(next++);
+      } else {
+        Listen();
+      }
+    }
+  }
+
+ private:
+  [[noreturn]] void Stop() {
+    // All at once; then the workers' owners wait for each.
+    for (RunningTask& task : running_) task.worker->Stop();
+    throw Error("interrupted");
+  }
+
+  void Begin(size_t index) {
+    running_.push_back(
+        {index, std::make_unique<Worker>(WorkerEnd::kClearUp, [this, index](Channel& line) {
+           tasks_.work(index);
+           line.Send({});
+         })});
+  }
+
+  /// Waits for a word from any task, for a short time.
+  void Listen() {
+    constexpr int kMilliseconds = 100;
+    std::vector<pollfd> lines;
+    for (const RunningTask& task : running_)
+      lines.push_back({task.worker->Line().Socket(), POLLIN, 0});
+    if (poll(lines.data(), lines.size(), kMilliseconds) <= 0) return;
+    auto task = running_.begin();
+    for (const pollfd& line : lines) {
+      const auto here = task++;
+      if (line.revents != 0 && !Hear(*here)) running_.erase(here);
+    }
+  }
+
+  /// False when the task is over.
+  bool Hear(RunningTask& task) {
+    const auto message = task.worker->Line().Receive();
+    if (!message) {
+      if (InterruptSignal() != 0) return true;
+      tasks_.ended(task.index, "the process that renders it " + task.worker->WaitForEnd());
+      return false;
+    }
+    if (message->kind == MessageKind::kConsole) {
+      tasks_.printed(task.index, message->text);
+      return true;
+    }
+    task.worker->WaitForEnd();
+    tasks_.ended(task.index, message->text);
+    return false;
+  }
+
+  const TaskList& tasks_;
+  std::list<RunningTask> running_;
+};
+
+}  // namespace
+
+void RunTasks(const TaskList& tasks, int32_t jobs) {
+  TaskRunner(tasks).Run(static_cast<size_t>(jobs));
+}
+
+}  // namespace kelto::host

@@ -1,0 +1,36 @@
+#include "host/files/program_folder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/support/photo.h"
+
+namespace kelto::host {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::EndsWith;
+using testing::StartsWith;
+
+TEST(ProgramFile, IsTheRunningProgramInItsFolder) {
+  EXPECT_EQ(ProgramFile().stem(), "test_host_session");
+  EXPECT_TRUE(fs::is_regular_file(ProgramFile()));
+  EXPECT_EQ(ProgramFolder(), ProgramFile().parent_path());
+}
+
+TEST(SchemaUrl, NamesTheSchemaBesideTheProgramAsBuiltAndAsInstalled) {
+  const test::TempFolder folder;
+  const fs::path tree = folder / "a b%";
+  EXPECT_EQ(SchemaUrl(tree / "bin"), "");
+  fs::create_directories(tree / "share" / "kelto");
+  std::ofstream(tree / "share" / "kelto" / "project.schema.json") << "{}";
+  EXPECT_THAT(SchemaUrl(tree / "bin"),
+              AllOf(StartsWith("file:///"), EndsWith("/a%20b%25/share/kelto/project.schema.json")));
+}
+
+}  // namespace
+}  // namespace kelto::host
