@@ -227,6 +227,18 @@ def engine_tables(results):
            for scale in ("3.125", "1/1.5")])
 
 
+def motion_table(results):
+    """What the motion of a film costs by its number of keys, once and then at every frame."""
+    def cell(kind, path, count, unit):
+        name = f"motion/{kind}/{path}/{count} keys"
+        return f"{results.times[name] * unit:.3g}" if results.has(name) else ""
+
+    table("The motion by keys", ("path", "keys", "once, ms", "each frame, ns"),
+          [(path, f"{count}", cell("make", path, count, 1), cell("ask", path, count, 1e6))
+           for path in ("linear", "spline") for count in (2, 100, 10000)
+           if f"motion/ask/{path}/{count} keys" in results.times])
+
+
 def main(paths):
     results = Results(paths)
     table("Everything", ("work", "CPU ms", "rate"),
@@ -236,6 +248,7 @@ def main(paths):
     table("Against others", ("work", "ours", "peer", "ratio", "wanted"),
           [comparison(results, *row) for row in COMPARISONS if results.has(row[1], row[2])])
     engine_tables(results)
+    motion_table(results)
     table("How far from the roof", ("work", "ms", "bound", "ms", "share"), roof(results))
     sizes = [(re.fullmatch(r"growth/(\d+)x(\d+)", name), name) for name in results.times]
     growth(results, "Hi Qual at 3.125 by million output pixels",

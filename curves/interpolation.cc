@@ -106,9 +106,11 @@ void PrepareHermite(Curve* curve) {
 
 // The index of the segment that x lies in; the first and last reach outwards without end.
 int32_t FindSegment(const Curve* curve, double x) {
-  int32_t i = 0;
-  while (i < curve->count - 2 && x > curve->points[i + 1].x) ++i;
-  return i;
+  const CurvePoint* inner = curve->points + 1;
+  const CurvePoint* last = curve->points + curve->count - 1;
+  const CurvePoint* found =
+      std::lower_bound(inner, last, x, [](const CurvePoint& p, double at) { return p.x < at; });
+  return static_cast<int32_t>(found - inner);
 }
 
 double EvaluateLinear(const Curve* curve, double x) {

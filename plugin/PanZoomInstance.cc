@@ -4,7 +4,6 @@
 #include "plugin/choose_image.h"
 #include "plugin/frame.h"
 #include "plugin/parameters.h"
-#include "render/motion.h"
 #include "state/module.h"
 
 namespace kelto {
@@ -12,7 +11,6 @@ namespace kelto {
 PanZoomInstance::~PanZoomInstance() {
   LeaveInstanceRegistry();
   ReleaseWorkImages(*this);
-  DestroyPathCurves(*this);
 }
 
 bool PanZoomInstance::RenderFrame(const hfxRect& region) {

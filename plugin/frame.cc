@@ -23,12 +23,6 @@ void ReloadWhereNeeded(PanZoomState& state) {
   state.appliedCacheMode = state.cacheMode;
 }
 
-void PrepareMotion(PanZoomState& state) {
-  if (!state.paramsChanged) return;
-  BuildArcTable(state);
-  state.paramsChanged = false;
-}
-
 }  // namespace
 
 bool RenderCurrentFrame(PanZoomState& state, const hfxRect& region) {
@@ -37,7 +31,6 @@ bool RenderCurrentFrame(PanZoomState& state, const hfxRect& region) {
     state.outputHeight = output->GetHeight();
   }
   ReloadWhereNeeded(state);
-  PrepareMotion(state);
   EvaluateMotion(state);
   const bool loaded = state.workImages[0] && state.workImages[0]->imageData;
   if (!loaded && state.compositeOver != 0) {

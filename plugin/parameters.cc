@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "framing/view.h"
-#include "render/motion.h"
+#include "keyframes/motion.h"
 
 namespace kelto {
 namespace {
@@ -106,8 +106,10 @@ bool DeclareParameters(PanZoomState& state) {
 bool InterpolateZoom(hfxParameter* parameter, double time, void* result, int32_t size, int32_t) {
   auto* state = static_cast<PanZoomState*>(parameter->GetUserData());
   if (!state || size != sizeof(double)) return false;
-  const hfxParameter* keyed = state->FindParameter("size");
-  const double zoom = keyed ? ZoomAt(*state, *keyed, time) : 1.0;
+  // Keys change between renders, and a panel asks for values before it reports the change.
+  const bool current = state->playMode != -1 && state->motion && !state->paramsChanged;
+  const double zoom = current ? state->motion->ZoomAt(time)
+                              : ZoomMotion(ReadMotionKeys(*state, state->pathType)).At(time);
   std::memcpy(result, &zoom, sizeof zoom);
   return true;
 }

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "image/cache.h"
-#include "render/motion.h"
+#include "keyframes/motion_keys.h"
 
 namespace kelto {
 namespace {

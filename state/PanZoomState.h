@@ -5,10 +5,11 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "curves/curve.h"
+#include "keyframes/motion.h"
 #include "platform/hfx.h"
 #include "platform/ipl.h"
 
@@ -17,12 +18,6 @@ namespace kelto {
 /// The saved instance data: the image path, zero-terminated and zero-padded.
 constexpr int32_t kPathRecordSize = 2048;
 constexpr int kCacheLevels = 8;
-
-/// One entry of the even-speed table: the eased time at which the view passes a path time.
-struct ArcEntry {
-  double keyTime;
-  double travelTime;
-};
 
 class PanZoomState : public hfxInstance_v1 {
  public:
@@ -53,10 +48,8 @@ class PanZoomState : public hfxInstance_v1 {
   bool spareByte = false;
   int32_t overlayOff = 0;  ///< 1 keeps the source display free of its outlines
   int32_t spareWords[2] = {0, 0};
-  Curve* pathCurveX = nullptr;
-  Curve* pathCurveY = nullptr;
-  std::vector<ArcEntry> motionTable;
-  bool paramsChanged = true;                 ///< the motion must be prepared anew
+  std::optional<Motion> motion;              ///< made of the keys; none before the first frame
+  bool paramsChanged = true;                 ///< the keys must be read anew
   int32_t hostState = -1;                    ///< the host state callback's answer while rendering
   int32_t playMode = -1;                     ///< the host's play mode while rendering
   int32_t cacheState = -1;                   ///< 1 level 0 is natural size, 0 reduced, -1 none yet

@@ -9,13 +9,13 @@ cmake --build --preset bench
 core=$(($(nproc) - 1))
 results=$(mktemp -d)
 trap 'rm -rf "$results"' EXIT
-for program in bench_engine bench_load; do
+for program in bench_engine bench_load bench_motion; do
   taskset -c "$core" "build-bench/bin/$program" \
     --benchmark_enable_random_interleaving=true \
     --benchmark_repetitions="${KELTO_BENCH_REPETITIONS:-7}" --benchmark_min_time=0.05 \
     --benchmark_filter="${KELTO_BENCH_FILTER:-.}" \
     --benchmark_out_format=json --benchmark_out="$results/$program.json" >/dev/null
 done
-# A filter may leave one of them nothing to do.
+# A filter may leave some of them nothing to do.
 find "$results" -type f -empty -delete
 python3 bench/report.py "$results"/*.json

@@ -1,9 +1,12 @@
-// Hosts that count frames without end.
+// Hosts that count frames without end, and ways of very many keys.
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <ctime>
 
+#include "plugin/parameters.h"
 #include "render/motion.h"
+#include "tests/faults/failing_calls.h"
 #include "tests/support/instance.h"
 
 namespace kelto {
@@ -31,9 +34,46 @@ TEST(AnEndlessFilm, TakesNeitherAllMemoryNorAllTime) {
     const auto start = std::chrono::steady_clock::now();
     EvaluateEndlessFilm(instance, keys);
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-    EXPECT_LT(instance.motionTable.size(), size_t{5} << 20) << keys;
+    EXPECT_LT(instance.motion->Table().Entries().size(), size_t{5} << 20) << keys;
     EXPECT_LT(taken.count(), 30.0) << keys;
   }
+}
+
+/// A spline through `keys` keys, with a zoom at each, over a film of 250 frames.
+void SetWay(Instance& instance, int keys) {
+  for (int key = 0; key < keys; ++key) {
+    const double time = key / (keys - 1.0);
+    instance.SetPosition(time, key % 3, -key % 2);
+    instance.SetKey("size", time, 1.0 + key % 5);
+    instance.SetVelocities(time, VelocityEase, key % 2);
+  }
+  instance.pathType = PathSpline;
+  instance.host().totalFrames = 250;
+}
+
+// Measuring the path took time of the square of the number of keys, 24 s of these.
+TEST(AWayOfVeryManyKeys, IsReadInLittleTime) {
+  Instance instance;
+  SetWay(instance, 10000);
+  const std::clock_t start = std::clock();
+  EvaluateMotion(instance);
+  EXPECT_LT(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, 5.0) << "processor time";
+}
+
+TEST(AMotion, TakesMemoryOnlyWhenItsKeysAreRead) {
+  Instance instance;
+  SetWay(instance, 100);
+  instance.BeginRender();
+  EvaluateMotion(instance);
+  hfxParameter* size = instance.FindParameter("size");
+  double zoom = 0.0;
+  const test::FailNth counted(test::FailingCall::Allocation, 0);
+  for (int32_t frame = 0; frame < 250; ++frame) {
+    instance.host().currentFrame = frame;
+    InterpolateZoom(size, frame / 249.0, &zoom, sizeof zoom, 0);
+    EvaluateMotion(instance);
+  }
+  EXPECT_EQ(counted.Count(), 0);
 }
 
 }  // namespace

@@ -118,13 +118,14 @@ TEST_F(Frame, TheMotionIsPreparedOnceAfterEveryChange) {
   EXPECT_TRUE(instance.paramsChanged);
   Render();
   EXPECT_FALSE(instance.paramsChanged);
-  EXPECT_EQ(instance.motionTable.size(), 2u);
-  instance.motionTable.push_back({1.0, 2.0});
+  ASSERT_TRUE(instance.motion);
+  const ArcEntry* table = instance.motion->Table().Entries().data();
   Render();
-  EXPECT_EQ(instance.motionTable.size(), 3u) << "kept while nothing changes";
+  EXPECT_EQ(instance.motion->Table().Entries().data(), table) << "kept while nothing changes";
+  instance.SetPosition(0.5, 0.5, 0.5);
   instance.paramsChanged = true;
   Render();
-  EXPECT_EQ(instance.motionTable.size(), 2u);
+  EXPECT_EQ(instance.motion->Table().Entries().size(), 3u);
 }
 
 TEST_F(Frame, AOneFrameEffectShowsItsFirstKey) {

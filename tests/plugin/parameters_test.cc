@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "render/motion.h"
 #include "tests/support/instance.h"
 
 namespace kelto {
@@ -149,6 +150,25 @@ TEST(ZoomInterpolator, RefusesAnyResultPlaceButEightBytes) {
   EXPECT_EQ(zoom[0], -1.0);
   i.FindParameter("size")->SetUserData(nullptr);
   EXPECT_FALSE(InterpolateZoom(i.FindParameter("size"), 0.5, zoom, 8, 0));
+}
+
+TEST(ZoomInterpolator, ShowsKeysThatChangedBetweenRendersBeforeThatIsReported) {
+  Instance i;
+  const auto setZoom = [&](double zoom) {
+    for (const double t : {0.0, 1.0}) i.SetKey("size", t, zoom);
+  };
+  const auto ask = [&] {
+    double zoom = 0.0;
+    EXPECT_TRUE(InterpolateZoom(i.FindParameter("size"), 0.5, &zoom, 8, 0));
+    return zoom;
+  };
+  setZoom(2.0);
+  i.BeginRender();
+  EvaluateMotion(i);
+  EXPECT_EQ(ask(), 2.0);
+  i.EndRender();
+  setZoom(5.0);
+  EXPECT_EQ(ask(), 5.0);
 }
 
 TEST(ZoomInterpolator, EasesBetweenKeysAndHoldsTimesAboveOne) {

@@ -23,11 +23,12 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"runtime/win32", {"platform"}},
     {"curves", {}},
     {"framing", {"platform"}},
+    {"keyframes", {"platform", "framing", "curves"}},
     {"resample", {"framing"}},
-    {"state", {"platform", "curves"}},
+    {"state", {"platform", "keyframes"}},
     {"image", {"platform", "framing", "state", "resample"}},
-    {"render", {"platform", "framing", "curves", "resample", "state", "image"}},
-    {"plugin", {"platform", "framing", "curves", "state", "image", "render"}},
+    {"render", {"platform", "framing", "keyframes", "resample", "state", "image"}},
+    {"plugin", {"platform", "framing", "keyframes", "state", "image", "render"}},
     // The command is a host: it knows modules only through the host interface. Its floors, from the
     // lowest to the highest.
     {"host/base", {}},
