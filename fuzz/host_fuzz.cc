@@ -15,11 +15,12 @@
 #include "fuzz/host_photos.h"
 #include "image/cache.h"
 #include "image/paths.h"
-#include "image/pool.h"
 #include "platform/hfx.h"
 #include "platform/ipl.h"
 #include "runtime/hfx/host.h"
 #include "state/PanZoomState.h"
+#include "state/module.h"
+#include "state/pool.h"
 
 // The module's entry points, linked in, so that its insides can be looked at.
 extern "C" {
@@ -64,11 +65,11 @@ class RandomHost {
     for (hfxModel_v1* model : models_) delete model;
     iplxSetMemoryLimit(0);
     Require(InstanceRegistry().empty(), "nothing stays in the registry");
-    Require(cachedBytes == 0 && iplxAllocatedBytes() == 0, "no image stays");
+    Require(Module().cachedBytes == 0 && iplxAllocatedBytes() == 0, "no image stays");
     int32_t result = 1;
     hfxSetAttribute(0, 0, 0, &result);
     hfxShutDown_v1();
-    knownFolders.clear();
+    Module().knownFolders.clear();
   }
   RandomHost(const RandomHost&) = delete;
   RandomHost& operator=(const RandomHost&) = delete;
@@ -221,7 +222,7 @@ class RandomHost {
     answers.scrap = in_.Byte();
     answers.networkName = in_.Bool();
     const bool chosen = use.instance->ChooseImage();
-    Require(chosen || answers.picked == nullptr || !State(use).imagePath.empty(),
+    Require(chosen || answers.picked == nullptr || !State(use).picture.imagePath.empty(),
             "a pick is taken");
     answers.picked = nullptr;
     if (chosen) CheckBudget(use);
@@ -330,7 +331,7 @@ class RandomHost {
     const hfxRect region = in_.Below(4) != 0 ? whole
                                              : hfxRect{in_.Mostly(-5, 80), in_.Mostly(-5, 80),
                                                        in_.Mostly(-5, 80), in_.Mostly(-5, 80)};
-    const IplImage* before = State(use).workImages[0];
+    const IplImage* before = State(use).picture.workImages[0].get();
     const bool missing = lent == 0 || lent == 2;
     try {
       const bool finished = use.instance->RenderFrame(region);
@@ -340,15 +341,16 @@ class RandomHost {
     }
     hfx::SetInput(*use.instance, 0, nullptr);
     hfx::SetOutput(*use.instance, 0, nullptr);
-    const IplImage* loaded = State(use).workImages[0];
+    const IplImage* loaded = State(use).picture.workImages[0].get();
     if (loaded != nullptr && loaded != before) CheckBudget(use);
   }
 
   /// What a load leaves must be within the budget where it can be.
   static void CheckBudget(const Use& use) {
     uint64_t own = 0;
-    for (const IplImage* image : State(use).workImages) own += image ? image->imageSize : 0;
-    if (own <= kCacheBudget) Require(cachedBytes <= kCacheBudget, "loads keep to the budget");
+    for (const ImagePtr& image : State(use).picture.workImages) own += image ? image->imageSize : 0;
+    if (own <= kCacheBudget)
+      Require(Module().cachedBytes <= kCacheBudget, "loads keep to the budget");
   }
 
   void CheckInvariants() const {
@@ -359,17 +361,17 @@ class RandomHost {
     for (size_t i = 0; i < uses_.size(); ++i) {
       const PanZoomState& state = State(uses_[i]);
       Require(registry[i] == &state, "the registry is in order of creation");
-      for (const IplImage* image : state.workImages) {
+      for (const ImagePtr& image : state.picture.workImages) {
         if (image == nullptr) continue;
-        Require(images.insert(image).second, "no image is shared");
+        Require(images.insert(image.get()).second, "no image is shared");
         Require(image->imageData != nullptr, "cached images have pixels");
-        Require(image->imageId == static_cast<BufferPool*>(&cachePool),
+        Require(image->imageId == static_cast<BufferPool*>(&Module().cachePool),
                 "cached images are counted");
         total += image->imageSize;
       }
       CheckRecord(uses_[i]);
     }
-    Require(total == cachedBytes, "cachedBytes is the sum over the live images");
+    Require(total == Module().cachedBytes, "cachedBytes is the sum over the live images");
     Require(total == iplxAllocatedBytes(), "no image lives outside the instances");
     Require(iplGetErrStatus() == IPL_StsOk, "no error status is left behind");
   }

@@ -4,10 +4,12 @@
 #include <cinttypes>
 #include <cstdio>
 #include <new>
+#include <utility>
 
 #include "framing/cached_size.h"
-#include "image/image_holder.h"
+#include "image/status_reset.h"
 #include "resample/resample.h"
+#include "state/module.h"
 
 namespace kelto {
 namespace {
@@ -38,10 +40,7 @@ void Reduce(const IplImage& from, const IplImage& to) {
 }  // namespace
 
 void ReleaseWorkImages(PanZoomState& state) {
-  for (IplImage*& image : state.workImages) {
-    ReleaseImage(image);
-    image = nullptr;
-  }
+  for (ImagePtr& image : state.picture.workImages) image.reset();
 }
 
 void AllocateImageData(PanZoomState& state, IplImage* image) {
@@ -77,31 +76,32 @@ IplImage* NewCachedImageHeader(int32_t width, int32_t height) {
 
 void EnforceCacheBudget(PanZoomState& state) {
   for (PanZoomState* other : InstanceRegistry()) {
-    if (cachedBytes <= kCacheBudget) return;
+    if (Module().cachedBytes <= kCacheBudget) return;
     if (other != &state) ReleaseWorkImages(*other);
   }
 }
 
 bool KeepsNaturalSize(const PanZoomState& state) {
-  const PixelSize picture = {static_cast<int32_t>(state.imageWidth),
-                             static_cast<int32_t>(state.imageHeight)};
-  return KeepsNaturalSize(state.playMode, picture, {state.outputWidth, state.outputHeight});
+  const PixelSize picture = {static_cast<int32_t>(state.picture.imageWidth),
+                             static_cast<int32_t>(state.picture.imageHeight)};
+  return KeepsNaturalSize(state.render.playMode, picture,
+                          {state.render.outputWidth, state.render.outputHeight});
 }
 
 void ReduceToVideoResolution(PanZoomState& state) {
-  if (state.workImages[0] == nullptr) return;
+  if (state.picture.workImages[0] == nullptr) return;
   if (KeepsNaturalSize(state)) {
-    state.cacheState = 1;
+    state.picture.cacheState = 1;
     return;
   }
   const hfxImage* output = state.GetOutput(0);
   if (output == nullptr) return;
 
   const StatusReset resetOnReturn;
-  const IplImage& natural = *state.workImages[0];
+  const IplImage& natural = *state.picture.workImages[0];
   const PixelSize size =
       ReducedSize({natural.width, natural.height}, {output->GetWidth(), output->GetHeight()});
-  ImageHolder reduced(NewCachedImageHeader(size.width, size.height));
+  ImagePtr reduced(NewCachedImageHeader(size.width, size.height));
   if (iplGetErrStatus() != IPL_StsOk) return;
   AllocateImageData(state, reduced.get());
   if (iplGetErrStatus() != IPL_StsOk) return;
@@ -111,21 +111,20 @@ void ReduceToVideoResolution(PanZoomState& state) {
   } catch (const std::bad_alloc&) {
     return;
   }
-  ReleaseImage(state.workImages[0]);
-  state.workImages[0] = reduced.Take();
-  state.cacheState = 0;
+  state.picture.workImages[0] = std::move(reduced);
+  state.picture.cacheState = 0;
 }
 
 IplImage* SelectCachedLevel(const PanZoomState& state, const hfxImage& output) {
-  const double zoom = state.display != 0 ? state.zoom : 1.0;
+  const double zoom = state.settings.display != DisplaySource ? state.settings.view.zoom : 1.0;
   const double fieldsPerFrame = state.GetFieldMode() == hfxFieldModeSeparate ? 2.0 : 1.0;
   const double neededWidth = output.GetWidth() * zoom;
   const double neededHeight = output.GetHeight() * fieldsPerFrame * zoom;
 
-  IplImage* selected = state.workImages[0];
-  for (IplImage* level : state.workImages) {
+  IplImage* selected = state.picture.workImages[0].get();
+  for (const ImagePtr& level : state.picture.workImages) {
     if (level == nullptr || !(level->width > neededWidth) || !(level->height > neededHeight)) break;
-    selected = level;
+    selected = level.get();
   }
   return selected;
 }

@@ -8,7 +8,6 @@
 
 #include <cstdint>
 
-#include "image/pool.h"
 #include "platform/hfx.h"
 #include "platform/ipl.h"
 #include "state/PanZoomState.h"

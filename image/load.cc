@@ -2,12 +2,13 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "framing/pixel_size.h"
 #include "image/cache.h"
-#include "image/image_holder.h"
 #include "image/open_still.h"
 #include "image/paths.h"
+#include "image/status_reset.h"
 #include "image/studio_levels.h"
 #include "platform/hfx.h"
 #include "platform/ipl.h"
@@ -31,30 +32,30 @@ struct PathRecord {
 
 void SaveNetworkForm(PanZoomState& state) {
   char name[kPathRecordSize] = {};
-  if (!ResolveNetworkPath(state.imagePath.c_str(), name, sizeof(name))) return;
-  state.imagePath = name;
+  if (!ResolveNetworkPath(state.picture.imagePath.c_str(), name, sizeof(name))) return;
+  state.picture.imagePath = name;
   SaveImagePath(state);
 }
 
 /// Looks for the file elsewhere and opens it there; saves the place when that works.
 void Relocate(PanZoomState& state, bool interactive, OpenStill& still) {
-  PathRecord path(state.imagePath);
+  PathRecord path(state.picture.imagePath);
   const bool found =
       interactive ? LocateImageFile(path.text, sizeof(path.text)) : FindInKnownFolders(path.text);
   if (!found) return;
   FSSpec specification;
-  if (MakeFileSpecification(path.text, &specification) != noErr) throw kOutOfMemory;
+  if (MakeFileSpecification(path.text, &specification) != noErr) return;
   if (still.Open(specification) != noErr) return;
-  state.imagePath = path.text;
+  state.picture.imagePath = path.text;
   SaveImagePath(state);
 }
 
 bool OpenImageFile(PanZoomState& state, bool interactive, OpenStill& still) {
   FSSpec specification;
-  OSErr error = MakeFileSpecification(state.imagePath.c_str(), &specification);
+  OSErr error = MakeFileSpecification(state.picture.imagePath.c_str(), &specification);
   if (error == noErr) error = still.Open(specification);
   if (error == noErr) {
-    RememberImageFolder(state.imagePath.c_str());
+    RememberImageFolder(state.picture.imagePath.c_str());
   } else {
     Relocate(state, interactive, still);
   }
@@ -133,30 +134,29 @@ bool Load(PanZoomState& state, bool interactive) {
   if (still.GetBounds(&bounds) != noErr) return false;
   const PixelSize size = {bounds.right - bounds.left, bounds.bottom - bounds.top};
 
-  ImageHolder decoded(NewHeader(4, "RGBA", "BGRA", IPL_ALIGN_DWORD, size));
+  ImagePtr decoded(NewHeader(4, "RGBA", "BGRA", IPL_ALIGN_DWORD, size));
   if (!Decode(state, still, bounds, decoded.get())) return false;
 
-  ImageHolder converted(NewHeader(3, "YCr", "YCr", IPL_ALIGN_QWORD, size));
+  ImagePtr converted(NewHeader(3, "YCr", "YCr", IPL_ALIGN_QWORD, size));
   if (!AllocateOrTell(state, converted.get())) return false;
-  ConvertLevels(*decoded, *converted, state.levels == 0);
+  ConvertLevels(*decoded, *converted, state.settings.levels == LevelsRGB);
   if (LibraryFailed()) return false;
-  decoded.Release();  // before the next allocation: two full-size images at a time, never three
+  decoded.reset();  // before the next allocation: two full-size images at a time, never three
 
-  ImageHolder cached(NewCachedImageHeader(size.width, size.height));
+  ImagePtr cached(NewCachedImageHeader(size.width, size.height));
   if (!AllocateOrTell(state, cached.get())) return false;
   SpreadPixels(*converted, *cached);
 
-  ReleaseImage(state.workImages[0]);
-  state.workImages[0] = cached.Take();
-  state.imageWidth = static_cast<uint32_t>(size.width);
-  state.imageHeight = static_cast<uint32_t>(size.height);
+  state.picture.workImages[0] = std::move(cached);
+  state.picture.imageWidth = static_cast<uint32_t>(size.width);
+  state.picture.imageHeight = static_cast<uint32_t>(size.height);
   return true;
 }
 
 }  // namespace
 
 void SaveImagePath(PanZoomState& state) {
-  const PathRecord record(state.imagePath);
+  const PathRecord record(state.picture.imagePath);
   state.SetInstanceData(record.text, kPathRecordSize);
   state.SetInstanceDataModified(true);
 }

@@ -12,8 +12,6 @@ namespace kelto {
 
 namespace fs = boost::filesystem;
 
-std::set<std::string> knownFolders;
-
 namespace {
 
 /// Parses a text in which both separators count, on every system.
@@ -68,7 +66,7 @@ bool LocateImageFile(char* buffer, uint32_t capacity) {
 bool FindInKnownFolders(char* buffer) {
   const fs::path path = Parse(buffer);
   if (path.empty()) return false;
-  for (const std::string& folder : knownFolders) {
+  for (const std::string& folder : Module().knownFolders) {
     const fs::path candidate = Parse(folder) / path.filename();
     const std::string text = NativeText(candidate);
     // A longer path could not be saved either.
@@ -80,7 +78,7 @@ bool FindInKnownFolders(char* buffer) {
 }
 
 void RememberImageFolder(const char* path) {
-  knownFolders.insert(NativeText(Parse(path).parent_path()));
+  Module().knownFolders.insert(NativeText(Parse(path).parent_path()));
 }
 
 }  // namespace kelto

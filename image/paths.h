@@ -7,16 +7,11 @@
 #pragma once
 
 #include <cstdint>
-#include <set>
-#include <string>
 
 // Saved paths take this form: whoever deals with paths wants both.
 #include "image/network_path.h"
 
 namespace kelto {
-
-/// Every folder from which an image was opened, in ascending order of bytes. Only grows.
-extern std::set<std::string> knownFolders;
 
 /// Runs the open-file dialog on `buffer`, whose text is the name offered. True when the user picked
 /// a file; the buffer then holds its full path. A null `title` means "Please choose an image:".

@@ -8,11 +8,6 @@
 
 namespace kelto {
 
-PanZoomInstance::~PanZoomInstance() {
-  LeaveInstanceRegistry();
-  ReleaseWorkImages(*this);
-}
-
 bool PanZoomInstance::RenderFrame(const hfxRect& region) {
   return RenderCurrentFrame(*this, region);
 }
@@ -21,16 +16,16 @@ bool PanZoomInstance::CreateParameters() { return DeclareParameters(*this); }
 
 int32_t PanZoomInstance::BeginRender() {
   const void* record = GetInstanceData(nullptr);
-  if (Module().hostState) hostState = Module().hostState();
-  playMode = hfxGetPlayMode();
-  if (record) imagePath = PathOfRecord(record);
+  if (Module().hostState) render.hostState = Module().hostState();
+  render.playMode = hfxGetPlayMode();
+  if (record) picture.imagePath = PathOfRecord(record);
   return 1;
 }
 
 int32_t PanZoomInstance::EndRender() {
-  if (hostState == 1) ReleaseWorkImages(*this);
-  hostState = -1;
-  playMode = -1;
+  if (render.hostState == 1) ReleaseWorkImages(*this);
+  render.hostState = -1;
+  render.playMode = -1;
   return -1;
 }
 

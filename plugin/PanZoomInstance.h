@@ -7,9 +7,6 @@ namespace kelto {
 
 class PanZoomInstance : public PanZoomState {
  public:
-  PanZoomInstance() = default;
-  ~PanZoomInstance() override;
-
   /// Renders the current frame or field. False only when the host reports the render aborted; a
   /// missing input or output throws the integer 1.
   bool RenderFrame(const hfxRect& region) override;

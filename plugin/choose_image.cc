@@ -25,17 +25,17 @@ void ClearBehindText(std::vector<char>& buffer) {
 }  // namespace
 
 bool ChooseImageOf(PanZoomState& state) {
-  state.hostState = -1;
+  state.render.hostState = -1;
   std::vector<char> buffer(kPathRecordSize);
-  std::memcpy(buffer.data(), state.imagePath.data(),
-              std::min(state.imagePath.size(), buffer.size() - 1));
-  const bool fresh = NamesNothing(buffer.data()) || state.workImages[0];
+  std::memcpy(buffer.data(), state.picture.imagePath.data(),
+              std::min(state.picture.imagePath.size(), buffer.size() - 1));
+  const bool fresh = NamesNothing(buffer.data()) || state.picture.workImages[0];
   const bool picked = fresh ? ChooseImageFile(buffer.data(), kPathRecordSize, nullptr)
                             : LocateImageFile(buffer.data(), kPathRecordSize);
   if (!picked) return false;
   ClearBehindText(buffer);
   ResolveNetworkPath(buffer.data(), buffer.data(), kPathRecordSize);
-  state.imagePath = buffer.data();
+  state.picture.imagePath = buffer.data();
 
   ReleaseWorkImages(state);
   const bool loaded = LoadImage(state, true);
@@ -48,7 +48,7 @@ bool ChooseImageOf(PanZoomState& state) {
   }
   state.SetInstanceData(buffer.data(), kPathRecordSize);
   state.SetInstanceDataModified(true);
-  state.loadFailed = false;
+  state.picture.loadFailed = false;
   return true;
 }
 

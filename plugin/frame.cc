@@ -12,28 +12,29 @@ namespace {
 /// levels or another size than this render wants.
 void ReloadWhereNeeded(PanZoomState& state) {
   const void* record = state.GetInstanceData(nullptr);
-  if (state.loadFailed || !record) return;
+  if (state.picture.loadFailed || !record) return;
   const int32_t wanted = KeepsNaturalSize(state) ? 1 : 0;
-  if (state.workImages[0] && state.levels == state.appliedLevels && wanted == state.cacheState) {
+  if (state.picture.workImages[0] && state.settings.levels == state.picture.appliedLevels &&
+      wanted == state.picture.cacheState) {
     return;
   }
-  state.imagePath = PathOfRecord(record);
-  state.loadFailed = !ReloadImage(state, false);
-  state.appliedLevels = state.levels;
-  state.appliedCacheMode = state.cacheMode;
+  state.picture.imagePath = PathOfRecord(record);
+  state.picture.loadFailed = !ReloadImage(state, false);
+  state.picture.appliedLevels = state.settings.levels;
+  state.picture.appliedCacheMode = state.settings.cacheMode;
 }
 
 }  // namespace
 
 bool RenderCurrentFrame(PanZoomState& state, const hfxRect& region) {
   if (const hfxImage* output = state.GetOutput(0)) {
-    state.outputWidth = output->GetWidth();
-    state.outputHeight = output->GetHeight();
+    state.render.outputWidth = output->GetWidth();
+    state.render.outputHeight = output->GetHeight();
   }
   ReloadWhereNeeded(state);
   EvaluateMotion(state);
-  const bool loaded = state.workImages[0] && state.workImages[0]->imageData;
-  if (!loaded && state.compositeOver != 0) {
+  const bool loaded = state.picture.workImages[0] && state.picture.workImages[0]->imageData;
+  if (!loaded && state.settings.compositeOver != OverColor) {
     RenderWithoutImage(state);
   } else {
     RenderFrame(state, region);

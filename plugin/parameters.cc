@@ -61,45 +61,49 @@ class Panel {
 
 bool DeclareParameters(PanZoomState& state) {
   Panel panel(state);
-  panel.List("display", nullptr, state.display, kDisplayEntries);
+  panel.List("display", nullptr, state.settings.display, kDisplayEntries);
   hfxPGroup* group = panel.Group("Display Options", "sourcerectoptions", kShut);
-  panel.Switch("Show Action Safe", "showactionsafe", group, state.showActionSafe);
+  panel.Switch("Show Action Safe", "showactionsafe", group, state.settings.showActionSafe);
 
   group = panel.Group("Size", "sizegroup", kOpen);
-  hfxPNumber* size = panel.Add(hfxPNumber::New("Zoom Factor", "size", &state.zoom,
-                                               sizeof state.zoom, kMinZoom, kMaxZoom, 0.01, 0, 1),
-                               group);
+  hfxPNumber* size =
+      panel.Add(hfxPNumber::New("Zoom Factor", "size", &state.settings.view.zoom,
+                                sizeof state.settings.view.zoom, kMinZoom, kMaxZoom, 0.01, 0, 1),
+                group);
   size->SetInterpolator(InterpolateZoom);
   size->SetUserData(&state);
 
   group = panel.Group("Position", "positiongroup", kOpen);
   // centreX and centreY lie side by side and are bound as one point.
-  panel.Add(hfxPPoint2D::New("", "position", &state.centreX, 2 * sizeof state.centreX), group);
+  panel.Add(hfxPPoint2D::New("", "position", &state.settings.view.centreX,
+                             2 * sizeof state.settings.view.centreX),
+            group);
 
   group = panel.Group("Velocity", "velocitygroup", kShut);
-  panel.List("invelocity", group, state.inVelocity, kInVelocityEntries);
-  panel.List("outvelocity", group, state.outVelocity, kOutVelocityEntries);
+  panel.List("invelocity", group, state.settings.inVelocity, kInVelocityEntries);
+  panel.List("outvelocity", group, state.settings.outVelocity, kOutVelocityEntries);
 
   group = panel.Group("Path", "pathgroup", kShut);
-  panel.List("path", group, state.pathType, kPathEntries);
+  panel.List("path", group, state.settings.pathType, kPathEntries);
 
   group = panel.Group("Filtering", "filtering", kOpen);
-  panel.List("filter", group, state.filter, kFilterEntries);
+  panel.List("filter", group, state.settings.filter, kFilterEntries);
 
   group = panel.Group("Background", "backgroundgroup", kShut);
-  panel.List("compositeover", group, state.compositeOver, kBackgroundEntries);
-  panel.Add(hfxPColorRGB::New("", "bgcolor", state.backgroundColor, sizeof state.backgroundColor),
+  panel.List("compositeover", group, state.settings.compositeOver, kBackgroundEntries);
+  panel.Add(hfxPColorRGB::New("", "bgcolor", state.settings.backgroundColor,
+                              sizeof state.settings.backgroundColor),
             group);
 
   group = panel.Group("Advanced", "advanced", kShut);
-  panel.Switch("Source Has Square Pixels", "squarepixels", group, state.squarePixels);
-  panel.List("levels", group, state.levels, kLevelsEntries);
+  panel.Switch("Source Has Square Pixels", "squarepixels", group, state.settings.squarePixels);
+  panel.List("levels", group, state.settings.levels, kLevelsEntries);
 
   group = panel.Group("Cache", "cachegroup", kOpen);
-  panel.List("cache", group, state.cacheMode, kCacheEntries);
+  panel.List("cache", group, state.settings.cacheMode, kCacheEntries);
 
   group = panel.Group("Render Mode", "projgroup", kOpen);
-  panel.Switch("Progressive", "progressive", group, state.progressive);
+  panel.Switch("Progressive", "progressive", group, state.settings.progressive);
   return true;
 }
 
@@ -107,9 +111,10 @@ bool InterpolateZoom(hfxParameter* parameter, double time, void* result, int32_t
   auto* state = static_cast<PanZoomState*>(parameter->GetUserData());
   if (!state || size != sizeof(double)) return false;
   // Keys change between renders, and a panel asks for values before it reports the change.
-  const bool current = state->playMode != -1 && state->motion && !state->paramsChanged;
-  const double zoom = current ? state->motion->ZoomAt(time)
-                              : ZoomMotion(ReadMotionKeys(*state, state->pathType)).At(time);
+  const bool current = state->render.playMode != -1 && state->motion && !state->paramsChanged;
+  const double zoom = current
+                          ? state->motion->ZoomAt(time)
+                          : ZoomMotion(ReadMotionKeys(*state, state->settings.pathType)).At(time);
   std::memcpy(result, &zoom, sizeof zoom);
   return true;
 }

@@ -70,7 +70,7 @@ void CoupleVelocities(const PanZoomState& state) {
 
 void CommandEveryInstance(int32_t command) {
   for (PanZoomState* instance : InstanceRegistry()) {
-    instance->cacheMode = command;
+    instance->settings.cacheMode = command;
     ApplyCacheCommand(*instance, false);
   }
 }
@@ -81,24 +81,24 @@ bool ApplyCacheCommand(PanZoomState& state, bool read) {
   auto* cache = dynamic_cast<hfxPList*>(state.FindParameter("cache"));
   if (read && cache) {
     if (const hfxParamKey* active = ActiveKey(*cache)) {
-      state.cacheMode = cache->GetValue(active->GetTime());
+      state.settings.cacheMode = cache->GetValue(active->GetTime());
     }
   }
-  if (state.cacheMode == state.appliedCacheMode) return true;
-  const int32_t command = state.cacheMode;
+  if (state.settings.cacheMode == state.picture.appliedCacheMode) return true;
+  const int32_t command = state.settings.cacheMode;
   if (command >= CacheVideoResolution && command < FreeCurrentCache) {
-    state.appliedCacheMode = command;
+    state.picture.appliedCacheMode = command;
     ReleaseWorkImages(state);
   } else if (command == FreeCurrentCache) {
     ReleaseWorkImages(state);
-    state.cacheMode = CacheImageResolution;
+    state.settings.cacheMode = CacheImageResolution;
   } else if (command >= CacheAllFirst && command <= FreeAllCaches) {
     CommandEveryInstance(command - CacheAllFirst);
   }
   for (int32_t i = 0; cache && i < cache->GetNumKeys(); ++i) {
-    cache->SetValue(cache->GetKey(i)->GetTime(), state.cacheMode);
+    cache->SetValue(cache->GetKey(i)->GetTime(), state.settings.cacheMode);
   }
-  state.appliedCacheMode = state.cacheMode;
+  state.picture.appliedCacheMode = state.settings.cacheMode;
   return true;
 }
 

@@ -7,8 +7,8 @@ namespace {
 constexpr double kLastFrameTime = 0.9999999999999;
 
 void PrepareMotion(PanZoomState& state) {
-  if (!state.paramsChanged && state.motion && state.motion->IsFor(state.pathType)) return;
-  state.motion = Motion(ReadMotionKeys(state, state.pathType));
+  if (!state.paramsChanged && state.motion && state.motion->IsFor(state.settings.pathType)) return;
+  state.motion = Motion(ReadMotionKeys(state, state.settings.pathType));
   state.paramsChanged = false;
 }
 
@@ -16,8 +16,8 @@ void PrepareMotion(PanZoomState& state) {
 
 double FrameTime(PanZoomState& state) {
   double frame = state.GetCurrentFrame();
-  if (state.GetVideoType() == hfxVideoTypeProgressive) state.progressive = true;
-  if (state.GetField() == 1 && !state.progressive) frame += 0.5;
+  if (state.GetVideoType() == hfxVideoTypeProgressive) state.settings.progressive = true;
+  if (state.GetField() == 1 && !state.settings.progressive) frame += 0.5;
   const int32_t total = state.GetTotalFrames();
   if (total <= 1) return 0.0;
   const double t = frame / (static_cast<double>(total) - 1.0);
@@ -26,10 +26,7 @@ double FrameTime(PanZoomState& state) {
 
 void EvaluateMotion(PanZoomState& state) {
   PrepareMotion(state);
-  const View view = state.motion->At(FrameTime(state), {state.zoom, state.centreX, state.centreY});
-  state.zoom = view.zoom;
-  state.centreX = view.centreX;
-  state.centreY = view.centreY;
+  state.settings.view = state.motion->At(FrameTime(state), state.settings.view);
 }
 
 }  // namespace kelto

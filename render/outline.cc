@@ -82,10 +82,10 @@ OutlineRect ActionSafeRect(const OutlineRect& rect) {
 }
 
 void DrawViewOverlay(const PanZoomState& state, hfxImage& image, int32_t colorspace) {
-  const OutlineRect view =
-      ViewRect(image.GetWidth(), image.GetHeight(), state.zoom, state.centreX, state.centreY);
+  const OutlineRect view = ViewRect(image.GetWidth(), image.GetHeight(), state.settings.view.zoom,
+                                    state.settings.view.centreX, state.settings.view.centreY);
   DrawFrameOutline(image, colorspace, view, OutlineThick, kOutlineColour);
-  if (!state.showActionSafe || !state.renderFlag) return;
+  if (!state.settings.showActionSafe || !state.renderFlag) return;
   DrawFrameOutline(image, colorspace, ActionSafeRect(view), OutlineThin, kOutlineColour);
 }
 

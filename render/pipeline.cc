@@ -47,7 +47,7 @@ FrameGeometry GeometryOf(const PanZoomState& state, const hfxImage& output) {
   frame.output = {output.GetWidth(), output.GetHeight()};
   frame.fieldMode = state.GetFieldMode();
   frame.displayAspect = state.GetDisplayAspect();
-  frame.squarePixels = state.squarePixels;
+  frame.squarePixels = state.settings.squarePixels;
   frame.videoType = state.GetVideoType();
   return frame;
 }
@@ -145,7 +145,7 @@ void BackgroundBytes(const double rgb[3], int32_t levels, uint8_t bytes[3]) {
   for (int i = 0; i < 3; ++i) {
     const double scaled = rgb[i] * 255.0;
     const int byte = !(scaled > 0.0) ? 0 : scaled >= 255.0 ? 255 : static_cast<int>(scaled);
-    bytes[i] = static_cast<uint8_t>(levels == 0 ? std::clamp(byte, 16, 235) : byte);
+    bytes[i] = static_cast<uint8_t>(levels == LevelsRGB ? std::clamp(byte, 16, 235) : byte);
   }
 }
 
@@ -157,9 +157,9 @@ void RenderWithoutImage(PanZoomState& state) {
   if (!Renderable(colorspace) || size.width < 1 || size.height < 1) return;
 
   ResampleJob job = JobFor(state, *output, size);
-  std::memset(job.background.bytes, state.levels == 1 ? 0 : 16, 3);
+  std::memset(job.background.bytes, state.settings.levels == Levels601 ? 0 : 16, 3);
   const FrameRects rects =
-      ComputeFrameRects(GeometryOf(state, *output), {0, 0}, {state.zoom, 0.0, 0.0});
+      ComputeFrameRects(GeometryOf(state, *output), {0, 0}, {state.settings.view.zoom, 0.0, 0.0});
   job.sourceRect = rects.source;
   job.destRect = rects.target;
   Draw(job, *output, size, colorspace);
@@ -176,26 +176,27 @@ void RenderFrame(PanZoomState& state, const hfxRect& region) {
                           Extent(region.y0, region.y1, output->GetHeight())};
   if (size.width < 1 || size.height < 1) return;
 
-  const bool showTarget = state.display == 1;
+  const bool showTarget = state.settings.display == DisplayTarget;
   ResampleJob job = JobFor(state, *output, size);
   const IplImage* picture = SelectCachedLevel(state, *output);
   SetPicture(job, picture);
-  if (state.compositeOver == 0) {
-    BackgroundBytes(state.backgroundColor, state.levels, job.background.bytes);
+  if (state.settings.compositeOver == OverColor) {
+    BackgroundBytes(state.settings.backgroundColor, state.settings.levels, job.background.bytes);
   } else {
     SetVideoBackground(job, *input, size, colorspace);
   }
   // The source display is always drawn fast and whole.
   const bool fast = !showTarget || state.GetQuality() <= kRealTimeQuality;
-  job.filterMode = fast ? static_cast<int32_t>(FilterRealTime) : state.filter;
-  const View view = showTarget ? View{state.zoom, state.centreX, state.centreY} : View{};
+  job.filterMode = fast ? static_cast<int32_t>(FilterRealTime) : state.settings.filter;
+  const View view = showTarget ? state.settings.view : View{};
   const FrameRects rects =
       ComputeFrameRects(GeometryOf(state, *output), {job.source.width, job.source.height}, view);
   job.sourceRect = rects.source;
   job.destRect = rects.target;
 
   Draw(job, *output, size, colorspace);
-  if (state.display == 0 && state.overlayOff != 1) DrawViewOverlay(state, *output, colorspace);
+  if (state.settings.display == DisplaySource && state.overlayOff != 1)
+    DrawViewOverlay(state, *output, colorspace);
 }
 
 }  // namespace kelto

@@ -12,9 +12,7 @@ std::vector<PanZoomState*>& InstanceRegistry() {
 
 PanZoomState::PanZoomState() { InstanceRegistry().push_back(this); }
 
-PanZoomState::~PanZoomState() { LeaveInstanceRegistry(); }
-
-void PanZoomState::LeaveInstanceRegistry() {
+PanZoomState::~PanZoomState() {
   auto& registry = InstanceRegistry();
   const auto self = std::find(registry.begin(), registry.end(), this);
   if (self != registry.end()) registry.erase(self);

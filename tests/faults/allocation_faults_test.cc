@@ -14,6 +14,7 @@
 #include "plugin/PanZoomModel.h"
 #include "plugin/update_params.h"
 #include "render/motion.h"
+#include "state/module.h"
 #include "tests/faults/failing_calls.h"
 #include "tests/support/instance.h"
 #include "tests/support/photo.h"
@@ -81,18 +82,18 @@ class Faults : public testing::Test {
   ~Faults() override {
     win32() = DefaultWin32Calls();
     hfx::SetConsole({});
-    knownFolders.clear();
-    EXPECT_EQ(cachedBytes, 0u);
+    Module().knownFolders.clear();
+    EXPECT_EQ(Module().cachedBytes, 0u);
     EXPECT_EQ(iplxAllocatedBytes(), 0u);
     EXPECT_TRUE(InstanceRegistry().empty());
   }
 
   std::unique_ptr<Instance> NewInstance(const std::string& path, int32_t filter = 0) {
     auto instance = std::make_unique<Instance>();
-    instance->display = 1;
-    instance->filter = filter;
+    instance->settings.display = 1;
+    instance->settings.filter = filter;
     instance->SetPath(path);
-    instance->playMode = hfxPlayModeRender;
+    instance->render.playMode = hfxPlayModeRender;
     return instance;
   }
 
@@ -110,13 +111,13 @@ class Faults : public testing::Test {
     return output.Packed();
   }
 
-  /// cachedBytes is what the instances hold, and nothing else is allocated.
+  /// Module().cachedBytes is what the instances hold, and nothing else is allocated.
   void ExpectAccountIsRight() {
     uint64_t held = 0;
     for (const PanZoomState* state : InstanceRegistry()) {
-      for (const IplImage* image : state->workImages) held += image ? image->imageSize : 0;
+      for (const ImagePtr& image : state->picture.workImages) held += image ? image->imageSize : 0;
     }
-    EXPECT_EQ(cachedBytes, held);
+    EXPECT_EQ(Module().cachedBytes, held);
     EXPECT_EQ(iplxAllocatedBytes(), held);
     EXPECT_EQ(iplGetErrStatus(), IPL_StsOk);
   }
@@ -136,7 +137,7 @@ class Faults : public testing::Test {
   /// the user picks the picture again.
   void ExpectNextFrameIsRight(Instance& instance, const std::vector<uint8_t>& expected,
                               const std::string& path) {
-    if (instance.loadFailed) {
+    if (instance.picture.loadFailed) {
       EXPECT_NE(Frame(instance), expected) << "a failed load is not tried again unasked";
       pickedPath = path;
       EXPECT_TRUE(instance.ChooseImage());
@@ -167,13 +168,13 @@ class Faults : public testing::Test {
     const std::vector<uint8_t> expected = Frame(*NewInstance(path));
     Picture output(kWidth, kHeight, hfxColorspaceYCbCr);
     const auto make = [&] {
-      knownFolders.clear();
+      Module().knownFolders.clear();
       return NewInstance(path);
     };
     const auto check = [&](Instance& instance, Outcome outcome, bool) {
       EXPECT_NE(outcome, Outcome::False) << "only an abort fails a render";
-      if (instance.loadFailed) {
-        EXPECT_EQ(instance.workImages[0], nullptr);
+      if (instance.picture.loadFailed) {
+        EXPECT_EQ(instance.picture.workImages[0], nullptr);
       }
       ExpectNextFrameIsRight(instance, expected, path);
     };
@@ -232,7 +233,7 @@ TEST_P(EveryFilter, DrawsAgainAfterAnyAllocationHasFailed) {
       EXPECT_EQ(output.Packed(), expected);
     }
     EXPECT_TRUE(output.GuardsIntact());
-    EXPECT_NE(instance.workImages[0], nullptr) << "the picture stays loaded";
+    EXPECT_NE(instance.picture.workImages[0], nullptr) << "the picture stays loaded";
     EXPECT_EQ(Frame(instance), expected);
   };
   ForEveryCall(
@@ -244,7 +245,7 @@ TEST_F(Faults, AFilmOfManyKeysIsDrawnRightOrNotAtAll) {
   // More keys than the ten that a new curve has room for.
   const auto make = [&] {
     auto instance = NewInstance(photo);
-    instance->pathType = 1;
+    instance->settings.pathType = 1;
     instance->host().totalFrames = 100;
     instance->host().currentFrame = 73;  // a third of the way from the first key beyond that room
     for (int i = 0; i < 15; ++i) {
@@ -300,14 +301,14 @@ TEST_P(EveryCacheCommand, IsCarriedOutAgainAfterAnyAllocationHasFailed) {
 TEST_F(Faults, APlayingHostsReductionKeepsTheNaturalSizeWhereMemoryFails) {
   const auto make = [&] {
     auto instance = NewInstance(photo);
-    instance->playMode = hfxPlayModePreview;
+    instance->render.playMode = hfxPlayModePreview;
     return instance;
   };
   Picture output(kWidth, kHeight, hfxColorspaceYCbCr);
   const std::vector<uint8_t> reduced = Frame(*make());
   bool keptNatural = false;
   const auto check = [&](Instance& instance, Outcome, bool) {
-    if (instance.workImages[0]) keptNatural |= instance.workImages[0]->width == 90;
+    if (instance.picture.workImages[0]) keptNatural |= instance.picture.workImages[0]->width == 90;
     ExpectNextFrameIsRight(instance, reduced, photo);
   };
   ForEveryCall(
@@ -327,7 +328,7 @@ TEST_F(Faults, ChoosingAnImageTellsThatItFailedAndCanBeDoneAgain) {
   };
   const auto check = [&](Instance& instance, Outcome outcome, bool) {
     EXPECT_NE(outcome, Outcome::False) << "the user did pick a file";
-    const bool loaded = instance.workImages[0] != nullptr;
+    const bool loaded = instance.picture.workImages[0] != nullptr;
     if (outcome == Outcome::True) {
       EXPECT_EQ(messages, loaded ? 0 : 1);
     }
@@ -366,7 +367,7 @@ TEST_F(Faults, CopyingAnInstanceLeavesBothUsable) {
   const std::vector<uint8_t> expected = Frame(*original);
   const auto check = [&](Instance& copy, Outcome, bool) {
     EXPECT_TRUE(copy.CopyInstance(original.get()));
-    copy.display = 1;
+    copy.settings.display = 1;
     copy.paramsChanged = true;
     EXPECT_EQ(Frame(copy), expected);
   };

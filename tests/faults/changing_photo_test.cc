@@ -7,6 +7,7 @@
 #include "image/cache.h"
 #include "image/paths.h"
 #include "platform/still_importer.h"
+#include "state/module.h"
 #include "tests/support/instance.h"
 #include "tests/support/photo.h"
 
@@ -25,11 +26,11 @@ class ChangingPhoto : public testing::Test {
     Write(64, 36, 200);
     hfx::SetInput(instance, 0, input.image());
     hfx::SetOutput(instance, 0, output.image());
-    instance.display = 1;
+    instance.settings.display = 1;
     instance.SetPath(photo);
     instance.BeginRender();
   }
-  ~ChangingPhoto() override { knownFolders.clear(); }
+  ~ChangingPhoto() override { Module().knownFolders.clear(); }
 
   void Write(int32_t width, int32_t height, uint8_t level) {
     test::WritePhoto(photo, width, height, [level](int32_t, int32_t) {
@@ -59,7 +60,7 @@ TEST_F(ChangingPhoto, ReplacedBetweenFramesIsSeenOnceItIsReadAgain) {
   EXPECT_EQ(NextFrame(), kBright) << "the picture is in memory";
   Free();
   EXPECT_EQ(NextFrame(), kDark);
-  EXPECT_EQ(instance.imageWidth, 50u);
+  EXPECT_EQ(instance.picture.imageWidth, 50u);
 }
 
 TEST_F(ChangingPhoto, CutShortBetweenFramesShowsTheBackgroundAndKeepsNoHalfPicture) {
@@ -68,11 +69,11 @@ TEST_F(ChangingPhoto, CutShortBetweenFramesShowsTheBackgroundAndKeepsNoHalfPictu
   for (const auto kept : {size - 1, size / 2, uintmax_t{54}, uintmax_t{10}, uintmax_t{0}}) {
     std::filesystem::resize_file(photo, kept);
     Free();
-    instance.loadFailed = false;
+    instance.picture.loadFailed = false;
     EXPECT_EQ(NextFrame(), kBackground) << kept;
-    EXPECT_EQ(instance.workImages[0], nullptr);
-    EXPECT_TRUE(instance.loadFailed);
-    EXPECT_EQ(cachedBytes, 0u);
+    EXPECT_EQ(instance.picture.workImages[0], nullptr);
+    EXPECT_TRUE(instance.picture.loadFailed);
+    EXPECT_EQ(Module().cachedBytes, 0u);
   }
 }
 
@@ -82,7 +83,7 @@ TEST_F(ChangingPhoto, DeletedBetweenFramesShowsTheBackground) {
   EXPECT_EQ(NextFrame(), kBright) << "the picture is in memory";
   Free();
   EXPECT_EQ(NextFrame(), kBackground);
-  EXPECT_TRUE(instance.loadFailed);
+  EXPECT_TRUE(instance.picture.loadFailed);
 }
 
 TEST_F(ChangingPhoto, ThatBecameAFolderShowsTheBackground) {

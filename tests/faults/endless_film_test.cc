@@ -22,7 +22,7 @@ void EvaluateEndlessFilm(Instance& instance, int keys) {
     instance.SetPosition(time, key % 3, -key % 2);
     instance.SetVelocities(time, VelocityConstant, VelocityConstant);
   }
-  instance.pathType = 1;
+  instance.settings.pathType = 1;
   instance.host().totalFrames = INT32_MAX;
   instance.host().currentFrame = INT32_MAX / 2;
   EvaluateMotion(instance);
@@ -47,7 +47,7 @@ void SetWay(Instance& instance, int keys) {
     instance.SetKey("size", time, 1.0 + key % 5);
     instance.SetVelocities(time, VelocityEase, key % 2);
   }
-  instance.pathType = PathSpline;
+  instance.settings.pathType = PathSpline;
   instance.host().totalFrames = 250;
 }
 

@@ -10,6 +10,7 @@
 
 #include "platform/hfx.h"
 #include "runtime/hfx/host.h"
+#include "state/module.h"
 #include "tests/support/photo.h"
 #include "tests/support/picture.h"
 

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "state/module.h"
 #include "tests/image/instance.h"
 
 namespace kelto {
@@ -25,10 +26,10 @@ TEST_F(Allocation, AnAllocatedImageBelongsToTheCachePoolAndIsCounted) {
   Instance instance;
   IplImage* image = Allocate(instance);
   EXPECT_NE(image->imageData, nullptr);
-  EXPECT_EQ(image->imageId, static_cast<BufferPool*>(&cachePool));
-  EXPECT_EQ(cachedBytes, kImageBytes);
+  EXPECT_EQ(image->imageId, static_cast<BufferPool*>(&Module().cachePool));
+  EXPECT_EQ(Module().cachedBytes, kImageBytes);
   ReleaseImage(image);
-  EXPECT_EQ(cachedBytes, 0u);
+  EXPECT_EQ(Module().cachedBytes, 0u);
 }
 
 TEST_F(Allocation, WithOneInstanceOnlyAFailurePrintsTheReclaimMessageAtOnce) {
@@ -40,8 +41,8 @@ TEST_F(Allocation, WithOneInstanceOnlyAFailurePrintsTheReclaimMessageAtOnce) {
   EXPECT_EQ(iplGetErrStatus(), IPL_StsNoMem) << "left for the caller";
   EXPECT_EQ(image->imageData, nullptr);
   EXPECT_EQ(image->imageId, nullptr);
-  EXPECT_EQ(only.workImages[0], held);
-  EXPECT_EQ(cachedBytes, held->imageSize);
+  EXPECT_EQ(only.picture.workImages[0].get(), held);
+  EXPECT_EQ(Module().cachedBytes, held->imageSize);
   ReleaseImage(image);
   iplSetErrStatus(IPL_StsOk);
 }
@@ -60,10 +61,10 @@ TEST_F(Allocation, OtherInstancesAreEmptiedInOrderOfCreationAndNoFurtherThanNeed
   EXPECT_NE(image->imageData, nullptr);
   EXPECT_TRUE(first.empty());
   EXPECT_TRUE(second.empty()) << "a whole instance at a time";
-  EXPECT_EQ(caller.workImages[0], own);
-  EXPECT_EQ(third.workImages[0], spared);
+  EXPECT_EQ(caller.picture.workImages[0].get(), own);
+  EXPECT_EQ(third.picture.workImages[0].get(), spared);
   EXPECT_TRUE(console.empty());
-  EXPECT_EQ(cachedBytes, own->imageSize + spared->imageSize + kImageBytes);
+  EXPECT_EQ(Module().cachedBytes, own->imageSize + spared->imageSize + kImageBytes);
   ReleaseImage(image);
 }
 
@@ -77,7 +78,7 @@ TEST_F(Allocation, AFailureAfterEmptyingEveryOtherInstanceIsToldOnce) {
   EXPECT_TRUE(last.empty());
   EXPECT_THAT(console, ElementsAre(ReclaimMessage(caller)));
   EXPECT_EQ(iplGetErrStatus(), IPL_StsNoMem);
-  EXPECT_EQ(cachedBytes, 0u);
+  EXPECT_EQ(Module().cachedBytes, 0u);
   ReleaseImage(image);
   iplSetErrStatus(IPL_StsOk);
 }

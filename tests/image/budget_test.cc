@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "state/module.h"
 #include "tests/image/instance.h"
 
 namespace kelto {
@@ -26,7 +27,7 @@ TEST_F(Budget, ATotalOfExactlyTheBudgetIsKept) {
   Hold(b, 110);
   EnforceCacheBudget(b);
   EXPECT_FALSE(a.empty());
-  EXPECT_EQ(cachedBytes, kCacheBudget);
+  EXPECT_EQ(Module().cachedBytes, kCacheBudget);
 }
 
 TEST_F(Budget, OneRowMoreThanTheBudgetEmptiesTheOther) {
@@ -45,7 +46,7 @@ TEST_F(Budget, A121MebibyteImageEmptiesTheOthersAndStaysItself) {
   EnforceCacheBudget(b);
   EXPECT_TRUE(a.empty());
   EXPECT_FALSE(b.empty());
-  EXPECT_EQ(cachedBytes, 121u * kMiB) << "still above the limit";
+  EXPECT_EQ(Module().cachedBytes, 121u * kMiB) << "still above the limit";
 }
 
 TEST_F(Budget, WithOneInstanceOnlyNothingIsEverFreed) {

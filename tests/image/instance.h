@@ -10,6 +10,7 @@
 
 #include "image/cache.h"
 #include "runtime/hfx/host.h"
+#include "state/module.h"
 
 namespace kelto::test {
 
@@ -25,15 +26,15 @@ class Instance : public PanZoomState {
     IplImage* image = NewCachedImageHeader(width, height);
     AllocateImageData(*this, image);
     EXPECT_EQ(iplGetErrStatus(), IPL_StsOk);
-    workImages[level] = image;
+    picture.workImages[level].reset(image);
     if (level == 0) {
-      imageWidth = static_cast<uint32_t>(width);
-      imageHeight = static_cast<uint32_t>(height);
+      picture.imageWidth = static_cast<uint32_t>(width);
+      picture.imageHeight = static_cast<uint32_t>(height);
     }
     return image;
   }
   bool empty() const {
-    for (const IplImage* image : workImages) {
+    for (const ImagePtr& image : picture.workImages) {
       if (image != nullptr) return false;
     }
     return true;
@@ -59,7 +60,7 @@ class ImageTest : public testing::Test {
     EXPECT_EQ(iplGetErrStatus(), IPL_StsOk);
     EXPECT_EQ(iplGetErrMode(), IPL_ErrModeSilent);
     EXPECT_EQ(iplxAllocatedBytes(), 0u);
-    EXPECT_EQ(cachedBytes, 0u);
+    EXPECT_EQ(Module().cachedBytes, 0u);
   }
 
   static std::string ReclaimMessage(const PanZoomState& state) {

@@ -11,7 +11,7 @@ using test::Output;
 
 class Levels : public test::ImageTest {
  protected:
-  Levels() { instance.display = 1; }
+  Levels() { instance.settings.display = 1; }
   Instance instance;
 };
 
@@ -54,9 +54,9 @@ TEST_F(Levels, AllEightLevelsAreConsidered) {
 TEST_F(Levels, ZoomScalesTheNeededSizeInTheTargetDisplayOnly) {
   IplImage* natural = instance.Hold(800, 800);
   IplImage* half = instance.Hold(400, 400, 1);
-  instance.zoom = 2.0;
+  instance.settings.view.zoom = 2.0;
   EXPECT_EQ(SelectCachedLevel(instance, Output(250, 250)), natural);
-  instance.display = 0;
+  instance.settings.display = 0;
   EXPECT_EQ(SelectCachedLevel(instance, Output(250, 250)), half);
 }
 

@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 
+#include "state/module.h"
 #include "tests/image/load_fixture.h"
 
 namespace kelto {
@@ -23,18 +24,18 @@ class LoadFailure : public test::LoadingTest {
  protected:
   LoadFailure() {
     PutPicture("/pics/a.jpg", FakePicture::Flat(kWidth, kHeight, 1, 2, 3));
-    instance.imageWidth = 11;
-    instance.imageHeight = 12;
+    instance.picture.imageWidth = 11;
+    instance.picture.imageHeight = 12;
   }
 
   void ExpectFailure() {
     EXPECT_FALSE(LoadImage(instance, false));
     EXPECT_TRUE(instance.empty());
-    EXPECT_EQ(instance.imageWidth, 11u);
-    EXPECT_EQ(instance.imageHeight, 12u);
+    EXPECT_EQ(instance.picture.imageWidth, 11u);
+    EXPECT_EQ(instance.picture.imageHeight, 12u);
     EXPECT_EQ(iplGetErrStatus(), IPL_StsOk);
     EXPECT_EQ(iplxAllocatedBytes(), 0u);
-    EXPECT_EQ(cachedBytes, 0u);
+    EXPECT_EQ(Module().cachedBytes, 0u);
     EXPECT_EQ(disk.openImporters, 0);
     EXPECT_EQ(disk.openWorlds, 0);
   }
@@ -121,7 +122,7 @@ TEST_F(LoadFailure, MemoryIsTakenBackFromOtherInstancesFirst) {
   EXPECT_TRUE(LoadImage(instance, false));
   EXPECT_TRUE(other.empty());
   EXPECT_TRUE(console.empty());
-  EXPECT_EQ(cachedBytes, kCached);
+  EXPECT_EQ(Module().cachedBytes, kCached);
 }
 
 TEST_F(LoadFailure, AFailedLoadDoesNotMakeTheNextOneFail) {

@@ -8,6 +8,7 @@
 
 #include "image/load.h"
 #include "image/paths.h"
+#include "state/module.h"
 #include "tests/image/fake_importer.h"
 #include "tests/image/fake_network.h"
 #include "tests/image/instance.h"
@@ -16,9 +17,9 @@ namespace kelto::test {
 
 class LoadingTest : public ImageTest {
  protected:
-  LoadingTest() { knownFolders.clear(); }
+  LoadingTest() { Module().knownFolders.clear(); }
   ~LoadingTest() override {
-    knownFolders.clear();
+    Module().knownFolders.clear();
     EXPECT_EQ(disk.openImporters, 0);
     EXPECT_EQ(disk.openWorlds, 0);
     ReleaseWorkImages(instance);
@@ -27,11 +28,11 @@ class LoadingTest : public ImageTest {
   /// Puts a flat picture at `path` and makes it the instance's.
   void PutPicture(const std::string& path, FakePicture picture) {
     disk.files[path] = std::move(picture);
-    instance.imagePath = path;
+    instance.picture.imagePath = path;
   }
   /// Bytes Y, Cr, Cb of a pixel of working image 0.
   std::array<uint8_t, 3> PixelAt(int32_t x, int32_t y) const {
-    const IplImage& image = *instance.workImages[0];
+    const IplImage& image = *instance.picture.workImages[0];
     const char* pixel = image.imageData + ptrdiff_t{y} * image.widthStep + ptrdiff_t{4} * x;
     return {static_cast<uint8_t>(pixel[0]), static_cast<uint8_t>(pixel[1]),
             static_cast<uint8_t>(pixel[2])};

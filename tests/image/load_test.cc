@@ -6,6 +6,7 @@
 
 #include <cstring>
 
+#include "state/module.h"
 #include "tests/image/load_fixture.h"
 
 namespace kelto {
@@ -18,9 +19,9 @@ class Load : public test::LoadingTest {};
 
 TEST_F(Load, WorkingImageZeroHoldsThePictureAtItsNaturalSize) {
   PutPicture("/pics/a.jpg", FakePicture::Flat(7, 5, 200, 100, 50));
-  instance.levels = 1;
+  instance.settings.levels = 1;
   ASSERT_TRUE(LoadImage(instance, false));
-  const IplImage* image = instance.workImages[0];
+  const IplImage* image = instance.picture.workImages[0].get();
   ASSERT_NE(image, nullptr);
   EXPECT_EQ(image->width, 7);
   EXPECT_EQ(image->height, 5);
@@ -29,14 +30,14 @@ TEST_F(Load, WorkingImageZeroHoldsThePictureAtItsNaturalSize) {
   EXPECT_EQ(std::memcmp(image->colorModel, "MSI", 4), 0);
   EXPECT_EQ(std::memcmp(image->channelSeq, "MSI", 4), 0);
   EXPECT_EQ(image->align, 8);
-  EXPECT_EQ(image->imageId, static_cast<BufferPool*>(&cachePool));
-  EXPECT_EQ(instance.imageWidth, 7u);
-  EXPECT_EQ(instance.imageHeight, 5u);
+  EXPECT_EQ(image->imageId, static_cast<BufferPool*>(&Module().cachePool));
+  EXPECT_EQ(instance.picture.imageWidth, 7u);
+  EXPECT_EQ(instance.picture.imageHeight, 5u);
   // Y, Cr, Cb of (200, 100, 50) by the BT.601 weights.
   for (const auto& [x, y] : {std::pair{0, 0}, {6, 0}, {3, 2}, {6, 4}}) {
     EXPECT_THAT(PixelAt(x, y), ElementsAre(124, 182, 86));
   }
-  EXPECT_EQ(cachedBytes, 32u * 5) << "nothing but the cached image is left";
+  EXPECT_EQ(Module().cachedBytes, 32u * 5) << "nothing but the cached image is left";
   EXPECT_EQ(iplxAllocatedBytes(), 32u * 5);
 }
 
@@ -46,7 +47,7 @@ TEST_F(Load, PixelsKeepTheirPlaces) {
     std::memset(&picture.bgra[4 * i], static_cast<int>(10 * i), 3);
   }
   PutPicture("/pics/a.jpg", picture);
-  instance.levels = 1;
+  instance.settings.levels = 1;
   ASSERT_TRUE(LoadImage(instance, false));
   for (int y = 0; y < 4; ++y) {
     for (int x = 0; x < 6; ++x) EXPECT_EQ(PixelAt(x, y)[0], 10 * (6 * y + x)) << x << ", " << y;
@@ -55,7 +56,7 @@ TEST_F(Load, PixelsKeepTheirPlaces) {
 
 TEST_F(Load, RgbLevelsAreCompressedToStudioRangeBeforeTheConversion) {
   PutPicture("/pics/white.png", FakePicture::Flat(4, 4, 255, 255, 255));
-  instance.levels = 0;
+  instance.settings.levels = 0;
   ASSERT_TRUE(LoadImage(instance, false));
   EXPECT_THAT(PixelAt(3, 3), ElementsAre(235, 128, 128));
   PutPicture("/pics/black.png", FakePicture::Flat(4, 4, 0, 0, 0));
@@ -69,7 +70,7 @@ TEST_F(Load, RgbLevelsAreCompressedToStudioRangeBeforeTheConversion) {
 
 TEST_F(Load, SixOhOneLevelsGoThroughUnchanged) {
   PutPicture("/pics/white.png", FakePicture::Flat(4, 4, 255, 255, 255));
-  instance.levels = 1;
+  instance.settings.levels = 1;
   ASSERT_TRUE(LoadImage(instance, false));
   EXPECT_THAT(PixelAt(0, 0), ElementsAre(255, 128, 128));
   PutPicture("/pics/black.png", FakePicture::Flat(4, 4, 0, 0, 0));
@@ -80,16 +81,16 @@ TEST_F(Load, SixOhOneLevelsGoThroughUnchanged) {
 TEST_F(Load, BoundsThatDoNotStartAtTheOriginStillGiveTheSize) {
   PutPicture("/pics/a.jpg", FakePicture::Flat(9, 4, 10, 10, 10, -20, 300));
   ASSERT_TRUE(LoadImage(instance, false));
-  EXPECT_EQ(instance.imageWidth, 9u);
-  EXPECT_EQ(instance.imageHeight, 4u);
-  EXPECT_EQ(instance.workImages[0]->width, 9);
-  EXPECT_EQ(instance.workImages[0]->height, 4);
+  EXPECT_EQ(instance.picture.imageWidth, 9u);
+  EXPECT_EQ(instance.picture.imageHeight, 4u);
+  EXPECT_EQ(instance.picture.workImages[0]->width, 9);
+  EXPECT_EQ(instance.picture.workImages[0]->height, 4);
 }
 
 TEST_F(Load, APathThatOpensAtOnceIsRememberedAsAKnownFolder) {
   PutPicture("/pics/mine/a.jpg", FakePicture::Flat(2, 2, 1, 1, 1));
   ASSERT_TRUE(LoadImage(instance, true));
-  EXPECT_EQ(knownFolders.size(), 1u);
+  EXPECT_EQ(Module().knownFolders.size(), 1u);
   EXPECT_EQ(network.dialogs, 0);
   EXPECT_EQ(SavedPath(), "nothing saved") << "the path is what it was";
 }
@@ -97,18 +98,18 @@ TEST_F(Load, APathThatOpensAtOnceIsRememberedAsAKnownFolder) {
 TEST_F(Load, TheNetworkFormOfThePathIsOpenedAndSaved) {
   network.universalNames["Z:\\a.jpg"] = "\\\\server\\pics\\a.jpg";
   disk.files["\\\\server\\pics\\a.jpg"] = FakePicture::Flat(2, 2, 1, 1, 1);
-  instance.imagePath = "Z:\\a.jpg";
+  instance.picture.imagePath = "Z:\\a.jpg";
   ASSERT_TRUE(LoadImage(instance, false));
-  EXPECT_EQ(instance.imagePath, "\\\\server\\pics\\a.jpg");
+  EXPECT_EQ(instance.picture.imagePath, "\\\\server\\pics\\a.jpg");
   EXPECT_EQ(SavedPath(), "\\\\server\\pics\\a.jpg");
   EXPECT_TRUE(hfx::InstanceDataModified(instance));
 }
 
 TEST_F(Load, TheNetworkFormStaysSavedWhenTheLoadThenFails) {
   network.universalNames["Z:\\a.jpg"] = "\\\\server\\pics\\a.jpg";
-  instance.imagePath = "Z:\\a.jpg";
+  instance.picture.imagePath = "Z:\\a.jpg";
   EXPECT_FALSE(LoadImage(instance, false));
-  EXPECT_EQ(instance.imagePath, "\\\\server\\pics\\a.jpg");
+  EXPECT_EQ(instance.picture.imagePath, "\\\\server\\pics\\a.jpg");
   EXPECT_EQ(SavedPath(), "\\\\server\\pics\\a.jpg");
 }
 
@@ -133,12 +134,12 @@ TEST_F(Load, AnImageThatIsStillLoadedIsReplaced) {
   instance.Hold(50, 50);
   PutPicture("/pics/a.jpg", FakePicture::Flat(4, 4, 1, 2, 3));
   ASSERT_TRUE(LoadImage(instance, false));
-  EXPECT_EQ(instance.workImages[0]->width, 4);
-  EXPECT_EQ(cachedBytes, 64u);
+  EXPECT_EQ(instance.picture.workImages[0]->width, 4);
+  EXPECT_EQ(Module().cachedBytes, 64u);
 }
 
 TEST_F(Load, SavedPathsAreCutToTheRecord) {
-  instance.imagePath = std::string(3000, 'p');
+  instance.picture.imagePath = std::string(3000, 'p');
   SaveImagePath(instance);
   EXPECT_EQ(SavedPath(), std::string(2047, 'p'));
 }

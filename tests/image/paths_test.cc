@@ -22,8 +22,8 @@ BOOL KELTO_WINAPI AnswerTwo(OPENFILENAMEA*) { return 2; }
 /// Files that must be there lie below a folder of the test's own and have no drive.
 class Paths : public testing::Test {
  protected:
-  Paths() { knownFolders.clear(); }
-  ~Paths() override { knownFolders.clear(); }
+  Paths() { Module().knownFolders.clear(); }
+  ~Paths() override { Module().knownFolders.clear(); }
 
   void SetBuffer(const std::string& text) {
     std::memset(buffer, 0, sizeof(buffer));
@@ -108,13 +108,13 @@ TEST_F(Paths, FoldersAreKeptOnceEachInOrderOfBytes) {
        {"D:\\b\\1.jpg", "D:/a/2.jpg", "D:\\B\\3.jpg", "D:/b/4.jpg", "\xC3\xA4/5"}) {
     RememberImageFolder(path);
   }
-  EXPECT_THAT(knownFolders,
+  EXPECT_THAT(Module().knownFolders,
               ElementsAre(Native("D:\\B"), Native("D:\\a"), Native("D:\\b"), "\xC3\xA4"));
 }
 
 TEST_F(Paths, BothSeparatorsCountInOnePath) {
   RememberImageFolder("C:\\one/two\\three.jpg");
-  EXPECT_THAT(knownFolders, ElementsAre(Native("C:\\one\\two")));
+  EXPECT_THAT(Module().knownFolders, ElementsAre(Native("C:\\one\\two")));
 }
 
 TEST_F(Paths, ChoosingOpensADialogThatOffersTheBuffersText) {
@@ -142,7 +142,7 @@ TEST_F(Paths, ACancelledChoiceIsFalseAndRemembersNothing) {
   SetBuffer("C:\\A\\x.jpg");
   EXPECT_FALSE(ChooseImageFile(buffer, sizeof(buffer), "Title"));
   EXPECT_EQ(user.title, "Title");
-  EXPECT_TRUE(knownFolders.empty());
+  EXPECT_TRUE(Module().knownFolders.empty());
 }
 
 TEST_F(Paths, OnlyAnAnswerOfOneCountsAsAPick) {
@@ -166,14 +166,14 @@ TEST_F(Paths, LocatingAsksForTheBareNameAndRemembersTheFolderOfThePick) {
   EXPECT_EQ(user.title, "Please locate the image: x.jpg");
   EXPECT_EQ(user.offered, "x.jpg");
   EXPECT_STREQ(buffer, "C:\\found\\y.jpg");
-  EXPECT_THAT(knownFolders, ElementsAre(Native("C:\\found")));
+  EXPECT_THAT(Module().knownFolders, ElementsAre(Native("C:\\found")));
 }
 
 TEST_F(Paths, ACancelledLocateLeavesTheBareNameAndRemembersNothing) {
   SetBuffer("E:\\gone\\x.jpg");
   EXPECT_FALSE(LocateImageFile(buffer, sizeof(buffer)));
   EXPECT_STREQ(buffer, "x.jpg");
-  EXPECT_TRUE(knownFolders.empty());
+  EXPECT_TRUE(Module().knownFolders.empty());
 }
 
 }  // namespace

@@ -1,9 +1,10 @@
-#include "image/pool.h"
+#include "state/pool.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
+#include "state/module.h"
 #include "tests/image/instance.h"
 
 namespace kelto {
@@ -23,11 +24,11 @@ class RecordingPool : public BufferPool {
 TEST_F(Pool, ReleaseOfTheCachePoolSubtractsTheImageSizeAndFreesNothing) {
   Instance instance;
   IplImage* image = instance.Hold(10, 10);
-  EXPECT_EQ(cachedBytes, 400u);
-  cachePool.Release(image);
-  EXPECT_EQ(cachedBytes, 0u);
+  EXPECT_EQ(Module().cachedBytes, 400u);
+  Module().cachePool.Release(image);
+  EXPECT_EQ(Module().cachedBytes, 0u);
   EXPECT_EQ(iplxAllocatedBytes(), 400u);
-  cachedBytes += image->imageSize;
+  Module().cachedBytes += image->imageSize;
 }
 
 TEST_F(Pool, ReleaseImageTellsTheOwningPoolAndFreesAll) {
@@ -45,17 +46,17 @@ TEST_F(Pool, AnImageWithoutAPoolIsOnlyFreed) {
   iplAllocateImage(image, 0, 0);
   ReleaseImage(image);
   EXPECT_EQ(iplxAllocatedBytes(), 0u);
-  EXPECT_EQ(cachedBytes, 0u);
+  EXPECT_EQ(Module().cachedBytes, 0u);
 }
 
 TEST_F(Pool, AHeaderThatNeverGotPixelsLeavesTheAccountAlone) {
   ReleaseImage(NewCachedImageHeader(10, 10));
-  EXPECT_EQ(cachedBytes, 0u);
+  EXPECT_EQ(Module().cachedBytes, 0u);
 }
 
 TEST_F(Pool, ReleasingNothingIsAllowed) {
   ReleaseImage(nullptr);
-  EXPECT_EQ(cachedBytes, 0u);
+  EXPECT_EQ(Module().cachedBytes, 0u);
 }
 
 TEST_F(Pool, WorkingImagesAreReleasedFromLevelZeroToSeven) {
@@ -65,9 +66,10 @@ TEST_F(Pool, WorkingImagesAreReleasedFromLevelZeroToSeven) {
   for (const int level : {7, 0, 3, 5, 1}) {
     IplImage* image = NewCachedImageHeader(4, 4);
     image->imageId = static_cast<BufferPool*>(&pool);
-    instance.workImages[level] = image;
+    instance.picture.workImages[level].reset(image);
   }
-  for (const int level : {0, 1, 3, 5, 7}) expected.push_back(instance.workImages[level]);
+  for (const int level : {0, 1, 3, 5, 7})
+    expected.push_back(instance.picture.workImages[level].get());
   ReleaseWorkImages(instance);
   EXPECT_EQ(pool.released, expected);
   EXPECT_TRUE(instance.empty());

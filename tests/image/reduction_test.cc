@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "resample/job.h"
+#include "state/module.h"
 #include "tests/image/instance.h"
 #include "tests/support/vectors.h"
 
@@ -20,14 +21,14 @@ using testing::ElementsAre;
 class Reduction : public test::ImageTest {
  protected:
   Reduction() {
-    instance.playMode = hfxPlayModePreview;
+    instance.render.playMode = hfxPlayModePreview;
     SetOutput(720, 486);
   }
 
   void SetOutput(int32_t width, int32_t height) {
     output = Output(width, height);
-    instance.outputWidth = width;
-    instance.outputHeight = height;
+    instance.render.outputWidth = width;
+    instance.render.outputHeight = height;
     hfx::SetOutput(instance, 0, &output);
   }
 
@@ -37,7 +38,7 @@ class Reduction : public test::ImageTest {
     IplImage* image = instance.Hold(width, height);
     std::memset(image->imageData, 128, image->imageSize);
     ReduceToVideoResolution(instance);
-    return {instance.workImages[0]->width, instance.workImages[0]->height};
+    return {instance.picture.workImages[0]->width, instance.picture.workImages[0]->height};
   }
 
   using Size = std::pair<int32_t, int32_t>;
@@ -48,17 +49,17 @@ class Reduction : public test::ImageTest {
 
 TEST_F(Reduction, AnImageAsWideAsTheOutputMinusOneIsReduced) {
   EXPECT_EQ(SizeAfter(719, 100), Size(720, 100));
-  EXPECT_EQ(instance.cacheState, 0);
+  EXPECT_EQ(instance.picture.cacheState, 0);
 }
 
 TEST_F(Reduction, AnImageAsHighAsTheOutputMinusOneIsReduced) {
   EXPECT_EQ(SizeAfter(100, 485), Size(100, 486));
-  EXPECT_EQ(instance.cacheState, 0);
+  EXPECT_EQ(instance.picture.cacheState, 0);
 }
 
 TEST_F(Reduction, AnImageBelowTheOutputMinusOneBothWaysKeepsItsNaturalSize) {
   EXPECT_EQ(SizeAfter(718, 484), Size(718, 484));
-  EXPECT_EQ(instance.cacheState, 1);
+  EXPECT_EQ(instance.picture.cacheState, 1);
 }
 
 TEST_F(Reduction, ALandscapeImageIsMatchedOnWidthAndMayStayTallerThanTheOutput) {
@@ -98,7 +99,7 @@ TEST_F(Reduction, PixelsAgreeWithTheReferenceResults) {
     std::memcpy(image->imageData, pixels.data(), pixels.size());
     ReduceToVideoResolution(instance);
 
-    const IplImage& reduced = *instance.workImages[0];
+    const IplImage& reduced = *instance.picture.workImages[0];
     ASSERT_EQ(reduced.height, c["new_height"]);
     const auto expected = test::Bytes(c["out"]);
     const int32_t rowBytes = 4 * reduced.width;
@@ -111,55 +112,55 @@ TEST_F(Reduction, PixelsAgreeWithTheReferenceResults) {
 }
 
 TEST_F(Reduction, AFinalRenderCachesTheNaturalSizeOfEvenAHugeImage) {
-  instance.playMode = hfxPlayModeRender;
+  instance.render.playMode = hfxPlayModeRender;
   EXPECT_EQ(SizeAfter(4000, 3000), Size(4000, 3000));
-  EXPECT_EQ(instance.cacheState, 1);
+  EXPECT_EQ(instance.picture.cacheState, 1);
 }
 
 TEST_F(Reduction, BeforeTheHostReportsAnOutputSizeTheNaturalSizeIsCached) {
-  instance.outputHeight = 0;
+  instance.render.outputHeight = 0;
   EXPECT_EQ(SizeAfter(4000, 3000), Size(4000, 3000));
-  EXPECT_EQ(instance.cacheState, 1);
-  instance.outputHeight = 486;
-  instance.outputWidth = 0;
+  EXPECT_EQ(instance.picture.cacheState, 1);
+  instance.render.outputHeight = 486;
+  instance.render.outputWidth = 0;
   EXPECT_EQ(SizeAfter(4000, 3000), Size(4000, 3000));
 }
 
 TEST_F(Reduction, AnOutputOfOnePixelIsNeverWiderThanAnImage) {
   SetOutput(1, 1);
   EXPECT_EQ(SizeAfter(1, 1), Size(1, 1));
-  EXPECT_EQ(instance.cacheState, 0);
+  EXPECT_EQ(instance.picture.cacheState, 0);
 }
 
 TEST_F(Reduction, NothingLoadedChangesNothing) {
   ReduceToVideoResolution(instance);
-  EXPECT_EQ(instance.cacheState, -1);
+  EXPECT_EQ(instance.picture.cacheState, -1);
   EXPECT_TRUE(instance.empty());
 }
 
 TEST_F(Reduction, WithoutAnOutputImageNothingChanges) {
   hfx::SetOutput(instance, 0, nullptr);
   EXPECT_EQ(SizeAfter(1000, 900), Size(1000, 900));
-  EXPECT_EQ(instance.cacheState, -1);
+  EXPECT_EQ(instance.picture.cacheState, -1);
 }
 
 TEST_F(Reduction, TheReducedCopyTakesTheNaturalImagesPlaceInTheAccount) {
   SizeAfter(1440, 972);
-  const IplImage& reduced = *instance.workImages[0];
-  EXPECT_EQ(cachedBytes, 720u * 486 * 4);
+  const IplImage& reduced = *instance.picture.workImages[0];
+  EXPECT_EQ(Module().cachedBytes, 720u * 486 * 4);
   EXPECT_EQ(iplxAllocatedBytes(), 720u * 486 * 4);
-  EXPECT_EQ(reduced.imageId, static_cast<BufferPool*>(&cachePool));
+  EXPECT_EQ(reduced.imageId, static_cast<BufferPool*>(&Module().cachePool));
   EXPECT_EQ(reduced.nChannels, 4);
   EXPECT_EQ(reduced.align, 8);
-  EXPECT_EQ(instance.imageWidth, 1440u) << "the natural size is remembered";
+  EXPECT_EQ(instance.picture.imageWidth, 1440u) << "the natural size is remembered";
 }
 
 TEST_F(Reduction, WhenMemoryRunsOutTheNaturalSizeStays) {
-  instance.cacheState = 1;
+  instance.picture.cacheState = 1;
   iplxSetMemoryLimit(1440 * 972 * 4 + 1000);
   EXPECT_EQ(SizeAfter(1440, 972), Size(1440, 972));
-  EXPECT_EQ(instance.cacheState, 1) << "left as it was";
-  EXPECT_EQ(cachedBytes, 1440u * 972 * 4);
+  EXPECT_EQ(instance.picture.cacheState, 1) << "left as it was";
+  EXPECT_EQ(Module().cachedBytes, 1440u * 972 * 4);
   EXPECT_EQ(iplGetErrStatus(), IPL_StsOk);
   EXPECT_THAT(console, ElementsAre(ReclaimMessage(instance)));
 }
@@ -168,7 +169,7 @@ TEST_F(Reduction, ASizeThatNoImageCanHaveLeavesTheNaturalOne) {
   // The host's image and its reported size need not agree; 2^31 bytes are too many.
   output = Output(1 << 29, 486);
   EXPECT_EQ(SizeAfter(1000, 900), Size(1000, 900));
-  EXPECT_EQ(instance.cacheState, -1);
+  EXPECT_EQ(instance.picture.cacheState, -1);
   EXPECT_EQ(iplGetErrStatus(), IPL_StsOk);
   EXPECT_TRUE(console.empty());
 }

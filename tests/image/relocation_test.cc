@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "state/module.h"
 #include "tests/image/load_fixture.h"
 #include "tests/image/temporary_folder.h"
 
@@ -18,7 +19,7 @@ class Relocation : public test::LoadingTest {
   Relocation() {
     folder.Touch("known/a.jpg");
     disk.files[kFound] = FakePicture::Flat(4, 4, 1, 2, 3);
-    instance.imagePath = "/gone/for/ever/and/far/away/a.jpg";
+    instance.picture.imagePath = "/gone/for/ever/and/far/away/a.jpg";
   }
 
 #if defined(_WIN32)
@@ -32,7 +33,7 @@ class Relocation : public test::LoadingTest {
 TEST_F(Relocation, AMissingFileIsFoundInAKnownFolderWithoutAsking) {
   RememberImageFolder("known/other.jpg");
   EXPECT_TRUE(LoadImage(instance, false));
-  EXPECT_EQ(instance.imagePath, kFound);
+  EXPECT_EQ(instance.picture.imagePath, kFound);
   EXPECT_EQ(SavedPath(), kFound);
   EXPECT_TRUE(hfx::InstanceDataModified(instance));
   EXPECT_EQ(network.dialogs, 0);
@@ -41,21 +42,21 @@ TEST_F(Relocation, AMissingFileIsFoundInAKnownFolderWithoutAsking) {
 TEST_F(Relocation, ARelocatedPathIsNotRememberedByTheLoad) {
   folder.Touch("known/deeper/b.jpg");
   // Spelled so that remembering the found file's folder would add a second spelling.
-  knownFolders = {"known/deeper/"};
+  Module().knownFolders = {"known/deeper/"};
   const std::string found = kFound.substr(0, 6) + "deeper" + kFound[5] + "b.jpg";
   disk.files[found] = FakePicture::Flat(4, 4, 1, 2, 3);
-  instance.imagePath = "/gone/b.jpg";
-  const std::set<std::string> before = knownFolders;
+  instance.picture.imagePath = "/gone/b.jpg";
+  const std::set<std::string> before = Module().knownFolders;
   EXPECT_TRUE(LoadImage(instance, false));
-  EXPECT_EQ(instance.imagePath, found);
-  EXPECT_EQ(knownFolders, before);
+  EXPECT_EQ(instance.picture.imagePath, found);
+  EXPECT_EQ(Module().knownFolders, before);
 }
 
 TEST_F(Relocation, NotInteractiveNeverOpensADialog) {
   network.pick = kFound;
   EXPECT_FALSE(LoadImage(instance, false));
   EXPECT_EQ(network.dialogs, 0);
-  EXPECT_EQ(instance.imagePath, "/gone/for/ever/and/far/away/a.jpg");
+  EXPECT_EQ(instance.picture.imagePath, "/gone/for/ever/and/far/away/a.jpg");
   EXPECT_EQ(SavedPath(), "nothing saved");
 }
 
@@ -64,15 +65,15 @@ TEST_F(Relocation, InteractiveAsksAndRemembersTheFolderOfThePick) {
   EXPECT_TRUE(LoadImage(instance, true));
   EXPECT_EQ(network.dialogs, 1);
   EXPECT_EQ(network.title, "Please locate the image: a.jpg");
-  EXPECT_EQ(instance.imagePath, kFound);
+  EXPECT_EQ(instance.picture.imagePath, kFound);
   EXPECT_EQ(SavedPath(), kFound);
-  EXPECT_THAT(knownFolders, ElementsAre("known"));
+  EXPECT_THAT(Module().knownFolders, ElementsAre("known"));
 }
 
 TEST_F(Relocation, ACancelledDialogFailsAndLeavesThePath) {
   EXPECT_FALSE(LoadImage(instance, true));
   EXPECT_EQ(network.dialogs, 1);
-  EXPECT_EQ(instance.imagePath, "/gone/for/ever/and/far/away/a.jpg");
+  EXPECT_EQ(instance.picture.imagePath, "/gone/for/ever/and/far/away/a.jpg");
   EXPECT_EQ(SavedPath(), "nothing saved");
 }
 
@@ -85,7 +86,7 @@ TEST_F(Relocation, APickThatCannotBeOpenedEitherFailsAndIsNotSaved) {
 
 TEST_F(Relocation, AnEmptyPathFailsWithoutAsking) {
   network.pick = kFound;
-  instance.imagePath.clear();
+  instance.picture.imagePath.clear();
   EXPECT_FALSE(LoadImage(instance, true));
   EXPECT_EQ(network.dialogs, 0);
   EXPECT_TRUE(disk.triedToOpen.empty());
@@ -94,10 +95,10 @@ TEST_F(Relocation, AnEmptyPathFailsWithoutAsking) {
 TEST_F(Relocation, APathOfMoreThan255CharactersCannotBeOpened) {
   const std::string path = "/" + std::string(255, 'p');
   disk.files[path] = FakePicture::Flat(4, 4, 1, 2, 3);
-  instance.imagePath = path;
+  instance.picture.imagePath = path;
   EXPECT_FALSE(LoadImage(instance, false));
   EXPECT_TRUE(disk.triedToOpen.empty());
-  EXPECT_EQ(instance.imagePath, path) << "kept, although it cannot be opened";
+  EXPECT_EQ(instance.picture.imagePath, path) << "kept, although it cannot be opened";
 
   PutPicture(path.substr(0, 255), FakePicture::Flat(4, 4, 1, 2, 3));
   EXPECT_TRUE(LoadImage(instance, false));

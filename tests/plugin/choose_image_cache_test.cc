@@ -43,14 +43,14 @@ class Pick : public testing::Test {
   Pick() {
     win32().GetOpenFileNameA = AnswerScripted;
     win32().MessageBoxA = CountMessage;
-    knownFolders.clear();
+    Module().knownFolders.clear();
     test::WritePhoto(folder / "good.bmp", 64, 32, [](int32_t, int32_t) {
       return test::Rgb{200, 10, 10};
     });
     std::ofstream(folder / "bad.bmp") << "no picture at all";
   }
   ~Pick() override {
-    knownFolders.clear();
+    Module().knownFolders.clear();
     Module().hostState = nullptr;
   }
   /// Runs ChooseImage with these answers to its dialogs.
@@ -66,7 +66,7 @@ class Pick : public testing::Test {
     IplImage* image = NewCachedImageHeader(1024, 256 * mebibytes);
     AllocateImageData(other, image);
     ASSERT_EQ(iplGetErrStatus(), IPL_StsOk);
-    other.workImages[0] = image;
+    other.picture.workImages[0].reset(image);
   }
 
   test::FakeNetwork network;
@@ -78,54 +78,55 @@ TEST_F(Pick, TakesTheInstanceOutOfTheRenderThatWouldReleaseItsImages) {
   Module().hostState = [] { return int32_t{1}; };
   instance.BeginRender();
   EXPECT_TRUE(Choose({folder / "good.bmp"}));
-  EXPECT_EQ(instance.hostState, -1);
+  EXPECT_EQ(instance.render.hostState, -1);
   instance.EndRender();
-  EXPECT_NE(instance.workImages[0], nullptr);
+  EXPECT_NE(instance.picture.workImages[0], nullptr);
   instance.BeginRender();
   EXPECT_FALSE(Choose({})) << "cancelled";
-  EXPECT_EQ(instance.hostState, -1);
+  EXPECT_EQ(instance.render.hostState, -1);
 }
 
 TEST_F(Pick, ThatCannotBeLoadedLeavesNoneOfTheImagesBefore) {
   Choose({folder / "good.bmp"});
-  ASSERT_NE(instance.workImages[0], nullptr);
+  ASSERT_NE(instance.picture.workImages[0], nullptr);
   EXPECT_TRUE(Choose({folder / "bad.bmp"}));
   EXPECT_EQ(shownMessages, 1);
-  for (const IplImage* image : instance.workImages) EXPECT_EQ(image, nullptr);
-  EXPECT_EQ(cachedBytes, 0u);
+  for (const ImagePtr& image : instance.picture.workImages) EXPECT_EQ(image, nullptr);
+  EXPECT_EQ(Module().cachedBytes, 0u);
 }
 
 TEST_F(Pick, ReplacesAllEightImages) {
-  for (IplImage*& image : instance.workImages) {
-    image = NewCachedImageHeader(8, 8);
-    AllocateImageData(instance, image);
+  for (ImagePtr& image : instance.picture.workImages) {
+    image.reset(NewCachedImageHeader(8, 8));
+    AllocateImageData(instance, image.get());
   }
   Choose({folder / "good.bmp"});
-  EXPECT_NE(instance.workImages[0], nullptr);
-  for (int level = 1; level < kCacheLevels; ++level) EXPECT_EQ(instance.workImages[level], nullptr);
-  EXPECT_EQ(cachedBytes, 64u * 32 * 4);
+  EXPECT_NE(instance.picture.workImages[0], nullptr);
+  for (int level = 1; level < kCacheLevels; ++level)
+    EXPECT_EQ(instance.picture.workImages[level], nullptr);
+  EXPECT_EQ(Module().cachedBytes, 64u * 32 * 4);
 }
 
 TEST_F(Pick, IsReducedToTheOutputWhilePlaying) {
   Picture output(16, 8, hfxColorspaceYCbCr);
   hfx::SetOutput(instance, 0, output.image());
-  instance.outputWidth = 16;
-  instance.outputHeight = 8;
-  instance.playMode = hfxPlayModePreview;
+  instance.render.outputWidth = 16;
+  instance.render.outputHeight = 8;
+  instance.render.playMode = hfxPlayModePreview;
   Choose({folder / "good.bmp"});
-  ASSERT_NE(instance.workImages[0], nullptr);
-  EXPECT_EQ(instance.workImages[0]->width, 16);
-  EXPECT_EQ(instance.workImages[0]->height, 8);
-  EXPECT_EQ(instance.imageWidth, 64u);
-  EXPECT_EQ(instance.cacheState, 0);
+  ASSERT_NE(instance.picture.workImages[0], nullptr);
+  EXPECT_EQ(instance.picture.workImages[0]->width, 16);
+  EXPECT_EQ(instance.picture.workImages[0]->height, 8);
+  EXPECT_EQ(instance.picture.imageWidth, 64u);
+  EXPECT_EQ(instance.picture.cacheState, 0);
 }
 
 TEST_F(Pick, KeepsItsNaturalSizeInFinalRenders) {
-  instance.playMode = hfxPlayModeRender;
+  instance.render.playMode = hfxPlayModeRender;
   Choose({folder / "good.bmp"});
-  ASSERT_NE(instance.workImages[0], nullptr);
-  EXPECT_EQ(instance.workImages[0]->width, 64);
-  EXPECT_EQ(instance.cacheState, 1);
+  ASSERT_NE(instance.picture.workImages[0], nullptr);
+  EXPECT_EQ(instance.picture.workImages[0]->width, 64);
+  EXPECT_EQ(instance.picture.cacheState, 1);
 }
 
 TEST_F(Pick, KeepsTheBudgetWhetherOrNotItLoads) {
@@ -134,8 +135,8 @@ TEST_F(Pick, KeepsTheBudgetWhetherOrNotItLoads) {
     HoldMebibytes(first, 10);
     HoldMebibytes(second, 115);
     Choose({folder / name});
-    EXPECT_EQ(first.workImages[0], nullptr) << name;
-    EXPECT_NE(second.workImages[0], nullptr) << name << ": within the budget by then";
+    EXPECT_EQ(first.picture.workImages[0], nullptr) << name;
+    EXPECT_NE(second.picture.workImages[0], nullptr) << name << ": within the budget by then";
   }
 }
 
@@ -143,8 +144,8 @@ TEST_F(Pick, ThatIsGoneByThenIsAskedForAgainUnderItsName) {
   EXPECT_TRUE(Choose({folder / "gone.bmp", folder / "good.bmp"}));
   ASSERT_EQ(shownTitles.size(), 2u);
   EXPECT_EQ(shownTitles[1], "Please locate the image: gone.bmp");
-  ASSERT_NE(instance.workImages[0], nullptr);
-  EXPECT_EQ(instance.imagePath, folder / "good.bmp");
+  ASSERT_NE(instance.picture.workImages[0], nullptr);
+  EXPECT_EQ(instance.picture.imagePath, folder / "good.bmp");
   EXPECT_EQ(SavedPath(), folder / "gone.bmp") << "the pick is saved, not where its file was found";
 }
 
@@ -152,22 +153,22 @@ TEST_F(Pick, IsSavedInItsNetworkForm) {
   // Any name will do for a network's, as long as the file opens.
   network.universalNames[folder / "mapped.bmp"] = folder / "good.bmp";
   EXPECT_TRUE(Choose({folder / "mapped.bmp"}));
-  ASSERT_NE(instance.workImages[0], nullptr);
+  ASSERT_NE(instance.picture.workImages[0], nullptr);
   EXPECT_EQ(SavedPath(), folder / "good.bmp");
-  EXPECT_EQ(instance.imagePath, folder / "good.bmp");
+  EXPECT_EQ(instance.picture.imagePath, folder / "good.bmp");
 }
 
 TEST_F(Pick, ThatFailsLeavesItOpenWhetherLaterRendersTryAgain) {
   for (const bool before : {false, true}) {
-    instance.loadFailed = before;
-    instance.imagePath.clear();
+    instance.picture.loadFailed = before;
+    instance.picture.imagePath.clear();
     Choose({folder / "bad.bmp"});
     EXPECT_EQ(shownMessages, 1);
-    EXPECT_EQ(instance.loadFailed, before);
+    EXPECT_EQ(instance.picture.loadFailed, before);
   }
-  instance.imagePath.clear();
+  instance.picture.imagePath.clear();
   Choose({folder / "good.bmp"});
-  EXPECT_FALSE(instance.loadFailed);
+  EXPECT_FALSE(instance.picture.loadFailed);
 }
 
 TEST_F(Pick, ThatFailsLeavesTheRecordUnmarked) {
@@ -179,11 +180,11 @@ TEST_F(Pick, ThatFailsLeavesTheRecordUnmarked) {
 }
 
 TEST_F(Pick, OnlyABareSlashSlashColonCountsAsNoPath) {
-  instance.imagePath = "//:x.jpg";
+  instance.picture.imagePath = "//:x.jpg";
   EXPECT_FALSE(Choose({}));
   ASSERT_EQ(shownTitles.size(), 1u);
   EXPECT_THAT(shownTitles[0], testing::StartsWith("Please locate the image: "));
-  instance.imagePath = "//:";
+  instance.picture.imagePath = "//:";
   EXPECT_FALSE(Choose({}));
   ASSERT_EQ(shownTitles.size(), 1u);
   EXPECT_EQ(shownTitles[0], "Please choose an image:");

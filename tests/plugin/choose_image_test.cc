@@ -80,15 +80,15 @@ class ChooseImage : public testing::Test {
 
 TEST_F(ChooseImage, APickedImageIsLoadedAndItsPathSavedIn2048Bytes) {
   dialogs.answer = folder / "good.bmp";
-  instance.loadFailed = true;
+  instance.picture.loadFailed = true;
   EXPECT_TRUE(instance.ChooseImage());
   ASSERT_EQ(dialogs.titles.size(), 1u);
   EXPECT_EQ(dialogs.titles[0], "Please choose an image:");
-  EXPECT_NE(instance.workImages[0], nullptr);
-  EXPECT_EQ(instance.imageWidth, 12u);
+  EXPECT_NE(instance.picture.workImages[0], nullptr);
+  EXPECT_EQ(instance.picture.imageWidth, 12u);
   EXPECT_EQ(Record(), RecordOf(folder / "good.bmp"));
   EXPECT_TRUE(hfx::InstanceDataModified(instance));
-  EXPECT_FALSE(instance.loadFailed);
+  EXPECT_FALSE(instance.picture.loadFailed);
   EXPECT_TRUE(dialogs.messages.empty());
 }
 
@@ -96,7 +96,7 @@ TEST_F(ChooseImage, CancellingChangesNothing) {
   instance.SetPath("/old.jpg");
   instance.BeginRender();
   EXPECT_FALSE(instance.ChooseImage());
-  EXPECT_EQ(instance.imagePath, "/old.jpg");
+  EXPECT_EQ(instance.picture.imagePath, "/old.jpg");
   EXPECT_EQ(Record(), RecordOf("/old.jpg"));
 }
 
@@ -109,14 +109,14 @@ TEST_F(ChooseImage, AnEmptySavedPathOpensTheChooseDialog) {
 }
 
 TEST_F(ChooseImage, AStoredPathOfSlashSlashColonCountsAsEmpty) {
-  instance.imagePath = "//:";
+  instance.picture.imagePath = "//:";
   instance.ChooseImage();
   ASSERT_EQ(dialogs.titles.size(), 1u);
   EXPECT_EQ(dialogs.titles[0], "Please choose an image:");
 }
 
 TEST_F(ChooseImage, AKnownPathWithoutAnImageOpensTheLocateDialogOnTheBareName) {
-  instance.imagePath = "/elsewhere/nowhere-else.jpg";
+  instance.picture.imagePath = "/elsewhere/nowhere-else.jpg";
   instance.ChooseImage();
   ASSERT_EQ(dialogs.titles.size(), 1u);
   EXPECT_EQ(dialogs.titles[0], "Please locate the image: nowhere-else.jpg");
@@ -130,7 +130,7 @@ TEST_F(ChooseImage, ALoadedImageOpensTheChooseDialogOnItsPath) {
   EXPECT_FALSE(instance.ChooseImage());
   EXPECT_EQ(dialogs.titles.back(), "Please choose an image:");
   EXPECT_EQ(dialogs.offered.back(), folder / "good.bmp");
-  EXPECT_NE(instance.workImages[0], nullptr) << "cancelling keeps the loaded image";
+  EXPECT_NE(instance.picture.workImages[0], nullptr) << "cancelling keeps the loaded image";
 }
 
 TEST_F(ChooseImage, AnImageThatCannotBeLoadedIsToldInAMessageBox) {
@@ -140,7 +140,7 @@ TEST_F(ChooseImage, AnImageThatCannotBeLoadedIsToldInAMessageBox) {
   ASSERT_EQ(dialogs.messages.size(), 1u);
   EXPECT_EQ(dialogs.messages[0], "Not enough memory to load image.");
   EXPECT_EQ(dialogs.captions[0], "Kelto Pan & Zoom Error");
-  EXPECT_EQ(instance.workImages[0], nullptr);
+  EXPECT_EQ(instance.picture.workImages[0], nullptr);
   EXPECT_EQ(Record(), RecordOf("/old.jpg"));
 }
 

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "image/cache.h"
-#include "image/pool.h"
+#include "state/pool.h"
 #include "tests/support/instance.h"
 
 namespace kelto {
@@ -30,9 +30,9 @@ TEST(Destruction, AnInstanceLeavesTheRegistryBeforeItsImagesGo) {
   WatchingPool pool;
   auto instance = std::make_unique<Instance>();
   pool.watched = instance.get();
-  instance->workImages[0] = NewCachedImageHeader(8, 8);
-  ASSERT_NE(instance->workImages[0], nullptr);
-  instance->workImages[0]->imageId = static_cast<BufferPool*>(&pool);
+  instance->picture.workImages[0].reset(NewCachedImageHeader(8, 8));
+  ASSERT_NE(instance->picture.workImages[0], nullptr);
+  instance->picture.workImages[0]->imageId = static_cast<BufferPool*>(&pool);
   instance.reset();
   EXPECT_EQ(pool.released, 1);
   EXPECT_FALSE(pool.registered) << "nobody can reach it any more";

@@ -20,9 +20,9 @@ class FrameBackground : public testing::Test {
     for (int32_t y = 0; y < kHeight; ++y) std::memset(input.row(y), 0x50 + y, 2 * kWidth);
     hfx::SetInput(instance, 0, input.image());
     hfx::SetOutput(instance, 0, output.image());
-    instance.display = 1;
+    instance.settings.display = 1;
     // A grey: red, green and blue are 153 of 255.
-    for (double& channel : instance.backgroundColor) channel = 0.6;
+    for (double& channel : instance.settings.backgroundColor) channel = 0.6;
   }
   /// Renders and expects every pixel of the frame to be a grey of `luma`.
   void ExpectGreyFrame(int32_t luma) {
@@ -39,16 +39,16 @@ class FrameBackground : public testing::Test {
 };
 
 TEST_F(FrameBackground, OverVideoAMissingImageIsBlackOfTheSourcesLevelsNotTheInput) {
-  instance.compositeOver = 1;
+  instance.settings.compositeOver = 1;
   ExpectGreyFrame(16);
-  instance.levels = 1;
+  instance.settings.levels = 1;
   ExpectGreyFrame(0);
 }
 
 TEST_F(FrameBackground, OverAColourAMissingImageIsThatColour) {
-  instance.compositeOver = 0;
+  instance.settings.compositeOver = 0;
   for (const int32_t levels : {0, 1}) {
-    instance.levels = levels;
+    instance.settings.levels = levels;
     ExpectGreyFrame(153);
   }
 }
@@ -56,19 +56,19 @@ TEST_F(FrameBackground, OverAColourAMissingImageIsThatColour) {
 TEST_F(FrameBackground, AnImageThatCannotBeLoadedIsAMissingOne) {
   const test::TempFolder folder;
   instance.SetPath(folder / "gone.bmp");
-  instance.compositeOver = 1;
+  instance.settings.compositeOver = 1;
   ExpectGreyFrame(16);
-  EXPECT_TRUE(instance.loadFailed);
-  instance.compositeOver = 0;
+  EXPECT_TRUE(instance.picture.loadFailed);
+  instance.settings.compositeOver = 0;
   ExpectGreyFrame(153);
 }
 
 TEST_F(FrameBackground, AnImageWithoutPixelsIsAMissingOne) {
-  instance.workImages[0] = NewCachedImageHeader(64, 32);
-  ASSERT_NE(instance.workImages[0], nullptr);
-  instance.compositeOver = 1;
+  instance.picture.workImages[0].reset(NewCachedImageHeader(64, 32));
+  ASSERT_NE(instance.picture.workImages[0], nullptr);
+  instance.settings.compositeOver = 1;
   ExpectGreyFrame(16);
-  instance.compositeOver = 0;
+  instance.settings.compositeOver = 0;
   ExpectGreyFrame(153);
 }
 
@@ -79,7 +79,7 @@ TEST_F(FrameBackground, OverVideoALoadedImageIsShownWithTheInputAroundIt) {
   });
   instance.host().displayAspect = 2.0;
   instance.SetPath(folder / "p.bmp");
-  instance.compositeOver = 1;
+  instance.settings.compositeOver = 1;
   for (const double t : {0.0, 1.0}) instance.SetKey("size", t, 0.5);
   EXPECT_TRUE(instance.RenderFrame({0, 0, kWidth - 1, kHeight - 1}));
   EXPECT_EQ(std::memcmp(output.row(0), input.row(0), 2 * kWidth), 0);

@@ -30,30 +30,30 @@ TEST_F(FrameReload, CarriesTheCacheModeOutSoThatTheNextEditKeepsTheImage) {
   // As in a project that was saved so: no edit has carried the mode out yet.
   instance.SetKey("cache", 0.0, int32_t{CacheVideoResolution});
   instance.SetActive("cache", 0);
-  instance.cacheMode = CacheVideoResolution;
+  instance.settings.cacheMode = CacheVideoResolution;
   Render();
-  EXPECT_EQ(instance.appliedCacheMode, CacheVideoResolution);
-  const IplImage* loaded = instance.workImages[0];
+  EXPECT_EQ(instance.picture.appliedCacheMode, CacheVideoResolution);
+  const IplImage* loaded = instance.picture.workImages[0].get();
   ASSERT_NE(loaded, nullptr);
   UpdateParams(&instance);
-  EXPECT_EQ(instance.workImages[0], loaded);
+  EXPECT_EQ(instance.picture.workImages[0].get(), loaded);
 }
 
 TEST_F(FrameReload, WithoutOneTheCacheModeStaysAskedFor) {
   Render();
-  instance.cacheMode = CacheVideoResolution;
+  instance.settings.cacheMode = CacheVideoResolution;
   Render();
-  EXPECT_EQ(instance.appliedCacheMode, CacheImageResolution);
+  EXPECT_EQ(instance.picture.appliedCacheMode, CacheImageResolution);
 }
 
 TEST_F(FrameReload, ThatFailsIsTakenDownToo) {
   instance.SetPath(folder / "gone.bmp");
-  instance.cacheMode = CacheVideoResolution;
-  instance.levels = 1;
+  instance.settings.cacheMode = CacheVideoResolution;
+  instance.settings.levels = 1;
   Render();
-  EXPECT_TRUE(instance.loadFailed);
-  EXPECT_EQ(instance.appliedCacheMode, CacheVideoResolution);
-  EXPECT_EQ(instance.appliedLevels, 1);
+  EXPECT_TRUE(instance.picture.loadFailed);
+  EXPECT_EQ(instance.picture.appliedCacheMode, CacheVideoResolution);
+  EXPECT_EQ(instance.picture.appliedLevels, 1);
 }
 
 }  // namespace

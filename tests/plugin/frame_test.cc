@@ -33,11 +33,11 @@ class Frame : public testing::Test {
     });
     hfx::SetInput(instance, 0, input.image());
     hfx::SetOutput(instance, 0, output.image());
-    instance.display = 1;
+    instance.settings.display = 1;
     instance.SetPath(photo);
   }
   bool Render(int32_t playMode = hfxPlayModeRender) {
-    instance.playMode = playMode;
+    instance.render.playMode = playMode;
     return instance.RenderFrame({0, 0, kWidth - 1, kHeight - 1});
   }
 
@@ -49,59 +49,59 @@ class Frame : public testing::Test {
 
 TEST_F(Frame, LoadsTheImageOfTheSavedPathOnce) {
   EXPECT_TRUE(Render());
-  const IplImage* loaded = instance.workImages[0];
+  const IplImage* loaded = instance.picture.workImages[0].get();
   ASSERT_NE(loaded, nullptr);
-  EXPECT_EQ(instance.outputWidth, kWidth);
-  EXPECT_EQ(instance.outputHeight, kHeight);
+  EXPECT_EQ(instance.render.outputWidth, kWidth);
+  EXPECT_EQ(instance.render.outputHeight, kHeight);
   std::filesystem::remove(photo);
   Render();
-  EXPECT_EQ(instance.workImages[0], loaded);
+  EXPECT_EQ(instance.picture.workImages[0].get(), loaded);
 }
 
 TEST_F(Frame, OtherLevelsReloadTheImage) {
   Render();
   const uint8_t dark = output.row(9)[0];
-  instance.levels = 1;
+  instance.settings.levels = 1;
   Render();
   EXPECT_LT(output.row(9)[0], dark) << "not compressed to studio range any more";
-  EXPECT_EQ(instance.appliedLevels, 1);
+  EXPECT_EQ(instance.picture.appliedLevels, 1);
 }
 
 TEST_F(Frame, PlayingReducesTheImageAndRenderingReloadsIt) {
   Render(hfxPlayModePreview);
-  ASSERT_NE(instance.workImages[0], nullptr);
-  EXPECT_EQ(instance.workImages[0]->width, kWidth);
-  EXPECT_EQ(instance.cacheState, 0);
+  ASSERT_NE(instance.picture.workImages[0], nullptr);
+  EXPECT_EQ(instance.picture.workImages[0]->width, kWidth);
+  EXPECT_EQ(instance.picture.cacheState, 0);
   Render(hfxPlayModeRender);
-  EXPECT_EQ(instance.workImages[0]->width, 64);
-  EXPECT_EQ(instance.cacheState, 1);
+  EXPECT_EQ(instance.picture.workImages[0]->width, 64);
+  EXPECT_EQ(instance.picture.cacheState, 1);
 }
 
 TEST_F(Frame, ALoadCarriesOutTheCacheModeOfItsTime) {
-  instance.cacheMode = CacheVideoResolution;
+  instance.settings.cacheMode = CacheVideoResolution;
   Render();
-  EXPECT_EQ(instance.appliedCacheMode, CacheVideoResolution);
-  const IplImage* loaded = instance.workImages[0];
+  EXPECT_EQ(instance.picture.appliedCacheMode, CacheVideoResolution);
+  const IplImage* loaded = instance.picture.workImages[0].get();
   ApplyCacheCommand(instance, false);
-  EXPECT_EQ(instance.workImages[0], loaded) << "nothing is left to carry out";
+  EXPECT_EQ(instance.picture.workImages[0].get(), loaded) << "nothing is left to carry out";
 }
 
 TEST_F(Frame, AFailedLoadIsNotTriedAgainAndOpensNoDialog) {
   win32().GetOpenFileNameA = MustNotAsk;
   std::filesystem::remove(photo);
   EXPECT_TRUE(Render()) << "the background is still a frame";
-  EXPECT_TRUE(instance.loadFailed);
+  EXPECT_TRUE(instance.picture.loadFailed);
   test::WritePhoto(photo, 8, 8, [](int32_t, int32_t) { return test::Rgb{1, 1, 1}; });
   Render();
-  EXPECT_EQ(instance.workImages[0], nullptr);
+  EXPECT_EQ(instance.picture.workImages[0], nullptr);
   win32() = DefaultWin32Calls();
 }
 
 TEST_F(Frame, WithoutARecordNothingIsLoadedAndTheBackgroundShows) {
   hfx::ClearInstanceData(instance);
   EXPECT_TRUE(Render());
-  EXPECT_EQ(instance.workImages[0], nullptr);
-  EXPECT_FALSE(instance.loadFailed);
+  EXPECT_EQ(instance.picture.workImages[0], nullptr);
+  EXPECT_FALSE(instance.picture.loadFailed);
   EXPECT_EQ(output.row(0)[0], output.row(kHeight - 1)[0]);
 }
 
@@ -137,17 +137,17 @@ TEST_F(Frame, AOneFrameEffectShowsItsFirstKey) {
     instance.SetVelocities(t, 1, 1);
   }
   Render();
-  EXPECT_EQ(instance.zoom, 2.0);
-  EXPECT_EQ(instance.centreX, 0.1);
+  EXPECT_EQ(instance.settings.view.zoom, 2.0);
+  EXPECT_EQ(instance.settings.view.centreX, 0.1);
 }
 
 TEST_F(Frame, ProgressiveVideoSetsTheProgressiveSwitch) {
   instance.host().videoType = hfxVideoType525;
   Render();
-  EXPECT_FALSE(instance.progressive);
+  EXPECT_FALSE(instance.settings.progressive);
   instance.host().videoType = hfxVideoTypeProgressive;
   Render();
-  EXPECT_TRUE(instance.progressive);
+  EXPECT_TRUE(instance.settings.progressive);
 }
 
 }  // namespace

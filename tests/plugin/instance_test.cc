@@ -3,8 +3,8 @@
 #include <memory>
 
 #include "image/cache.h"
-#include "image/pool.h"
 #include "state/module.h"
+#include "state/pool.h"
 #include "tests/support/instance.h"
 #include "tests/support/photo.h"
 
@@ -15,21 +15,22 @@ using test::Instance;
 
 TEST(InstanceRecord, StartsWithItsDefaults) {
   const Instance i;
-  EXPECT_EQ(i.display, 0);
-  EXPECT_EQ(i.zoom, 1.0);
-  EXPECT_EQ(i.inVelocity, 1);
-  EXPECT_EQ(i.outVelocity, 1);
-  EXPECT_EQ(i.pathType, 0);
-  EXPECT_EQ(i.filter, 0);
-  EXPECT_TRUE(i.showActionSafe && i.renderFlag && i.squarePixels && i.paramsChanged);
-  EXPECT_FALSE(i.progressive || i.loadFailed);
-  EXPECT_EQ(i.cacheMode, 1);
-  EXPECT_EQ(i.appliedCacheMode, 1);
-  EXPECT_EQ(i.hostState, -1);
-  EXPECT_EQ(i.playMode, -1);
-  EXPECT_EQ(i.cacheState, -1);
-  EXPECT_EQ(i.imageWidth, 0u);
-  for (const IplImage* image : i.workImages) EXPECT_EQ(image, nullptr);
+  EXPECT_EQ(i.settings.display, 0);
+  EXPECT_EQ(i.settings.view.zoom, 1.0);
+  EXPECT_EQ(i.settings.inVelocity, 1);
+  EXPECT_EQ(i.settings.outVelocity, 1);
+  EXPECT_EQ(i.settings.pathType, 0);
+  EXPECT_EQ(i.settings.filter, 0);
+  EXPECT_TRUE(i.settings.showActionSafe && i.renderFlag && i.settings.squarePixels &&
+              i.paramsChanged);
+  EXPECT_FALSE(i.settings.progressive || i.picture.loadFailed);
+  EXPECT_EQ(i.settings.cacheMode, 1);
+  EXPECT_EQ(i.picture.appliedCacheMode, 1);
+  EXPECT_EQ(i.render.hostState, -1);
+  EXPECT_EQ(i.render.playMode, -1);
+  EXPECT_EQ(i.picture.cacheState, -1);
+  EXPECT_EQ(i.picture.imageWidth, 0u);
+  for (const ImagePtr& image : i.picture.workImages) EXPECT_EQ(image, nullptr);
 }
 
 TEST(InstanceRegistryOrder, DeletingAMiddleInstanceKeepsTheOrderOfTheOthers) {
@@ -50,26 +51,26 @@ TEST(BeginRender, TakesTheSavedPathUpToItsFirstZero) {
   i.SetPath("/photos/a.jpg");
   hfx::SetPlayMode(hfxPlayModePreview);
   EXPECT_EQ(i.BeginRender(), 1);
-  EXPECT_EQ(i.imagePath, "/photos/a.jpg");
-  EXPECT_EQ(i.playMode, hfxPlayModePreview);
+  EXPECT_EQ(i.picture.imagePath, "/photos/a.jpg");
+  EXPECT_EQ(i.render.playMode, hfxPlayModePreview);
   hfx::SetPlayMode(hfxPlayModeRender);
   EXPECT_EQ(i.EndRender(), -1);
-  EXPECT_EQ(i.playMode, -1);
+  EXPECT_EQ(i.render.playMode, -1);
 }
 
 TEST(BeginRender, ARecordThatBeginsWithZeroLeavesThePathEmpty) {
   Instance i;
-  i.imagePath = "old.jpg";
+  i.picture.imagePath = "old.jpg";
   i.SetPath("");
   i.BeginRender();
-  EXPECT_EQ(i.imagePath, "");
+  EXPECT_EQ(i.picture.imagePath, "");
 }
 
 TEST(BeginRender, WithoutARecordThePathStays) {
   Instance i;
-  i.imagePath = "old.jpg";
+  i.picture.imagePath = "old.jpg";
   i.BeginRender();
-  EXPECT_EQ(i.imagePath, "old.jpg");
+  EXPECT_EQ(i.picture.imagePath, "old.jpg");
 }
 
 TEST(BeginRender, ARecordWithoutAnyZeroIsReadTo2048Bytes) {
@@ -77,10 +78,10 @@ TEST(BeginRender, ARecordWithoutAnyZeroIsReadTo2048Bytes) {
   const std::string longer(3000, 'x');
   i.SetInstanceData(longer.data(), static_cast<int32_t>(longer.size()));
   i.BeginRender();
-  EXPECT_EQ(i.imagePath, std::string(2048, 'x'));
+  EXPECT_EQ(i.picture.imagePath, std::string(2048, 'x'));
   i.SetInstanceData("ab", 2);
   i.BeginRender();
-  EXPECT_EQ(i.imagePath, "ab");
+  EXPECT_EQ(i.picture.imagePath, "ab");
 }
 
 /// An instance that holds one small image in its cache.
@@ -98,7 +99,7 @@ class HoldingInstance : public testing::Test {
     hfx::SetInput(instance, 0, out.image());
     hfx::SetOutput(instance, 0, out.image());
     instance.RenderFrame({0, 0, 15, 7});
-    ASSERT_NE(instance.workImages[0], nullptr);
+    ASSERT_NE(instance.picture.workImages[0], nullptr);
   }
   test::TempFolder folder;
   Instance instance;
@@ -107,19 +108,19 @@ class HoldingInstance : public testing::Test {
 TEST_F(HoldingInstance, EndRenderAfterHostStateOneReleasesTheImages) {
   Module().hostState = [] { return int32_t{1}; };
   instance.BeginRender();
-  EXPECT_EQ(instance.hostState, 1);
+  EXPECT_EQ(instance.render.hostState, 1);
   instance.EndRender();
-  EXPECT_EQ(instance.workImages[0], nullptr);
-  EXPECT_EQ(cachedBytes, 0u);
-  EXPECT_EQ(instance.hostState, -1);
+  EXPECT_EQ(instance.picture.workImages[0], nullptr);
+  EXPECT_EQ(Module().cachedBytes, 0u);
+  EXPECT_EQ(instance.render.hostState, -1);
 }
 
 TEST_F(HoldingInstance, EndRenderAfterAnotherHostStateKeepsThem) {
   Module().hostState = [] { return int32_t{2}; };
   instance.BeginRender();
   instance.EndRender();
-  EXPECT_NE(instance.workImages[0], nullptr);
-  EXPECT_GT(cachedBytes, 0u);
+  EXPECT_NE(instance.picture.workImages[0], nullptr);
+  EXPECT_GT(Module().cachedBytes, 0u);
 }
 
 TEST(Instances, GiveAllTheirMemoryBackWhenDeleted) {
@@ -139,9 +140,9 @@ TEST(Instances, GiveAllTheirMemoryBackWhenDeleted) {
       i->RenderFrame({0, 0, 15, 7});
       i->EndRender();
     }
-    EXPECT_EQ(cachedBytes, 2u * 40 * 30 * 4);
+    EXPECT_EQ(Module().cachedBytes, 2u * 40 * 30 * 4);
   }
-  EXPECT_EQ(cachedBytes, 0u);
+  EXPECT_EQ(Module().cachedBytes, 0u);
   EXPECT_EQ(iplxAllocatedBytes(), before);
 }
 

@@ -123,11 +123,11 @@ TEST(Parameters, TheHostWritesValuesStraightIntoTheInstance) {
   i.SetKey("bgcolor", 0.0, colour);
   i.SetPosition(0.0, 0.1, 0.2);
   hfx::WriteBoundFields(i, 0.5);
-  EXPECT_EQ(i.filter, 6);
-  EXPECT_TRUE(i.progressive);
-  EXPECT_EQ(i.backgroundColor[2], 0.75);
-  EXPECT_EQ(i.centreX, 0.1);
-  EXPECT_EQ(i.centreY, 0.2);
+  EXPECT_EQ(i.settings.filter, 6);
+  EXPECT_TRUE(i.settings.progressive);
+  EXPECT_EQ(i.settings.backgroundColor[2], 0.75);
+  EXPECT_EQ(i.settings.view.centreX, 0.1);
+  EXPECT_EQ(i.settings.view.centreY, 0.2);
 }
 
 TEST(ZoomInterpolator, ReadsOneWithNoKeyOrOneKey) {

@@ -6,8 +6,9 @@
 #include <cmath>
 
 #include "image/cache.h"
-#include "image/pool.h"
 #include "render/motion.h"
+#include "state/module.h"
+#include "state/pool.h"
 #include "tests/support/instance.h"
 
 namespace kelto {
@@ -23,7 +24,7 @@ void Hold(Instance& instance) {
       iplCreateImageHeader(4, 0, IPL_DEPTH_8U, "MSI", "MSI", IPL_DATA_ORDER_PIXEL, IPL_ORIGIN_TL,
                            IPL_ALIGN_QWORD, 8, 8, nullptr, nullptr, nullptr, nullptr);
   AllocateImageData(instance, image);
-  instance.workImages[0] = image;
+  instance.picture.workImages[0].reset(image);
 }
 
 void SetCacheKeys(Instance& instance, int32_t value) {
@@ -149,15 +150,15 @@ TEST(CacheCommands, ChoosingAnotherResolutionReleasesTheImages) {
     Hold(i);
     SetCacheKeys(i, mode);
     UpdateParams(&i);
-    EXPECT_EQ(i.workImages[0], nullptr);
-    EXPECT_EQ(i.appliedCacheMode, mode);
+    EXPECT_EQ(i.picture.workImages[0], nullptr);
+    EXPECT_EQ(i.picture.appliedCacheMode, mode);
     EXPECT_EQ(CacheEntry(i, 0), mode);
   }
   Instance same;
   Hold(same);
   SetCacheKeys(same, CacheImageResolution);
   UpdateParams(&same);
-  EXPECT_NE(same.workImages[0], nullptr) << "the mode in force already";
+  EXPECT_NE(same.picture.workImages[0], nullptr) << "the mode in force already";
 }
 
 TEST(CacheCommands, FreeCurrentCacheShowsImageResolutionOnEveryKey) {
@@ -166,11 +167,11 @@ TEST(CacheCommands, FreeCurrentCacheShowsImageResolutionOnEveryKey) {
   Hold(other);
   SetCacheKeys(i, FreeCurrentCache);
   UpdateParams(&i);
-  EXPECT_EQ(i.workImages[0], nullptr);
-  EXPECT_NE(other.workImages[0], nullptr);
+  EXPECT_EQ(i.picture.workImages[0], nullptr);
+  EXPECT_NE(other.picture.workImages[0], nullptr);
   EXPECT_EQ(CacheEntry(i, 0), CacheImageResolution);
   EXPECT_EQ(CacheEntry(i, 1), CacheImageResolution);
-  EXPECT_EQ(i.appliedCacheMode, CacheImageResolution);
+  EXPECT_EQ(i.picture.appliedCacheMode, CacheImageResolution);
 }
 
 TEST(CacheCommands, FreeAllCachesEmptiesEveryInstanceAndResetsEveryList) {
@@ -178,29 +179,29 @@ TEST(CacheCommands, FreeAllCachesEmptiesEveryInstanceAndResetsEveryList) {
   for (Instance* i : {&a, &b, &c}) {
     Hold(*i);
     SetCacheKeys(*i, CacheVideoResolution);
-    i->appliedCacheMode = CacheVideoResolution;
-    i->cacheMode = CacheVideoResolution;
+    i->picture.appliedCacheMode = CacheVideoResolution;
+    i->settings.cacheMode = CacheVideoResolution;
   }
   SetCacheKeys(b, FreeAllCaches);
   UpdateParams(&b);
   for (Instance* i : {&a, &b, &c}) {
-    EXPECT_EQ(i->workImages[0], nullptr);
+    EXPECT_EQ(i->picture.workImages[0], nullptr);
     for (const int32_t key : {0, 1}) EXPECT_EQ(CacheEntry(*i, key), CacheImageResolution);
-    EXPECT_EQ(i->cacheMode, CacheImageResolution);
+    EXPECT_EQ(i->settings.cacheMode, CacheImageResolution);
   }
-  EXPECT_EQ(cachedBytes, 0u);
+  EXPECT_EQ(Module().cachedBytes, 0u);
 }
 
 TEST(CacheCommands, CacheAllLeavesInstancesAloneThatAreInThatModeAlready) {
   Instance inForce, other, asked;
-  other.appliedCacheMode = other.cacheMode = CacheVideoResolution;
+  other.picture.appliedCacheMode = other.settings.cacheMode = CacheVideoResolution;
   for (Instance* i : {&inForce, &other, &asked}) Hold(*i);
   SetCacheKeys(asked, CacheAllFirst + CacheImageResolution);
   UpdateParams(&asked);
-  EXPECT_NE(inForce.workImages[0], nullptr);
-  EXPECT_NE(asked.workImages[0], nullptr) << "its applied mode was Image Resolution too";
-  EXPECT_EQ(other.workImages[0], nullptr);
-  EXPECT_EQ(other.appliedCacheMode, CacheImageResolution);
+  EXPECT_NE(inForce.picture.workImages[0], nullptr);
+  EXPECT_NE(asked.picture.workImages[0], nullptr) << "its applied mode was Image Resolution too";
+  EXPECT_EQ(other.picture.workImages[0], nullptr);
+  EXPECT_EQ(other.picture.appliedCacheMode, CacheImageResolution);
   EXPECT_EQ(CacheEntry(asked, 0), CacheImageResolution) << "never a one-shot command";
 }
 
@@ -210,10 +211,10 @@ TEST(CacheCommands, WithoutAnActiveKeyTheFieldDecides) {
   SetCacheKeys(i, FreeCurrentCache);
   i.SetActive("cache", -1);
   ApplyCacheCommand(i, true);
-  EXPECT_NE(i.workImages[0], nullptr);
-  i.cacheMode = 12;
+  EXPECT_NE(i.picture.workImages[0], nullptr);
+  i.settings.cacheMode = 12;
   ApplyCacheCommand(i, false);
-  EXPECT_NE(i.workImages[0], nullptr) << "an unknown command does nothing";
+  EXPECT_NE(i.picture.workImages[0], nullptr) << "an unknown command does nothing";
 }
 
 }  // namespace

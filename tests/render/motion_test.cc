@@ -17,8 +17,8 @@ void SetUpCase(Instance& instance, const json& c) {
   for (const auto& key : c["invelocity"]) instance.SetKey("invelocity", key[0], key[1].get<int>());
   for (const auto& key : c["outvelocity"])
     instance.SetKey("outvelocity", key[0], key[1].get<int>());
-  instance.pathType = c["pathType"];
-  instance.progressive = c["progressive"];
+  instance.settings.pathType = c["pathType"];
+  instance.settings.progressive = c["progressive"];
   instance.host().totalFrames = c["totalFrames"];
   instance.host().videoType = c["videoType"];
 }
@@ -34,9 +34,9 @@ TEST(FrameMotion, AgreesWithReferenceFrames) {
       instance.host().field = f["field"];
       EXPECT_NEAR(FrameTime(instance), f["t"].get<double>(), 1e-12);
       EvaluateMotion(instance);
-      EXPECT_NEAR(instance.zoom, f["zoom"].get<double>(), 1e-7) << f;
-      EXPECT_NEAR(instance.centreX, f["x"].get<double>(), 1e-7) << f;
-      EXPECT_NEAR(instance.centreY, f["y"].get<double>(), 1e-7) << f;
+      EXPECT_NEAR(instance.settings.view.zoom, f["zoom"].get<double>(), 1e-7) << f;
+      EXPECT_NEAR(instance.settings.view.centreX, f["x"].get<double>(), 1e-7) << f;
+      EXPECT_NEAR(instance.settings.view.centreY, f["y"].get<double>(), 1e-7) << f;
       ++compared;
     }
   }
@@ -50,13 +50,13 @@ TEST(FrameMotion, ReadsTheKeysOnceAfterEveryReportedChange) {
   instance.SetKey("size", 1.0, 2.0);
   EvaluateMotion(instance);
   EXPECT_FALSE(instance.paramsChanged);
-  EXPECT_EQ(instance.zoom, 2.0);
+  EXPECT_EQ(instance.settings.view.zoom, 2.0);
   for (const double t : {0.0, 1.0}) instance.SetKey("size", t, 4.0);
   EvaluateMotion(instance);
-  EXPECT_EQ(instance.zoom, 2.0) << "a change is reported before the next frame";
+  EXPECT_EQ(instance.settings.view.zoom, 2.0) << "a change is reported before the next frame";
   instance.paramsChanged = true;
   EvaluateMotion(instance);
-  EXPECT_EQ(instance.zoom, 4.0);
+  EXPECT_EQ(instance.settings.view.zoom, 4.0);
 }
 
 TEST(FrameMotion, AnotherKindOfPathIsFollowedAtOnce) {
@@ -69,21 +69,21 @@ TEST(FrameMotion, AnotherKindOfPathIsFollowedAtOnce) {
     instance.SetVelocities(t, VelocityLinear, VelocityLinear);
   }
   EvaluateMotion(instance);
-  EXPECT_NEAR(instance.centreX, 0.4, 1e-9);
-  instance.pathType = PathSpline;
+  EXPECT_NEAR(instance.settings.view.centreX, 0.4, 1e-9);
+  instance.settings.pathType = PathSpline;
   EvaluateMotion(instance);
-  EXPECT_GT(instance.centreX, 0.42);
+  EXPECT_GT(instance.settings.view.centreX, 0.42);
 }
 
 TEST(FrameMotion, WithoutParametersTheHostsOwnValuesStand) {
   PanZoomInstance instance;  // no parameters were made
-  instance.zoom = 3.0;
-  instance.centreX = 0.25;
-  instance.centreY = -0.5;
+  instance.settings.view.zoom = 3.0;
+  instance.settings.view.centreX = 0.25;
+  instance.settings.view.centreY = -0.5;
   EvaluateMotion(instance);
-  EXPECT_EQ(instance.zoom, 3.0);
-  EXPECT_EQ(instance.centreX, 0.25);
-  EXPECT_EQ(instance.centreY, -0.5);
+  EXPECT_EQ(instance.settings.view.zoom, 3.0);
+  EXPECT_EQ(instance.settings.view.centreX, 0.25);
+  EXPECT_EQ(instance.settings.view.centreY, -0.5);
 }
 
 TEST(FrameMotion, AZoomWithoutAnInstanceBehindItKeepsItsValue) {
@@ -92,9 +92,9 @@ TEST(FrameMotion, AZoomWithoutAnInstanceBehindItKeepsItsValue) {
   instance.SetKey("size", 0.0, 2.0);
   instance.SetKey("size", 1.0, 4.0);
   instance.parameter("size").SetUserData(nullptr);
-  instance.zoom = 7.0;
+  instance.settings.view.zoom = 7.0;
   EvaluateMotion(instance);
-  EXPECT_EQ(instance.zoom, 7.0);
+  EXPECT_EQ(instance.settings.view.zoom, 7.0);
 }
 
 TEST(FrameTime, TheLastFieldOfTheLastFrameIsJustBelowOne) {
@@ -113,7 +113,7 @@ TEST(FrameTime, ProgressiveVideoHasNoSecondFieldTime) {
   Instance instance;
   instance.host() = {.currentFrame = 3, .totalFrames = 11, .field = 1};
   EXPECT_DOUBLE_EQ(FrameTime(instance), 0.3);
-  EXPECT_TRUE(instance.progressive);
+  EXPECT_TRUE(instance.settings.progressive);
 }
 
 TEST(FrameTime, AOneFrameEffectHasTimeZero) {

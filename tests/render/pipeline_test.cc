@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "framing/frame_rects.h"
 #include "image/cache.h"
 #include "image/studio_levels.h"
-#include "framing/frame_rects.h"
 #include "tests/support/instance.h"
 #include "tests/support/vectors.h"
 
@@ -33,29 +33,29 @@ void CachePicture(Instance& instance, const std::vector<uint8_t>& rgb, int32_t w
     for (int32_t x = 0; x < width; ++x) {
       for (int32_t c = 0; c < 3; ++c) {
         uint8_t value = rgb[3 * (size_t{static_cast<uint32_t>(y)} * width + x) + c];
-        if (instance.levels == 0) value = studioLevelTable[value];
+        if (instance.settings.levels == 0) value = studioLevelTable[value];
         bgra->imageData[y * bgra->widthStep + 4 * x + 2 - c] = static_cast<char>(value);
       }
     }
   }
   iplRGB2YCrCb(bgra, cached);
   iplDeallocate(bgra, IPL_IMAGE_ALL);
-  instance.workImages[0] = cached;
-  instance.imageWidth = width;
-  instance.imageHeight = height;
-  instance.cacheState = 1;
+  instance.picture.workImages[0].reset(cached);
+  instance.picture.imageWidth = width;
+  instance.picture.imageHeight = height;
+  instance.picture.cacheState = 1;
 }
 
 void SetUpFrame(Instance& instance, const nlohmann::json& p) {
-  instance.display = p["display"];
-  instance.zoom = p["zoom"];
-  instance.centreX = p["centre_x"];
-  instance.centreY = p["centre_y"];
-  instance.filter = p["filter"];
-  instance.levels = p["levels"];
-  instance.squarePixels = p["square_pixels"];
+  instance.settings.display = p["display"];
+  instance.settings.view.zoom = p["zoom"];
+  instance.settings.view.centreX = p["centre_x"];
+  instance.settings.view.centreY = p["centre_y"];
+  instance.settings.filter = p["filter"];
+  instance.settings.levels = p["levels"];
+  instance.settings.squarePixels = p["square_pixels"];
   instance.overlayOff = p["overlay_off"];
-  for (int i = 0; i < 3; ++i) instance.backgroundColor[i] = p["background"][i];
+  for (int i = 0; i < 3; ++i) instance.settings.backgroundColor[i] = p["background"][i];
   hfx::RenderState& host = instance.host();
   host.quality = p["quality"];
   host.displayAspect = p["display_aspect"];
@@ -83,9 +83,9 @@ TEST(Pipeline, AgreesWithReferenceFramesInBothLayouts) {
       hfx::SetOutput(instance, 0, output.image());
       CachePicture(instance, test::Bytes(f["rgb"]), f["width"], f["height"]);
       if (f["play_mode"] != 0) {
-        instance.playMode = f["play_mode"];
-        instance.outputWidth = width;
-        instance.outputHeight = height;
+        instance.render.playMode = f["play_mode"];
+        instance.render.outputWidth = width;
+        instance.render.outputHeight = height;
         ReduceToVideoResolution(instance);
       }
       RenderFrame(instance, Whole(width, height));
@@ -105,7 +105,7 @@ class SmallFrame : public testing::Test {
   static constexpr int32_t kWidth = 32, kHeight = 18;
   explicit SmallFrame(int32_t colorspace = hfxColorspaceYCbCr)
       : input(kWidth, kHeight, colorspace), output(kWidth, kHeight, colorspace) {
-    instance.display = 1;
+    instance.settings.display = 1;
     instance.host().displayAspect = 16.0 / 9.0;
     hfx::SetInput(instance, 0, input.image());
     hfx::SetOutput(instance, 0, output.image());
@@ -128,9 +128,9 @@ class SmallFrame : public testing::Test {
 
 TEST_F(SmallFrame, QualityOfOneHalfIsRealTimeAndMoreUsesTheFilter) {
   CacheSpottedPicture();
-  instance.filter = FilterRealTime;
+  instance.settings.filter = FilterRealTime;
   const auto realTime = Render();
-  instance.filter = FilterUltraQual;
+  instance.settings.filter = FilterUltraQual;
   instance.host().quality = 0.5;
   EXPECT_EQ(Render(), realTime);
   instance.host().quality = 0.51;
@@ -140,12 +140,12 @@ TEST_F(SmallFrame, QualityOfOneHalfIsRealTimeAndMoreUsesTheFilter) {
 TEST_F(SmallFrame, TheSourceDisplayIsAlwaysRealTimeAndWhole) {
   CacheSpottedPicture();
   instance.overlayOff = 1;
-  instance.filter = FilterRealTime;
+  instance.settings.filter = FilterRealTime;
   const auto whole = Render();
-  instance.display = 0;
-  instance.filter = FilterHiQual;
-  instance.zoom = 3.0;
-  instance.centreX = 0.2;
+  instance.settings.display = 0;
+  instance.settings.filter = FilterHiQual;
+  instance.settings.view.zoom = 3.0;
+  instance.settings.view.centreX = 0.2;
   EXPECT_EQ(Render(), whole);
 }
 
@@ -154,13 +154,13 @@ TEST_F(SmallFrame, OutlinesAreDrawnOverTheSourceDisplayOnly) {
   const auto target = Render();
   instance.overlayOff = 1;
   EXPECT_EQ(Render(), target);
-  instance.display = 0;
+  instance.settings.display = 0;
   const auto bare = Render();
   instance.overlayOff = 0;
-  instance.zoom = 2.0;
+  instance.settings.view.zoom = 2.0;
   const auto outlined = Render();
   EXPECT_NE(outlined, bare);
-  instance.showActionSafe = false;
+  instance.settings.showActionSafe = false;
   const auto viewOnly = Render();
   EXPECT_NE(viewOnly, outlined);
   EXPECT_NE(viewOnly, bare);
@@ -181,8 +181,8 @@ TEST(Background, FullColourIs255For601SourcesAnd235ForRgbOnes) {
 
 TEST_F(SmallFrame, SeparateFieldsRenderOnlyTheFieldTheHostNames) {
   CacheSpottedPicture();
-  instance.zoom = 2.0;
-  instance.filter = FilterTriangle;
+  instance.settings.view.zoom = 2.0;
+  instance.settings.filter = FilterTriangle;
   const auto frame = Render();
   Picture field(kWidth, kHeight / 2, hfxColorspaceYCbCr, 8);
   hfx::SetOutput(instance, 0, field.image());
@@ -201,9 +201,9 @@ TEST_F(SmallFrame, SeparateFieldsRenderOnlyTheFieldTheHostNames) {
 }
 
 TEST_F(SmallFrame, WithoutPictureOverVideoTheFrameIsBlackNotTheInput) {
-  instance.compositeOver = 1;
+  instance.settings.compositeOver = 1;
   for (const int32_t levels : {0, 1}) {
-    instance.levels = levels;
+    instance.settings.levels = levels;
     RenderWithoutImage(instance);
     const auto bytes = output.Packed();
     for (size_t i = 0; i < bytes.size(); i += 2) {
@@ -214,8 +214,9 @@ TEST_F(SmallFrame, WithoutPictureOverVideoTheFrameIsBlackNotTheInput) {
 }
 
 TEST_F(SmallFrame, WithoutPictureOverAColourTheFrameIsTheColour) {
-  instance.levels = 1;
-  instance.backgroundColor[0] = instance.backgroundColor[1] = instance.backgroundColor[2] = 0.5;
+  instance.settings.levels = 1;
+  instance.settings.backgroundColor[0] = instance.settings.backgroundColor[1] =
+      instance.settings.backgroundColor[2] = 0.5;
   const auto bytes = Render();
   for (size_t i = 0; i < bytes.size(); i += 2) {
     ASSERT_NEAR(bytes[i], 127, 1);
@@ -225,9 +226,9 @@ TEST_F(SmallFrame, WithoutPictureOverAColourTheFrameIsTheColour) {
 
 TEST_F(SmallFrame, VideoShowsWhereThePictureDoesNotCover) {
   CacheSpottedPicture();
-  instance.compositeOver = 1;
-  instance.zoom = 0.5;
-  instance.filter = FilterCubic;
+  instance.settings.compositeOver = 1;
+  instance.settings.view.zoom = 0.5;
+  instance.settings.filter = FilterCubic;
   Render();
   for (const int32_t y : {0, 2, kHeight - 1}) {
     EXPECT_EQ(std::memcmp(output.row(y), input.row(y), 2 * kWidth), 0) << "row " << y;
@@ -263,7 +264,7 @@ TEST_F(SmallFrame, OtherColourSpacesLeaveTheOutputUntouched) {
 
 TEST_F(SmallFrame, AnInputAndAnOutputOfTwoColourSpacesLeaveBothUntouched) {
   CacheSpottedPicture();
-  instance.compositeOver = 1;
+  instance.settings.compositeOver = 1;
   // Padded, so that even rows of the wider layout would stay inside the buffer.
   Picture rgb(kWidth, kHeight, hfxColorspaceRGB), narrow(kWidth, kHeight, hfxColorspaceYCbCr, 64);
   for (const auto& [from, to] : {std::pair(&input, &rgb), std::pair(&rgb, &narrow)}) {
@@ -278,7 +279,7 @@ TEST_F(SmallFrame, AnInputAndAnOutputOfTwoColourSpacesLeaveBothUntouched) {
 }
 
 TEST_F(SmallFrame, VideoSmallerThanTheFrameEndsWhereItsOwnPixelsDo) {
-  instance.compositeOver = 1;
+  instance.settings.compositeOver = 1;
   // Over the input's first rows and columns: what follows them there is not the video's.
   for (const auto& [width, height] :
        {std::pair(kWidth - 6, kHeight), {kWidth, kHeight - 5}, {kWidth, 0}, {0, kHeight}}) {
@@ -311,17 +312,17 @@ class SmallRgbFrame : public SmallFrame {
 TEST_F(SmallRgbFrame, AnRgbInputUnderThePictureIsOverwrittenByIts422Form) {
   CacheSpottedPicture();
   const auto before = input.Packed();
-  instance.compositeOver = 0;
+  instance.settings.compositeOver = 0;
   Render();
   EXPECT_EQ(input.Packed(), before);
-  instance.compositeOver = 1;
+  instance.settings.compositeOver = 1;
   Render();
   EXPECT_NE(input.Packed(), before);
   EXPECT_TRUE(input.GuardsIntact());
 }
 
 TEST_F(SmallRgbFrame, OfAnRgbInputSmallerThanTheFrameOnlyItsOwnPixelsAreOverwritten) {
-  instance.compositeOver = 1;
+  instance.settings.compositeOver = 1;
   for (const auto& [width, height] :
        {std::pair(kWidth - 6, kHeight - 5), {kWidth, 0}, {0, kHeight}}) {
     const auto before = input.Packed();
@@ -343,7 +344,7 @@ TEST_F(SmallRgbFrame, OfAnRgbInputSmallerThanTheFrameOnlyItsOwnPixelsAreOverwrit
 }
 
 TEST_F(SmallRgbFrame, WithoutPictureOverVideoTheFrameIsOpaqueBlack) {
-  instance.compositeOver = 1;
+  instance.settings.compositeOver = 1;
   RenderWithoutImage(instance);
   const auto bytes = output.Packed();
   for (size_t i = 0; i < bytes.size(); i += 4) {

@@ -32,7 +32,7 @@ class SourceDisplay : public testing::Test {
     hfx::SetOutput(instance, 0, output.image());
     IplImage* cached = NewCachedImageHeader(2 * kWidth, 2 * kHeight);
     AllocateImageData(instance, cached);
-    instance.workImages[0] = cached;
+    instance.picture.workImages[0].reset(cached);
     for (int32_t y = 0; y < cached->height; ++y) {
       for (int32_t x = 0; x < cached->width; ++x) {
         char* pixel = cached->imageData + ptrdiff_t{y} * cached->widthStep + ptrdiff_t{4} * x;
@@ -42,14 +42,14 @@ class SourceDisplay : public testing::Test {
     }
   }
   std::vector<uint8_t> Render(int32_t display) {
-    instance.display = display;
+    instance.settings.display = display;
     RenderFrame(instance, {0, 0, kWidth - 1, kHeight - 1});
     return output.Packed();
   }
   void SetView(double zoom, double centreX, double centreY) {
-    instance.zoom = zoom;
-    instance.centreX = centreX;
-    instance.centreY = centreY;
+    instance.settings.view.zoom = zoom;
+    instance.settings.view.centreX = centreX;
+    instance.settings.view.centreY = centreY;
   }
 
   Instance instance;
@@ -94,9 +94,9 @@ class ViewOverlay : public testing::Test {
   static constexpr int32_t kWidth = 120, kHeight = 80;
 
   ViewOverlay() {
-    instance.zoom = 2.0;
-    instance.centreX = 0.125;
-    instance.centreY = -0.125;
+    instance.settings.view.zoom = 2.0;
+    instance.settings.view.centreX = 0.125;
+    instance.settings.view.centreY = -0.125;
   }
   struct Edges {
     int32_t left, top, right, bottom, thickness;
@@ -133,7 +133,7 @@ TEST_F(ViewOverlay, OutlinesTheViewThickAndItsActionSafeFrameThin) {
 
 TEST_F(ViewOverlay, TheActionSafeFrameNeedsBothItsFlags) {
   for (const auto& [shown, rendered] : {std::pair{false, true}, {true, false}, {false, false}}) {
-    instance.showActionSafe = shown;
+    instance.settings.showActionSafe = shown;
     instance.renderFlag = rendered;
     ExpectOutlines({{45, 10, 104, 49, kViewLine}});
   }

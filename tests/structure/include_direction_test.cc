@@ -25,7 +25,7 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"framing", {"platform"}},
     {"keyframes", {"platform", "framing", "curves"}},
     {"resample", {"framing"}},
-    {"state", {"platform", "keyframes"}},
+    {"state", {"platform", "framing", "keyframes"}},
     {"image", {"platform", "framing", "state", "resample"}},
     {"render", {"platform", "framing", "keyframes", "resample", "state", "image"}},
     {"plugin", {"platform", "framing", "keyframes", "state", "image", "render"}},

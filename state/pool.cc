@@ -1,16 +1,15 @@
-#include "image/pool.h"
+#include "state/pool.h"
+
+#include "state/module.h"
 
 namespace kelto {
 
-CacheBufferPool cachePool;
-uint32_t cachedBytes = 0;
-
-void CacheBufferPool::Release(IplImage* image) { cachedBytes -= image->imageSize; }
+void CacheBufferPool::Release(IplImage* image) { Module().cachedBytes -= image->imageSize; }
 
 void EnterIntoCachePool(IplImage* image) {
   // Through the base: ReleaseImage reads it back as one.
-  image->imageId = static_cast<BufferPool*>(&cachePool);
-  cachedBytes += image->imageSize;
+  image->imageId = static_cast<BufferPool*>(&Module().cachePool);
+  Module().cachedBytes += image->imageSize;
 }
 
 void ReleaseImage(IplImage* image) {

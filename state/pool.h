@@ -1,8 +1,6 @@
 // Who accounts for the memory of cached images, and how such images are given back.
 #pragma once
 
-#include <cstdint>
-
 #include "platform/ipl.h"
 
 namespace kelto {
@@ -15,18 +13,13 @@ class BufferPool {
   virtual void Release(IplImage* image) = 0;
 };
 
-/// The pool of all cached images of this process.
+/// The pool of all cached images of this process (Module().cachePool).
 class CacheBufferPool final : public BufferPool {
  public:
   void Release(IplImage* image) override;
 };
 
-extern CacheBufferPool cachePool;
-
-/// Pixel bytes that AllocateImageData handed out and ReleaseImage has not yet taken back.
-extern uint32_t cachedBytes;
-
-/// Enters `image`, whose pixels were just allocated, into the account of cachePool.
+/// Enters `image`, whose pixels were just allocated, into the account of the cache's pool.
 void EnterIntoCachePool(IplImage* image);
 
 /// Takes an image off its pool's account, if it has one, and frees header, pixels and all else.
