@@ -1,9 +1,10 @@
 #include "adapters/frei0r/console.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <mutex>
 #include <set>
+
+#include "host/base/shown_text.h"
 
 namespace kelto::frei0r {
 namespace {
@@ -20,9 +21,7 @@ void SayOnce(const std::string& text, const std::string& topic) {
   const std::lock_guard lock(mutex);
   if (said.size() >= kMaxRemembered) said.clear();
   if (!said.insert(topic.empty() ? text : topic).second) return;
-  std::string line = text.substr(0, kMaxLine);
-  std::replace_if(
-      line.begin(), line.end(), [](unsigned char c) { return c < 32 || c == 127; }, '?');
+  const std::string line = host::ShownText(text.substr(0, kMaxLine));
   std::fprintf(stderr, "kelto_pan_zoom: %s\n", line.c_str());
 }
 

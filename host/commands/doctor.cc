@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "host/base/error.h"
+#include "host/base/shown_text.h"
 #include "host/effect/module_file.h"
 #include "host/machine/checks.h"
 #include "host/machine/libraries.h"
@@ -13,7 +14,7 @@
 namespace kelto::host {
 namespace {
 
-void Print(const std::string& line) { PrintResult(line + "\n"); }
+void Print(const std::string& line) { PrintResult(ShownText(line) + "\n"); }
 
 void PrintChecks(const char* title, const std::vector<Check>& checks) {
   Print(title);
@@ -31,7 +32,7 @@ Check TryNamedModule(const std::string& given) {
 }
 
 void Run(const std::string& given) {
-  Print(VersionText());
+  PrintResult(VersionText() + "\n");
   const Check module = TryNamedModule(given);
   Print("module: " + (module.fault.empty() ? module.name + ", renders" : "no: " + module.fault));
   const std::vector<Check> stills = TryStills();

@@ -29,9 +29,9 @@ using Importer = std::unique_ptr<std::remove_pointer_t<GraphicsImportComponent>,
 /// Why the importer failed, without the path that messages begin with anyway.
 std::string Reason(const std::string& path) {
   std::string reason = StillImporterLastError();
-  for (const std::string& name : {path, NarrowText(fs::path(path).filename())}) {
-    if (reason.starts_with(name + ": ")) reason.erase(0, name.size() + 2);
-  }
+  // By its length: the importer shows question marks for what would break its line.
+  const size_t name = NarrowText(fs::path(path).filename()).size();
+  if (reason.size() > name && reason.compare(name, 2, ": ") == 0) reason.erase(0, name + 2);
   return reason.empty() ? "unknown form" : reason;
 }
 

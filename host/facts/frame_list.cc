@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "host/base/error.h"
+#include "host/base/shown_text.h"
 #include "host/effect/render_state.h"
 #include "host/terminal/interrupt.h"
 
@@ -133,7 +134,7 @@ void FrameList::Begin(const RenderPlan& plan, const Photo& photo) {
     // The path's bytes need not be UTF-8.
     std::string head = film.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
     head.back() = ',';
-    write_(head + "\"frames\":[\n");
+    write_(ShownJson(head) + "\"frames\":[\n");
     return;
   }
   if (form_ == ListForm::kCsv) {

@@ -6,7 +6,8 @@
 
 namespace kelto::host {
 
-/// `word` as a POSIX shell reads it back.
+/// `word`, of one line, as a POSIX shell reads it back. What a terminal would obey (see ShownText)
+/// is left to the shell's printf.
 std::string ShellQuoted(const std::string& word);
 
 /// The words with blanks between, each quoted. Throws Error for a word of more than one line, which

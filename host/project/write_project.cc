@@ -3,6 +3,7 @@
 #include <system_error>
 
 #include "host/base/error.h"
+#include "host/base/shown_text.h"
 #include "host/files/output_file.h"
 #include "host/files/program_folder.h"
 #include "host/project/display_aspect.h"
@@ -106,7 +107,7 @@ void WriteProject(const std::string& path, const RenderPlan& plan) {
   if (path != kStandardOutput && !IsProjectName(path)) {
     throw UsageError(path + ": a project's name ends in .json, or it would be taken for a picture");
   }
-  const std::string text = ProjectText(path, plan);
+  const std::string json = ProjectText(path, plan);
   for (const std::string& used : {plan.photo, plan.over, plan.audio}) {
     std::error_code error;
     if (std::filesystem::equivalent(path, used, error)) {
@@ -114,6 +115,8 @@ void WriteProject(const std::string& path, const RenderPlan& plan) {
     }
   }
   OutputFile file(path);
+  // The same values, wherever it is read from; the standard output may be a terminal.
+  const std::string text = path == kStandardOutput ? ShownJson(json) : json;
   file.Write(text.data(), text.size());
   file.Finish();
 }

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "host/base/shown_text.h"
+
 namespace kelto::host {
 
 void PrintEvent(const std::string& name,
@@ -13,7 +15,7 @@ void PrintEvent(const std::string& name,
     std::visit([&, field = key](const auto& plain) { event[field] = plain; }, value);
   }
   const std::string line = event.dump(-1, ' ', false, Json::error_handler_t::replace);
-  std::fprintf(stderr, "%s\n", line.c_str());
+  std::fprintf(stderr, "%s\n", ShownJson(line).c_str());
 }
 
 }  // namespace kelto::host

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <utility>
 
+#include "host/base/error.h"
+#include "host/base/shown_text.h"
 #include "host/terminal/events.h"
 
 #if defined(_WIN32)
@@ -22,6 +24,7 @@ namespace {
 /// Whether a progress line stands on the terminal.
 bool shown = false;
 Reporting reporting = Reporting::kUsual;
+bool strict = false;
 std::function<void(const std::string&)> messageSink;
 
 void PrintLine(const char* event, const std::string& text) {
@@ -31,7 +34,7 @@ void PrintLine(const char* event, const std::string& text) {
   if (reporting == Reporting::kJson) {
     PrintEvent(event, {{"text", line}});
   } else {
-    std::fprintf(stderr, "kelto: %s\n", line.c_str());
+    std::fprintf(stderr, "kelto: %s\n", ShownText(line).c_str());
   }
 }
 
@@ -61,6 +64,13 @@ void PrintMessage(const std::string& text) {
 }
 
 void PrintFailure(const std::string& text) { PrintLine("error", text); }
+
+void SetStrict(bool wanted) { strict = wanted; }
+
+void Warn(const std::string& text) {
+  if (strict) throw Error(text);
+  PrintMessage(text);
+}
 
 void SetMessageSink(std::function<void(const std::string&)> sink) { messageSink = std::move(sink); }
 

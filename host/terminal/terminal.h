@@ -21,10 +21,16 @@ void DrawProgress(const std::string& line);
 /// Takes the progress line away.
 void ClearProgress();
 
-/// Prints "kelto: " and `text`, one line, clear of the progress line. Not when quiet.
+/// Prints "kelto: " and `text`, one line (see ShownText), clear of the progress line. Not when
+/// quiet.
 void PrintMessage(const std::string& text);
 /// The same for what went wrong; always.
 void PrintFailure(const std::string& text);
+
+/// Prints, like a message, what makes a film other than was meant but does not keep it from being
+/// made. Throws it as Error instead after SetStrict(true).
+void Warn(const std::string& text);
+void SetStrict(bool strict);
 
 /// Where PrintMessage sends its texts instead; an empty function restores it.
 void SetMessageSink(std::function<void(const std::string&)> sink);

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "host/base/error.h"
+#include "host/base/shown_text.h"
 
 namespace kelto::host {
 namespace {
@@ -39,12 +40,38 @@ TEST(TaskLine, OtherWordsAreQuoted) {
 
 #if !defined(_WIN32)
 TEST(TaskLine, AShellReadsEveryWordBack) {
-  for (const std::string word : {"it's", "a b", "$HOME", "`x`", "\"", "\\", "*", "#rrggbb", "~",
-                                 "!", "tab\there", "Zürich", "'", "''", "-n;ls", "{1,2}"}) {
+  for (const std::string word : {"it's",
+                                 "a b",
+                                 "$HOME",
+                                 "`x`",
+                                 "\"",
+                                 "\\",
+                                 "*",
+                                 "#rrggbb",
+                                 "~",
+                                 "!",
+                                 "tab\there",
+                                 "Zürich",
+                                 "'",
+                                 "''",
+                                 "-n;ls",
+                                 "{1,2}",
+                                 "\x1b[31m it's 5 % \\ $HOME",
+                                 "-\x7f-n",
+                                 "\x9b",
+                                 "\xc2\x9b"
+                                 "1\xff"
+                                 "2"}) {
     EXPECT_EQ(ByShell(ShellQuoted(word)), word);
   }
 }
 #endif
+
+TEST(TaskLine, ShowsNothingThatATerminalWouldObey) {
+  for (const std::string word : {"\x1b[31m", "\x7f", "\x07", "\xc2\x9b", "\xe2\x80\xae"}) {
+    EXPECT_EQ(ShownText(ShellQuoted(word)), ShellQuoted(word));
+  }
+}
 
 TEST(TaskLine, AWordOfTwoLinesIsRefused) { EXPECT_THROW(TaskLine({"a\nb"}), Error); }
 
