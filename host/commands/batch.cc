@@ -13,6 +13,7 @@
 #include "host/effect/module_file.h"
 #include "host/files/narrow_text.h"
 #include "host/files/program_folder.h"
+#include "host/files/work_file.h"
 #include "host/jobs/film_job.h"
 #include "host/jobs/film_record.h"
 #include "host/jobs/picture_list.h"
@@ -37,8 +38,6 @@ constexpr const char* kUsualKind = "mp4";
 #else
 constexpr const char* kUsualKind = "y4m";
 #endif
-/// Where the records of the films in a folder are.
-constexpr const char* kRecords = ".kelto";
 
 /// The options as they were typed; empty where nothing was.
 struct BatchOptions {
@@ -101,9 +100,11 @@ class Batch {
 
   void Run() {
     module_ = FindModule(options_.film.module);
-    std::error_code error;
-    fs::create_directories(fs::path(options_.folder), error);
-    if (error) throw Error(options_.folder + ": cannot be made a folder: " + error.message());
+    MakeFolders(options_.folder);
+    // Here, once for all the processes that make films.
+    for (const std::string& folder : {options_.folder, RecordFolderOf(options_.folder)}) {
+      RemoveAbandonedParts(folder);
+    }
     const int32_t jobs = JobsAsked(options_.film, CoreCount());
     if (Events()) {
       PrintEvent("start", {{"output", options_.folder},
@@ -145,7 +146,7 @@ class Batch {
     for (size_t i = 0; i < pictures.size(); ++i) {
       const fs::path folder = options_.folder;
       const Item item{pictures[i], NarrowText(folder / names[i]),
-                      NarrowText(folder / kRecords / (names[i] + ".json"))};
+                      NarrowText(fs::path(RecordFolderOf(options_.folder)) / (names[i] + ".json"))};
       if (options_.resume && IsMade(item, others)) {
         ++kept_;
       } else {
@@ -159,9 +160,9 @@ class Batch {
                      "choose another folder");
   }
 
-  /// Whether the film is there, of the picture as it is now and of all else that went into it. A
-  /// film has its name only when it is whole, and its record only after that. One made with other
-  /// options is added to `others`.
+  /// Whether the film is there as it was made, of the picture as it is now and of all else that
+  /// went into it. A film has its name only when it is whole, and its record only after that. One
+  /// made with other options is added to `others`.
   bool IsMade(const Item& item, std::vector<std::string>& others) const {
     std::error_code error;
     if (!fs::is_regular_file(item.film, error)) return false;
@@ -169,7 +170,7 @@ class Batch {
     if (!record) return false;
     if (!IsOf(*record, item.picture)) return false;
     if (record->options != words_) others.push_back(item.film);
-    return record->options == words_ && IsCurrent(*record);
+    return record->options == words_ && IsTheFilm(*record, item.film) && IsCurrent(*record);
   }
 
   void Make(const Item& item) const {
@@ -181,7 +182,7 @@ class Batch {
     job.request = RequestFor(item.film, plan);
     CheckJob(job);
     MakeOnRecord(item.record, RecordOf({item.picture, plan.photo, plan.over, plan.audio}, words_),
-                 [&] { MakeFilm(job, [](int32_t) {}); });
+                 item.film, [&] { MakeFilm(job, [](int32_t) {}); });
   }
 
   void Tell(const Item& item, const std::string& failure) {

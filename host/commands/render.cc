@@ -119,9 +119,11 @@ void Run(const RenderOptions& options, const CLI::App& command) {
     make();
   } else {
     const RenderPlan& plan = job.scene.plan;
+    const bool single = !job.kind->pictures && options.output != kStandardOutput;
+    const std::string film = single ? options.output : "";
     MakeOnRecord(options.record,
                  RecordOf({options.photo, plan.photo, plan.over, plan.audio}, WordsGiven(command)),
-                 make);
+                 film, make);
   }
   if (events) PrintEvent("done", {{"output", options.output}});
 }

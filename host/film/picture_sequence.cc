@@ -42,12 +42,15 @@ class PictureSequence : public FrameSink {
     if (!next_) next_ = std::make_unique<OutputFile>(PathOf(number_));
     const std::vector<uint8_t> file = Encode(frame);
     next_->Write(file.data(), file.size());
-    next_->Finish();
+    next_->Finish(FolderSync::kLater);
     next_.reset();
     ++number_;
   }
 
-  void Finish() override {}
+  // Once for all pictures: it takes as long for many as for one.
+  void Finish() override {
+    if (!pipe_) SyncFolderOf(PathOf(number_));
+  }
 
  private:
   std::string PathOf(int32_t number) const {

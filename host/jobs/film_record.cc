@@ -7,6 +7,7 @@
 #include <system_error>
 #include <utility>
 
+#include "host/base/error.h"
 #include "host/files/input_file.h"
 #include "host/files/narrow_text.h"
 #include "host/files/output_file.h"
@@ -19,6 +20,8 @@ using Json = nlohmann::ordered_json;
 
 /// Bytes; a few paths and options are some hundreds.
 constexpr uintmax_t kLargestRecord = 1 << 20;
+
+constexpr const char* kRecords = ".kelto";
 
 /// Paths are any bytes and JSON is UTF-8, so each byte is written as the character of its number.
 std::string ToText(const std::string& bytes) {
@@ -56,13 +59,24 @@ std::vector<std::string> ToTexts(const std::vector<std::string>& words) {
   return texts;
 }
 
+Json ToJson(const FilmRecord::Source& source) {
+  return {{"path", ToText(source.path)}, {"bytes", source.bytes}, {"time", source.time}};
+}
+
+FilmRecord::Source ToSource(const Json& json) {
+  const auto number = [&](const char* field) {
+    const Json& value = json.at(field);
+    return value.is_number_integer() ? value.get<int64_t>() : -1;  // no file's
+  };
+  return {ToBytes(json.at("path").get<std::string>()), number("bytes"), number("time")};
+}
+
 Json ToJson(const FilmRecord& record) {
   Json sources = Json::array();
-  for (const FilmRecord::Source& source : record.sources) {
-    sources.push_back(
-        {{"path", ToText(source.path)}, {"bytes", source.bytes}, {"time", source.time}});
-  }
-  return {{"sources", sources}, {"options", ToTexts(record.options)}};
+  for (const FilmRecord::Source& source : record.sources) sources.push_back(ToJson(source));
+  Json json{{"sources", sources}, {"options", ToTexts(record.options)}};
+  if (record.film) json["film"] = ToJson(*record.film);
+  return json;
 }
 
 FilmRecord::Source StateOf(const std::string& path) {
@@ -95,42 +109,55 @@ bool IsCurrent(const FilmRecord& record) {
                      [](const auto& source) { return StateOf(source.path) == source; });
 }
 
+bool IsTheFilm(const FilmRecord& record, const std::string& film) {
+  // A folder of films may have been moved as a whole.
+  const FilmRecord::Source now = StateOf(film);
+  return record.film && record.film->bytes == now.bytes && record.film->time == now.time;
+}
+
 std::optional<FilmRecord> ReadRecord(const std::string& path) {
   // The folder may be shared: what lies there under a record's name need not be one.
   std::error_code error;
   if (!IsFile(path) || fs::file_size(path, error) > kLargestRecord || error) return std::nullopt;
   std::ifstream file(path, std::ios::binary);
   if (!file) return std::nullopt;
-  const auto whole = [](const Json& number) {
-    return number.is_number_integer() ? number.get<int64_t>() : -1;  // no file's
-  };
   try {
     const Json json = Json::parse(file);
     FilmRecord record;
-    for (const Json& source : json.at("sources")) {
-      record.sources.push_back({ToBytes(source.at("path").get<std::string>()),
-                                whole(source.at("bytes")), whole(source.at("time"))});
-    }
+    for (const Json& source : json.at("sources")) record.sources.push_back(ToSource(source));
     for (const Json& word : json.at("options")) {
       record.options.push_back(ToBytes(word.get<std::string>()));
     }
+    if (json.contains("film")) record.film = ToSource(json.at("film"));
     return record;
   } catch (const Json::exception&) {
     return std::nullopt;
   }
 }
 
-void MakeOnRecord(const std::string& path, const FilmRecord& now,
+void MakeOnRecord(const std::string& path, const FilmRecord& now, const std::string& film,
                   const std::function<void()>& make) {
-  std::error_code ignored;
-  fs::remove(path, ignored);
+  std::error_code error;
+  if (fs::exists(fs::symlink_status(path, error)) && !fs::is_directory(path, error) &&
+      !ReadRecord(path)) {
+    throw Error(path + ": already exists and is not a film's record; give the record another name");
+  }
+  const fs::path folder = fs::path(path).parent_path();
+  MakeFolders(NarrowText(folder));
+  // Opened first, so that a place which cannot be written to is found before the work. Users may
+  // have links to folders; a batch's own is never one.
+  OutputFile file(path,
+                  folder.filename() == kRecords ? FolderLink::kRefused : FolderLink::kFollowed);
   make();
-  // A folder that is missing then is told of by the file.
-  fs::create_directories(fs::path(path).parent_path(), ignored);
-  OutputFile file(path);
-  const std::string text = ToJson(now).dump(2) + "\n";
+  FilmRecord record = now;
+  if (!film.empty()) record.film = StateOf(film);
+  const std::string text = ToJson(record).dump(2) + "\n";
   file.Write(text.data(), text.size());
   file.Finish();
+}
+
+std::string RecordFolderOf(const std::string& folder) {
+  return NarrowText(fs::path(folder) / kRecords);
 }
 
 }  // namespace kelto::host

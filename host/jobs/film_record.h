@@ -22,6 +22,8 @@ struct FilmRecord {
   std::vector<Source> sources;
   /// The options that settle what the film shows, as words of a command line.
   std::vector<std::string> options;
+  /// The film as it was when it was made; none where it is not a single file.
+  std::optional<Source> film{};
   bool operator==(const FilmRecord&) const = default;
 };
 
@@ -38,10 +40,20 @@ bool IsCurrent(const FilmRecord& record);
 /// The record in a file; nothing when there is none that can be read.
 std::optional<FilmRecord> ReadRecord(const std::string& path);
 
+/// Whether `film` is as it was when the record was written: not cut short, damaged or replaced
+/// since.
+bool IsTheFilm(const FilmRecord& record, const std::string& film);
+
 /// Makes a film by `make` and then writes the record at `path`, making its folder. `now` is to be
 /// taken before: a photograph that changes while its film is made must not pass for the one that
-/// the film shows. An older film's record goes first. Throws Error, and what `make` throws.
-void MakeOnRecord(const std::string& path, const FilmRecord& now,
+/// the film shows. `film` is the file that `make` writes; empty where it is not a single file.
+/// What is at `path` stays as it is until the film is made. Throws Error, before anything is made
+/// where `path` is something other than a record, or where the folder of records that a batch makes
+/// is a link; and what `make` throws.
+void MakeOnRecord(const std::string& path, const FilmRecord& now, const std::string& film,
                   const std::function<void()>& make);
+
+/// The folder for the records of the films in `folder`.
+std::string RecordFolderOf(const std::string& folder);
 
 }  // namespace kelto::host

@@ -199,6 +199,44 @@ TEST_F(BatchCommand, ResumedMakesTheFilmsOfPicturesThatChanged) {
   EXPECT_NE(after.at("scan0001.mp4"), before.at("scan0001.mp4"));
 }
 
+TEST_F(BatchCommand, ResumedMakesDamagedFilmsAgain) {
+  WritePictures(4);
+  EXPECT_EQ(RunKelto(Line()).code, 0);
+  const auto before = Written();
+  const std::string whole = BytesOf(films_ / "scan0001.mp4");
+  fs::resize_file(films_ / "scan0001.mp4", whole.size() / 2);
+  std::ofstream(films_ / "scan0002.mp4")
+      << std::string(BytesOf(films_ / "scan0002.mp4").size(), 'x');
+  fs::remove(films_ / "scan0003.mp4");
+  EXPECT_EQ(RunKelto(Line({"--resume"})).code, 0);
+  EXPECT_EQ(BytesOf(films_ / "scan0001.mp4"), whole);
+  EXPECT_NE(BytesOf(films_ / "scan0002.mp4").front(), 'x');
+  EXPECT_TRUE(fs::exists(films_ / "scan0003.mp4"));
+  EXPECT_EQ(Written().at("scan0000.mp4"), before.at("scan0000.mp4")) << "one that is as it was";
+}
+
+TEST_F(BatchCommand, ResumedClearsAwayWhatKilledProcessesLeft) {
+  WritePictures(6);
+  Command command(Line({"--jobs", "3", "--frames", "1000000"}));
+  for (int i = 0; i < 6000 && Films().size() < 3; ++i) std::this_thread::sleep_for(20ms);
+  const auto workers = ChildrenOf(command.Process());
+  for (const pid_t worker : workers) kill(worker, SIGKILL);
+  command.Signal(SIGKILL);
+  command.Wait();
+  for (const pid_t worker : workers) {
+    for (int i = 0; i < 1000 && IsRunning(worker); ++i) std::this_thread::sleep_for(10ms);
+  }
+  ASSERT_GE(Films().size(), 3u) << "nothing to clear away";
+  const auto parts = [&] { return fs::directory_iterator(films_ / ".kelto"); };
+  EXPECT_NE(parts(), fs::directory_iterator());
+  // Of other pictures, so that no process writes to the same names.
+  for (const auto& entry : fs::directory_iterator(photos_ / "")) fs::remove(entry.path());
+  WriteBytes(photos_ / "new.jpg", Jpeg(64, 48));
+  EXPECT_EQ(RunKelto(Line({"--resume"})).code, 0);
+  EXPECT_THAT(Films(), ElementsAre("new.mp4"));
+  EXPECT_EQ(std::distance(begin(parts()), end(parts())), 1);
+}
+
 TEST_F(BatchCommand, ResumedWithOtherOptionsSaysSoAndChangesNothing) {
   WritePictures(3);
   EXPECT_EQ(RunKelto(Line()).code, 0);

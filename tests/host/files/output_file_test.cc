@@ -4,15 +4,21 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <csignal>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <set>
 
 #include "host/base/error.h"
+#include "host/files/part_name.h"
 #include "tests/support/photo.h"
 
 namespace kelto::host {
@@ -117,16 +123,200 @@ TEST(OutputFile, WritesAgainWhereItSeeksTo) {
   EXPECT_EQ(Content(folder / "film"), "aXYdef");
 }
 
-TEST(OutputFile, FollowsASymbolicLinkAndLeavesItInPlace) {
+TEST(OutputFile, ReplacesASymbolicLinkAndNotWhatItLeadsTo) {
   const TempFolder folder;
   fs::create_directory(folder / "elsewhere");
   Put(folder / "elsewhere/film", "old");
-  fs::create_symlink("elsewhere/film", folder / "link");
-  OutputFile file(folder / "link");
+  for (const char* target : {"elsewhere/film", "elsewhere/none", "link"}) {
+    fs::remove(folder / "link");
+    fs::create_symlink(target, folder / "link");
+    OutputFile file(folder / "link");
+    file.Write("new", 3);
+    file.Finish();
+    EXPECT_FALSE(fs::is_symlink(folder / "link")) << target;
+    EXPECT_EQ(Content(folder / "link"), "new") << target;
+  }
+  EXPECT_EQ(Content(folder / "elsewhere/film"), "old");
+  EXPECT_FALSE(fs::exists(folder / "elsewhere/none"));
+}
+
+TEST(OutputFile, DoesNotFollowALinkThatIsPutInItsPlaceMeanwhile) {
+  const TempFolder folder;
+  Put(folder / "precious", "old");
+  OutputFile file(folder / "film");
   file.Write("new", 3);
+  fs::create_symlink("precious", folder / "film");
   file.Finish();
-  EXPECT_TRUE(fs::is_symlink(folder / "link"));
-  EXPECT_EQ(Content(folder / "elsewhere/film"), "new");
+  EXPECT_EQ(Content(folder / "precious"), "old");
+  EXPECT_EQ(Content(folder / "film"), "new");
+}
+
+TEST(OutputFile, WritesIntoTheFolderThatItHasOpened) {
+  const TempFolder folder;
+  fs::create_directory(folder / "films");
+  fs::create_directory(folder / "precious");
+  OutputFile file(folder / "films/film");
+  file.Write("new", 3);
+  fs::rename(folder / "films", folder / "moved");
+  fs::create_symlink("precious", folder / "films");
+  file.Finish();
+  EXPECT_EQ(Content(folder / "moved/film"), "new");
+  EXPECT_TRUE(fs::is_empty(folder / "precious"));
+}
+
+/// Does `work` as a user without privileges, where this one has some; its failed assertions count.
+template <typename Work>
+void AsAnybody(const TempFolder& folder, const Work& work) {
+  constexpr uid_t kAnybody = 65534;
+  if (geteuid() != 0) GTEST_SKIP() << "only root has other users";
+  const pid_t process = fork();
+  ASSERT_GE(process, 0);
+  if (process == 0) {
+    if (setgid(kAnybody) != 0 || setuid(kAnybody) != 0) _exit(2);
+    work();
+    _exit(testing::Test::HasFailure() ? 1 : 0);
+  }
+  int status = -1;
+  ASSERT_EQ(waitpid(process, &status, 0), process);
+  EXPECT_EQ(status, 0) << "see above; in " << folder / "";
+}
+
+TEST(OutputFile, RefusesInAStickyFolderWhatIsAnotherUsers) {
+  const TempFolder folder;
+  const fs::path shared = folder / "";
+  fs::permissions(shared, fs::perms::all | fs::perms::sticky_bit);
+  Put(folder / "precious", "old");
+  fs::create_symlink("precious", folder / "planted");
+  Put(folder / "film", "old");
+  AsAnybody(folder, [&] {
+    EXPECT_THAT(ErrorOf(folder / "planted"), HasSubstr("is another user's"));
+    EXPECT_THAT(ErrorOf(folder / "film"), HasSubstr("is another user's"));
+    OutputFile file(folder / "own");
+    file.Finish();
+    EXPECT_EQ(ErrorOf(folder / "own"), "none");
+  });
+  EXPECT_EQ(Content(folder / "precious"), "old");
+}
+
+mode_t ModeOf(const std::string& path) {
+  struct stat status {};
+  EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+  return status.st_mode & 07777;
+}
+
+TEST(OutputFile, KeepsThePermissionsOfTheFileThatItReplaces) {
+  const TempFolder folder;
+  const mode_t before = umask(022);
+  for (const mode_t mode : {0600, 0640, 0444, 0666, 0755}) {
+    Put(folder / "film", "old");
+    ASSERT_EQ(chmod((folder / "film").c_str(), mode), 0);
+    OutputFile file(folder / "film");
+    EXPECT_EQ(ModeOf(file.WorkPath().string()), 0600u) << "while it is written";
+    file.Finish();
+    EXPECT_EQ(ModeOf(folder / "film"), mode);
+    fs::remove(folder / "film");
+  }
+  OutputFile(folder / "film").Finish();
+  EXPECT_EQ(ModeOf(folder / "film"), 0644u) << "of a new one";
+  fs::create_symlink("film", folder / "link");
+  ASSERT_EQ(chmod((folder / "film").c_str(), 0600), 0);
+  OutputFile(folder / "link").Finish();
+  EXPECT_EQ(ModeOf(folder / "link"), 0644u) << "not those behind a link";
+  umask(before);
+}
+
+TEST(OutputFile, KeepsTheOwnerOfTheFileThatItReplaces) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root may give files away";
+  const TempFolder folder;
+  Put(folder / "film", "old");
+  ASSERT_EQ(chown((folder / "film").c_str(), 1234, 2345), 0);
+  OutputFile(folder / "film").Finish();
+  struct stat status {};
+  ASSERT_EQ(stat((folder / "film").c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, 1234u);
+  EXPECT_EQ(status.st_gid, 2345u);
+}
+
+/// A file that a run leaves which is killed while it writes.
+void LeaveAPart(const std::string& name) {
+  const pid_t process = fork();
+  ASSERT_GE(process, 0);
+  if (process == 0) {
+    OutputFile file(name);
+    file.Write("half", 4);
+    kill(getpid(), SIGKILL);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(process, &status, 0), process);
+  ASSERT_TRUE(WIFSIGNALED(status));
+}
+
+TEST(OutputFile, ClearsAwayWhatKilledRunsHaveLeft) {
+  const TempFolder folder;
+  LeaveAPart(folder / "film");
+  LeaveAPart(folder / "other film");
+  EXPECT_EQ(FilesIn(folder), 2);
+  RemoveAbandonedParts(folder / "");
+  EXPECT_EQ(FilesIn(folder), 0);
+}
+
+TEST(OutputFile, LeavesAloneWhatOthersStillWrite) {
+  const TempFolder folder;
+  OutputFile first(folder / "film");
+  first.Write("first", 5);
+  // Another process, since one looks only once.
+  const pid_t process = fork();
+  ASSERT_GE(process, 0);
+  if (process == 0) {
+    RemoveAbandonedParts(folder / "");
+    OutputFile second(folder / "film");
+    second.Write("second", 6);
+    second.Finish();
+    _exit(0);
+  }
+  int status = -1;
+  ASSERT_EQ(waitpid(process, &status, 0), process);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(Content(folder / "film"), "second");
+  first.Finish();
+  EXPECT_EQ(Content(folder / "film"), "first");
+}
+
+TEST(OutputFile, LeavesAloneWhatOnlyLooksLikeItsOwn) {
+  const TempFolder folder;
+  const std::string own = NewPartName("film");
+  ASSERT_TRUE(IsPartName(own));
+  EXPECT_TRUE(IsPartOfThisMachine(own));
+  std::string another = own;  // machine
+  char& letter = another[another.find("kelto-") + 6];
+  letter = letter == 'a' ? 'b' : 'a';
+  EXPECT_TRUE(IsPartName(another));
+  EXPECT_FALSE(IsPartOfThisMachine(another));
+  std::set<std::string> kept{"film.part",
+                             ".film.part",
+                             ".film.mp4.abcdefgh.part",
+                             another,
+                             ".kelto-0000aaaaaaaa.part",
+                             ".film.kelto-0000AAAAAAAA.part"};
+  for (const std::string& name : kept) Put(folder / name, "x");
+  fs::create_directory(folder / NewPartName("a folder"));
+  fs::create_symlink("film.part", folder / NewPartName("a link"));
+  Put(folder / own, "x");
+  RemoveAbandonedParts(folder / "");
+  EXPECT_FALSE(fs::exists(folder / own));
+  for (const std::string& name : kept) EXPECT_TRUE(fs::exists(folder / name)) << name;
+  EXPECT_EQ(FilesIn(folder), static_cast<int>(kept.size()) + 2);
+}
+
+TEST(OutputFile, ClearsAwayAnotherMachinesAfterADay) {
+  const TempFolder folder;
+  std::string another = NewPartName("film");
+  char& letter = another[another.find("kelto-") + 6];
+  letter = letter == 'a' ? 'b' : 'a';
+  Put(folder / another, "x");
+  fs::last_write_time(folder / another, fs::file_time_type::clock::now() - std::chrono::hours(25));
+  RemoveAbandonedParts(folder / "");
+  EXPECT_EQ(FilesIn(folder), 0);
 }
 
 TEST(OutputFile, TakesNamesThatAreAsLongAsNamesCanBe) {
@@ -164,12 +354,19 @@ TEST(OutputFile, NeverReplacesADevice) {
   EXPECT_THAT(ErrorOf(folder / "link"), HasSubstr("not an ordinary file"));
 }
 
-TEST(OutputFile, RefusesLinksThatLeadInACircle) {
+TEST(OutputFile, NeverReplacesTheStandardOutputsLink) {
   const TempFolder folder;
-  fs::create_symlink("b", folder / "a");
-  fs::create_symlink("a", folder / "b");
-  EXPECT_NE(ErrorOf(folder / "a"), "none");
-  EXPECT_EQ(FilesIn(folder), 2);
+  Put(folder / "redirected", "");
+  fs::create_symlink("redirected", folder / "stdout");
+  const int kept = dup(STDOUT_FILENO);
+  std::fflush(stdout);
+  const int file = open((folder / "redirected").c_str(), O_WRONLY);
+  ASSERT_GE(dup2(file, STDOUT_FILENO), 0);
+  const std::string error = ErrorOf(folder / "stdout");
+  dup2(kept, STDOUT_FILENO);
+  close(kept);
+  close(file);
+  EXPECT_THAT(error, HasSubstr("write to the standard output (-)"));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 
@@ -19,19 +20,51 @@ TEST(FilmRecord, SurvivesAFileWithNamesOfAnyBytes) {
   std::ofstream(photo) << "12345";
   const FilmRecord record = RecordOf({photo}, {"--size", "96x64", "\xfe\"\\\n"});
   EXPECT_EQ(record.sources.at(0).bytes, 5);
-  MakeOnRecord(folder / "records/film.mp4.json", record, [] {});
+  MakeOnRecord(folder / "records/film.mp4.json", record, "", [] {});
   EXPECT_EQ(ReadRecord(folder / "records/film.mp4.json"), record);
 }
 
-TEST(FilmRecord, IsThereOnlyOnceTheFilmIs) {
+TEST(FilmRecord, StaysUntilTheNextFilmIsMade) {
   const test::TempFolder folder;
   const std::string path = folder / "film.mp4.json";
   const FilmRecord older{{{"older.jpg", 1, 2}}, {}}, newer{{{"newer.jpg", 3, 4}}, {}};
-  MakeOnRecord(path, older, [] {});
-  MakeOnRecord(path, newer, [&] { EXPECT_EQ(ReadRecord(path), std::nullopt); });
-  EXPECT_EQ(ReadRecord(path), newer);
-  EXPECT_THROW(MakeOnRecord(path, older, [] { throw Error("no film"); }), Error);
+  EXPECT_THROW(MakeOnRecord(path, older, "", [] { throw Error("no film"); }), Error);
   EXPECT_EQ(ReadRecord(path), std::nullopt);
+  MakeOnRecord(path, older, "", [] {});
+  EXPECT_THROW(MakeOnRecord(path, newer, "", [] { throw Error("no film"); }), Error);
+  EXPECT_EQ(ReadRecord(path), older) << "the older film is still there";
+  MakeOnRecord(path, newer, "", [&] { EXPECT_EQ(ReadRecord(path), older); });
+  EXPECT_EQ(ReadRecord(path), newer);
+}
+
+TEST(FilmRecord, KnowsAFilmThatIsNoLongerAsItWasMade) {
+  const test::TempFolder folder;
+  const std::string path = folder / "film.mp4.json", film = folder / "film.mp4";
+  MakeOnRecord(path, {}, film, [&] { std::ofstream(film) << "film"; });
+  const auto record = ReadRecord(path);
+  ASSERT_TRUE(record.has_value());
+  EXPECT_TRUE(IsTheFilm(*record, film));
+  const auto time = std::filesystem::last_write_time(film);
+  std::ofstream(film) << "FILM";
+  std::filesystem::last_write_time(film, time + std::chrono::seconds(1));
+  EXPECT_FALSE(IsTheFilm(*record, film)) << "of the same size";
+  std::ofstream(film) << "fil";
+  std::filesystem::last_write_time(film, time);
+  EXPECT_FALSE(IsTheFilm(*record, film)) << "of the same time";
+  std::filesystem::remove(film);
+  EXPECT_FALSE(IsTheFilm(*record, film)) << "gone";
+  EXPECT_FALSE(IsTheFilm({}, film)) << "one that the record says nothing of";
+}
+
+TEST(FilmRecord, ReplacesNothingButARecord) {
+  const test::TempFolder folder;
+  const auto make = [] { FAIL() << "a film was made for a record that cannot be written"; };
+  std::ofstream(folder / "letter.txt") << "Dear diary";
+  EXPECT_THROW(MakeOnRecord(folder / "letter.txt", {}, "", make), Error);
+  EXPECT_EQ(std::filesystem::file_size(folder / "letter.txt"), 10u);
+  std::filesystem::create_directory(folder / "empty");
+  EXPECT_THROW(MakeOnRecord(folder / "empty", {}, "", make), Error);
+  EXPECT_TRUE(std::filesystem::is_directory(folder / "empty"));
 }
 
 TEST(FilmRecord, IsOutOfDateWhenAnythingChangesThatWentIntoTheFilm) {
