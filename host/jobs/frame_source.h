@@ -3,10 +3,12 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "host/base/film_format.h"
+#include "host/files/held_file.h"
 #include "host/options/frame_range.h"
 #include "host/plan/render_plan.h"
 
@@ -30,6 +32,8 @@ class FrameSource {
 struct Scene {
   RenderPlan plan;
   FrameRange part;
+  /// The files that the plan names, as NoteFiles found them; none for those that are not there.
+  std::optional<FileState> photo{}, over{};
 };
 
 /// Scenes to be rendered one after the other; all of one frame size.
@@ -38,6 +42,9 @@ struct SceneList {
   PixelLayout layout = PixelLayout::kYCbYCr;
   std::vector<Scene> scenes;
 };
+
+/// Notes which photos and videos the scenes are made of, so that all who render them use the same.
+void NoteFiles(SceneList& list);
 
 /// Renders in this process. Nothing is opened before the first frame is asked for.
 std::unique_ptr<FrameSource> RenderHere(SceneList list);

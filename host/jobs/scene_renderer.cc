@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "host/base/error.h"
 #include "host/effect/photo.h"
 #include "host/terminal/interrupt.h"
 
@@ -32,10 +33,15 @@ class LocalFrames : public FrameSource {
 SceneRenderer::SceneRenderer(SceneList list, std::function<bool()> aborted)
     : list_(std::move(list)), aborted_(std::move(aborted)), open_(list_.scenes.size()) {}
 
-FrameView SceneRenderer::Render(size_t scene, int32_t number) { return Open(scene).Render(number); }
+FrameView SceneRenderer::Render(size_t scene, int32_t number) {
+  const FrameView frame = Open(scene).Render(number);
+  Settle();
+  return frame;
+}
 
 void SceneRenderer::RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, size_t scene, int32_t number) {
   Open(scene).RenderInto(pixels, rowBytes, number);
+  Settle();
 }
 
 EffectSession& SceneRenderer::Open(size_t scene) {
@@ -44,14 +50,40 @@ EffectSession& SceneRenderer::Open(size_t scene) {
   session_.reset();
   open_ = list_.scenes.size();
   const RenderPlan& plan = list_.scenes[scene].plan;
-  session_ =
-      std::make_unique<EffectSession>(list_.module, plan, OpenPhoto(plan.photo), list_.layout);
+  photo_ = std::make_unique<HeldFile>(plan.photo);
+  Photo photo = OpenPhoto(plan.photo);
+  photo.path = photo_->Path();
+  session_ = std::make_unique<EffectSession>(list_.module, plan, photo, list_.layout);
   session_->SetAbortQuery(aborted_);
+  CheckFiles(list_.scenes[scene]);
+  settled_ = false;
   open_ = scene;
   return *session_;
 }
 
+void SceneRenderer::Settle() {
+  // The first frame may have the effect load the photo again: for fields, or other levels.
+  if (!std::exchange(settled_, true)) CheckFiles(list_.scenes[open_]);
+}
+
+void SceneRenderer::CheckFiles(const Scene& scene) const {
+  const auto check = [](const std::string& name, bool same) {
+    if (!same)
+      throw Error(name + ": was changed or replaced while the film was made; make it again");
+  };
+  check(scene.plan.photo, photo_->State() == scene.photo);
+  check(scene.plan.over, FileStateOf(scene.plan.over) == scene.over);
+}
+
+void NoteFiles(SceneList& list) {
+  for (Scene& scene : list.scenes) {
+    scene.photo = FileStateOf(scene.plan.photo);
+    scene.over = FileStateOf(scene.plan.over);
+  }
+}
+
 std::unique_ptr<FrameSource> RenderHere(SceneList list) {
+  NoteFiles(list);
   return std::make_unique<LocalFrames>(std::move(list));
 }
 

@@ -10,10 +10,13 @@
 namespace kelto::host {
 
 /// Renders any frame of a list's scenes; holds one session at a time, so scenes are best asked for
-/// in their order. Operations throw Error.
+/// in their order. Operations throw Error; so they do where a scene's photo or video is not the
+/// file that NoteFiles has noted, or has changed since: frames of a film that are rendered in
+/// several places must not show different photos.
 class SceneRenderer {
  public:
-  /// `aborted` is asked while frames render; once it answers true, Render throws.
+  /// NoteFiles has seen `list`. `aborted` is asked while frames render; once it answers true,
+  /// Render throws.
   SceneRenderer(SceneList list, std::function<bool()> aborted);
 
   /// Frame `number` of a scene's film. The view holds until the next call.
@@ -23,11 +26,17 @@ class SceneRenderer {
 
  private:
   EffectSession& Open(size_t scene);
+  /// To be called when a frame has been rendered.
+  void Settle();
+  /// Throws unless the files that the session of `scene` has read are those noted.
+  void CheckFiles(const Scene& scene) const;
 
   SceneList list_;
   std::function<bool()> aborted_;
   size_t open_;  ///< the scene of session_
+  std::unique_ptr<HeldFile> photo_;
   std::unique_ptr<EffectSession> session_;
+  bool settled_ = false;  ///< whether the session has read all that it needs of the photo
 };
 
 /// Frame `index` of all scenes' frames: which scene's, and which of its film.

@@ -100,6 +100,7 @@ class WorkerFrames : public FrameSource {
 }  // namespace
 
 std::unique_ptr<FrameSource> RenderInWorkers(SceneList list, int32_t workers) {
+  NoteFiles(list);
   return std::make_unique<WorkerFrames>(std::move(list), workers);
 }
 
