@@ -64,3 +64,7 @@ void DisposeGWorld(GWorldPtr world);
 /// Extension: one line that says why the last operation failed, for hosts that want to tell; empty
 /// when it did not.
 const char* StillImporterLastError();
+
+/// Extension: one line on what of an open file the picture will be drawn without, a colour profile
+/// that is damaged or of another kind of picture; empty when nothing.
+const char* StillImporterFlaw(GraphicsImportComponent importer);

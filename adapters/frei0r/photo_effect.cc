@@ -8,6 +8,7 @@
 #include <new>
 #include <utility>
 
+#include "adapters/frei0r/console.h"
 #include "adapters/frei0r/effect_file.h"
 #include "host/base/error.h"
 #include "host/effect/effect_settings.h"
@@ -78,6 +79,7 @@ void PhotoEffect::TryToLoad() {
 
 void PhotoEffect::Load() {
   const host::Photo photo = host::OpenPhoto(photo_);
+  if (const auto flaw = host::FindFlaw(photo)) SayOnce(*flaw);
   module_ = LoadedModule();
   std::string error;
   effect_ = hfx::Effect::Create(*module_, kFirstModel, &error);

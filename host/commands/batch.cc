@@ -120,7 +120,8 @@ class Batch {
                   progress.Show(++over_);
                 },
                 [&](size_t index, const std::string& text) {
-                  PrintMessage(items_[index].picture + ": " + text);
+                  const std::string& picture = items_[index].picture;
+                  PrintMessage(text.starts_with(picture) ? text : picture + ": " + text);
                 }},
                jobs);
     }
@@ -214,6 +215,7 @@ class Batch {
     if (!options_.film.module.empty()) {
       task.insert(task.end(), {"--module", Absolute(options_.film.module)});
     }
+    if (options_.film.strict) task.emplace_back("--strict");
     task.insert(task.end(), words_.begin(), words_.end());
     return task;
   }

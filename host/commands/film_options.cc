@@ -22,9 +22,9 @@ constexpr const char* kFiles = "Files";
 constexpr int64_t kMaxJobs = 256;
 
 /// Options that leave a film as it is.
-constexpr std::array kSettleNoPicture = {"output",       "format", "module", "jobs",
-                                         "quiet",        "json",   "record", "resume",
-                                         "save-project", "plan",   "help",   "help-all"};
+constexpr std::array kSettleNoPicture = {"output", "format", "module",  "jobs",         "quiet",
+                                         "json",   "record", "resume",  "save-project", "strict",
+                                         "plan",   "help",   "help-all"};
 
 bool NamesFile(const std::string& option) { return option == "audio" || option == "over"; }
 
@@ -66,7 +66,8 @@ int32_t ParseJobs(const std::string& text) {
 void DeclareOutput(CLI::App& command, std::string& output) {
   command
       .add_option("-o,--output", output,
-                  "The film, replaced if it is there; - writes to the standard output")
+                  "The film, replaced if it is there, as is a symbolic link of that name; - writes "
+                  "to the standard output")
       ->group(kFiles)
       ->type_name("FILE")
       ->check(FileText)
@@ -94,11 +95,18 @@ void DeclareFilm(CLI::App& command, FilmOptions& options, const std::string& job
                 "\"progress\", \"message\", \"film\", \"error\", \"done\"")
       ->group(kWork)
       ->excludes("--quiet");
+  command
+      .add_flag("--strict", options.strict,
+                "Make no film that would be other than meant: fail where there would be a warning, "
+                "such as of a damaged colour profile, or of sound or a video behind the photo that "
+                "ends before the film")
+      ->group(kWork);
 }
 
 void ApplyReporting(const FilmOptions& options) {
   if (options.quiet) SetReporting(Reporting::kQuiet);
   if (options.json) SetReporting(Reporting::kJson);
+  SetStrict(options.strict);
 }
 
 int32_t JobsAsked(const FilmOptions& options, int32_t usual) {

@@ -16,7 +16,7 @@ namespace kelto::host {
 /// The options as they were typed; empty where nothing was.
 struct FilmOptions {
   std::string format, codec, module, jobs;
-  bool quiet = false, json = false;
+  bool quiet = false, json = false, strict = false;
 };
 
 /// Declares the name of the one film that `command` makes, to be parsed into `output`, which must
@@ -27,7 +27,7 @@ void DeclareOutput(CLI::App& command, std::string& output);
 /// `jobs` is the help text of --jobs.
 void DeclareFilm(CLI::App& command, FilmOptions& options, const std::string& jobs);
 
-/// Sets how the command reports from now on.
+/// Sets how the command reports from now on, and whether warnings are errors.
 void ApplyReporting(const FilmOptions& options);
 
 /// The number of --jobs, or `usual` when it was not given. Throws UsageError.

@@ -108,7 +108,7 @@ void Check(const SlideshowOptions& options, const std::vector<std::string>& pict
   for (const RenderPlan& plan : show.plans) sources.insert({plan.photo, plan.over});
   CheckFilm(*show.kind, show.request, {sources.begin(), sources.end()});
   ForEachPhoto(show.plans, [&](const RenderPlan& plan) {
-    OpenPhoto(plan.photo);
+    CheckPhoto(plan.photo);
     const FilmFormat &format = plan.format, &film = show.request.format;
     if (format.size != film.size || format.rate != film.rate || format.fields != film.fields ||
         format.DisplayAspect() != film.DisplayAspect() || plan.frames != show.each) {
@@ -134,7 +134,7 @@ void TellOfLostSound(const SlideshowOptions& options, const std::vector<std::str
       others == 0   ? ": its sound is"
       : others == 1 ? " and another project: their sound is"
                     : " and " + std::to_string(others) + " other projects: their sound is";
-  PrintMessage(*projects.begin() + whose + " left out; give the show its sound with --audio");
+  Warn(*projects.begin() + whose + " left out; give the show its sound with --audio");
 }
 
 void Run(const SlideshowOptions& options) {

@@ -123,4 +123,11 @@ std::optional<std::string> FindFault(const Photo& photo) {
   return Reason(photo.path);
 }
 
+std::optional<std::string> FindFlaw(const Photo& photo) {
+  const Importer importer = OpenImporter(photo.path);
+  const std::string flaw = importer ? StillImporterFlaw(importer.get()) : "";
+  if (flaw.empty()) return std::nullopt;
+  return photo.given + ": " + flaw + "; its colours are taken for sRGB";
+}
+
 }  // namespace kelto::host

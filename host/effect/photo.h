@@ -28,6 +28,10 @@ std::vector<uint8_t> DecodePhoto(const Photo& photo);
 /// Decodes the photo to find out why it could not be drawn; nothing when it could.
 std::optional<std::string> FindFault(const Photo& photo);
 
+/// What of the file the picture is shown without, such as a damaged colour profile; nothing when it
+/// is shown as it is meant.
+std::optional<std::string> FindFlaw(const Photo& photo);
+
 /// The shorter of `path` and its absolute or relative form.
 std::string ShortestForm(const std::string& path);
 

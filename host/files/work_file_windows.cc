@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <set>
 #include <system_error>
 #include <vector>
 
@@ -35,7 +36,9 @@ WorkFile::WorkFile(const std::string& name, FolderLink) : name_(name) {
   if (!fs::exists(folder, error)) {
     throw Error(name_ + ": there is no folder " + NarrowText(folder) + "; make it first");
   }
-  RemoveAbandonedParts(folder);
+  // Once for each folder: films of numbered pictures have many files in one.
+  static auto& cleared = *new std::set<fs::path>;
+  if (cleared.insert(fs::absolute(folder, error)).second) RemoveAbandonedParts(folder);
   place_ = std::make_unique<Place>();
   place_->path = path;
   workPath_ = path.parent_path() / NewPartName(NarrowText(path.filename()));

@@ -1,8 +1,10 @@
 #include "host/film/sound_encoder.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "host/base/error.h"
+#include "host/terminal/terminal.h"
 
 namespace kelto::host {
 namespace {
@@ -125,6 +127,9 @@ bool SoundEncoder::Decode() {
     // Damaged packets are passed over, as players do.
     code = avcodec_send_packet(decoder_.get(), more ? read_.get() : nullptr);
     if (code == AVERROR(ENOMEM)) throw std::bad_alloc();
+    if (more && code < 0 && code != AVERROR(EAGAIN) && !std::exchange(damageTold_, true)) {
+      Warn(source_->Path() + ": some of its sound is damaged and is left out");
+    }
   }
 }
 

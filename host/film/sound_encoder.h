@@ -65,6 +65,7 @@ class SoundEncoder : public SoundPackets {
   int64_t silence_ = 0;  ///< samples of silence to queue before the frame decoded
   int64_t early_ = 0;    ///< samples to drop, since they sound before the film
   bool holdsFrame_ = false, begun_ = false, sourceEnded_ = false, drained_ = false;
+  bool damageTold_ = false;
 };
 
 }  // namespace kelto::host

@@ -1,12 +1,14 @@
 #include "host/film/sound_track.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <iterator>
 #include <utility>
 
 #include "host/base/error.h"
 #include "host/film/sound_encoder.h"
 #include "host/film/sound_source.h"
+#include "host/terminal/terminal.h"
 
 namespace kelto::host {
 namespace {
@@ -44,12 +46,25 @@ class Track : public SoundTrack {
 
   void WriteUntil(int64_t frame) override {
     while (more_ && av_compare_ts(packet_->pts, timeBase_, frame, request_.frameTime) < 0) {
+      heardUntil_ = std::max(heardUntil_, packet_->pts + packet_->duration);
       if (Belongs(*packet_)) Write(*packet_);
       more_ = packets_->Read(*packet_);
     }
+    if (!more_ && !std::exchange(overTold_, true)) WarnOfEarlyEnd();
   }
 
  private:
+  void WarnOfEarlyEnd() const {
+    const double seconds = static_cast<double>(heardUntil_) * av_q2d(timeBase_);
+    const double film = static_cast<double>(request_.frames) * av_q2d(request_.frameTime);
+    // Packets are of many lengths, and not all files say which.
+    if (seconds + av_q2d(request_.frameTime) + 0.1 >= film) return;
+    char text[80];
+    std::snprintf(text, sizeof text, ": its sound ends after %.2f of the film's %.2f seconds",
+                  seconds, film);
+    Warn(request_.file + text + "; the rest is silent");
+  }
+
   bool Belongs(const AVPacket& packet) const {
     if (packet.pts + delay_ >= end_) return false;
     if (packet.pts >= 0) return true;
@@ -88,6 +103,8 @@ class Track : public SoundTrack {
   bool mayStartEarly_ = false;
   int64_t delay_ = 0;  ///< added to times as written
   bool more_ = false;
+  int64_t heardUntil_ = 0;  ///< in units of timeBase_
+  bool overTold_ = false;   ///< whether the sound's end has been seen to
 };
 
 /// Coded sound that players take from MP4 and QuickTime files. The library says yes to more: to

@@ -49,10 +49,14 @@ void CheckFilm(const FilmKind& kind, const FilmRequest& request,
   }
 }
 
+void CheckPhoto(const std::string& path) {
+  if (const auto flaw = FindFlaw(OpenPhoto(path))) Warn(*flaw);
+}
+
 void CheckJob(const FilmJob& job) {
   const RenderPlan& plan = job.scene.plan;
   CheckFilm(*job.kind, job.request, {plan.photo, plan.over, job.request.audio});
-  OpenPhoto(plan.photo);
+  CheckPhoto(plan.photo);
 }
 
 void MakeFilm(const FilmJob& job, const std::function<void(int32_t done)>& shown) {

@@ -35,6 +35,9 @@ std::string SoundFor(const RenderPlan& plan, const FilmKind& kind);
 void CheckFilm(const FilmKind& kind, const FilmRequest& request,
                const std::vector<std::string>& sources);
 
+/// Throws Error when there is no such photo; warns of what it will be shown without.
+void CheckPhoto(const std::string& path);
+
 /// Throws what can be known to go wrong before any work: UsageError or Error.
 void CheckJob(const FilmJob& job);
 

@@ -123,29 +123,32 @@ ColorConverter::ColorConverter(std::span<const uint8_t> icc, ColorModel model, P
       cmsOpenProfileFromMemTHR(context, icc.data(), static_cast<cmsUInt32Number>(icc.size())));
   const Profile srgb(cmsCreate_sRGBProfileTHR(context));
   context_->CheckMemory();
+  ignores_profile_ = true;
   if (!profile || !srgb) return;
 
   const uint32_t space = ColorSpaceOf(icc);
   if (space == cmsSigGrayData && model == ColorModel::kGrey) {
-    BuildGreyTable(profile.get(), srgb.get());
+    ignores_profile_ = !BuildGreyTable(profile.get(), srgb.get());
   } else if ((space == cmsSigRgbData && model != ColorModel::kCmyk) ||
              (space == cmsSigCmykData && model == ColorModel::kCmyk)) {
     if (space == cmsSigRgbData && IsSrgbInEffect(profile.get(), srgb.get())) {
       context_->CheckMemory();
+      ignores_profile_ = false;
       return;
     }
     transform_ = MakeTransform(profile.get(), LcmsType(format), srgb.get());
+    ignores_profile_ = transform_ == nullptr;
   }
   context_->CheckMemory();
 }
 
-void ColorConverter::BuildGreyTable(void* profile, void* srgb) {
+bool ColorConverter::BuildGreyTable(void* profile, void* srgb) {
   const bool words = format_ == PixelFormat::kRgba16;
   // Unoptimized, since the optimized form interpolates between 33 levels: too few for shadows.
   const Transform transform(
       cmsCreateTransformTHR(Raw(*context_), profile, words ? TYPE_GRAY_16 : TYPE_GRAY_8, srgb,
                             TYPE_BGRA_8, kIntent, kFlags | cmsFLAGS_NOOPTIMIZE));
-  if (!transform) return;
+  if (!transform) return false;
   const uint32_t count = words ? 65536 : 256;
   std::vector<uint16_t> level_words(words ? count : 0);
   std::vector<uint8_t> level_bytes(words ? 0 : count), table(count * size_t{4});
@@ -160,6 +163,7 @@ void ColorConverter::BuildGreyTable(void* profile, void* srgb) {
     for (size_t c = 0; c < 3; ++c) changes |= std::abs(table[v * size_t{4} + c] - plain) > 1;
   }
   if (changes) grey_ = std::move(table);
+  return true;
 }
 
 void ColorConverter::Convert(const void* from, uint8_t* to, uint32_t pixels) const {

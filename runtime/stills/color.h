@@ -34,13 +34,17 @@ class ColorConverter {
 
   /// Whether colours change; not so without a profile and with one that is sRGB in effect.
   bool has_profile() const { return transform_ != nullptr || !grey_.empty(); }
+  /// Whether there is a profile that is not used since it is damaged or of another colour model.
+  bool ignores_profile() const { return ignores_profile_; }
   /// `from` and `to` may be the same row in kBgra8.
   void Convert(const void* from, uint8_t* to, uint32_t pixels) const;
 
  private:
-  void BuildGreyTable(void* profile, void* srgb);
+  /// False when the profile makes no transform.
+  bool BuildGreyTable(void* profile, void* srgb);
 
   PixelFormat format_;
+  bool ignores_profile_ = false;
   std::shared_ptr<LcmsContext> context_;
   std::shared_ptr<void> transform_;  ///< of Little CMS; goes before its context
   std::vector<uint8_t> grey_;        ///< B, G, R, A of every grey, 256 or 65536 of them

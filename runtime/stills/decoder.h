@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "runtime/stills/color.h"
 #include "runtime/stills/still_file.h"
 
 namespace kelto::stills {
@@ -15,6 +16,8 @@ struct StillInfo {
   uint32_t width = 0, height = 0;  ///< as stored, before orientation
   int orientation = 1;             ///< 1 to 8, as in EXIF; 5 to 8 exchange width and height
   std::vector<uint8_t> icc;        ///< embedded profile, or empty
+  bool icc_lost = false;           ///< whether there is one that cannot be put together
+  ColorModel model = ColorModel::kRgb;
 
   bool turned() const { return orientation >= 5; }
   uint32_t upright_width() const { return turned() ? height : width; }

@@ -10,7 +10,10 @@
 #include "runtime/stills/decoder.h"
 #include "runtime/stills/still_error.h"
 
+using kelto::stills::ColorConverter;
+using kelto::stills::ColorModel;
 using kelto::stills::Decoder;
+using kelto::stills::PixelFormat;
 using kelto::stills::StillError;
 using kelto::stills::StillFile;
 using kelto::stills::StillInfo;
@@ -185,3 +188,19 @@ OSErr CloseComponent(GraphicsImportComponent importer) {
 void DisposeGWorld(GWorldPtr world) { delete world; }
 
 const char* StillImporterLastError() { return last_error; }
+
+const char* StillImporterFlaw(GraphicsImportComponent importer) {
+  if (importer == nullptr) return "";
+  const StillInfo& info = importer->info;
+  if (info.icc_lost) return "its colour profile is damaged";
+  try {
+    const bool ink = info.model == ColorModel::kCmyk;
+    const ColorConverter converter(info.icc, info.model,
+                                   ink ? PixelFormat::kCmyka8 : PixelFormat::kBgra8);
+    if (converter.ignores_profile())
+      return "its colour profile is damaged or made for other samples";
+  } catch (const std::bad_alloc&) {
+    // Drawing will fail, too, and say so.
+  }
+  return "";
+}

@@ -174,10 +174,12 @@ class Jpeg final : public Decoder {
     StillInfo info;
     JpegMetadata metadata = ReadJpegMetadata(file);
     info.icc = std::move(metadata.icc);
+    info.icc_lost = metadata.icc_lost;
     info.orientation = ExifOrientation(metadata.exif);
     const Session session(file);
     info.width = session.cinfo.image_width;
     info.height = session.cinfo.image_height;
+    info.model = session.Model();
     return info;
   }
 

@@ -30,8 +30,10 @@ bool StandsAlone(int marker) { return marker <= 0x01 || (marker >= 0xd0 && marke
 struct IccParts {
   std::array<std::vector<uint8_t>, 256> parts;
   unsigned count = 0;
+  bool seen = false;
 
   void Add(const std::vector<uint8_t>& segment) {
+    seen = true;
     const unsigned number = segment[sizeof kIccName], of = segment[sizeof kIccName + 1];
     if (number == 0 || number > of || (count != 0 && of != count) || !parts[number].empty()) return;
     count = of;
@@ -77,6 +79,7 @@ JpegMetadata ReadJpegMetadata(StillFile& file) {
     }
   }
   metadata.icc = icc.Join();
+  metadata.icc_lost = icc.seen && metadata.icc.empty();
   file.Rewind();
   return metadata;
 }

@@ -11,6 +11,7 @@ namespace kelto::stills {
 struct JpegMetadata {
   std::vector<uint8_t> exif;  ///< from "Exif\0\0" on, or empty
   std::vector<uint8_t> icc;   ///< put together from its parts; empty when a part is missing
+  bool icc_lost = false;      ///< whether one is
 };
 
 /// Walks the marker segments up to the first scan. Reads only the segments it keeps: at most one

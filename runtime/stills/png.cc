@@ -58,6 +58,9 @@ class Session {
     png_infop info = nullptr;
   } library;
 
+  /// Whether something is wrong with the embedded profile; the library may use it all the same.
+  bool icc_damaged() const { return icc_damaged_; }
+
  private:
   static Session& From(png_structp png) { return *static_cast<Session*>(png_get_error_ptr(png)); }
 
@@ -80,6 +83,7 @@ class Session {
     // libpng drops a chunk over the limits, or that it has no memory for; drawn without its profile
     // the picture would be wrong.
     Session& session = From(png);
+    if (std::strncmp(message, "iCCP: ", 6) == 0) session.icc_damaged_ = true;
     if (std::strstr(message, "emory") != nullptr) session.out_of_memory_ = true;
     if (std::strstr(message, "exceeds application limits") == nullptr) return;
     session.Remember(message);
@@ -102,6 +106,7 @@ class Session {
   std::jmp_buf jump_;
   bool out_of_memory_ = false;
   bool over_limit_ = false;
+  bool icc_damaged_ = false;
   char message_[160] = "";
 };
 
@@ -138,6 +143,10 @@ std::vector<uint8_t> FindProfile(png_structp png, png_infop info) {
   return ProfileFromChunks(png, info);
 }
 
+ColorModel ModelOf(int type) {
+  return (type & PNG_COLOR_MASK_COLOR) != 0 ? ColorModel::kRgb : ColorModel::kGrey;
+}
+
 class Png final : public Decoder {
  public:
   bool Knows(std::span<const uint8_t> head) const override {
@@ -152,6 +161,9 @@ class Png final : public Decoder {
     info.width = png_get_image_width(png, png_info);
     info.height = png_get_image_height(png, png_info);
     info.icc = FindProfile(png, png_info);
+    const bool named = png_get_valid(png, png_info, PNG_INFO_iCCP | PNG_INFO_sRGB) != 0;
+    info.icc_lost = session.icc_damaged() && !named;
+    info.model = ModelOf(png_get_color_type(png, png_info));
     png_bytep exif;
     png_uint_32 length;
     if (png_get_eXIf_1(png, png_info, &length, &exif)) {
@@ -192,8 +204,8 @@ class Png final : public Decoder {
     if (png_get_rowbytes(png, png_info) != row_bytes) {
       throw StillError(codecBadDataErr, "a PNG of unexpected form");
     }
-    RowWriter writer(info, (type & PNG_COLOR_MASK_COLOR) ? ColorModel::kRgb : ColorModel::kGrey,
-                     format, alpha ? Alpha::kStraight : Alpha::kOpaque, target);
+    RowWriter writer(info, ModelOf(type), format, alpha ? Alpha::kStraight : Alpha::kOpaque,
+                     target);
     if (passes > 1) {
       ReadInterlaced(session, info, passes, row_bytes, writer);
       return;

@@ -107,6 +107,7 @@ class Tiff final : public Decoder {
     StillInfo info;
     info.width = form.width;
     info.height = form.height;
+    info.model = form.model();
     info.orientation =
         ValidOrientation(tiff.Field<uint16_t>(TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT));
     uint32_t length = 0;
