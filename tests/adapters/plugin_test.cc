@@ -281,8 +281,10 @@ TEST_F(FreiPlugin, PlacesBeyondTheTableAndNullsDoNothing) {
 
 TEST_F(FreiPlugin, ALineOnTheConsoleStaysOneLineWhateverTheFileIsCalled) {
   Instance instance(FilterPlugin(), 64, 48);
-  instance.Set(kImage, folder_ / "two\nlines\x1b[2J.jpg");
-  EXPECT_TRUE(IsOneLine(Said([&] { instance.Render(); })));
+  instance.Set(kImage, folder_ / "two\nlines\x1b[2J\xc2\x9b.jpg");
+  const std::string said = Said([&] { instance.Render(); });
+  EXPECT_TRUE(IsOneLine(said)) << said;
+  EXPECT_NE(said.find(R"(two\nlines\x1b[2J\u009b.jpg)"), said.npos) << said;
 }
 
 TEST_F(FreiPlugin, SmallestFramesAreRendered) {

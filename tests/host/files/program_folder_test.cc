@@ -17,7 +17,7 @@ using testing::EndsWith;
 using testing::StartsWith;
 
 TEST(ProgramFile, IsTheRunningProgramInItsFolder) {
-  EXPECT_EQ(ProgramFile().stem(), "test_host_session");
+  EXPECT_EQ(ProgramFile().stem(), "test_host_files");
   EXPECT_TRUE(fs::is_regular_file(ProgramFile()));
   EXPECT_EQ(ProgramFolder(), ProgramFile().parent_path());
 }
