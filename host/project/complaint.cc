@@ -29,36 +29,24 @@ void Add(const json& root, const json& schema, Schemas& schemas) {
   for (const json& part : schema["allOf"]) Add(root, part, schemas);
 }
 
-Schemas SchemasAt(const json& root, const FieldPath& path) {
-  Schemas schemas;
-  Add(root, root, schemas);
-  for (const std::string& step : path) {
-    Schemas below;
-    for (const json* schema : schemas) {
-      if (IsPlace(step)) {
-        if (schema->contains("items")) Add(root, (*schema)["items"], below);
-      } else if (schema->contains("properties") && (*schema)["properties"].contains(step)) {
-        Add(root, (*schema)["properties"][step], below);
-      }
+/// What `schemas`, those of an object, say of one of its fields.
+Schemas OfField(const json& root, const Schemas& schemas, const std::string& name) {
+  Schemas below;
+  for (const json* schema : schemas) {
+    if (schema->contains("properties") && (*schema)["properties"].contains(name)) {
+      Add(root, (*schema)["properties"][name], below);
     }
-    schemas = std::move(below);
   }
-  return schemas;
+  return below;
 }
 
-const json* ValueAt(const json& document, const FieldPath& path) {
-  const json* value = &document;
-  for (const std::string& step : path) {
-    if (IsPlace(step)) {
-      const size_t place = std::stoul(step.substr(1));
-      if (!value->is_array() || place >= value->size()) return nullptr;
-      value = &(*value)[place];
-    } else {
-      if (!value->is_object() || !value->contains(step)) return nullptr;
-      value = &(*value)[step];
-    }
+/// What `schemas`, those of an array, say of each of its entries.
+Schemas OfEntries(const json& root, const Schemas& schemas) {
+  Schemas below;
+  for (const json* schema : schemas) {
+    if (schema->contains("items")) Add(root, (*schema)["items"], below);
   }
-  return value;
+  return below;
 }
 
 std::string Joined(const json& values, const char* between) {
@@ -167,6 +155,57 @@ std::string UnknownField(const json& schema, const json& value) {
   return "";
 }
 
+/// What is wrong with a value itself, whatever it holds.
+std::string OwnComplaint(const Schemas& schemas, const json& value, const FieldPath& path) {
+  for (const auto check : {OfType, OfList, OfBounds, OfText, OfLength}) {
+    for (const json* part : schemas) {
+      const std::string fault = check(*part, value);
+      if (!fault.empty()) return ToString(path) + ": " + fault;
+    }
+  }
+  for (const json* part : schemas) {
+    const std::string name = UnknownField(*part, value);
+    if (name.empty()) continue;
+    FieldPath unknown = path;
+    unknown.push_back(name);
+    json known = json::array();
+    for (const auto& [field, ignored] : (*part)["properties"].items()) known.push_back(field);
+    return ToString(unknown) + ": there is no such field; there are " + Joined(known, ", ");
+  }
+  for (const json* part : schemas) {
+    const std::string fault = OfFields(*part, value);
+    if (!fault.empty()) return ToString(path) + ": " + fault;
+  }
+  return "";
+}
+
+/// The first complaint of a value and all that it holds. What holds a faulty value is faulty too,
+/// so the innermost comes first. `path` leads to the value, and does again afterwards.
+std::string ComplaintBelow(const json& root, const Schemas& schemas, const json& value,
+                           FieldPath& path) {
+  if (schemas.empty()) return "";  // whatever is in there
+  const auto look = [&](std::string step, const Schemas& below, const json& part) {
+    path.push_back(std::move(step));
+    std::string complaint = ComplaintBelow(root, below, part, path);
+    path.pop_back();
+    return complaint;
+  };
+  if (value.is_array()) {
+    const Schemas below = OfEntries(root, schemas);
+    for (size_t i = 0; i < value.size() && !below.empty(); ++i) {
+      if (std::string complaint = look(PlaceStep(i), below, value[i]); !complaint.empty()) {
+        return complaint;
+      }
+    }
+  } else if (value.is_object()) {
+    for (const auto& [name, part] : value.items()) {
+      std::string complaint = look(name, OfField(root, schemas, name), part);
+      if (!complaint.empty()) return complaint;
+    }
+  }
+  return OwnComplaint(schemas, value, path);
+}
+
 }  // namespace
 
 std::string PlaceStep(size_t place) {
@@ -193,30 +232,11 @@ std::string Shown(const json& value) {
   return text.substr(0, kMaxShown) + "...";
 }
 
-std::string Complaint(const json& schema, const json& document, const FieldPath& path) {
-  const json* value = ValueAt(document, path);
-  if (value == nullptr) return "";
-  const Schemas schemas = SchemasAt(schema, path);
-  for (const auto check : {OfType, OfList, OfBounds, OfText, OfLength}) {
-    for (const json* part : schemas) {
-      const std::string fault = check(*part, *value);
-      if (!fault.empty()) return ToString(path) + ": " + fault;
-    }
-  }
-  for (const json* part : schemas) {
-    const std::string name = UnknownField(*part, *value);
-    if (name.empty()) continue;
-    FieldPath unknown = path;
-    unknown.push_back(name);
-    json known = json::array();
-    for (const auto& [field, ignored] : (*part)["properties"].items()) known.push_back(field);
-    return ToString(unknown) + ": there is no such field; there are " + Joined(known, ", ");
-  }
-  for (const json* part : schemas) {
-    const std::string fault = OfFields(*part, *value);
-    if (!fault.empty()) return ToString(path) + ": " + fault;
-  }
-  return "";
+std::string FirstComplaint(const json& schema, const json& document) {
+  Schemas schemas;
+  Add(schema, schema, schemas);
+  FieldPath path;
+  return ComplaintBelow(schema, schemas, document, path);
 }
 
 }  // namespace kelto::host

@@ -20,10 +20,10 @@ std::string ToString(const FieldPath& path);
 /// A value as it stands in JSON, in one line, cut to a few words' length.
 std::string Shown(const nlohmann::json& value);
 
-/// "FIELD: what is wrong", or an empty text when nothing of what is looked at is: types, lists of
-/// values, bounds, patterns, lengths, fields that lack, are unknown or exclude each other. `path`
-/// leads to a value of `document`, or to one that is not there.
-std::string Complaint(const nlohmann::json& schema, const nlohmann::json& document,
-                      const FieldPath& path);
+/// The first thing that is wrong with `document`, "FIELD: what is wrong", fields being looked at in
+/// the order of their names, and what is in a field before the field itself. Empty when nothing of
+/// what is looked at is wrong: types, lists of values, bounds, patterns, lengths, fields that are
+/// missing, are unknown or exclude each other.
+std::string FirstComplaint(const nlohmann::json& schema, const nlohmann::json& document);
 
 }  // namespace kelto::host

@@ -57,14 +57,18 @@ class Strict {
   }
 
  private:
-  /// While parsing, as the validator spends minutes and gigabytes on millions of them.
+  /// While parsing, as each takes memory from then on and time to be checked.
   void CountEntry(json::parse_event_t event) {
     const bool begins = event == json::parse_event_t::value ||
                         event == json::parse_event_t::object_start ||
                         event == json::parse_event_t::array_start;
-    if (begins && !entries_.empty() && ++entries_.back() > kMaxJsonEntries) {
+    if (!begins) return;
+    if (!entries_.empty() && ++entries_.back() > kMaxJsonEntries) {
       throw Error("has more than " + std::to_string(kMaxJsonEntries) +
                   " entries in one object or array");
+    }
+    if (++values_ > kMaxJsonValues) {
+      throw Error("has more than " + std::to_string(kMaxJsonValues) + " values");
     }
   }
 
@@ -83,6 +87,7 @@ class Strict {
 
   std::vector<std::set<std::string>> names_;
   std::vector<size_t> entries_;  ///< of the objects and arrays that are open
+  size_t values_ = 0;            ///< of the whole text
 };
 
 /// The parser's message without the name of its exception.

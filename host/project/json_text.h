@@ -16,8 +16,12 @@ constexpr size_t kMaxJsonString = 4096;
 
 /// Entries of an object or array at most; no list of a project may hold more.
 constexpr size_t kMaxJsonEntries = 10000;
+/// Values, objects and arrays of a file altogether: four parameters with as many keys as there may
+/// be. Checking that many takes about a second.
+constexpr size_t kMaxJsonValues = 250000;
 
-/// Parses `text`. Throws Error where it is no JSON, says one thing twice or passes a limit.
+/// Parses `text`. Throws Error where it is no JSON, says one thing twice or passes a limit; what
+/// follows is not looked at.
 nlohmann::json ParseJson(const std::string& text);
 
 }  // namespace kelto::host

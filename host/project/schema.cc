@@ -32,48 +32,17 @@ const valijson::Schema& CompiledSchema() {
   return *compiled;
 }
 
-/// The validator's way to a value: "<root>", then "[name]" or "[2]".
-FieldPath PathOf(const std::vector<std::string>& context, const json& document) {
-  FieldPath path;
-  const json* value = &document;
-  for (size_t i = 1; i < context.size(); ++i) {
-    const std::string name = context[i].substr(1, context[i].size() - 2);
-    if (value->is_array()) {
-      path.push_back(context[i]);
-      value = &value->at(std::stoul(name));
-    } else if (value->is_object() && value->contains(name)) {
-      path.push_back(name);
-      value = &value->at(name);
-    } else {
-      break;
-    }
-  }
-  return path;
-}
-
 }  // namespace
 
 void CheckProject(const json& document) {
-  valijson::ValidationResults results;
   valijson::Validator validator(valijson::Validator::kStrongTypes);
+  // Without a list of results it stops at the first fault; a list would hold each of millions.
   if (validator.validate(CompiledSchema(), valijson::adapters::NlohmannJsonAdapter(document),
-                         &results)) {
+                         nullptr)) {
     return;
   }
-  // What holds a faulty value is faulty too; the innermost is what the user has to look at.
-  const valijson::ValidationResults::Error* innermost = nullptr;
-  for (const auto& error : results) {
-    if (innermost == nullptr || error.context.size() > innermost->context.size()) {
-      innermost = &error;
-    }
-  }
-  if (innermost == nullptr) throw Error("the file: is no project");
-  for (FieldPath path = PathOf(innermost->context, document);; path.pop_back()) {
-    const std::string complaint = Complaint(SchemaDocument(), document, path);
-    if (!complaint.empty()) throw Error(complaint);
-    if (path.empty()) break;
-  }
-  throw Error(ToString(PathOf(innermost->context, document)) + ": " + innermost->description);
+  const std::string complaint = FirstComplaint(SchemaDocument(), document);
+  throw Error(complaint.empty() ? "the file: is no project" : complaint);
 }
 
 std::span<const std::string> ProjectParameters() {

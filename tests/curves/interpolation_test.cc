@@ -138,6 +138,17 @@ TEST(CurveEvaluation, PreparationDoesNothingUnlessTheCurveIsDirty) {
   EXPECT_EQ(curve->points[1].secondDerivative, 123.0);
 }
 
+TEST(CurveEvaluation, AMillionPointsAnswerAMillionTimes) {
+  // Looked through one by one they would take many minutes.
+  constexpr int32_t kCount = 1 << 20;
+  const OwnedCurve curve(CurveCreate());
+  CurveSetKind(curve.get(), NaturalSpline);
+  CurveReserve(curve.get(), kCount);
+  for (int32_t i = 0; i < kCount; ++i) CurveAppendXY(curve.get(), i, i % 2);
+  CurvePrepare(curve.get());
+  for (int32_t i = 0; i < kCount; ++i) ASSERT_EQ(CurveEvaluate(curve.get(), i), i % 2) << i;
+}
+
 TEST(LinearCurve, RunsStraightThroughItsPointsAndContinuesItsEndSegments) {
   const OwnedCurve curve = MakeCurve(Linear, {{0, 0}, {1, 2}, {3, -2}}, Extrapolate);
   EXPECT_DOUBLE_EQ(CurveEvaluate(curve.get(), 0.25), 0.5);

@@ -10,6 +10,7 @@
 #include "host/plan/default_plan.h"
 #include "host/project/json_text.h"
 #include "host/project/project_file.h"
+#include "tests/support/peak_memory.h"
 #include "tests/support/photo.h"
 
 namespace kelto::host {
@@ -250,6 +251,53 @@ TEST(ReadProject, LimitsHold) {
         (i == 0 ? "" : ",") + std::string(R"({"frame": )") + std::to_string(i) + R"(, "value": 1})";
   }
   EXPECT_THAT(FaultOf("size", "[" + keys + "]"), HasSubstr("more than 10000 entries"));
+}
+
+/// Many times the same entry, with commas between.
+std::string Repeated(const std::string& entry, int count) {
+  std::string text = entry;
+  for (int i = 1; i < count; ++i) text += "," + entry;
+  return text;
+}
+
+TEST(ReadProject, MillionsOfValuesAreRefusedBeforeTheyAreHeld) {
+  const std::string list = "[" + Repeated("{}", 10000) + "]";
+  std::string text = "{";
+  for (int i = 0; i < 517; ++i) {
+    text += (i == 0 ? "\"" : ",\"") + std::to_string(i) + "\":" + list;
+  }
+  text += "}";
+  const test::PeakMemory peak;
+  EXPECT_EQ(Fault(text), "photo.json: has more than 250000 values");
+  // Its 15 MiB of text may take 16 times as much in reserve, which is not used.
+  EXPECT_LE(peak.MiB(), 100);
+}
+
+TEST(ReadProject, FourParametersMayHaveAsManyKeysAsThereMayBe) {
+  std::string keys, pairs;
+  for (int i = 0; i < 10000; ++i) {
+    const std::string start =
+        (i == 0 ? "" : ",") + std::string(R"({"frame": )") + std::to_string(i);
+    keys += start + R"(, "value": 1})";
+    pairs += start + R"(, "value": [0, 0]})";
+  }
+  const RenderPlan plan =
+      Read(R"({"image": "a.jpg", "film": {"frames": 10000}, "parameters": {"position": [)" + pairs +
+           R"(], "size": [)" + keys + R"(], "invelocity": [)" + keys + R"(], "outvelocity": [)" +
+           keys + "]}}");
+  EXPECT_EQ(plan.FindSetting("position")->keys.size(), 10000u);
+  EXPECT_EQ(plan.FindSetting("outvelocity")->keys.size(), 10000u);
+}
+
+TEST(ReadProject, OfManyFaultsTheFirstIsTold) {
+  // One list of results would hold 20,000 of them.
+  const test::PeakMemory peak;
+  EXPECT_THAT(FaultOf("size", "[" + Repeated(R"({"time": "now", "value": 99})", 10000) + "]"),
+              StartsWith("photo.json: parameters.size[0].time: \"now\" is not a number"));
+  EXPECT_LE(peak.MiB(), 40);
+  EXPECT_THAT(
+      Fault(R"({"image": "a", "film": {"width": 1}, "parameters": {"size": {"value": 99}}})"),
+      StartsWith("photo.json: film.width: 1 is not from 2 to 16384"));
 }
 
 TEST(ReadProject, FilesThatCannotBeReadAreToldByName) {
