@@ -61,6 +61,11 @@ OSErr GraphicsImportDraw(GraphicsImportComponent importer);
 OSErr CloseComponent(GraphicsImportComponent importer);
 void DisposeGWorld(GWorldPtr world);
 
+/// Extension: bytes that drawing the picture takes beside the world's pixels at the most, as far as
+/// they grow with the picture; 0 without an importer. Pictures that need more than 2 GiB are
+/// refused when opened.
+uint64_t StillImporterScratchBytes(GraphicsImportComponent importer);
+
 /// Extension: one line that says why the last operation failed, for hosts that want to tell; empty
 /// when it did not.
 const char* StillImporterLastError();

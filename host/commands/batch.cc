@@ -17,6 +17,7 @@
 #include "host/jobs/film_job.h"
 #include "host/jobs/film_record.h"
 #include "host/jobs/picture_list.h"
+#include "host/jobs/picture_memory.h"
 #include "host/jobs/task_line.h"
 #include "host/plan/default_plan.h"
 #include "host/processes/task_processes.h"
@@ -114,7 +115,8 @@ class Batch {
     }
     {
       Progress progress("film", std::max<int64_t>(1, static_cast<int64_t>(items_.size())));
-      RunTasks({items_.size(), [&](size_t index) { Make(items_[index]); },
+      RunTasks({items_.size(), PictureMemory(),
+                [&](size_t index, const AwaitMemory& await) { Make(items_[index], await); },
                 [&](size_t index, const std::string& failure) {
                   Tell(items_[index], failure);
                   progress.Show(++over_);
@@ -174,7 +176,7 @@ class Batch {
     return record->options == words_ && IsTheFilm(*record, item.film) && IsCurrent(*record);
   }
 
-  void Make(const Item& item) const {
+  void Make(const Item& item, const AwaitMemory& await) const {
     FilmJob job;
     const RenderPlan plan = PlanFor(item.picture, options_.plan);
     job.module = module_;
@@ -182,6 +184,7 @@ class Batch {
     job.kind = &kind_;
     job.request = RequestFor(item.film, plan);
     CheckJob(job);
+    await(job.memory);
     MakeOnRecord(item.record, RecordOf({item.picture, plan.photo, plan.over, plan.audio}, words_),
                  item.film, [&] { MakeFilm(job, [](int32_t) {}); });
   }

@@ -89,7 +89,7 @@ bool IsOfOptionNotGiven(const std::string& complaint, const CLI::App& command) {
 }
 
 /// Checks the job; what a project says is told by the project's name.
-void CheckJobOf(const RenderOptions& options, const FilmJob& job, const CLI::App& command) {
+void CheckJobOf(const RenderOptions& options, FilmJob& job, const CLI::App& command) {
   try {
     CheckJob(job);
   } catch (const UsageError& error) {

@@ -16,6 +16,7 @@
 #include "host/film/codecs.h"
 #include "host/jobs/film_job.h"
 #include "host/jobs/picture_list.h"
+#include "host/jobs/picture_memory.h"
 #include "host/jobs/slideshow.h"
 #include "host/options/number.h"
 #include "host/options/rate.h"
@@ -81,7 +82,8 @@ Slideshow ShowFor(const SlideshowOptions& options, const std::vector<std::string
   // What is quickly found wrong goes before the looking.
   Slideshow show;
   show.kind = &KindFor(options.output, options.film.format);
-  show.workers = JobsAsked(options.film, CoreCount());
+  // One for each of two pictures at the least.
+  show.workers = std::max(2, JobsAsked(options.film, CoreCount()));
   show.module = FindModule(options.film.module);
   PlanOptions each = options.plan;
   each.seconds = ReadOption("--each", options.each, [](const std::string& text) {
@@ -99,16 +101,24 @@ Slideshow ShowFor(const SlideshowOptions& options, const std::vector<std::string
   return show;
 }
 
-/// Throws what can be known to go wrong before any work.
+/// Throws what can be known to go wrong before any work, and leaves the show no more workers
+/// than may have its pictures in memory at a time.
 void Check(const SlideshowOptions& options, const std::vector<std::string>& pictures,
-           const Slideshow& show) {
+           Slideshow& show) {
   // Most pictures are their plans' photos.
   std::set<std::string> sources(pictures.begin(), pictures.end());
   sources.insert({options.input, show.request.audio});
   for (const RenderPlan& plan : show.plans) sources.insert({plan.photo, plan.over});
   CheckFilm(*show.kind, show.request, {sources.begin(), sources.end()});
   ForEachPhoto(show.plans, [&](const RenderPlan& plan) {
-    CheckPhoto(plan.photo);
+    const Photo photo = CheckPhoto(plan.photo);
+    show.workers = WorkersFor(photo, show.workers);
+    if (show.workers < 2 && show.plans.size() > 1) {
+      throw Error(plan.photo +
+                  ": is too large for a slideshow, which has two pictures in memory at "
+                  "a time; the limit for both is " +
+                  std::to_string(PictureMemory() >> 20) + " MiB");
+    }
     const FilmFormat &format = plan.format, &film = show.request.format;
     if (format.size != film.size || format.rate != film.rate || format.fields != film.fields ||
         format.DisplayAspect() != film.DisplayAspect() || plan.frames != show.each) {
@@ -141,7 +151,7 @@ void Run(const SlideshowOptions& options) {
   ApplyReporting(options.film);
   // A list may come through a pipe, which gives it once.
   const std::vector<std::string> pictures = PicturesOf(options.input);
-  const Slideshow show = ShowFor(options, pictures);
+  Slideshow show = ShowFor(options, pictures);
   Check(options, pictures, show);
   TellOfLostSound(options, pictures, show);
   const bool events = CurrentReporting() == Reporting::kJson;

@@ -1,5 +1,6 @@
 #include "host/effect/photo.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -25,6 +26,14 @@ struct Close {
   void operator()(GraphicsImportComponent importer) const { CloseComponent(importer); }
 };
 using Importer = std::unique_ptr<std::remove_pointer_t<GraphicsImportComponent>, Close>;
+
+/// What a picture takes while the effect loads it: its pixels and what decoding them takes, then
+/// the pixels and their conversion to Y, Cr and Cb.
+uint64_t MemoryOf(const Photo& photo, uint64_t scratch) {
+  constexpr uint64_t kDecoded = 4, kConverted = 3;  // bytes a pixel
+  const uint64_t pixels = static_cast<uint64_t>(photo.width) * static_cast<uint64_t>(photo.height);
+  return kDecoded * pixels + std::max(scratch, kConverted * pixels);
+}
 
 /// Why the importer failed, without the path that messages begin with anyway.
 std::string Reason(const std::string& path) {
@@ -104,6 +113,7 @@ Photo OpenPhoto(const std::string& path) {
   }
   photo.width = bounds.right - bounds.left;
   photo.height = bounds.bottom - bounds.top;
+  photo.memory = MemoryOf(photo, StillImporterScratchBytes(importer.get()));
   return photo;
 }
 

@@ -17,6 +17,7 @@ struct Photo {
   std::string path;   ///< a path of the same file that is short enough for the effect
   int32_t width = 0;  ///< pixels, upright
   int32_t height = 0;
+  uint64_t memory = 0;  ///< bytes that loading it takes of a process at the most
 };
 
 /// Opens a photo as far as its size. Throws Error when there is no such picture.

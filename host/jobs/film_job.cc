@@ -7,6 +7,7 @@
 #include "host/effect/photo.h"
 #include "host/files/output_file.h"
 #include "host/film/codecs.h"
+#include "host/jobs/picture_memory.h"
 #include "host/terminal/terminal.h"
 
 #if defined(__linux__)
@@ -49,14 +50,18 @@ void CheckFilm(const FilmKind& kind, const FilmRequest& request,
   }
 }
 
-void CheckPhoto(const std::string& path) {
-  if (const auto flaw = FindFlaw(OpenPhoto(path))) Warn(*flaw);
+Photo CheckPhoto(const std::string& path) {
+  Photo photo = OpenPhoto(path);
+  if (const auto flaw = FindFlaw(photo)) Warn(*flaw);
+  return photo;
 }
 
-void CheckJob(const FilmJob& job) {
+void CheckJob(FilmJob& job) {
   const RenderPlan& plan = job.scene.plan;
   CheckFilm(*job.kind, job.request, {plan.photo, plan.over, job.request.audio});
-  CheckPhoto(plan.photo);
+  const Photo photo = CheckPhoto(plan.photo);
+  job.workers = WorkersFor(photo, job.workers);
+  job.memory = photo.memory * static_cast<uint64_t>(job.workers);
 }
 
 void MakeFilm(const FilmJob& job, const std::function<void(int32_t done)>& shown) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/effect/photo.h"
 #include "host/film/formats.h"
 #include "host/jobs/frame_source.h"
 
@@ -17,6 +18,7 @@ struct FilmJob {
   const FilmKind* kind = nullptr;
   FilmRequest request;
   int32_t workers = 1;  ///< processes that render; 1: this one
+  uint64_t memory = 0;  ///< bytes that the photograph takes in all of them, as CheckJob found
 };
 
 /// Processes that a film of so many frames is worth, where nobody says: one for each core that this
@@ -35,11 +37,13 @@ std::string SoundFor(const RenderPlan& plan, const FilmKind& kind);
 void CheckFilm(const FilmKind& kind, const FilmRequest& request,
                const std::vector<std::string>& sources);
 
-/// Throws Error when there is no such photo; warns of what it will be shown without.
-void CheckPhoto(const std::string& path);
+/// Opens a photo as far as its size; warns of what it will be shown without. Throws Error when there
+/// is no such photo.
+Photo CheckPhoto(const std::string& path);
 
-/// Throws what can be known to go wrong before any work: UsageError or Error.
-void CheckJob(const FilmJob& job);
+/// Throws what can be known to go wrong before any work: UsageError or Error. Leaves the job no
+/// more workers than may load its photograph at a time, with a message.
+void CheckJob(FilmJob& job);
 
 /// Makes the film of a job that CheckJob let pass; the same bytes for any number of workers.
 /// `shown` is told how many frames are done. Throws Error.

@@ -9,6 +9,7 @@ namespace kelto::host {
 enum class MessageKind : unsigned char {
   kDone,     ///< worker: a piece of work is done; owner: its place is free again
   kConsole,  ///< worker: a line for the user
+  kMemory,   ///< worker: bytes that it wants, in decimal; the owner answers kDone when it may
   kFailed,   ///< worker: the text of an Error; it ends
   kMisused,  ///< worker: the text of a UsageError; it ends
 };

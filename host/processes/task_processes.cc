@@ -2,8 +2,11 @@
 
 #include <poll.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <list>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "host/base/error.h"
@@ -16,7 +19,8 @@ namespace {
 struct RunningTask {
   size_t index;
   std::unique_ptr<Worker> worker;
-  std::string failure{};
+  uint64_t wanted = 0;  ///< bytes of memory that it waits for
+  uint64_t granted = 0;
 };
 
 class TaskRunner {
@@ -44,7 +48,11 @@ class TaskRunner {
   void Begin(size_t index) {
     running_.push_back(
         {index, std::make_unique<Worker>(WorkerEnd::kClearUp, [this, index](Channel& line) {
-           tasks_.work(index);
+           tasks_.work(index, [&](uint64_t bytes) {
+             if (!line.Send({MessageKind::kMemory, std::to_string(bytes)}) || !line.Receive()) {
+               throw Error("interrupted");
+             }
+           });
            line.Send({});
          })});
   }
@@ -61,6 +69,19 @@ class TaskRunner {
       const auto here = task++;
       if (line.revents != 0 && !Hear(*here)) running_.erase(here);
     }
+    GrantMemory();
+  }
+
+  /// In the order in which tasks began, or a large one would wait for all others.
+  void GrantMemory() {
+    uint64_t used = 0;
+    for (const RunningTask& task : running_) used += task.granted;
+    for (RunningTask& task : running_) {
+      if (task.wanted == 0) continue;
+      if (used > 0 && task.wanted > tasks_.memory - std::min(used, tasks_.memory)) return;
+      used += task.granted = std::exchange(task.wanted, 0);
+      task.worker->Line().Send({});
+    }
   }
 
   /// False when the task is over.
@@ -73,6 +94,11 @@ class TaskRunner {
     }
     if (message->kind == MessageKind::kConsole) {
       tasks_.printed(task.index, message->text);
+      return true;
+    }
+    if (message->kind == MessageKind::kMemory) {
+      // At least a byte, or it would seem to want none.
+      task.wanted = std::max<uint64_t>(1, std::strtoull(message->text.c_str(), nullptr, 10));
       return true;
     }
     task.worker->WaitForEnd();

@@ -8,11 +8,17 @@
 
 namespace kelto::host {
 
+/// Waits until the tasks under way leave this one `bytes` of memory, which it has until it ends. To
+/// be called once by each task at most. Throws Error when the wait is interrupted.
+using AwaitMemory = std::function<void(uint64_t bytes)>;
+
 struct TaskList {
   size_t count = 0;
+  /// Bytes that tasks may have at a time; one that wants more gets them when it is alone.
+  uint64_t memory = 0;
   /// Does task `index`; runs in a process of its own where the system has such, so that nothing it
   /// does to its memory stays. What it throws is how it failed.
-  std::function<void(size_t index)> work;
+  std::function<void(size_t index, const AwaitMemory& await)> work;
   /// Told here when a task is over, with what was wrong, empty when nothing was.
   std::function<void(size_t index, const std::string& failure)> ended;
   /// Told here what a task printed with PrintMessage.

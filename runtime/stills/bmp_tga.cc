@@ -74,6 +74,10 @@ class StbFormat : public Decoder {
     info.width = static_cast<uint32_t>(width);
     // Negative in BMP files whose rows run downwards.
     info.height = static_cast<uint32_t>(std::abs(int64_t{height}));
+    // The picture as it is stored, and in four channels: both, where they are not the same.
+    constexpr int kWanted = 4;
+    info.scratch =
+        info.pixels() * static_cast<uint64_t>(channels == kWanted ? kWanted : channels + kWanted);
     return info;
   }
 
@@ -81,7 +85,7 @@ class StbFormat : public Decoder {
     // The library allocates what the file says now, which need not be what it said when opened.
     const StillInfo now = ReadInfo(file);
     CheckUnchanged(info, now.width, now.height);
-    CheckScratch(uint64_t{info.width} * info.height * 4);
+    CheckScratch(now.scratch);
 
     Reader reader(file);
     int width = 0, height = 0, channels = 0;

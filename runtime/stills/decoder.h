@@ -18,10 +18,14 @@ struct StillInfo {
   std::vector<uint8_t> icc;        ///< embedded profile, or empty
   bool icc_lost = false;           ///< whether there is one that cannot be put together
   ColorModel model = ColorModel::kRgb;
+  /// Bytes that Decode takes beside the caller's buffer at the most, as far as they grow with the
+  /// picture; those of a few rows are not counted.
+  uint64_t scratch = 0;
 
   bool turned() const { return orientation >= 5; }
   uint32_t upright_width() const { return turned() ? height : width; }
   uint32_t upright_height() const { return turned() ? width : height; }
+  uint64_t pixels() const { return uint64_t{width} * height; }
 };
 
 /// Rows B, G, R, A of the caller, as large as the upright picture; row 0 is the top one.
@@ -60,7 +64,8 @@ const Decoder& WicDecoder();
 /// The decoder that knows the file; throws StillError (noCodecErr) when none does.
 const Decoder& FindDecoder(StillFile& file);
 
-/// Throws StillError when a picture of this size must not be decoded from this file.
+/// Throws StillError when a picture of this size, or one that takes so much memory to decode, must
+/// not be decoded from this file.
 void CheckSize(const StillInfo& info, const StillFile& file);
 /// Throws StillError for a profile over kMaxIccBytes.
 void CheckIccSize(uint64_t bytes);

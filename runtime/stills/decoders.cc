@@ -2,6 +2,7 @@
 
 #include "runtime/stills/decoder.h"
 #include "runtime/stills/limits.h"
+#include "runtime/stills/scratch.h"
 #include "runtime/stills/still_error.h"
 
 namespace kelto::stills {
@@ -41,12 +42,19 @@ void CheckSize(const StillInfo& info, const StillFile& file) {
     throw StillError(codecBadDataErr, SizeText(width, height) + "; the limit is " +
                                           std::to_string(kMaxSide) + " pixels a side");
   }
-  const uint64_t pixels = uint64_t{width} * height;
+  const uint64_t pixels = info.pixels();
   if (pixels > kUnquestionedPixels && pixels / kMaxPixelsPerFileByte > file.size()) {
     throw StillError(codecBadDataErr, SizeText(width, height) + " in a file of " +
                                           std::to_string(file.size()) + " bytes; the limit is " +
                                           std::to_string(kMaxPixelsPerFileByte) + " pixels a byte");
   }
+  const uint64_t bytes = (uint64_t{width} * 4 + 7) / 8 * 8 * height;
+  if (bytes > kMaxPixelBytes) {
+    throw StillError(codecBadDataErr, SizeText(width, height) + " take " +
+                                          std::to_string(bytes >> 20) + " MiB; the limit is " +
+                                          std::to_string(kMaxPixelBytes >> 20) + " MiB");
+  }
+  CheckScratch(info.scratch);
 }
 
 void CheckIccSize(uint64_t bytes) {

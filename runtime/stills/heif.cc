@@ -66,6 +66,15 @@ class Picture {
   uint32_t width() const { return static_cast<uint32_t>(heif_.image_handle_get_width(handle())); }
   uint32_t height() const { return static_cast<uint32_t>(heif_.image_handle_get_height(handle())); }
 
+  /// Bytes that Decode takes: the codec's planes and the library's copy of them, R, G and B apart
+  /// and then together. Those of more than eight bits are words. Measured, the library not saying
+  /// so.
+  uint64_t Scratch() const {
+    constexpr uint64_t kBytesPerPixel = 8;
+    const bool words = heif_.image_handle_get_luma_bits_per_pixel(handle()) > 8;
+    return uint64_t{width()} * height() * (words ? 2 * kBytesPerPixel : kBytesPerPixel);
+  }
+
   Alpha alpha() const {
     if (!heif_.image_handle_has_alpha_channel(handle())) return Alpha::kIgnored;
     return heif_.image_handle_is_premultiplied_alpha(handle()) ? Alpha::kPremultiplied
@@ -158,13 +167,14 @@ class HeifFormat final : public Decoder {
     info.width = picture.width();
     info.height = picture.height();
     info.icc = picture.Profile();
+    info.scratch = picture.Scratch();
     return info;
   }
 
   void Decode(StillFile& file, const StillInfo& info, const PixelBuffer& target) const override {
     const Picture picture(file);
     CheckUnchanged(info, picture.width(), picture.height());
-    CheckScratch(uint64_t{info.width} * info.height * 4);
+    CheckScratch(picture.Scratch());
     const Picture::Pixels pixels = picture.Decode();
     RowWriter writer(info, ColorModel::kRgb, PixelFormat::kBgra8, picture.alpha(), target);
     for (uint32_t y = 0; y < info.height; ++y) {

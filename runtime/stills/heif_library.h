@@ -20,6 +20,7 @@ struct HeifLibrary {
   DO(image_handle_release)                    \
   DO(image_handle_get_width)                  \
   DO(image_handle_get_height)                 \
+  DO(image_handle_get_luma_bits_per_pixel)    \
   DO(image_handle_has_alpha_channel)          \
   DO(image_handle_is_premultiplied_alpha)     \
   DO(image_handle_get_raw_color_profile_size) \

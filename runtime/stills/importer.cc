@@ -134,6 +134,10 @@ OSErr GraphicsImportGetNaturalBounds(GraphicsImportComponent importer, StillRect
   return noErr;
 }
 
+uint64_t StillImporterScratchBytes(GraphicsImportComponent importer) {
+  return importer == nullptr ? 0 : importer->info.scratch;
+}
+
 OSErr QTNewGWorldFromPtr(GWorldPtr* world, OSType pixelFormat, const StillRect* bounds,
                          void* colorTable, void* device, uint32_t flags, void* pixels,
                          int32_t rowBytes) {

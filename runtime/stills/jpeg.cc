@@ -147,6 +147,23 @@ void SpreadInk(uint8_t* row, uint32_t width, bool adobe) {
   }
 }
 
+/// Bytes of the coefficients of a whole picture, which the library keeps where not everything of a
+/// pixel comes in one scan.
+uint64_t CoefficientBytes(jpeg_decompress_struct& cinfo) {
+  if (!jpeg_has_multiple_scans(&cinfo)) return 0;
+  const auto rounded = [](JDIMENSION blocks, int step) {
+    const uint64_t by = static_cast<uint64_t>(step);
+    return (blocks + by - 1) / by * by;
+  };
+  uint64_t blocks = 0;
+  for (int i = 0; i < cinfo.num_components; ++i) {
+    const jpeg_component_info& part = cinfo.comp_info[i];
+    blocks += rounded(part.width_in_blocks, part.h_samp_factor) *
+              rounded(part.height_in_blocks, part.v_samp_factor);
+  }
+  return blocks * sizeof(JBLOCK);
+}
+
 void DecodeRows(jpeg_decompress_struct& cinfo, RowWriter& writer) {
   while (cinfo.output_scanline < cinfo.output_height) {
     const uint32_t first = cinfo.output_scanline;
@@ -176,10 +193,11 @@ class Jpeg final : public Decoder {
     info.icc = std::move(metadata.icc);
     info.icc_lost = metadata.icc_lost;
     info.orientation = ExifOrientation(metadata.exif);
-    const Session session(file);
+    Session session(file);
     info.width = session.cinfo.image_width;
     info.height = session.cinfo.image_height;
     info.model = session.Model();
+    info.scratch = CoefficientBytes(session.cinfo);
     return info;
   }
 

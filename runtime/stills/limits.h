@@ -16,9 +16,14 @@ constexpr uint64_t kUnquestionedPixels = uint64_t{128} << 20;
 /// 512 in JPEG; photographs stay under 100.
 constexpr uint64_t kMaxPixelsPerFileByte = 10000;
 
+/// The caller's buffer: four bytes a pixel in rows of a multiple of eight bytes. Images have their
+/// size in 31 bits, which is room for 536 million pixels.
+constexpr uint64_t kMaxPixelBytes = (uint64_t{1} << 31) - 1;
+
 /// Memory of a codec beside the caller's buffer: coefficients of a progressive JPEG, a picture that
 /// cannot be decoded row by row, a strip or a row of tiles. Enough for 178 million pixels of
-/// progressive 4:4:4 and 512 million of four bytes.
+/// progressive 4:4:4 and 512 million of four bytes. With the buffer it makes 4 GiB, the most that a
+/// picture takes while it is decoded.
 constexpr uint64_t kMaxScratchBytes = uint64_t{2} << 30;
 
 /// Scans of a progressive JPEG: encoders write about ten, hostile files thousands, each of which

@@ -169,6 +169,12 @@ class Png final : public Decoder {
     if (png_get_eXIf_1(png, png_info, &length, &exif)) {
       info.orientation = ExifOrientation({exif, length});
     }
+    // As ReadInterlaced has it.
+    const bool words = KeepsWords(png, png_info, info);
+    if (png_get_interlace_type(png, png_info) != PNG_INTERLACE_NONE && (words || info.turned())) {
+      info.scratch =
+          info.pixels() * BytesPerPixel(words ? PixelFormat::kRgba16 : PixelFormat::kBgra8);
+    }
     return info;
   }
 
@@ -179,8 +185,7 @@ class Png final : public Decoder {
     CheckUnchanged(info, png_get_image_width(png, png_info), png_get_image_height(png, png_info));
 
     const int type = png_get_color_type(png, png_info);
-    // Profiles of 16-bit pictures are often linear: eight bits would lose their shadows.
-    const bool words = png_get_bit_depth(png, png_info) == 16 && !info.icc.empty();
+    const bool words = KeepsWords(png, png_info, info);
     const bool alpha =
         (type & PNG_COLOR_MASK_ALPHA) != 0 || png_get_valid(png, png_info, PNG_INFO_tRNS) != 0;
     int passes = 1;
@@ -220,6 +225,11 @@ class Png final : public Decoder {
   }
 
  private:
+  /// Profiles of 16-bit pictures are often linear: eight bits would lose their shadows.
+  static bool KeepsWords(png_structp png, png_infop png_info, const StillInfo& info) {
+    return png_get_bit_depth(png, png_info) == 16 && !info.icc.empty();
+  }
+
   /// Every pass adds pixels to all rows, so all of them wait, in the caller's buffer if they can.
   static void ReadInterlaced(Session& session, const StillInfo& info, int passes, size_t row_bytes,
                              RowWriter& writer) {

@@ -63,13 +63,24 @@ class RgbaImage {
   bool begun_ = false;
 };
 
+/// Rows that are converted at a time: those of whole strips or rows of tiles, as anything else
+/// would decode them over and over.
+uint32_t RowsOfPiece(const TiffPieces& pieces, uint32_t height) {
+  return std::clamp<uint32_t>(pieces.rows, 1, height);
+}
+
+/// Bytes that DecodeForeign takes: what it converts into, and a piece of each plane of the
+/// library's.
+uint64_t ForeignScratch(TiffFile& tiff, const TiffForm& form) {
+  const TiffPieces pieces(tiff, form);
+  const uint64_t rows = RowsOfPiece(pieces, std::max(form.height, 1u));
+  return uint64_t{form.width} * rows * sizeof(uint32_t) + pieces.decoded * pieces.planes +
+         pieces.Scratch();
+}
+
 void DecodeForeign(TiffFile& tiff, const TiffForm& form, const StillInfo& info,
                    const PixelBuffer& target) {
-  // Pieces of whole strips or rows of tiles: anything else would decode them over and over.
-  uint32_t piece = TIFFIsTiled(tiff.get()) ? tiff.Field<uint32_t>(TIFFTAG_TILELENGTH, 0)
-                                           : tiff.Field<uint32_t>(TIFFTAG_ROWSPERSTRIP, UINT32_MAX);
-  piece = std::clamp<uint32_t>(piece, 1, info.height);
-  CheckScratch(uint64_t{info.width} * piece * sizeof(uint32_t));
+  const uint32_t piece = RowsOfPiece(TiffPieces(tiff, form), info.height);
   RgbaImage image(tiff, form);
   std::vector<uint32_t> raster(size_t{info.width} * piece);
   RowWriter writer(info, ColorModel::kRgb, PixelFormat::kBgra8, image.alpha(), target);
@@ -117,6 +128,7 @@ class Tiff final : public Decoder {
       const uint8_t* bytes = static_cast<const uint8_t*>(icc);
       info.icc.assign(bytes, bytes + length);
     }
+    info.scratch = Scratch(tiff, form);
     return info;
   }
 
@@ -124,11 +136,17 @@ class Tiff final : public Decoder {
     TiffFile tiff(file);
     const TiffForm form(tiff);
     CheckUnchanged(info, form.width, form.height);
+    CheckScratch(Scratch(tiff, form));
     if (form.foreign.empty()) {
       DecodeSamples(tiff, form, info, target);
     } else {
       DecodeForeign(tiff, form, info, target);
     }
+  }
+
+ private:
+  static uint64_t Scratch(TiffFile& tiff, const TiffForm& form) {
+    return form.foreign.empty() ? TiffRows::Scratch(tiff, form) : ForeignScratch(tiff, form);
   }
 };
 

@@ -21,6 +21,8 @@ class TiffFile {
   TiffFile& operator=(const TiffFile&) = delete;
 
   TIFF* get() { return tiff_.get(); }
+  /// Bytes of the whole file.
+  uint64_t file_size() const { return file_.size(); }
   /// A field of the directory, or its default value.
   template <typename T>
   T Field(uint32_t tag, T otherwise) {

@@ -8,6 +8,62 @@
 
 namespace kelto::stills {
 
+namespace {
+
+/// Codecs that decode row by row, or as much as is asked for.
+bool IsDecodedByRows(uint16_t compression) {
+  switch (compression) {
+    case COMPRESSION_NONE:
+    case COMPRESSION_CCITTRLE:
+    case COMPRESSION_CCITTRLEW:
+    case COMPRESSION_CCITTFAX3:
+    case COMPRESSION_CCITTFAX4:
+    case COMPRESSION_LZW:
+    case COMPRESSION_JPEG:
+    case COMPRESSION_PACKBITS:
+    case COMPRESSION_DEFLATE:
+    case COMPRESSION_ADOBE_DEFLATE:
+    case COMPRESSION_LZMA:
+    case COMPRESSION_ZSTD:
+      return true;
+    default:
+      return false;
+  }
+}
+
+/// Bytes of the largest piece as it is stored, which the library reads as one.
+uint64_t LargestStored(TIFF* tiff) {
+  const uint32_t count = TIFFIsTiled(tiff) ? TIFFNumberOfTiles(tiff) : TIFFNumberOfStrips(tiff);
+  uint64_t largest = 0;
+  for (uint32_t i = 0; i < count; ++i) {
+    largest = std::max<uint64_t>(largest, TIFFGetStrileByteCount(tiff, i));
+  }
+  return largest;
+}
+
+}  // namespace
+
+TiffPieces::TiffPieces(TiffFile& tiff, const TiffForm& form) {
+  const bool tiled = TIFFIsTiled(tiff.get()) != 0;
+  rows = tiled ? tiff.Field<uint32_t>(TIFFTAG_TILELENGTH, 0)
+               : std::min(form.height, tiff.Field<uint32_t>(TIFFTAG_ROWSPERSTRIP, UINT32_MAX));
+  decoded = tiled ? TIFFTileSize64(tiff.get()) : TIFFStripSize64(tiff.get());
+  // Files may say anything; more than there is cannot be read.
+  stored = std::min(LargestStored(tiff.get()), tiff.file_size());
+  held = !IsDecodedByRows(tiff.Field<uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE));
+  planes = form.separate() ? form.samples : 1;
+}
+
+uint64_t TiffRows::Scratch(TiffFile& tiff, const TiffForm& form) {
+  const TiffPieces pieces(tiff, form);
+  const uint64_t row =
+      (uint64_t{form.width} * (form.separate() ? 1 : form.samples) * form.bits + 7) / 8;
+  const bool tiled = TIFFIsTiled(tiff.get()) != 0;
+  const uint64_t band = tiled || form.separate() ? pieces.rows : 1;
+  const uint64_t planes = form.separate() ? static_cast<uint64_t>(form.used_count) : 1;
+  return pieces.Scratch() + (tiled ? pieces.decoded : 0) + row * band * planes;
+}
+
 TiffRows::TiffRows(TiffFile& tiff, const TiffForm& form)
     : tiff_(tiff),
       form_(form),

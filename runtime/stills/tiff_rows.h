@@ -16,11 +16,29 @@ struct TiffRow {
   size_t step;
 };
 
+/// The pieces in which a TIFF stores its samples: strips, or tiles.
+struct TiffPieces {
+  TiffPieces(TiffFile& tiff, const TiffForm& form);
+
+  uint32_t rows;     ///< of a strip or tile, at most the picture's
+  uint64_t decoded;  ///< bytes of one piece, of one plane where planes are separate
+  uint64_t stored;   ///< bytes of the largest one in the file
+  bool held;         ///< whether the codec keeps a piece of its own, decoded
+  uint64_t planes;   ///< that a picture has: one, unless samples are stored separately
+
+  /// Bytes that the library and its codec take for a piece.
+  uint64_t Scratch() const { return stored + (held ? 2 * decoded : 0); }
+};
+
 /// Walks the rows from the first to the last. Strips of interleaved samples are decoded a row at a
 /// time; separate planes and tiles need a band of rows in memory, as high as a strip or a tile.
 class TiffRows {
  public:
   TiffRows(TiffFile& tiff, const TiffForm& form);
+
+  /// Bytes that it will take altogether, the library's included. Throws StillError for pieces that
+  /// have no size.
+  static uint64_t Scratch(TiffFile& tiff, const TiffForm& form);
 
   /// The row after the one before, valid until the next call.
   TiffRow Next();

@@ -63,6 +63,22 @@ struct Frame : WebPIterator {
   Frame& operator=(const Frame&) = delete;
 };
 
+/// Bytes that the codec takes for a frame beside the pixels that it writes: all of a lossless
+/// one's, and those of alpha, which is coded as such.
+uint64_t FrameScratch(const Frame& frame) {
+  WebPBitstreamFeatures features;
+  if (WebPGetFeatures(frame.fragment.bytes, frame.fragment.size, &features) != VP8_STATUS_OK) {
+    throw StillError(codecBadDataErr, "damaged WebP (a frame without a size)");
+  }
+  constexpr int kLossless = 2;
+  const uint64_t pixels =
+      static_cast<uint64_t>(features.width) * static_cast<uint64_t>(features.height);
+  return pixels * (features.format == kLossless ? 4 : features.has_alpha ? 5 : 0);
+}
+
+/// The codec wants rows that follow one another downwards, at least as far as a picture's size.
+bool FitsInPlace(const StillInfo& info) { return info.orientation <= 2; }
+
 /// Decodes a frame to B, G, R, A at `to`, the frame's top-left pixel.
 void DecodeFrame(const Frame& frame, uint8_t* to, ptrdiff_t row_bytes) {
   WebPDecoderConfig config;
@@ -105,6 +121,8 @@ class Webp final : public Decoder {
     CheckIccSize(icc.size());
     info.icc.assign(icc.begin(), icc.end());
     info.orientation = ExifOrientation(container.Chunk("EXIF", EXIF_FLAG));
+    info.scratch = container.bytes.size() + FrameScratch(Frame(container)) +
+                   (FitsInPlace(info) ? 0 : info.pixels() * 4);
     return info;
   }
 
@@ -124,8 +142,7 @@ class Webp final : public Decoder {
     const bool covers = width == info.width && height == info.height;
     RowWriter writer(info, ColorModel::kRgb, PixelFormat::kBgra8,
                      frame.has_alpha || !covers ? Alpha::kStraight : Alpha::kIgnored, target);
-    // The codec wants rows that follow one another downwards, at least as far as a picture's size.
-    const bool in_place = writer.RowsStay() && writer.RowStep() > 0;
+    const bool in_place = FitsInPlace(info);
     const size_t scratch_row = info.width * size_t{4};
     std::unique_ptr<uint8_t[]> all;
     if (!in_place) all = AllocateScratch(uint64_t{scratch_row} * info.height);

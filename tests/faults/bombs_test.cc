@@ -5,7 +5,6 @@
 #include <zlib.h>
 
 #include <filesystem>
-#include <fstream>
 #include <memory>
 
 #include "runtime/stills/limits.h"
@@ -13,36 +12,12 @@
 #include "tests/runtime/stills/encode_png.h"
 #include "tests/runtime/stills/exif_block.h"
 #include "tests/runtime/stills/still_test.h"
+#include "tests/support/peak_memory.h"
 
 namespace kelto::stills {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kMemoryIsMeasured = false;  // the sanitizer's own is in the same account
-#else
-constexpr bool kMemoryIsMeasured = true;
-#endif
-
-int64_t StatusKiB(const std::string& name) {
-  std::ifstream status("/proc/self/status");
-  for (std::string line; std::getline(status, line);) {
-    if (line.rfind(name, 0) == 0) return std::stoll(line.substr(name.size() + 1));
-  }
-  return 0;
-}
-
-/// How much more memory this process held at the most since the object was made.
-class PeakMemory {
- public:
-  PeakMemory() {
-    std::ofstream("/proc/self/clear_refs") << "5";
-    before_ = StatusKiB("VmRSS");
-  }
-  int64_t MiB() const { return kMemoryIsMeasured ? (StatusKiB("VmHWM") - before_) / 1024 : 0; }
-
- private:
-  int64_t before_;
-};
+using test::PeakMemory;
 
 class Bomb : public StillTest {
  protected:
