@@ -15,7 +15,7 @@ using MediaFile = std::unique_ptr<AVFormatContext, CloseMedia>;
 
 /// Opens the file `path` and looks at its streams. `what` ("a video", "sound") is what it should
 /// be, for the message. Only ordinary files are opened, and none that they refer to by an address.
-/// Throws Error.
+/// Throws Error, also where looking at the file would pass the limits of media_limits.h.
 MediaFile OpenMedia(const std::string& path, const std::string& what);
 
 /// The stream of moving pictures, -1 when there is none. A cover picture is none.
@@ -27,7 +27,10 @@ int SoundStreamOf(AVFormatContext& file);
 /// has no pictures: 0 for the film that they go into.
 double StartOf(AVFormatContext& file);
 
-/// A decoder for a stream, opened. `path` is for the message. Throws Error.
+/// Throws Error for a stream of sound or pictures beyond the limits. `path` is the file's.
+void CheckStream(const AVStream& stream, const std::string& path);
+
+/// A decoder for a stream that CheckStream lets pass, opened. `path` is for the message. Throws Error.
 Owned<AVCodecContext> OpenDecoder(const AVStream& stream, const std::string& path);
 
 }  // namespace kelto::host

@@ -9,6 +9,7 @@ namespace kelto::host {
 SoundSource::SoundSource(const std::string& path) : path_(path), file_(OpenMedia(path, "sound")) {
   stream_ = SoundStreamOf(*file_);
   if (stream_ < 0) throw Error(path + ": has no sound");
+  CheckStream(Stream(), path);
   start_ = std::llround(StartOf(*file_) / av_q2d(Stream().time_base));
   next_ = start_;
   for (unsigned i = 0; i < file_->nb_streams; ++i) {
