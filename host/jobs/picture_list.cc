@@ -24,6 +24,8 @@ constexpr std::array kEndings = {".jpg", ".jpeg", ".jpe", ".png", ".tif",  ".tif
 
 /// Of a list, which may come from a pipe without end.
 constexpr size_t kMostPictures = 1000000;
+/// Bytes of their paths altogether.
+constexpr size_t kMostBytes = size_t{256} << 20;
 
 std::string Lowered(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(),
@@ -78,6 +80,7 @@ std::vector<std::string> InList(const std::string& list) {
   if (!file) throw Error(list + ": cannot be read as a list of pictures");
   const fs::path folder = fs::path(list).parent_path();
   std::vector<std::string> pictures;
+  size_t bytes = 0;
   bool first = true;
   for (std::string line; ReadLine(file, list, line);) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
@@ -90,7 +93,13 @@ std::vector<std::string> InList(const std::string& list) {
       throw Error(list + ": names more than " + std::to_string(kMostPictures) +
                   " pictures; give them in several lists");
     }
-    if (!line.empty()) pictures.push_back(NarrowText(folder / line));
+    if (line.empty()) continue;
+    pictures.push_back(NarrowText(folder / line));
+    bytes += pictures.back().size();
+    if (bytes > kMostBytes) {
+      throw Error(list + ": has paths of more than " + std::to_string(kMostBytes >> 20) +
+                  " MiB; give them in several lists");
+    }
   }
   if (pictures.empty()) throw Error(list + ": names no pictures");
   return pictures;
@@ -123,6 +132,7 @@ std::vector<std::string> FilmNames(const std::vector<std::string>& pictures,
     if (count == 1) taken.insert(name);
   }
   std::vector<std::string> names;
+  std::map<std::string, int> numbers;  // the next one to try; those before are taken
   for (const std::string& picture : pictures) {
     std::string name = shortName(picture);
     if (wanted[Lowered(name)] > 1) {
@@ -130,9 +140,10 @@ std::vector<std::string> FilmNames(const std::vector<std::string>& pictures,
       const std::string last = "." + ending;
       name = base;
       name += last;
-      for (int i = 2; !taken.insert(Lowered(name)).second; ++i) {
+      int& number = numbers.try_emplace(Lowered(base), 2).first->second;
+      while (!taken.insert(Lowered(name)).second) {
         name = base;
-        name.append("-").append(std::to_string(i)).append(last);
+        name.append("-").append(std::to_string(number++)).append(last);
       }
     }
     names.push_back(name);

@@ -81,6 +81,8 @@ class WorkerFrames : public FrameSource {
         case MessageKind::kConsole:
           if (console_.IsNews(index, message->text)) PrintMessage(message->text);
           break;
+        case MessageKind::kMemory:
+          break;  // these have what CheckJob let them have
         case MessageKind::kFailed:
           throw Error(message->text);
         case MessageKind::kMisused:

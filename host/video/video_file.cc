@@ -11,6 +11,7 @@ extern "C" {
 #include <limits>
 
 #include "host/base/error.h"
+#include "host/film/media_limits.h"
 
 namespace kelto::host {
 namespace {
@@ -71,7 +72,9 @@ VideoFile::VideoFile(const std::string& path)
       next_(Own(av_frame_alloc())) {
   Open();
   if (decoder_->width <= 0 || decoder_->height <= 0) {
-    throw Error(path + ": cannot be read as a video: its pictures have no size");
+    // Not even their size is read of those beyond the limit.
+    throw Error(path + ": cannot be read as a video: its pictures have no size, or more than " +
+                std::to_string(kMaxMediaPixels / 1000000) + " million pixels");
   }
   Describe();
   const Ends ends = FindEnds();

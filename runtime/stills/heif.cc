@@ -67,12 +67,11 @@ class Picture {
   uint32_t height() const { return static_cast<uint32_t>(heif_.image_handle_get_height(handle())); }
 
   /// Bytes that Decode takes: the codec's planes and the library's copy of them, R, G and B apart
-  /// and then together. Those of more than eight bits are words. Measured, the library not saying
-  /// so.
+  /// and then together. As measured of 4:4:4, which takes most, since the library does not say.
   uint64_t Scratch() const {
-    constexpr uint64_t kBytesPerPixel = 8;
+    constexpr uint64_t kOfBytes = 10, kOfWords = 18;  // bytes a pixel
     const bool words = heif_.image_handle_get_luma_bits_per_pixel(handle()) > 8;
-    return uint64_t{width()} * height() * (words ? 2 * kBytesPerPixel : kBytesPerPixel);
+    return uint64_t{width()} * height() * (words ? kOfWords : kOfBytes);
   }
 
   Alpha alpha() const {

@@ -1,6 +1,7 @@
 // Children of a test. A call that fails throws, so that it cannot pass for a child that did well.
 #pragma once
 
+#include <sys/resource.h>
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -37,6 +38,15 @@ inline pid_t WaitFor(pid_t child, int* status, int options = 0) {
     if (ended >= 0) return ended;
     if (errno != EINTR) ThrowErrno("waitpid");
   }
+}
+
+/// The same, with what the child and those that it waited for have used.
+inline rusage UsageOf(pid_t child, int* status) {
+  rusage usage{};
+  while (wait4(child, status, 0, &usage) < 0) {
+    if (errno != EINTR) ThrowErrno("wait4");
+  }
+  return usage;
 }
 
 /// For one process only: the system takes 0 and -1 for whole groups, root's -1 for everything.

@@ -73,8 +73,8 @@ void Command::Signal(int signal) const { test::Signal(process_, signal); }
 Outcome Command::Wait() {
   if (process_ <= 0) throw std::logic_error("the command's end has been waited for");
   int status = 0;
-  WaitFor(std::exchange(process_, -1), &status);
   Outcome outcome;
+  outcome.peakMiB = UsageOf(std::exchange(process_, -1), &status).ru_maxrss / 1024;
   if (WIFEXITED(status)) outcome.code = WEXITSTATUS(status);
   if (WIFSIGNALED(status)) outcome.signal = WTERMSIG(status);
   if (output_ == folder_ / "out") outcome.out = BytesOf(output_);

@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,8 @@ struct Outcome {
   int code = -1;   ///< exit code, -1 when a signal ended the command
   int signal = 0;  ///< that signal
   std::string out;
-  std::string err;  ///< without lines of progress, which only slow machines get to see
+  std::string err;      ///< without lines of progress, which only slow machines get to see
+  int64_t peakMiB = 0;  ///< memory that the largest of its processes held at the most
 };
 
 using Words = std::vector<std::string>;
