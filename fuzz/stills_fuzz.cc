@@ -1,12 +1,10 @@
 // A still of any bytes, opened, measured and drawn through the importer.
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "fuzz/byte_source.h"
+#include "fuzz/memory_file.h"
 #include "platform/still_importer.h"
 
 /// libheif 1.15 does not give back what it handed to the decoder of damaged AV1 pictures.
@@ -20,27 +18,6 @@ namespace {
 
 /// Larger pictures are opened and measured only: filling them would take the time of many inputs.
 constexpr int64_t kMostPixels = 1 << 18;
-
-/// A file that lives in memory, with a path by which it is opened.
-class MemoryFile {
- public:
-  MemoryFile(const uint8_t* data, size_t size) : fd_(::memfd_create("still", MFD_CLOEXEC)) {
-    Require(fd_ >= 0, "there is a file to write to");
-    while (size > 0) {
-      const ssize_t written = ::write(fd_, data, size);
-      Require(written > 0, "the file takes the input");
-      data += written;
-      size -= static_cast<size_t>(written);
-    }
-  }
-  MemoryFile(const MemoryFile&) = delete;
-  MemoryFile& operator=(const MemoryFile&) = delete;
-  ~MemoryFile() { ::close(fd_); }
-  std::string path() const { return "/proc/self/fd/" + std::to_string(fd_); }
-
- private:
-  int fd_;
-};
 
 /// Every failure has a code of the importer's and one line that says why; success has neither.
 void CheckOutcome(OSErr error) {
