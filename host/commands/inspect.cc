@@ -10,6 +10,7 @@
 #include "host/facts/frame_list.h"
 #include "host/files/output_file.h"
 #include "host/options/number.h"
+#include "host/terminal/interrupt.h"
 #include "host/terminal/standard_output.h"
 #if defined(KELTO_CAIRO)
 #include "host/drawing/motion_plot.h"
@@ -34,6 +35,7 @@ double ParseQuality(const std::string& text) {
 }
 
 void Run(const InspectOptions& options) {
+  const InterruptsEndAtOnce throughout;  // it loads photographs, and leaves nothing half-written
   const double quality =
       options.quality.empty() ? 1.0 : ReadOption("--quality", options.quality, ParseQuality);
   const RenderPlan plan = PlanFor(options.input, options.plan);

@@ -15,6 +15,7 @@
 #include "host/plan/default_plan.h"
 #include "host/project/display_aspect.h"
 #include "host/project/project_file.h"
+#include "host/terminal/interrupt.h"
 
 namespace kelto::host {
 namespace {
@@ -147,6 +148,7 @@ void DeclarePlan(CLI::App& command, PlanOptions& options) {
 }
 
 RenderPlan PlanFor(const std::string& input, const PlanOptions& options) {
+  const InterruptsEndAtOnce whileItReads;
   RenderPlan plan = IsProjectName(input) ? ReadProject(input) : DefaultPlan(input);
   ApplyOptions(options, plan);
   return plan;

@@ -7,6 +7,7 @@
 #include "host/commands/plan_options.h"
 #include "host/effect/module_file.h"
 #include "host/player/player.h"
+#include "host/terminal/interrupt.h"
 
 namespace kelto::host {
 namespace {
@@ -19,6 +20,7 @@ struct Options {
 };
 
 void Run(const Options& options) {
+  const InterruptsEndAtOnce throughout;  // it loads photographs, and leaves nothing half-written
   const RenderPlan plan = PlanFor(options.input, options.plan);
   const std::string module = FindModule(options.module);
   PlayInWindow(module, plan, OpenPhoto(plan.photo), options.player);

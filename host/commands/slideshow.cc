@@ -71,7 +71,7 @@ void ForEachPhoto(const Items& photos, const Look& look) {
   Progress progress("photo", static_cast<int64_t>(photos.size()));
   int64_t done = 0;
   for (const auto& photo : photos) {
-    if (InterruptSignal() != 0) throw Error("interrupted");
+    const InterruptsEndAtOnce whileItLooks;
     look(photo);
     progress.Show(++done);
   }

@@ -10,6 +10,7 @@
 #include "host/effect/module_file.h"
 #include "host/files/output_file.h"
 #include "host/options/number.h"
+#include "host/terminal/interrupt.h"
 
 namespace kelto::host {
 namespace {
@@ -32,6 +33,7 @@ int32_t ParseStrip(const std::string& text) {
 }
 
 void Run(const Options& options) {
+  const InterruptsEndAtOnce throughout;  // it loads photographs, and leaves nothing half-written
   StoryboardOptions sheet;
   sheet.file = options.output;
   if (!options.strip.empty()) sheet.frames = ReadOption("--strip", options.strip, ParseStrip);

@@ -17,6 +17,7 @@
 
 #include "host/base/error.h"
 #include "host/files/part_name.h"
+#include "host/terminal/interrupt.h"
 
 namespace kelto::host {
 namespace {
@@ -170,6 +171,7 @@ struct WorkFile::Place {
   Descriptor folder, file;
   std::string entry, part;  ///< names in the folder
   mode_t usualMode = 0;     ///< of a file that replaces none
+  std::optional<UnfinishedFile> unfinished;
 };
 
 WorkFile::WorkFile(const std::string& name, FolderLink link) : name_(name) {
@@ -200,6 +202,7 @@ WorkFile::WorkFile(const std::string& name, FolderLink link) : name_(name) {
                              O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
     if (place->file.Number() < 0 && errno != EEXIST) Fail("cannot be written", errno);
   } while (place->file.Number() < 0 || !LockNew(place->file.Number()));
+  place->unfinished.emplace(workPath_.string());
   struct stat status {};
   if (fstat(place->file.Number(), &status) == 0) place->usualMode = status.st_mode & kPermissions;
   // What was private stays so while it is written.
@@ -240,6 +243,7 @@ void WorkFile::Finish(FolderSync sync) {
     Fail("cannot be given its name", errno);
   }
   place_->part.clear();
+  place_->unfinished.reset();
   // Only now: until it has its name, its lock tells other runs that it is not abandoned.
   if (!place_->file.Close()) Fail("cannot be written", errno);
   if (sync == FolderSync::kNow && !Sync(folder)) Fail("cannot be kept on the disk", errno);

@@ -8,6 +8,7 @@
 #include "host/files/output_file.h"
 #include "host/film/codecs.h"
 #include "host/jobs/picture_memory.h"
+#include "host/terminal/interrupt.h"
 #include "host/terminal/terminal.h"
 
 #if defined(__linux__)
@@ -59,6 +60,7 @@ Photo CheckPhoto(const std::string& path) {
 void CheckJob(FilmJob& job) {
   const RenderPlan& plan = job.scene.plan;
   CheckFilm(*job.kind, job.request, {plan.photo, plan.over, job.request.audio});
+  const InterruptsEndAtOnce whileItOpens;
   const Photo photo = CheckPhoto(plan.photo);
   job.workers = WorkersFor(photo, job.workers);
   job.memory = photo.memory * static_cast<uint64_t>(job.workers);

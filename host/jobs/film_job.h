@@ -37,8 +37,8 @@ std::string SoundFor(const RenderPlan& plan, const FilmKind& kind);
 void CheckFilm(const FilmKind& kind, const FilmRequest& request,
                const std::vector<std::string>& sources);
 
-/// Opens a photo as far as its size; warns of what it will be shown without. Throws Error when there
-/// is no such photo.
+/// Opens a photo as far as its size; warns of what it will be shown without. Throws Error when
+/// there is no such photo.
 Photo CheckPhoto(const std::string& path);
 
 /// Throws what can be known to go wrong before any work: UsageError or Error. Leaves the job no

@@ -50,6 +50,7 @@ EffectSession& SceneRenderer::Open(size_t scene) {
   session_.reset();
   open_ = list_.scenes.size();
   const RenderPlan& plan = list_.scenes[scene].plan;
+  const InterruptsEndAtOnce whileItLoads;
   photo_ = std::make_unique<HeldFile>(plan.photo);
   Photo photo = OpenPhoto(plan.photo);
   photo.path = photo_->Path();

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "tests/host/command/run.h"
+#include "tests/support/hostile_files.h"
 
 namespace kelto::test {
 namespace {
@@ -46,6 +47,21 @@ TEST_F(Interrupted, FilmsAreClearedAwayAndTheCommandDiesOfTheSignal) {
     EXPECT_EQ(outcome.err, "");
     EXPECT_THAT(NamesIn(films_), testing::IsEmpty());
   }
+}
+
+TEST_F(Interrupted, EndsTheCommandWhileAPhotoLoads) {
+  // Loading it takes several seconds of any machine.
+  const std::string slow = photos_ / "slow.png";
+  WriteBytes(slow, FlatPng(23000));
+  Command command({"render", slow, "-o", films_ / "film.mp4", "--jobs", "1", "--frames", "2"});
+  WaitForWork();
+  std::this_thread::sleep_for(200ms);
+  const auto before = std::chrono::steady_clock::now();
+  command.Signal(SIGINT);
+  EXPECT_EQ(command.Wait().signal, SIGINT);
+  // Half a second where the machine has nothing else to do.
+  EXPECT_LT(std::chrono::steady_clock::now() - before, 2s);
+  EXPECT_THAT(NamesIn(films_), testing::IsEmpty());
 }
 
 TEST_F(Interrupted, AKilledCommandLeavesNothingUnderTheFilmsName) {
