@@ -25,9 +25,10 @@ std::vector<std::string> NamesOf(const std::vector<OptionFacts>& options) {
   return names;
 }
 
-/// The help text's first line, in which `from` stands for `to`.
+/// The help text's first line.
 std::string ShortHelp(const std::string& help) { return help.substr(0, help.find('\n')); }
 
+/// `text` with `to` in every place of `from`.
 std::string Replaced(const std::string& text, const std::string& from, const std::string& to) {
   std::string result;
   size_t at = 0;

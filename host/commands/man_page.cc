@@ -44,7 +44,7 @@ std::string Section(const CommandFacts& command) {
 }
 
 constexpr const char* kBegin =
-    ".TH KELTO 1 2026-11-21 \"kelto " KELTO_VERSION
+    ".TH KELTO 1 " KELTO_BUILD_DATE " \"kelto " KELTO_VERSION
     "\" \"User Commands\"\n"
     ".SH NAME\n"
     "kelto \\- pan and zoom over photographs\n"

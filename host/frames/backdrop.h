@@ -6,12 +6,11 @@
 #include <vector>
 
 #include "host/base/film_format.h"
+#include "host/frames/backdrop_video.h"
 #include "host/plan/render_plan.h"
 #include "runtime/hfx/host.h"
 
 namespace kelto::host {
-
-class VideoReader;
 
 /// The frames of a plan's video in the film's size and in one layout; black where the plan has
 /// none.
@@ -19,9 +18,6 @@ class Backdrop {
  public:
   /// Opens the video. Throws Error that names it.
   Backdrop(const RenderPlan& plan, PixelLayout layout);
-  ~Backdrop();
-  Backdrop(const Backdrop&) = delete;
-  Backdrop& operator=(const Backdrop&) = delete;
 
   /// Fills `image`, of the film's size and the layout, with what lies behind frame `number`. Frames
   /// may be asked for in any order. Throws Error.
@@ -29,7 +25,7 @@ class Backdrop {
 
  private:
   std::vector<uint8_t> blackRow_;
-  std::unique_ptr<VideoReader> video_;  ///< null for none
+  std::unique_ptr<BackdropVideo> video_;  ///< null for none
 };
 
 }  // namespace kelto::host

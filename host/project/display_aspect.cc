@@ -14,9 +14,9 @@ constexpr int64_t kMaxTerm = 65535;
 
 UsageError BadAspect() {
   return UsageError(
-      "a display aspect is WIDTH:HEIGHT or a number, such as 16:9, for pixels whose sides are at "
-      "most "
-      "1 to 65535");
+      "a display aspect is WIDTH:HEIGHT or a number, such as 16:9, and asks for pixels at most "
+      "65535 "
+      "times as long one way as the other");
 }
 
 /// The fraction nearest to `value` among those that its continued fraction leads through, with

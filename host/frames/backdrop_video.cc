@@ -1,0 +1,39 @@
+#include "host/frames/backdrop_video.h"
+
+#include <cstdio>
+
+#include "host/terminal/terminal.h"
+#include "host/video/video_reader.h"
+
+namespace kelto::host {
+namespace {
+
+class ReaderVideo final : public BackdropVideo {
+ public:
+  ReaderVideo(const RenderPlan& plan, PixelLayout layout)
+      : reader_(plan.over, plan.format, layout) {}
+  FrameView Frame(int32_t number) override { return reader_.Frame(number); }
+  double Seconds() const { return reader_.Info().seconds; }
+
+ private:
+  VideoReader reader_;
+};
+
+void WarnOfEarlyEnd(const RenderPlan& plan, double seconds) {
+  const double film = plan.frames / plan.format.rate.PerSecond();
+  // Lengths are rounded, to frames and by containers.
+  if (seconds + 1.0 / plan.format.rate.PerSecond() + 0.1 >= film) return;
+  char text[80];
+  std::snprintf(text, sizeof text, ": ends after %.2f of the film's %.2f seconds; ", seconds, film);
+  Warn(plan.over + text + "its last picture is shown from there on");
+}
+
+}  // namespace
+
+std::unique_ptr<BackdropVideo> OpenBackdropVideo(const RenderPlan& plan, PixelLayout layout) {
+  auto video = std::make_unique<ReaderVideo>(plan, layout);
+  WarnOfEarlyEnd(plan, video->Seconds());
+  return video;
+}
+
+}  // namespace kelto::host
