@@ -5,7 +5,7 @@
 
 #include "fuzz/byte_source.h"
 #include "resample/resample.h"
-#include "resample/target.h"
+#include "targets/target.h"
 
 namespace kelto::fuzz {
 namespace {

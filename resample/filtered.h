@@ -5,8 +5,8 @@
 #include "resample/filters.h"
 #include "resample/geometry.h"
 #include "resample/job.h"
-#include "resample/target.h"
 #include "resample/weights.h"
+#include "targets/target.h"
 
 namespace kelto {
 
@@ -31,7 +31,7 @@ FilteredPlan PlanFiltered(const ResampleJob& job, const Canvas& canvas, const Fi
                           const Picture& picture);
 
 /// Draws a plan. Pixels that the picture covers in part are mixed with what the canvas holds there.
-/// On the current target: in vectors where whole numbers are exact enough, else as
+/// On the current target: in vectors where fixed point is exact enough, else as
 /// DrawFilteredScalar. Returns the target whose code drew it.
 Target DrawFiltered(const FilteredPlan& plan);
 

@@ -1,5 +1,5 @@
 #include "resample/filtered_fixed.h"
-#include "resample/target.h"
+#include "targets/target.h"
 
 namespace kelto {
 

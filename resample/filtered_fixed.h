@@ -1,4 +1,4 @@
-// The filtered path in vectors of whole numbers.
+// The filtered path in vectors, in fixed point.
 #pragma once
 
 #include "resample/filtered.h"

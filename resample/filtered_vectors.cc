@@ -1,12 +1,12 @@
-// The filtered path in whole numbers. Source rows are taken in blocks, two for each 32-bit lane:
+// The filtered path in fixed point. Source rows are taken in blocks, two for each 32-bit lane:
 // lane i holds rows 2i and 2i + 1 of the block.
 //
-// First pass: four pixels of each row are loaded at a time and turned so that a vector holds one
-// byte of one pixel for every row (turned_rows-inl.h). Products need no shuffling then: a column's
-// weights are the same in all lanes. Bytes are spread to 16 bits and multiplied and added in pairs.
-// Sums come out with a row in each lane and are turned back into rows, two to a word, for the
-// second pass to pair again. Of a 4:2:2 destination's pixels only the luma and the chroma sample of
-// the column's parity are summed.
+// First pass: four pixels of each row are loaded at a time and transposed so that a vector holds
+// one byte of one pixel for every row (transposed_rows-inl.h). Products need no shuffling then: a
+// column's weights are the same in all lanes. Bytes are spread to 16 bits and multiplied and added
+// in pairs. Sums come out with a row in each lane and are transposed back into rows, two to a word,
+// for the second pass to pair again. Of a 4:2:2 destination's pixels only the luma and the chroma
+// sample of the column's parity are summed.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "resample/filtered_vectors.cc"
 #include <hwy/foreach_target.h>  // IWYU pragma: keep
@@ -17,8 +17,8 @@
 
 #include "resample/filtered_fixed.h"
 #include "resample/filtered_store.h"
-#include "resample/turned_rows-inl.h"
-#include "resample/vectors.h"
+#include "resample/transposed_rows-inl.h"
+#include "targets/vectors.h"
 
 HWY_BEFORE_NAMESPACE();
 #if HWY_TARGET == HWY_AVX3_DL && defined(__clang__)
@@ -114,7 +114,7 @@ struct ColumnSums {
   }
 };
 
-/// One column's sums over its groups, scaled and turned into words of two rows.
+/// One column's sums over its groups, scaled and transposed into words of two rows.
 template <class Layout>
 HWY_INLINE void SumColumn(const FixedFilters& filters, const FixedWeights::Entry& entry,
                           const int32_t* groups, int32_t column, WordVector* rowPairs) {
@@ -135,12 +135,12 @@ HWY_INLINE void SumColumn(const FixedFilters& filters, const FixedWeights::Entry
     const auto weights13 = hn::Set(words, weights[1]);
     for (size_t sum = 0; sum < Layout::kSums; ++sum) {
       sums.Add(sum, from[sum], weights02, weights13);
-      from[sum] += TurnedRows<Layout>::kGroupWords;
+      from[sum] += TransposedRows<Layout>::kGroupWords;
     }
   }
   for (const FixedWeights::Extra& extra : filters.columns.Extras(entry)) {
     const int32_t* const at =
-        groups + static_cast<size_t>(extra.group) * TurnedRows<Layout>::kGroupWords;
+        groups + static_cast<size_t>(extra.group) * TransposedRows<Layout>::kGroupWords;
     for (size_t sum = 0; sum < Layout::kSums; ++sum) {
       sums.Add(sum, at + Layout::Plane(column, sum) * 4 * kLanes, hn::Set(words, extra.words[0]),
                hn::Set(words, extra.words[1]));
@@ -163,7 +163,7 @@ HWY_INLINE void SumColumn(const FixedFilters& filters, const FixedWeights::Entry
 /// First pass of one block of rows into pair rows from `to` on.
 template <class Layout>
 HWY_NOINLINE void FilterAlongRows(const FilteredPlan& plan, const FixedFilters& filters,
-                                  TurnedRows<Layout>& rows, int32_t* to, size_t stride) {
+                                  TransposedRows<Layout>& rows, int32_t* to, size_t stride) {
   const std::vector<FixedWeights::Entry>& entries = filters.columns.entries;
   for (size_t i = 0; i < entries.size(); i += Layout::kColumns) {
     const int32_t column = plan.columns.first + static_cast<int32_t>(i);
@@ -224,7 +224,7 @@ template <class Layout>
 void Draw(const FilteredPlan& plan, const FixedFilters& filters) {
   const size_t rowWords = filters.columns.entries.size() * Layout::kSums;
   const std::vector<FixedWeights::Entry>& entries = filters.rows.entries;
-  TurnedRows<Layout> turned(plan, filters.columns);
+  TransposedRows<Layout> transposed(plan, filters.columns);
   const PairRows pairs(rowWords, filters.rows.window);
   const int32_t firstRow = filters.rows.base;
   const int32_t lastRow = plan.rowWeights.ImagePixels().end - 1;
@@ -237,8 +237,8 @@ void Draw(const FilteredPlan& plan, const FixedFilters& filters) {
       rows[i] = plan.source.pixels +
                 static_cast<ptrdiff_t>(std::min<int64_t>(row, lastRow)) * plan.source.rowBytes;
     }
-    turned.Begin(rows);
-    FilterAlongRows<Layout>(plan, filters, turned, pairs.Place(made), pairs.Stride());
+    transposed.Begin(rows);
+    FilterAlongRows<Layout>(plan, filters, transposed, pairs.Place(made), pairs.Stride());
     made += static_cast<int32_t>(kLanes);
 
     size_t end = next;

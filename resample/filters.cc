@@ -15,7 +15,7 @@ const FilterSpec kFrameFilters[] = {
     {KernelQuadratic, nullptr, -1.5f, 1.5f},
     {KernelCubic, nullptr, -2.0f, 2.0f},
     {KernelCatrom, nullptr, -2.0f, 2.0f},
-    // Wider than its registry row says, on purpose.
+    // Wider than its registry row says, because films made so far look like this.
     {KernelGaussian, nullptr, -1.5f, 1.5f},
     {KernelSinc, &kHiQualLobes, -5.0f, 5.0f},
     {KernelSinc, &kUltraQualLobes, -16.0f, 16.0f},
@@ -23,7 +23,7 @@ const FilterSpec kFrameFilters[] = {
 
 const FilterSpec kReductionFilters[] = {
     {},
-    // One-sided on purpose: cached images made so far look like this.
+    // One-sided, because cached images made so far look like this.
     {KernelTriangle, nullptr, -1.0f, 0.0f},
     {KernelQuadratic, nullptr, -2.0f, 2.0f},
     {KernelCubic, nullptr, -2.0f, 2.0f},

@@ -35,7 +35,7 @@ class KernelSampler {
 /// outside 1 .. 7 means.
 const FilterSpec* FrameFilter(int32_t filterMode);
 
-/// The same for reductions, whose bounds are whole numbers.
+/// The same for reductions, whose bounds are integers.
 const FilterSpec* ReductionFilter(int32_t filterMode);
 
 }  // namespace kelto

@@ -1,4 +1,4 @@
-// Weight tables as 16-bit whole numbers, for the passes that multiply pairs of them at a time.
+// Weight tables as 16-bit fixed point, for the passes that multiply pairs of them at a time.
 #pragma once
 
 #include <cstdint>
@@ -45,7 +45,7 @@ struct FixedWeights {
   }
 };
 
-/// Both axes in whole numbers, and how the value between the passes is scaled.
+/// Both axes in fixed point, and how the value between the passes is scaled.
 ///
 /// The first pass sums bytes less 128, so that its results, kept with `fraction` fractional bits,
 /// fit 16 bits; the second pass's sums of those fit 32.
@@ -57,7 +57,7 @@ struct FixedFilters {
   int32_t fraction = 0;
 };
 
-/// The filters in whole numbers, or nothing when the result could differ from the exact one by a
+/// The filters in fixed point, or nothing when the result could differ from the exact one by a
 /// level: tables that reach very far, or with weights of both signs that nearly cancel.
 std::optional<FixedFilters> MakeFixedFilters(const WeightTable& columns, const WeightTable& rows);
 

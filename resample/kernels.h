@@ -79,7 +79,7 @@ class SincSteps {
   Angle turnsU_[kChains + 1], turnsV_[kChains + 1];
 };
 
-/// 0 everywhere, on purpose: the filter table lists the kernel, but pictures drawn with it are not
+/// 0 everywhere, because the filter table lists the kernel but pictures drawn with it are not
 /// wanted.
 float KernelBessel(float x, const void* data);
 

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <vector>
 
-#include "resample/pick_pixels.h"
+#include "resample/nearest_pixels.h"
 
 namespace kelto {
 namespace {
@@ -45,7 +45,7 @@ void DrawRealTime(const Canvas& canvas, const PixelBlock& source, const ChromaBy
   const std::vector<int32_t> sourceColumns =
       SourceColumns(picture.columns.map, columns, source.width);
   const bool packed = canvas.format == PixelFormat::Packed422;
-  const PickedBytes picked = packed ? PickedBytes422(chroma, columns.first) : kWholePixels;
+  const TakenBytes taken = packed ? TakenBytes422(chroma, columns.first) : kWholePixels;
   const size_t offset = static_cast<size_t>(columns.first) * (packed ? 2 : 4);
   const size_t count = sourceColumns.size() * (packed ? 2 : 4);
   int32_t drawn = -1;
@@ -57,7 +57,7 @@ void DrawRealTime(const Canvas& canvas, const PixelBlock& source, const ChromaBy
       std::memcpy(to, canvas.Row(row - 1) + offset, count);
       continue;
     }
-    PickPixels(source.pixels + sourceRow * source.rowBytes, sourceColumns, picked, to);
+    NearestPixels(source.pixels + sourceRow * source.rowBytes, sourceColumns, taken, to);
     drawn = sourceRow;
   }
 }

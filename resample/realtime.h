@@ -1,4 +1,4 @@
-// The real-time path: each destination pixel takes one source pixel.
+// The real-time path, nearest neighbour: each destination pixel takes one source pixel.
 #pragma once
 
 #include "resample/canvas.h"

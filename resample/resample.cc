@@ -29,7 +29,7 @@ void DrawFrameFiltered(const ResampleJob& job, const FilterSpec& filter, const P
 }
 
 void DrawFrameRealTime(const ResampleJob& job, const Picture& picture, PixelFormat format) {
-  // Fields are told by the host's mode here: without it, rows follow each other in any field mode.
+  // Fields follow the host's mode here: without it, rows follow each other in any field mode.
   constexpr int32_t kInterlaced = 2;
   const Canvas canvas = MakeCanvas(job, format, job.interlaceSelector == kInterlaced);
   if (canvas.Empty()) return;

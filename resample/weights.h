@@ -16,12 +16,12 @@ struct TapRange {
   int32_t lo = 0, hi = 0;
 };
 
-/// The taps that a filter needs at a scale: its bounds, widened when minifying, as whole numbers
+/// The taps that a filter needs at a scale: its bounds, widened when minifying, as integers
 /// (truncated). Bounded, whatever the scale.
 TapRange AxisTapRange(const FilterSpec& filter, float scale);
 
 /// The range that both axes use: the one that begins lower. A kernel that is not zero outside its
-/// bounds therefore weighs taps of the narrower axis beyond them, on purpose.
+/// bounds therefore weighs taps of the narrower axis beyond them, since films made so far look so.
 TapRange CommonTapRange(TapRange columns, TapRange rows);
 
 /// How one axis is filtered.

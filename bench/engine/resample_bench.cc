@@ -4,7 +4,7 @@
 
 #include "bench/engine/jobs.h"
 #include "resample/resample.h"
-#include "resample/target.h"
+#include "targets/target.h"
 
 namespace kelto::bench {
 namespace {

@@ -28,12 +28,8 @@ extern "C" {
 #define SDL_MAIN_HANDLED
 #include <SDL.h>
 #endif
-#if defined(KELTO_HIGHWAY)
-#include <hwy/highway.h>
-#include <hwy/targets.h>
-#endif
 
-#include <cstdint>
+#include "targets/target.h"
 
 namespace kelto::host {
 namespace {
@@ -115,20 +111,6 @@ std::vector<Library> Libraries() {
   return libraries;
 }
 
-std::string InstructionSet() {
-#if defined(KELTO_HIGHWAY)
-  // The sets that the module is built for, by the rule by which it chooses: the best there is.
-  struct Known {
-    int64_t bit;
-    const char* name;
-  };
-  constexpr Known kKnown[] = {
-      {HWY_AVX3_DL, "avx512vnni"}, {HWY_AVX3, "avx512"}, {HWY_AVX2, "avx2"}, {HWY_SSE4, "sse4"}};
-  for (const Known& known : kKnown) {
-    if ((hwy::SupportedTargets() & known.bit) != 0) return known.name;
-  }
-#endif
-  return "scalar";
-}
+std::string InstructionSet() { return std::string(TargetName(CurrentTarget())); }
 
 }  // namespace kelto::host

@@ -14,7 +14,7 @@ struct Library {
 /// Versions as the libraries tell them at run time; where one does not, that of its headers.
 std::vector<Library> Libraries();
 
-/// The instruction set that the effect's module draws with here, by its name for it.
+/// The instruction set that a module of this build draws with here: the choice that it makes.
 std::string InstructionSet();
 
 }  // namespace kelto::host

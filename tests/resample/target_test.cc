@@ -1,5 +1,5 @@
 // The vector engine against the scalar one, on every target that this machine has.
-#include "resample/target.h"
+#include "targets/target.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 
 #include "resample/filtered.h"
 #include "resample/fixed_weights.h"
-#include "resample/pick_pixels.h"
+#include "resample/nearest_pixels.h"
 #include "resample/resample.h"
 #include "tests/resample/buffers.h"
 
@@ -86,11 +86,11 @@ TEST_P(OnEveryTarget, TheCodeThatDrawsIsTheTargetsOwn) {
     }
   }
   const std::vector<int32_t> columns(97, 0);
-  EXPECT_EQ(PickPixels(image.bytes.data(), columns, kWholePixels, dest.Pixels()), GetParam());
+  EXPECT_EQ(NearestPixels(image.bytes.data(), columns, kWholePixels, dest.Pixels()), GetParam());
 }
 
 TEST_P(OnEveryTarget, FramesComeFromTheCodeThatTheTargetNames) {
-  // Whole numbers do not round all of a noise's pixels as floating point does.
+  // Fixed point does not round all of a noise's pixels as floating point does.
   std::mt19937 random(1);
   SourceImage image(97, 61, [&](int, int, int) { return static_cast<double>(random() & 255); });
   for (int32_t mode = FilterTriangle; mode <= FilterUltraQual; ++mode) {

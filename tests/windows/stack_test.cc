@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "resample/resample.h"
-#include "resample/target.h"
+#include "targets/target.h"
 #include "tests/frames/host.h"
 #include "tests/resample/buffers.h"
 #include "tests/windows/shifted_stack.h"

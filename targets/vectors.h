@@ -1,11 +1,11 @@
-// The vector code's side of the choice of instruction set. Engines built without vectors have
-// vectors_none.cc instead, where nothing is available.
+// The vector code's side of the choice of instruction set. Builds without vectors have
+// vectors_none.cc, where nothing is available.
 #pragma once
 
 #include <cstdint>
 #include <vector>
 
-#include "resample/target.h"
+#include "targets/target.h"
 
 namespace kelto::vectors {
 

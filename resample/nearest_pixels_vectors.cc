@@ -1,19 +1,19 @@
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "resample/pick_pixels_vectors.cc"
+#define HWY_TARGET_INCLUDE "resample/nearest_pixels_vectors.cc"
 #include <hwy/foreach_target.h>  // IWYU pragma: keep
 #include <hwy/highway.h>
 
-#include "resample/pick_pixels.h"
-#include "resample/vectors.h"
+#include "resample/nearest_pixels.h"
+#include "targets/vectors.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace kelto {
 namespace HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128
 
-int64_t Pick(const uint8_t* sourceRow, const int32_t* columns, size_t count,
-             const PickedBytes& picked, uint8_t* to) {
-  PickPixelsScalar(sourceRow, columns, count, picked, to);
+int64_t Nearest(const uint8_t* sourceRow, const int32_t* columns, size_t count,
+                const TakenBytes& taken, uint8_t* to) {
+  NearestPixelsScalar(sourceRow, columns, count, taken, to);
   return HWY_TARGET;
 }
 
@@ -25,28 +25,28 @@ namespace hn = hwy::HWY_NAMESPACE;
 struct BlockOrder {
   alignas(16) uint8_t from[16] = {};
 
-  explicit BlockOrder(const PickedBytes& picked) {
-    const size_t perPixel = picked.perPixel == 4 ? 4 : 2;
+  explicit BlockOrder(const TakenBytes& taken) {
+    const size_t perPixel = taken.perPixel == 4 ? 4 : 2;
     for (size_t i = 0; i < 4 * perPixel; ++i) {
       const size_t pixel = i / perPixel;
-      const std::array<uint8_t, 4>& bytes = pixel % 2 == 0 ? picked.first : picked.second;
+      const std::array<uint8_t, 4>& bytes = pixel % 2 == 0 ? taken.first : taken.second;
       from[i] = static_cast<uint8_t>(4 * pixel + bytes[i % perPixel]);
     }
   }
 };
 
-int64_t Pick(const uint8_t* sourceRow, const int32_t* columns, size_t count,
-             const PickedBytes& picked, uint8_t* to) {
+int64_t Nearest(const uint8_t* sourceRow, const int32_t* columns, size_t count,
+                const TakenBytes& taken, uint8_t* to) {
   const hn::ScalableTag<int32_t> words;
   const hn::Repartition<uint8_t, decltype(words)> bytes;
   const hn::Repartition<uint64_t, decltype(words)> doubles;
   const hn::Half<decltype(doubles)> half;
   const size_t lanes = hn::Lanes(words);
-  const BlockOrder blockOrder(picked);
+  const BlockOrder blockOrder(taken);
   const auto order = hn::LoadDup128(bytes, blockOrder.from);
   // Pixels have no alignment of their own; offsets in bytes make that plain.
   const auto* const pixels = static_cast<const int32_t*>(static_cast<const void*>(sourceRow));
-  const auto perPixel = static_cast<size_t>(picked.perPixel);
+  const auto perPixel = static_cast<size_t>(taken.perPixel);
   size_t i = 0;
   for (; i + lanes <= count; i += lanes) {
     const auto offsets = hn::ShiftLeft<2>(hn::LoadU(words, columns + i));
@@ -61,7 +61,7 @@ int64_t Pick(const uint8_t* sourceRow, const int32_t* columns, size_t count,
       hn::StoreU(hn::BitCast(halfBytes, packed), halfBytes, to + 2 * i);
     }
   }
-  PickPixelsScalar(sourceRow, columns + i, count - i, picked, to + perPixel * i);
+  NearestPixelsScalar(sourceRow, columns + i, count - i, taken, to + perPixel * i);
   return HWY_TARGET;
 }
 
@@ -73,11 +73,11 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace kelto {
 
-HWY_EXPORT(Pick);
+HWY_EXPORT(Nearest);
 
-Target PickPixelsVectors(const uint8_t* sourceRow, const int32_t* columns, size_t count,
-                         const PickedBytes& picked, uint8_t* to) {
-  return vectors::Named(HWY_DYNAMIC_DISPATCH(Pick)(sourceRow, columns, count, picked, to));
+Target NearestPixelsVectors(const uint8_t* sourceRow, const int32_t* columns, size_t count,
+                            const TakenBytes& taken, uint8_t* to) {
+  return vectors::Named(HWY_DYNAMIC_DISPATCH(Nearest)(sourceRow, columns, count, taken, to));
 }
 
 }  // namespace kelto

@@ -1,6 +1,6 @@
-// Blocks of source rows for the filtered path in vectors: pixels loaded and turned so that a vector
-// holds one byte of one pixel for every row. Compiled for each target by the source that includes
-// it behind Highway's foreach_target.h.
+// Blocks of source rows for the filtered path in vectors: pixels loaded and transposed so that a
+// vector holds one byte of one pixel for every row. Compiled for each target by the source that
+// includes it behind Highway's foreach_target.h.
 #include <hwy/cache_control.h>
 #include <hwy/highway.h>
 
@@ -14,11 +14,11 @@
 #include "resample/fixed_weights.h"
 
 // Once for each target.
-#if defined(KELTO_RESAMPLE_TURNED_ROWS_INL_H_) == defined(HWY_TARGET_TOGGLE)
-#ifdef KELTO_RESAMPLE_TURNED_ROWS_INL_H_
-#undef KELTO_RESAMPLE_TURNED_ROWS_INL_H_
+#if defined(KELTO_RESAMPLE_TRANSPOSED_ROWS_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef KELTO_RESAMPLE_TRANSPOSED_ROWS_INL_H_
+#undef KELTO_RESAMPLE_TRANSPOSED_ROWS_INL_H_
 #else
-#define KELTO_RESAMPLE_TURNED_ROWS_INL_H_
+#define KELTO_RESAMPLE_TRANSPOSED_ROWS_INL_H_
 #endif
 
 #if HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128
@@ -116,12 +116,12 @@ class Buffer {
 /// A block of source rows with a row in each lane, groups of pixels spread to 16 bits as they are
 /// needed and forgotten from the left.
 template <class Layout>
-class TurnedRows {
+class TransposedRows {
  public:
   /// Words of a group: for each plane pixels 0 and 2, then 1 and 3, even rows, then odd ones.
   static constexpr size_t kGroupWords = Layout::kPlanes * 4 * kLanes;
 
-  TurnedRows(const FilteredPlan& plan, const FixedWeights& columns)
+  TransposedRows(const FilteredPlan& plan, const FixedWeights& columns)
       : firstByte_(ptrdiff_t{4} * columns.base),
         wholeGroups_((plan.source.width - columns.base) / static_cast<int32_t>(kGroup)),
         capacity_(columns.window + std::max(columns.window, kSlack)),

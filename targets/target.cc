@@ -1,10 +1,10 @@
-#include "resample/target.h"
+#include "targets/target.h"
 
 #include <algorithm>
 #include <stdexcept>
 #include <string>
 
-#include "resample/vectors.h"
+#include "targets/vectors.h"
 
 namespace kelto {
 namespace {

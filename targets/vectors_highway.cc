@@ -1,10 +1,10 @@
 // The choice of instruction set by Highway.
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "resample/vectors_highway.cc"
+#define HWY_TARGET_INCLUDE "targets/vectors_highway.cc"
 #include <hwy/foreach_target.h>  // IWYU pragma: keep
 #include <hwy/highway.h>
 
-#include "resample/vectors.h"
+#include "targets/vectors.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace kelto::HWY_NAMESPACE {

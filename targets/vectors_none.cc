@@ -1,0 +1,14 @@
+// Builds without vectors: no target but the scalar one is available.
+#include "targets/vectors.h"
+
+namespace kelto::vectors {
+
+std::vector<Target> Available() { return {}; }
+
+void Choose(Target) {}
+
+Target Running() { return Target::Scalar; }
+
+Target Named(int64_t) { return Target::Scalar; }
+
+}  // namespace kelto::vectors
