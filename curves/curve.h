@@ -127,8 +127,8 @@ void CurveSetKind(Curve* curve, int32_t kind);
 /// As CurveSetKind, and returns the kind stored.
 int32_t CurveStoreKind(Curve* curve, int32_t kind);
 
-/// Sets or clears Extrapolate and returns the new flags. Does not set Dirty, on purpose, although
-/// CurvePrepare of a PowerThreePoint curve reads the flag.
+/// Sets or clears Extrapolate and returns the new flags. Does not set Dirty, although CurvePrepare
+/// of a PowerThreePoint curve reads the flag: callers prepare the curve after other changes only.
 uint32_t CurveSetExtrapolate(Curve* curve, bool on);
 
 // Queries.

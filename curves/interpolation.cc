@@ -62,7 +62,8 @@ double EvaluatePowerThreePoint(const Curve* curve, double x) {
   return first.y + (last.y - first.y) * std::pow(t, curve->exponent);
 }
 
-// Points that do not rise leave the exponent of earlier points in place, on purpose.
+// Points that do not rise leave the exponent of earlier points in place, so that a curve whose
+// points make no sense for a while keeps its shape.
 void PreparePowerThreePoint(Curve* curve) {
   CurvePoint* p = curve->points;
   if (curve->count != 3) return;

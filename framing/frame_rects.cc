@@ -39,7 +39,8 @@ FrameRects ComputeFrameRects(const FrameGeometry& frame, PixelSize picture, cons
   RectF& source = rects.source;
   source = {0.5f, 0.5f, sw - 0.5f, sh - 0.5f};
   float baseWidth = sw, baseHeight = sh;
-  // The picture's own shape alone decides, not how it compares with the frame's; kept on purpose.
+  // The picture's own shape alone decides, not how it compares with the frame's: saved
+  // projects are framed by this rule.
   if (picture.width <= picture.height) {
     const float margin = (sw - aspect * sh) * 0.5f;
     source.left = 0.5f + margin;

@@ -22,7 +22,7 @@ void ReleaseWorkImages(PanZoomState& state);
 
 /// Attaches pixel memory (not cleared) to `image` for the use of `state`. While that fails, other
 /// instances are emptied one by one, in the registry's order. On success the image is entered into
-/// the cache's account; on failure the console is told and the image library's status stays set.
+/// the cache's account; on failure a line goes to the console and the library's status stays set.
 void AllocateImageData(PanZoomState& state, IplImage* image);
 
 /// Makes the header of a cached image; null, with the library's status set, when that fails.

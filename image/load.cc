@@ -98,8 +98,8 @@ void SpreadPixels(const IplImage& from, IplImage& to) {
   }
 }
 
-/// Allocates the pixels of `image`, telling the console when memory runs out.
-bool AllocateOrTell(PanZoomState& state, IplImage* image) {
+/// Allocates the pixels of `image`; a line on the console says when memory runs out.
+bool AllocateOrReport(PanZoomState& state, IplImage* image) {
   AllocateImageData(state, image);
   if (LibraryFailed()) {
     hfxGlobal::ConsolePrintf("PanZoom HFX: Unable to allocate memory for image.\n");
@@ -118,7 +118,7 @@ IplImage* NewHeader(int32_t channels, const char* model, const char* sequence, i
 
 /// Decodes into memory of the image library's, without a copy in between. False when that fails.
 bool Decode(PanZoomState& state, OpenStill& still, const StillRect& bounds, IplImage* target) {
-  // This failure is not told to the console a second time.
+  // This failure is not reported on the console a second time.
   if (LibraryFailed()) return false;
   AllocateImageData(state, target);
   if (LibraryFailed()) return false;
@@ -138,13 +138,13 @@ bool Load(PanZoomState& state, bool interactive) {
   if (!Decode(state, still, bounds, decoded.get())) return false;
 
   ImagePtr converted(NewHeader(3, "YCr", "YCr", IPL_ALIGN_QWORD, size));
-  if (!AllocateOrTell(state, converted.get())) return false;
+  if (!AllocateOrReport(state, converted.get())) return false;
   ConvertLevels(*decoded, *converted, state.settings.levels == LevelsRGB);
   if (LibraryFailed()) return false;
   decoded.reset();  // before the next allocation: two full-size images at a time, never three
 
   ImagePtr cached(NewCachedImageHeader(size.width, size.height));
-  if (!AllocateOrTell(state, cached.get())) return false;
+  if (!AllocateOrReport(state, cached.get())) return false;
   SpreadPixels(*converted, *cached);
 
   state.picture.workImages[0] = std::move(cached);

@@ -338,7 +338,7 @@ class KELTO_PLATFORM_API hfxInstance_v1 {
   /// Replaces the record by a copy of `length` bytes at `record`, which may lie in the old record.
   /// A null `record` takes the record away; a negative `length` changes nothing.
   void SetInstanceData(const void* record, int32_t length);
-  /// Tells the host whether the record differs from what the project holds.
+  /// Reports whether the record differs from what the project holds.
   void SetInstanceDataModified(bool modified);
 
   /// Adds a parameter under `group` (null, or a group that this instance does not list: top level)

@@ -104,7 +104,7 @@ KELTO_PLATFORM_API void iplDeallocate(IplImage* image, int32_t flags);
 KELTO_PLATFORM_API void iplRGB2YCrCb(const IplImage* rgb, IplImage* ycrcb);
 
 /// Extension: caps the pixel bytes allocated at any time (0 lifts the cap), so that running out of
-/// memory can be made to happen; iplxAllocatedBytes tells what is allocated now.
+/// memory can be made to happen; iplxAllocatedBytes returns what is allocated now.
 KELTO_PLATFORM_API void iplxSetMemoryLimit(uint64_t bytes);
 KELTO_PLATFORM_API uint64_t iplxAllocatedBytes();
 }

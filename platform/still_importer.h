@@ -66,7 +66,7 @@ void DisposeGWorld(GWorldPtr world);
 /// refused when opened.
 uint64_t StillImporterScratchBytes(GraphicsImportComponent importer);
 
-/// Extension: one line that says why the last operation failed, for hosts that want to tell; empty
+/// Extension: one line that says why the last operation failed, for hosts to report; empty
 /// when it did not.
 const char* StillImporterLastError();
 

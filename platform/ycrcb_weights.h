@@ -21,7 +21,7 @@ constexpr ComponentWeights kCbWeights = {-1687, -3312, 5000};
 
 constexpr int32_t kChromaOffset = 128;
 
-/// The component in ten-thousandths, without offset. Levels up to 255 come to whole numbers below
+/// The component in ten-thousandths, without offset. Levels up to 255 come to integers below
 /// 2^24, so that the sum is exact in float, too.
 template <typename T>
 constexpr T Weigh(const ComponentWeights& weights, T r, T g, T b) {

@@ -13,7 +13,7 @@ class PanZoomInstance : public PanZoomState {
   bool CreateParameters() override;
   /// Takes the saved path, the host's state and its play mode.
   int32_t BeginRender() override;
-  /// Gives the working images up after a render of host state 1. Returns -1, on purpose: true.
+  /// Gives the working images up after a render of host state 1. Returns -1: to a host, true.
   int32_t EndRender() override;
   /// Lets the user pick or find the image, loads it and saves its path. True when a file was
   /// picked, whether or not it then loaded.

@@ -19,7 +19,7 @@ const hfxParamKey* ActiveKey(const hfxParameter& parameter) {
 }
 
 /// Gives every key of a list or switch the active key's value. Keys of which none is active fall
-/// back to the first entry, on purpose.
+/// back to the first entry, as saved projects expect.
 template <typename Parameter>
 void HoldConstant(Parameter& parameter) {
   const hfxParamKey* active = ActiveKey(parameter);

@@ -15,7 +15,7 @@ namespace {
 
 constexpr double kRealTimeQuality = 0.5;
 
-/// A pixel layout as the conversion library is told it.
+/// A pixel layout in the terms of the conversion library.
 struct Layout {
   const char* tag;
   pxcColorSpace colorSpace;
@@ -87,7 +87,7 @@ void SetVideoBackground(ResampleJob& job, hfxImage& input, PixelSize size, int32
   // Without pixels the input still counts as video: all of it is black.
   const PixelSize video = {std::clamp(input.GetWidth(), 0, size.width),
                            std::clamp(input.GetHeight(), 0, size.height)};
-  // Overwrites the host's RGB input, on purpose: it saves a copy of the frame.
+  // Overwrites the host's RGB input, because that saves a copy of the frame.
   if (colorspace == hfxColorspaceRGB) {
     ConvertRowsInPlace<pxcRGBA2YCbYCr>(input, video, kBgra, k422);
   }

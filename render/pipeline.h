@@ -24,7 +24,7 @@ void RenderWithoutImage(PanZoomState& state);
 int32_t LayoutCode(int32_t imgFormat, int32_t channelType);
 
 /// The background colour's three bytes, red first: channels of 0..1 are truncated to bytes and,
-/// with RGB source levels, clamped (not rescaled, on purpose) to studio range.
+/// with RGB source levels, clamped to studio range; not rescaled, since films made so far look so.
 void BackgroundBytes(const double rgb[3], int32_t levels, uint8_t bytes[3]);
 
 }  // namespace kelto

@@ -12,7 +12,7 @@
 namespace kelto {
 
 struct ModuleState {
-  // What the system and the host have told the library, null before that. All of it stays theirs;
+  // What the system and the host have handed over, null before that. All of it stays theirs;
   // the entry points write it.
   HINSTANCE handle = nullptr;                ///< owns the file dialogs
   hfxHostStateCallback hostState = nullptr;  ///< asked when an instance begins a render

@@ -235,8 +235,8 @@ class KELTO_PLATFORM_API Effect {
   hfxModel_v1& model() { return *model_; }
   hfxInstance_v1& instance() { return *instance_; }
 
-  /// Another effect of the same model whose instance copies this one's (CopyInstance) and has been
-  /// told of its parameters: a clip duplicated or split.
+  /// Another effect of the same model whose instance copies this one's (CopyInstance) and has had
+  /// its callback called: a clip duplicated or split.
   std::unique_ptr<Effect> Duplicate(std::string* error);
   /// Calls the model's update-parameters callback, as after every edit; true without a callback.
   /// What an exception says goes to the console.

@@ -17,9 +17,9 @@ constexpr const char* kOperation = "iplRGB2YCrCb";
 /// Pixels taken at a time.
 constexpr int kBlock = 512;
 
-/// Nearest level to a whole number of ten-thousandths, which is not negative.
+/// Nearest level to an integer number of ten-thousandths, which is not negative.
 inline uint32_t NearestLevel(float value) {
-  // Whole numbers below 2^22: the half added last keeps quotients 0.5 / 10000 away from the next
+  // Integers below 2^22: the half added last keeps quotients 0.5 / 10000 away from the next
   // level, farther than float errs. Multiplied, not divided, and in float throughout, since vectors
   // of 32-bit integers have neither a product nor a quotient everywhere.
   const float level = (value + (0.5f * kWeightUnit + 0.5f)) * (1.0f / kWeightUnit);

@@ -17,7 +17,7 @@ HWND NoDesktop() { return nullptr; }
 
 BOOL CancelDialog(OPENFILENAMEA*) { return 0; }
 
-int TellOnErrorStream(HWND, const char* text, const char* caption, unsigned) {
+int PrintOnErrorStream(HWND, const char* text, const char* caption, unsigned) {
   std::fprintf(stderr, "%s: %s\n", caption, text);
   return IDOK;
 }
@@ -39,7 +39,7 @@ NET_API_STATUS NoWorkstation(wchar_t*, DWORD, uint8_t** buffer) {
 NET_API_STATUS NothingToFree(void*) { return NO_ERROR; }
 
 constexpr Win32Calls kSystemCalls = {
-    NoDesktop, CancelDialog,  TellOnErrorStream, NoMappedDrive,
+    NoDesktop, CancelDialog,  PrintOnErrorStream, NoMappedDrive,
     NoShares,  NoWorkstation, NothingToFree,
 };
 

@@ -14,7 +14,7 @@ using test::Instance;
 
 class Pool : public test::ImageTest {};
 
-/// Records what it is told to release.
+/// Records what it is asked to release.
 class RecordingPool : public BufferPool {
  public:
   void Release(IplImage* image) override { released.push_back(image); }
@@ -31,7 +31,7 @@ TEST_F(Pool, ReleaseOfTheCachePoolSubtractsTheImageSizeAndFreesNothing) {
   Module().cachedBytes += image->imageSize;
 }
 
-TEST_F(Pool, ReleaseImageTellsTheOwningPoolAndFreesAll) {
+TEST_F(Pool, ReleaseImageAsksTheOwningPoolAndFreesAll) {
   RecordingPool pool;
   IplImage* image = NewCachedImageHeader(10, 10);
   iplAllocateImage(image, 0, 0);
