@@ -51,21 +51,21 @@ EasedTime VelocityEasing::At(double t) const {
 }
 
 VelocityEasing::Shoulder VelocityEasing::ShoulderOf(int32_t velocity) {
-  if (velocity == VelocityLinear || velocity == VelocityConstant) return kEven;
-  return velocity == VelocityEase ? kEased : kNone;
+  if (velocity == VelocityLinear || velocity == VelocityConstant) return ShoulderEven;
+  return velocity == VelocityEase ? ShoulderEased : ShoulderNone;
 }
 
 // The shoulders (0.25, 0.1) and (0.75, 0.9) are the whole design of the velocity modes; both halves
 // meet in the middle.
 CurvePtr VelocityEasing::MakeShape(Shoulder departure, Shoulder arrival) {
   CurvePtr shape = NewCurve(NaturalSpline, 5);
-  if (departure != kNone) {
+  if (departure != ShoulderNone) {
     CurveAppendXY(shape.get(), 0.0, 0.0);
-    if (departure == kEased) CurveAppendXY(shape.get(), 0.25, 0.1);
+    if (departure == ShoulderEased) CurveAppendXY(shape.get(), 0.25, 0.1);
     CurveAppendXY(shape.get(), 0.5, 0.5);
   }
-  if (arrival != kNone) {
-    if (arrival == kEased) CurveAppendXY(shape.get(), 0.75, 0.9);
+  if (arrival != ShoulderNone) {
+    if (arrival == ShoulderEased) CurveAppendXY(shape.get(), 0.75, 0.9);
     CurveAppendXY(shape.get(), 1.0, 1.0);
   }
   Prepare(*shape);

@@ -55,6 +55,7 @@ void SetWay(Instance& instance, int keys) {
 TEST(AWayOfVeryManyKeys, IsReadInLittleTime) {
   Instance instance;
   SetWay(instance, 10000);
+  instance.host().currentFrame = 10;
   const std::clock_t start = std::clock();
   EvaluateMotion(instance);
   EXPECT_LT(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, 5.0) << "processor time";

@@ -27,7 +27,7 @@ shift
 first=$1
 shift
 echo "lines reached, of all in the folder"
-for folder in curves resample image state plugin render runtime/stills runtime/ipl runtime/hfx \
+for folder in framing curves keyframes resample image state plugin render runtime/stills runtime/ipl runtime/hfx \
   host/project; do
   report=$(llvm-cov-14 report "$first" "$@" -instr-profile="$build/all.profdata" "$PWD/$folder/" \
     2>/dev/null || true)
