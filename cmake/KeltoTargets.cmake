@@ -2,11 +2,18 @@
 
 find_package(PkgConfig REQUIRED)
 
+# ccache stores what was compiled with a precompiled header only where these are allowed.
+if(CMAKE_CXX_COMPILER_LAUNCHER MATCHES "ccache$")
+  list(PREPEND CMAKE_CXX_COMPILER_LAUNCHER
+    ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros)
+endif()
+
 add_library(kelto_options INTERFACE)
 target_include_directories(kelto_options INTERFACE ${CMAKE_SOURCE_DIR})
 target_compile_options(kelto_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
-  -Wformat=2 -Wimplicit-fallthrough -Werror
+  -Wformat=2 -Wimplicit-fallthrough
+  $<$<BOOL:${KELTO_WERROR}>:-Werror>
   # GCC 12 takes the places of std::variant that are not in use, and the sanitizers' own checks, for
   # uses of values that are not set.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
@@ -56,6 +63,17 @@ function(kelto_search_path)
   set_target_properties(${ARG_TARGETS} PROPERTIES INSTALL_RPATH "${path}")
 endfunction()
 
+# kelto_unity(NAME): with KELTO_UNITY, compiles several files of a target as one, since reading the
+# headers of libraries takes longest. A target's files must then not use a name for two things.
+function(kelto_unity name)
+  set_target_properties(${name} PROPERTIES
+    UNITY_BUILD ${KELTO_UNITY} UNITY_BUILD_BATCH_SIZE 10)
+  if(KELTO_UNITY AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # A source that another one includes looks like a header with local types.
+    target_compile_options(${name} PRIVATE -Wno-subobject-linkage)
+  endif()
+endfunction()
+
 # kelto_library(NAME [SHARED] SOURCES ... LINK ...): a library of this project.
 function(kelto_library name)
   cmake_parse_arguments(ARG "SHARED" "" "SOURCES;LINK;PRIVATE_LINK" ${ARGN})
@@ -67,6 +85,7 @@ function(kelto_library name)
   else()
     add_library(${name} STATIC ${ARG_SOURCES})
   endif()
+  kelto_unity(${name})
   target_link_libraries(${name} PUBLIC kelto_options ${ARG_LINK} PRIVATE ${ARG_PRIVATE_LINK})
 endfunction()
 
@@ -79,10 +98,9 @@ function(kelto_test name)
   target_link_libraries(${name} PRIVATE kelto_options GTest::gmock GTest::gtest_main ${ARG_LINK})
   # The tests' own code need not be fast, but there is much of it to compile.
   target_compile_options(${name} PRIVATE -O1)
-  if(WIN32)
-    # Several files are compiled as one here, since reading their libraries' headers takes longest:
-    # a program's tests must not use a name for two things.
-    set_target_properties(${name} PROPERTIES UNITY_BUILD ON)
+  kelto_unity(${name})
+  if(NOT KELTO_UNITY)
+    target_precompile_headers(${name} REUSE_FROM kelto_test_headers)
   endif()
   target_compile_definitions(${name} PRIVATE
     KELTO_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data"

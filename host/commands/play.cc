@@ -13,13 +13,13 @@ namespace kelto::host {
 namespace {
 
 /// The options as they were typed; empty where nothing was.
-struct Options {
+struct PlayOptions {
   std::string input, module;
   PlayerOptions player;
   PlanOptions plan;
 };
 
-void Run(const Options& options) {
+void Run(const PlayOptions& options) {
   const InterruptsEndAtOnce throughout;  // it loads photographs, and leaves nothing half-written
   const RenderPlan plan = PlanFor(options.input, options.plan);
   const std::string module = FindModule(options.module);
@@ -31,7 +31,7 @@ void Run(const Options& options) {
 CLI::App* AddPlay(CLI::App& app) {
   CLI::App* command = app.add_subcommand(
       "play", "Play a film in a window, in real time; h in the window tells the keys");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<PlayOptions>();
   command->add_option("INPUT", options->input, "The photograph or project")
       ->required()
       ->type_name("");

@@ -12,8 +12,8 @@ using test::RunProgram;
 using test::Size;
 using test::Words;
 
-const Words kMove{"--frames", "4",          "--from",       "1.2@0.1,0",
-                  "--to",     "2@-0.2,0.1", "--background", "#203040"};
+const Words kGstreamerMove{"--frames", "4",          "--from",       "1.2@0.1,0",
+                           "--to",     "2@-0.2,0.1", "--background", "#203040"};
 
 class GStreamer : public testing::Test {
  protected:
@@ -48,7 +48,8 @@ TEST_F(GStreamer, FilterRendersTheFramesOfTheCommandAtEverySize) {
     Words pipeline{"videotestsrc", "num-buffers=4", "!", Caps(size), "!"};
     const Words element = Element("frei0r-filter-kelto-pan-zoom");
     pipeline.insert(pipeline.end(), element.begin(), element.end());
-    ExpectSameFrames(Launch(pipeline, size), RenderByCommand(photo_, size, kMove), size.Text());
+    ExpectSameFrames(Launch(pipeline, size), RenderByCommand(photo_, size, kGstreamerMove),
+                     size.Text());
     EXPECT_TRUE(outcome_.Lines().empty()) << outcome_.err;
   }
 }
@@ -57,7 +58,8 @@ TEST_F(GStreamer, SourceRendersTheFramesOfTheCommandAtEverySize) {
   for (const Size size : test::kSizes) {
     Words pipeline = Element("frei0r-src-kelto-pan-zoom-src");
     pipeline.insert(pipeline.end(), {"num-buffers=4", "!", Caps(size)});
-    ExpectSameFrames(Launch(pipeline, size), RenderByCommand(photo_, size, kMove), size.Text());
+    ExpectSameFrames(Launch(pipeline, size), RenderByCommand(photo_, size, kGstreamerMove),
+                     size.Text());
   }
 }
 

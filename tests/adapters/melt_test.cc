@@ -62,15 +62,15 @@ class Melt : public testing::Test {
   Outcome outcome_;
 };
 
-const Words kMove{"--frames", "8",          "--from",       "1.2@0.1,0",
-                  "--to",     "2@-0.2,0.1", "--background", "#203040"};
+const Words kMeltMove{"--frames", "8",          "--from",       "1.2@0.1,0",
+                      "--to",     "2@-0.2,0.1", "--background", "#203040"};
 const Words kViews{"from=1.2@0.1,0", "to=2@-0.2,0.1"};
 
 TEST_F(Melt, FilterRendersTheFramesOfTheCommandAtEverySizeOnManyThreads) {
   Words motion = kViews;
   motion.push_back("frames=8");
   for (const Size size : test::kSizes) {
-    const Frames command = RenderByCommand(photo_, size, kMove);
+    const Frames command = RenderByCommand(photo_, size, kMeltMove);
     for (const int threads : {1, 4}) {
       ExpectSameFrames(Render(Filter(7, motion), size, threads), command,
                        size.Text() + " on " + std::to_string(threads) + " threads");
@@ -83,7 +83,7 @@ TEST_F(Melt, ProducerWithKeyframedProgressRendersTheFramesOfTheCommandAtEverySiz
   Words motion = kViews;
   motion.push_back("progress=0=0;7=1");
   for (const Size size : test::kSizes) {
-    ExpectSameFrames(Render(Producer(7, motion), size, 3), RenderByCommand(photo_, size, kMove),
+    ExpectSameFrames(Render(Producer(7, motion), size, 3), RenderByCommand(photo_, size, kMeltMove),
                      size.Text());
   }
 }
@@ -133,7 +133,7 @@ TEST_F(Melt, ClipsOfAColourWithTheFilterMoveFromTheirOwnBeginnings) {
   clip.insert(clip.end(), kViews.begin(), kViews.end());
   Words clips = clip;
   clips.insert(clips.end(), clip.begin(), clip.end());
-  Frames command = RenderByCommand(photo_, size, kMove);
+  Frames command = RenderByCommand(photo_, size, kMeltMove);
   const std::vector<uint8_t> once = command.bytes;
   command.bytes.insert(command.bytes.end(), once.begin(), once.end());
   ExpectSameFrames(Render(clips, size, 3), command, "one clip after the other");

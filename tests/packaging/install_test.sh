@@ -38,18 +38,18 @@ ffmpeg -nostdin -v error -f lavfi -i testsrc2=64x48 -frames:v 1 "$folder/photo.p
 schema=$(sed -n 's|.*"$schema": "file://\([^"]*\)".*|\1|p' "$folder/move.json")
 [ "$schema" = "$tree/share/kelto/project.schema.json" ] || fail "a new project names the schema '$schema'"
 
-# A program of somebody else's, by CMake and by pkg-config.
-consumer=$source/tests/packaging/consumer
-cmake -S "$consumer" -B "$folder/consumer" -DCMAKE_PREFIX_PATH="$tree" >"$folder/log" 2>&1 &&
-  cmake --build "$folder/consumer" >>"$folder/log" 2>&1 || { cat "$folder/log"; fail "CMake"; }
+# The example, as somebody else's program, by CMake and by pkg-config.
+examples=$source/examples
+cmake -S "$examples" -B "$folder/examples" -DCMAKE_PREFIX_PATH="$tree" >"$folder/log" 2>&1 &&
+  cmake --build "$folder/examples" >>"$folder/log" 2>&1 || { cat "$folder/log"; fail "CMake"; }
 module=$tree/lib/kelto/KeltoPanAndZoom.hfx
-byCmake=$("$folder/consumer/consumer" "$module")
+byCmake=$("$folder/examples/first_frame" "$module")
 [ -n "$byCmake" ] || fail "the effect has no name"
 
 pc=$(dirname "$(find "$tree" -name hfx.pc)")
 libraries=$(PKG_CONFIG_PATH=$pc pkg-config --variable=libdir hfx)
 # shellcheck disable=SC2046  # one word a flag
-c++ -std=c++20 "$consumer/consumer.cc" -o "$folder/by-pkg-config" \
+c++ -std=c++20 "$examples/first_frame.cc" -o "$folder/by-pkg-config" \
   $(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs hfx)
 [ "$(LD_LIBRARY_PATH=$libraries "$folder/by-pkg-config" "$module")" = "$byCmake" ] ||
   fail "pkg-config's program tells something else"

@@ -11,7 +11,7 @@ namespace {
 constexpr int kSide = 128;  // of the frames
 /// Levels that a place may be off: one of the photo's pixels is one level, and resampling and two
 /// conversions of colour add to that.
-constexpr int kTolerance = 6;
+constexpr int kMotionTolerance = 6;
 
 class Motion : public testing::Test {
  protected:
@@ -47,23 +47,24 @@ class Motion : public testing::Test {
 TEST_F(Motion, WithoutViewsThePhotoStandsStillAtItsSize) {
   const auto film = Film(3, {});
   EXPECT_EQ(film[0].bytes, film[2].bytes);
-  EXPECT_LE(Distance(Middle(film[0]), {128, 128, 128}), kTolerance);
-  EXPECT_LE(Distance(film[0].At(2, kSide / 2), {5, 128, 128}), kTolerance);
-  EXPECT_LE(Distance(film[0].At(kSide - 3, kSide / 2), {250, 128, 128}), kTolerance);
+  EXPECT_LE(Distance(Middle(film[0]), {128, 128, 128}), kMotionTolerance);
+  EXPECT_LE(Distance(film[0].At(2, kSide / 2), {5, 128, 128}), kMotionTolerance);
+  EXPECT_LE(Distance(film[0].At(kSide - 3, kSide / 2), {250, 128, 128}), kMotionTolerance);
 }
 
 TEST_F(Motion, OneViewIsHeldFromBeginningToEnd) {
   for (const char* option : {"--from", "--to"}) {
     const auto film = Film(3, {option, "2@0.25,-0.25"});
     EXPECT_EQ(film[0].bytes, film[2].bytes) << option;
-    EXPECT_LE(Distance(Middle(film[0]), {192, 64, 128}), kTolerance) << ToString(Middle(film[0]));
+    EXPECT_LE(Distance(Middle(film[0]), {192, 64, 128}), kMotionTolerance)
+        << ToString(Middle(film[0]));
   }
 }
 
 TEST_F(Motion, TwoViewsAreTheFirstAndTheLastFrame) {
   const auto film = Film(9, {"--from", "2@-0.25,0", "--to", "2@0.25,0.125"});
-  EXPECT_LE(Distance(Middle(film.front()), {64, 128, 128}), kTolerance);
-  EXPECT_LE(Distance(Middle(film.back()), {192, 160, 128}), kTolerance);
+  EXPECT_LE(Distance(Middle(film.front()), {64, 128, 128}), kMotionTolerance);
+  EXPECT_LE(Distance(Middle(film.back()), {192, 160, 128}), kMotionTolerance);
 }
 
 TEST_F(Motion, LinearIsEvenAndEaseIsNot) {
@@ -85,13 +86,13 @@ TEST_F(Motion, LinearIsEvenAndEaseIsNot) {
 TEST_F(Motion, HoldStandsAtTheFirstView) {
   const auto film = Film(9, {"--from", "2@-0.25,0", "--to", "2@0.25,0", "--out", "hold"});
   EXPECT_EQ(film[0].bytes, film[7].bytes);
-  EXPECT_LE(Distance(Middle(film[0]), {64, 128, 128}), kTolerance);
+  EXPECT_LE(Distance(Middle(film[0]), {64, 128, 128}), kMotionTolerance);
 }
 
 TEST_F(Motion, BesideThePhotoTheBackgroundShows) {
   const auto film = Film(1, {"--from", "0.5", "--background", "#ff0000"});
   EXPECT_LE(Distance(film[0].At(4, 4), {255, 0, 0}), 3);
-  EXPECT_LE(Distance(Middle(film[0]), {128, 128, 128}), kTolerance);
+  EXPECT_LE(Distance(Middle(film[0]), {128, 128, 128}), kMotionTolerance);
 }
 
 TEST_F(Motion, TheSourceDisplayShowsThePhotoAtZoom1WithTheViewOutlined) {
@@ -118,7 +119,8 @@ TEST_F(Motion, EveryFilterAndPlayModeRendersThePhoto) {
        {"realtime", "triangle", "quadratic", "cubic", "catmull", "gaussian", "hiqual", "ultra"}) {
     for (const char* mode : {"0", "1"}) {
       const auto film = Film(1, {"--filter", filter, "--play-mode", mode, "--from", "1.5"});
-      EXPECT_LE(Distance(Middle(film[0]), {128, 128, 128}), kTolerance) << filter << " " << mode;
+      EXPECT_LE(Distance(Middle(film[0]), {128, 128, 128}), kMotionTolerance)
+          << filter << " " << mode;
     }
   }
 }

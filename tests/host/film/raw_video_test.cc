@@ -11,7 +11,7 @@
 namespace kelto::host {
 namespace {
 
-std::vector<uint8_t> BytesOf(const std::string& path) {
+std::vector<uint8_t> SamplesOf(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
 }
@@ -30,7 +30,7 @@ TEST(RawVideo, IsTheFramesBytesOneFrameAfterAnother) {
   film->Finish();
   std::vector<uint8_t> expected = first.bytes;
   expected.insert(expected.end(), second.bytes.begin(), second.bytes.end());
-  EXPECT_EQ(BytesOf(folder / "film.yuyv"), expected);
+  EXPECT_EQ(SamplesOf(folder / "film.yuyv"), expected);
 }
 
 TEST(RawVideo, LeavesOutTheRowsPadding) {
@@ -43,7 +43,7 @@ TEST(RawVideo, LeavesOutTheRowsPadding) {
   const auto film = OpenRawBGRA(test::Request(folder / "film.bgra", {3, 2}, 1));
   film->Write({padded.data(), 16, {3, 2}});
   film->Finish();
-  EXPECT_EQ(BytesOf(folder / "film.bgra"), frame.bytes);
+  EXPECT_EQ(SamplesOf(folder / "film.bgra"), frame.bytes);
 }
 
 }  // namespace

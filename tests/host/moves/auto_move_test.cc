@@ -35,14 +35,14 @@ PhotoPixels Disc(PixelSize size, double x, double y) {
   });
 }
 
-constexpr PixelSize kShapes[] = {{600, 400}, {400, 600}, {1600, 200}, {500, 500}};
+constexpr PixelSize kPhotos[] = {{600, 400}, {400, 600}, {1600, 200}, {500, 500}};
 
 bool Holds(const PhotoRect& view, double x, double y) {
   return x >= view.x && x <= view.Right() && y >= view.y && y <= view.Bottom();
 }
 
 TEST(AutoMove, KeepsABrightSubjectOutsideTheMiddleInView) {
-  for (const PixelSize size : kShapes) {
+  for (const PixelSize size : kPhotos) {
     const PhotoViews views(DefaultPlan("photo.jpg"), size);
     for (const double x : {0.12, 0.5, 0.85}) {
       for (const double y : {0.15, 0.8}) {
@@ -58,7 +58,7 @@ TEST(AutoMove, KeepsABrightSubjectOutsideTheMiddleInView) {
 }
 
 TEST(AutoMove, GoesInWithinThePhotoAndTheFirstViewHoldsTheLast) {
-  for (const PixelSize size : kShapes) {
+  for (const PixelSize size : kPhotos) {
     const PhotoViews views(DefaultPlan("photo.jpg"), size);
     const auto move = AutoMove(views, Disc(size, 0.2, 0.7), Fit::kFill);
     ASSERT_EQ(move.size(), 2u);

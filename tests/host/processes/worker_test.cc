@@ -153,11 +153,11 @@ TEST(Worker, AskedToEndIsLeftToClearUp) {
 }
 
 TEST(SharedFrames, WrittenInAWorkerAreSeenByTheOwner) {
-  constexpr FrameSize kSize{3, 2};
-  SharedFrames frames(kSize, PixelLayout::kBGRA, 2);
+  constexpr FrameSize kFrame{3, 2};
+  SharedFrames frames(kFrame, PixelLayout::kBGRA, 2);
   Worker worker(WorkerEnd::kAtOnce, [&](Channel& line) {
     const std::vector<uint8_t> bytes(size_t{16} * 2, 7);
-    frames.Store(1, {bytes.data(), 16, kSize});
+    frames.Store(1, {bytes.data(), 16, kFrame});
     line.Send({});
   });
   ASSERT_TRUE(worker.Line().Receive());

@@ -1,12 +1,13 @@
-// A program of somebody else's that runs the effect: consumer MODULE.
+// Renders one frame with an effect and prints the effect's name: first_frame MODULE.
 #include <cstdio>
 #include <string>
 
 #include "runtime/hfx/host.h"
 
-int main(int, char** argv) {
+int main(int count, char** words) {
+  if (count != 2) return 2;
   std::string error;
-  const auto module = hfx::Module::Load(argv[1], &error);
+  const auto module = hfx::Module::Load(words[1], &error);
   const auto effect = module ? hfx::Effect::Create(*module, 1, &error) : nullptr;
   if (!effect) {
     std::fprintf(stderr, "%s\n", error.c_str());
