@@ -19,6 +19,13 @@ target_compile_options(kelto_options INTERFACE
   $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
   # Frames must not depend on which multiply-adds a compiler chose to fuse.
   -ffp-contract=off)
+if(WIN32)
+  # Of the four gigabytes of addresses that a 32-bit process can have, it gets half unless it says
+  # that it can use all: a photograph of 150 megapixels does not fit into that.
+  # Linkers note the time in what they make, unless they are asked not to.
+  target_link_options(kelto_options INTERFACE
+    -Wl,--large-address-aware -Wl,--no-insert-timestamp)
+endif()
 if(KELTO_SANITIZE)
   # Undefined behaviour is looked for in the project's code alone: in the tests' it would take their
   # libraries' templates minutes to compile.
@@ -89,10 +96,11 @@ function(kelto_library name)
   target_link_libraries(${name} PUBLIC kelto_options ${ARG_LINK} PRIVATE ${ARG_PRIVATE_LINK})
 endfunction()
 
-# kelto_test(NAME SOURCES ... LINK ... [RUNS ...]): a GoogleTest program; each of its tests is a ctest
-# test. RUNS names what it loads or starts by file: the module, the command.
+# kelto_test(NAME SOURCES ... LINK ... [RUNS ...] [FIXTURE ...]): a GoogleTest program; each of its
+# tests is a ctest test. RUNS names what it loads or starts by file: the module, the command; FIXTURE
+# what ctest has to set up before.
 function(kelto_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINK;RUNS" ${ARGN})
+  cmake_parse_arguments(ARG "" "FIXTURE" "SOURCES;LINK;RUNS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   set_target_properties(${name} PROPERTIES KELTO_TEST ON)
   target_link_libraries(${name} PRIVATE kelto_options GTest::gmock GTest::gtest_main ${ARG_LINK})
@@ -113,7 +121,11 @@ function(kelto_test name)
     endif()
     add_dependencies(${name} ${file})
   endforeach()
+  set(properties TIMEOUT 600)
+  if(ARG_FIXTURE)
+    list(APPEND properties FIXTURES_REQUIRED ${ARG_FIXTURE})
+  endif()
   # Listing the tests may have to wait for the first start of Wine.
   gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
-    PROPERTIES TIMEOUT 600)
+    PROPERTIES ${properties})
 endfunction()

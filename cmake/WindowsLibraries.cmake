@@ -45,3 +45,23 @@ foreach(dll libgcc_s_dw2-1.dll libstdc++-6.dll libwinpthread-1.dll)
   list(APPEND KELTO_WINDOWS_RUNTIME ${path})
 endforeach()
 file(COPY ${KELTO_WINDOWS_RUNTIME} DESTINATION ${CMAKE_BINARY_DIR}/bin)
+
+# kelto_version_resource(TARGET FILE DESCRIPTION [PROGRAM]): what the system shows of a file: version
+# and description, and of a program its icon and what it asks of the system.
+enable_language(RC)
+function(kelto_version_resource name file description)
+  set(resources ${CMAKE_BINARY_DIR}/resources)
+  set(kind 2)
+  set(more)
+  if("PROGRAM" IN_LIST ARGN)
+    set(kind 1)
+    configure_file(${CMAKE_SOURCE_DIR}/packaging/windows/kelto.manifest
+      ${resources}/kelto.manifest @ONLY)
+    set(more "1 ICON \"${CMAKE_SOURCE_DIR}/packaging/windows/kelto.ico\"
+1 24 \"${resources}/kelto.manifest\"")
+  endif()
+  configure_file(${CMAKE_SOURCE_DIR}/packaging/windows/version.rc.in ${resources}/${name}.rc @ONLY)
+  # By itself, since the compiler of resources takes no options of the other compilers.
+  add_library(${name}_resource OBJECT ${resources}/${name}.rc)
+  target_sources(${name} PRIVATE $<TARGET_OBJECTS:${name}_resource>)
+endfunction()

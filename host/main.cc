@@ -7,10 +7,12 @@
 #include <span>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "host/base/error.h"
 #include "host/commands/commands.h"
-#include "host/files/narrow_text.h"
+#include "host/effect/effect_name.h"
+#include "host/files/start.h"
 #include "host/terminal/interrupt.h"
 #include "host/terminal/standard_output.h"
 #include "host/terminal/standard_streams.h"
@@ -32,7 +34,7 @@ constexpr const char* kExitCodes =
 BOOL KELTO_WINAPI NoFile(OPENFILENAMEA*) { return 0; }
 
 int KELTO_WINAPI ShowMessage(HWND, const char* text, const char*, unsigned) {
-  PrintMessage(text);
+  PrintMessage(TextFromEffect(text));
   return IDOK;
 }
 
@@ -40,7 +42,7 @@ int KELTO_WINAPI ShowMessage(HWND, const char* text, const char*, unsigned) {
 void AnswerModules() {
   win32().GetOpenFileNameA = NoFile;
   win32().MessageBoxA = ShowMessage;
-  hfx::SetConsole([](const std::string& text) { PrintMessage(text); });
+  hfx::SetConsole([](const std::string& text) { PrintMessage(TextFromEffect(text)); });
 }
 
 /// The parser itself would only say that a command is missing.
@@ -128,10 +130,14 @@ int RunAndReport(int argc, char** argv) {
 int main(int argc, char** argv) {
   using namespace kelto::host;
   OpenStandardStreams();
-  ReadPathsAsTheSystemDoes();
+  SearchNoLibrariesInTheCurrentFolder();
   CatchInterrupts();
   AnswerModules();
-  const int code = RunAndReport(argc, argv);
+  std::vector<std::string> words = CommandLineWords(argc, argv);
+  std::vector<char*> pointers;
+  for (std::string& word : words) pointers.push_back(word.data());
+  pointers.push_back(nullptr);
+  const int code = RunAndReport(static_cast<int>(words.size()), pointers.data());
   if (code == kFailed && InterruptSignal() != 0) DieOf(InterruptSignal());
   return code;
 }

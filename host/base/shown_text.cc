@@ -78,11 +78,7 @@ std::string Replaced(std::string_view text, const Escape& escape) {
 std::string ShownText(std::string_view text) {
   return Replaced(text, [](int32_t code, char byte) {
     if (code != kNone) return Escaped(code);
-#if defined(_WIN32)
-    return std::string(1, byte);  // names are in the system's code page there
-#else
     return Numbered('x', 2, static_cast<unsigned char>(byte));
-#endif
   });
 }
 

@@ -11,7 +11,8 @@
 #include "host/commands/film_options.h"
 #include "host/commands/plan_options.h"
 #include "host/effect/module_file.h"
-#include "host/files/narrow_text.h"
+#include "host/files/input_file.h"
+#include "host/files/path_text.h"
 #include "host/files/program_folder.h"
 #include "host/files/work_file.h"
 #include "host/jobs/film_job.h"
@@ -52,12 +53,6 @@ struct BatchOptions {
 struct Item {
   std::string picture, film, record;
 };
-
-std::string Absolute(const std::string& path) {
-  std::error_code error;
-  const fs::path absolute = fs::absolute(path, error);
-  return error ? path : NarrowText(absolute.lexically_normal());
-}
 
 class Batch {
  public:
@@ -104,7 +99,7 @@ class Batch {
     MakeFolders(options_.folder);
     // Here, once for all the processes that make films.
     for (const std::string& folder : {options_.folder, RecordFolderOf(options_.folder)}) {
-      RemoveAbandonedParts(folder);
+      RemoveAbandonedParts(PathOf(folder));
     }
     const int32_t jobs = JobsAsked(options_.film, CoreCount());
     if (Events()) {
@@ -147,9 +142,9 @@ class Batch {
     const std::vector<std::string> names = FilmNames(pictures, kind_.name);
     std::vector<std::string> others;
     for (size_t i = 0; i < pictures.size(); ++i) {
-      const fs::path folder = options_.folder;
-      const Item item{pictures[i], NarrowText(folder / names[i]),
-                      NarrowText(fs::path(RecordFolderOf(options_.folder)) / (names[i] + ".json"))};
+      const fs::path folder = PathOf(options_.folder);
+      const Item item{pictures[i], TextOf(folder / PathOf(names[i])),
+                      TextOf(PathOf(RecordFolderOf(options_.folder)) / PathOf(names[i] + ".json"))};
       if (options_.resume && IsMade(item, others)) {
         ++kept_;
       } else {
@@ -167,8 +162,7 @@ class Batch {
   /// went into it. A film has its name only when it is whole, and its record only after that. One
   /// made with other options is added to `others`.
   bool IsMade(const Item& item, std::vector<std::string>& others) const {
-    std::error_code error;
-    if (!fs::is_regular_file(item.film, error)) return false;
+    if (!IsFile(item.film)) return false;
     const auto record = ReadRecord(item.record);
     if (!record) return false;
     if (!IsOf(*record, item.picture)) return false;
@@ -205,18 +199,18 @@ class Batch {
   }
 
   std::vector<std::string> TaskOf(const Item& item) const {
-    const std::string program = NarrowText(ProgramFile());
+    const std::string program = TextOf(ProgramFile());
     std::vector<std::string> task{program.empty() ? "kelto" : program,
                                   "render",
-                                  Absolute(item.picture),
+                                  AbsoluteText(item.picture),
                                   "-o",
-                                  Absolute(item.film),
+                                  AbsoluteText(item.film),
                                   "--jobs",
                                   "1",
                                   "--record",
-                                  Absolute(item.record)};
+                                  AbsoluteText(item.record)};
     if (!options_.film.module.empty()) {
-      task.insert(task.end(), {"--module", Absolute(options_.film.module)});
+      task.insert(task.end(), {"--module", AbsoluteText(options_.film.module)});
     }
     if (options_.film.strict) task.emplace_back("--strict");
     task.insert(task.end(), words_.begin(), words_.end());

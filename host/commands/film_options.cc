@@ -3,20 +3,17 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
-#include <filesystem>
 
 #include "host/base/error.h"
 #include "host/commands/option_text.h"
 #include "host/effect/module_file.h"
-#include "host/files/narrow_text.h"
+#include "host/files/path_text.h"
 #include "host/film/codecs.h"
 #include "host/options/number.h"
 #include "host/terminal/terminal.h"
 
 namespace kelto::host {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr const char* kFiles = "Files";
 constexpr int64_t kMaxJobs = 256;
@@ -130,7 +127,7 @@ std::vector<std::string> WordsGiven(const CLI::App& command) {
     for (const std::string& value : option->results()) {
       words.push_back("--" + name);
       // The words may be read in another folder.
-      words.push_back(NamesFile(name) ? NarrowText(fs::absolute(value).lexically_normal()) : value);
+      words.push_back(NamesFile(name) ? AbsoluteText(value) : value);
     }
   }
   return words;

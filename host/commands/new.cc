@@ -3,14 +3,13 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
-#include <system_error>
 
 #include "host/base/error.h"
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
 #include "host/effect/photo.h"
-#include "host/files/narrow_text.h"
 #include "host/files/output_file.h"
+#include "host/files/path_text.h"
 #include "host/project/project_file.h"
 
 namespace kelto::host {
@@ -25,12 +24,11 @@ struct NewOptions {
 void Run(const NewOptions& options) {
   if (options.photo.empty()) throw UsageError("PHOTO is empty; name the photograph");
   const std::string output =
-      !options.output.empty() ? options.output
-                              : NarrowText(std::filesystem::path(options.photo).stem()) + ".json";
-  std::error_code error;
+      !options.output.empty() ? options.output : TextOf(PathOf(options.photo).stem()) + ".json";
+  const auto status = StatusOf(PathOf(output));
   // That a folder is none is told by what would write there.
-  if (!options.force && output != kStandardOutput && std::filesystem::exists(output, error) &&
-      !std::filesystem::is_directory(output, error)) {
+  if (!options.force && output != kStandardOutput && std::filesystem::exists(status) &&
+      !std::filesystem::is_directory(status)) {
     throw UsageError(output + ": is there already; --force replaces it");
   }
   PlanOptions plan = options.plan;

@@ -9,6 +9,7 @@
 #include "host/drawing/axis_ticks.h"
 #include "host/drawing/drawing.h"
 #include "host/facts/key_times.h"
+#include "host/files/path_text.h"
 #include "host/options/size.h"
 #include "host/terminal/interrupt.h"
 
@@ -236,8 +237,7 @@ void DrawMotionPlot(FrameInspector& inspector, const Photo& photo, const std::st
   Drawing drawing(file, kWidth, kHeight);
   const Samples samples = TakeSamples(inspector);
   Plot plot(drawing, inspector.Plan(), samples);
-  plot.DrawHead("Motion over " + std::filesystem::path(photo.given).filename().string(),
-                FactsLine(inspector.Plan(), photo));
+  plot.DrawHead("Motion over " + NameOf(photo.given), FactsLine(inspector.Plan(), photo));
   double top = kFirstPanel;
   for (const Panel& panel : PanelsOf(inspector, samples)) {
     plot.DrawPanel(panel, top);

@@ -7,6 +7,7 @@
 #include "host/base/error.h"
 #include "host/drawing/axis_ticks.h"
 #include "host/drawing/photo_map.h"
+#include "host/files/path_text.h"
 #include "host/frames/effect_session.h"
 #include "host/options/size.h"
 #include "host/terminal/interrupt.h"
@@ -77,7 +78,7 @@ class Sheet {
   }
 
   void DrawHead() {
-    const std::string name = std::filesystem::path(photo_.given).filename().string();
+    const std::string name = NameOf(photo_.given);
     drawing_.Text(drawing_.Shortened(name, kWidth - 2 * kMargin, kNameSize, true), {kMargin, 36.0},
                   kNameSize, kText, Align::kLeft, true);
     drawing_.Text(StoryboardFacts(plan_, photo_), {kMargin, 60.0}, 15.0, kFaint);

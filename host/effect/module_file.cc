@@ -1,26 +1,30 @@
 #include "host/effect/module_file.h"
 
 #include <cstdlib>
-
 #include "host/base/error.h"
 #include "host/files/input_file.h"
-#include "host/files/narrow_text.h"
+#include "host/files/path_text.h"
 #include "host/files/program_folder.h"
+#include "host/files/start.h"
 
 namespace kelto::host {
 
 namespace fs = std::filesystem;
 
 std::vector<fs::path> SearchedFiles(const fs::path& executableFolder) {
+#if defined(_WIN32)
+  // Nothing above the program's folder: whoever unpacks it beside photographs owns that alone.
+  return {executableFolder / kModuleName, executableFolder / "lib" / kModuleName};
+#else
   const fs::path up = executableFolder.parent_path();
   return {up / "lib" / kModuleName, up / "lib" / "kelto" / kModuleName,
           executableFolder / kModuleName, fs::path(KELTO_INSTALLED_MODULES) / kModuleName};
+#endif
 }
 
 std::string ModuleFromEnvironment() {
-  const char* named = std::getenv(kModuleVariable);
-  if (named == nullptr || *named == '\0') return "";
-  if (IsFile(named)) return named;
+  std::string named = EnvironmentVariable(kModuleVariable);
+  if (named.empty() || IsFile(named)) return named;
   throw Error(std::string(kModuleVariable) + "=" + named + ": there is no such file");
 }
 
@@ -32,9 +36,9 @@ std::string FindModule(const std::string& given) {
   if (std::string named = ModuleFromEnvironment(); !named.empty()) return named;
   std::string searched;
   for (const fs::path& path : SearchedFiles(ProgramFolder())) {
-    if (IsFile(path)) return NarrowText(path);
+    if (IsFile(path)) return TextOf(path);
     searched += searched.empty() ? "" : ", ";
-    searched += NarrowText(path);
+    searched += TextOf(path);
   }
   throw Error(std::string(kModuleName) + ": not found as " + searched +
               "; say where it is with --module");

@@ -19,7 +19,8 @@ std::string ModuleFromEnvironment();
 std::string FindModule(const std::string& given);
 
 /// Where a module is looked for that nobody named: beside an executable in `executableFolder` as
-/// built, as installed, in the same folder, and where this build installs.
+/// built, as installed, in the same folder, and where this build installs; on Windows in the same
+/// folder and in "lib" in it.
 std::vector<std::filesystem::path> SearchedFiles(const std::filesystem::path& executableFolder);
 
 }  // namespace kelto::host

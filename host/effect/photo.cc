@@ -10,17 +10,15 @@
 #include <vector>
 
 #include "host/base/error.h"
+#include "host/effect/effect_name.h"
 #include "host/files/input_file.h"
-#include "host/files/narrow_text.h"
+#include "host/files/path_text.h"
 #include "platform/still_importer.h"
 
 namespace kelto::host {
 namespace {
 
-namespace fs = std::filesystem;
-
-/// What the effect can take of a path.
-constexpr size_t kMaxPath = 255;
+constexpr const char* kSeparators = std::filesystem::path::preferred_separator == '/' ? "/" : "\\/";
 
 struct Close {
   void operator()(GraphicsImportComponent importer) const { CloseComponent(importer); }
@@ -39,14 +37,14 @@ uint64_t MemoryOf(const Photo& photo, uint64_t scratch) {
 std::string Reason(const std::string& path) {
   std::string reason = StillImporterLastError();
   // By its length: the importer shows question marks for what would break its line.
-  const size_t name = NarrowText(fs::path(path).filename()).size();
+  const size_t name = path.size() - (path.find_last_of(kSeparators) + 1);
   if (reason.size() > name && reason.compare(name, 2, ": ") == 0) reason.erase(0, name + 2);
-  return reason.empty() ? "unknown form" : reason;
+  return reason.empty() ? "unknown form" : TextFromEffect(reason);
 }
 
 void CheckPicture(const std::string& path) {
   CheckFile(path, "a picture");
-  std::FILE* file = std::fopen(path.c_str(), "rb");
+  std::FILE* file = OpenFile(PathOf(path), "rb");
   if (file == nullptr) {
     throw Error(path + ": cannot be read: " + std::generic_category().message(errno));
   }
@@ -80,31 +78,11 @@ bool Draw(GraphicsImportComponent importer, std::vector<uint8_t>& pixels) {
 
 }  // namespace
 
-std::string ShortestForm(const std::string& path) {
-  // A network path stays as it is: it has no other form here.
-  if (path.starts_with("\\\\")) return path;
-  std::error_code error;
-  std::string shortest = path;
-  const fs::path absolute = fs::absolute(path, error);
-  const fs::path here = fs::current_path(error);
-  // Only ".." that no symbolic link stands before can be left out.
-  const fs::path resolved = fs::weakly_canonical(path, error);
-  const fs::path folder = fs::weakly_canonical(here, error);
-  for (const fs::path& form : {absolute, resolved, resolved.lexically_relative(folder)}) {
-    const std::string text = NarrowText(form);
-    if (!text.empty() && text.size() < shortest.size()) shortest = text;
-  }
-  return shortest;
-}
-
 Photo OpenPhoto(const std::string& path) {
   CheckPicture(path);
-  Photo photo{path, path};
-  if (path.size() > kMaxPath) photo.path = ShortestForm(path);
-  if (photo.path.size() > kMaxPath) {
-    throw Error(path + ": the path has " + std::to_string(photo.path.size()) +
-                " characters and the effect takes 255; change to the photo's folder or link to it");
-  }
+  const EffectName name = NameForEffect(path);
+  Photo photo{path, name.text};
+  photo.file = name.file;
   const Importer importer = OpenImporter(photo.path);
   if (!importer) throw Error(path + ": cannot be read as a picture: " + Reason(photo.path));
   StillRect bounds{};

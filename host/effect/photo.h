@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,10 +15,11 @@ namespace kelto::host {
 
 struct Photo {
   std::string given;  ///< the path as the user wrote it, for messages
-  std::string path;   ///< a path of the same file that is short enough for the effect
+  std::string path;   ///< a name of the same file that the effect can open, in its letters
   int32_t width = 0;  ///< pixels, upright
   int32_t height = 0;
-  uint64_t memory = 0;  ///< bytes that loading it takes of a process at the most
+  uint64_t memory = 0;                    ///< bytes that loading it takes of a process at the most
+  std::shared_ptr<const void> file = {};  ///< what has to stay while `path` is in use
 };
 
 /// Opens a photo as far as its size. Throws Error when there is no such picture.
@@ -32,8 +34,4 @@ std::optional<std::string> FindFault(const Photo& photo);
 /// What of the file the picture is shown without, such as a damaged colour profile; nothing when it
 /// is shown as it is meant.
 std::optional<std::string> FindFlaw(const Photo& photo);
-
-/// The shorter of `path` and its absolute or relative form.
-std::string ShortestForm(const std::string& path);
-
 }  // namespace kelto::host

@@ -5,6 +5,7 @@
 #include "host/base/error.h"
 #include "host/effect/effect_settings.h"
 #include "host/effect/render_state.h"
+#include "host/files/path_text.h"
 
 namespace kelto::host {
 namespace {
@@ -44,7 +45,7 @@ std::string ReadEntry(hfx::Effect& effect, const char* key) {
 Motion::Motion(const std::string& modulePath, const RenderPlan& plan)
     : plan_(plan), input_(kSide, kSide, hfxColorspaceRGB), output_(kSide, kSide, hfxColorspaceRGB) {
   std::string error;
-  module_ = hfx::Module::Load(modulePath, &error);
+  module_ = hfx::Module::Load(ForCalls(PathOf(modulePath)), &error);
   if (!module_) throw Error(error);
   effect_ = hfx::Effect::Create(*module_, kFirstModel, &error);
   if (!effect_) throw Error(modulePath + ": " + error);

@@ -3,6 +3,8 @@
 #if defined(_WIN32)
 #include <filesystem>
 #include <system_error>
+
+#include "host/files/path_text.h"
 #else
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -15,9 +17,9 @@ namespace kelto::host {
 
 std::optional<FileState> FileStateOf(const std::string& path) {
   std::error_code error;
-  const auto bytes = std::filesystem::file_size(path, error);
+  const auto bytes = std::filesystem::file_size(ForCalls(PathOf(path)), error);
   if (error) return std::nullopt;
-  const auto time = std::filesystem::last_write_time(path, error);
+  const auto time = std::filesystem::last_write_time(ForCalls(PathOf(path)), error);
   if (error) return std::nullopt;
   return FileState{0, 0, static_cast<int64_t>(bytes), time.time_since_epoch().count()};
 }

@@ -1,21 +1,18 @@
 #include "host/files/input_file.h"
 
-#include <system_error>
-
 #include "host/base/error.h"
+#include "host/files/path_text.h"
 
 namespace kelto::host {
 
 namespace fs = std::filesystem;
 
-bool IsFile(const fs::path& path) {
-  std::error_code error;
-  return fs::is_regular_file(path, error);
-}
+bool IsFile(const fs::path& path) { return fs::is_regular_file(StatusOf(path)); }
+
+bool IsFile(const std::string& path) { return IsFile(PathOf(path)); }
 
 void CheckFile(const std::string& path, const std::string& meaning) {
-  std::error_code error;
-  const fs::file_status status = fs::status(path, error);
+  const fs::file_status status = StatusOf(PathOf(path));
   if (!fs::exists(status)) throw Error(path + ": there is no such file");
   if (fs::is_directory(status)) throw Error(path + ": is a folder, not " + meaning);
   if (!fs::is_regular_file(status)) throw Error(path + ": is not an ordinary file");

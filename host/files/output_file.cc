@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "host/base/error.h"
+#include "host/files/path_text.h"
 
 #if defined(_WIN32)
 #include <fcntl.h>
@@ -62,8 +63,8 @@ void WriteToStandardOutput(const void* bytes, size_t size) {
 bool IsSameFile(const std::string& a, const std::string& b) {
   if (a.empty() || b.empty() || a == kStandardOutput || b == kStandardOutput) return false;
   std::error_code error;
-  if (fs::equivalent(a, b, error)) return true;
-  const fs::path first = fs::absolute(a, error), second = fs::absolute(b, error);
+  if (fs::equivalent(PathOf(a), PathOf(b), error)) return true;
+  const fs::path first = fs::absolute(PathOf(a), error), second = fs::absolute(PathOf(b), error);
   return first.lexically_normal() == second.lexically_normal();
 }
 

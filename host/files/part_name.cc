@@ -57,8 +57,12 @@ std::string NewPartName(const std::string& name) {
   std::random_device random;
   std::string letters = MachineLetters();
   for (size_t i = 0; i < kRandomLetters; ++i) letters += kLetters[random() % kLetters.size()];
+  // Cut between letters of UTF-8, or Windows would not take it.
+  size_t stem = std::min(name.size(), kStem);
+  while (stem > 0 && stem < name.size() && (static_cast<uint8_t>(name[stem]) & 0xC0) == 0x80)
+    --stem;
   std::string part(1, '.');
-  return part.append(name, 0, kStem).append(kMark).append(letters).append(kEnding);
+  return part.append(name, 0, stem).append(kMark).append(letters).append(kEnding);
 }
 
 bool IsPartName(const std::string& name) { return !LettersOf(name).empty(); }

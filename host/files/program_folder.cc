@@ -1,5 +1,6 @@
 #include "host/files/program_folder.h"
 
+#include <algorithm>
 #include <cctype>
 #include <string_view>
 #include <system_error>
@@ -9,6 +10,7 @@
 #endif
 
 #include "host/files/input_file.h"
+#include "host/files/path_text.h"
 
 namespace kelto::host {
 namespace {
@@ -35,8 +37,8 @@ std::string PercentEncoded(const std::string& path) {
 
 fs::path ProgramFile() {
 #if defined(_WIN32)
-  char name[MAX_PATH] = {};
-  GetModuleFileNameA(nullptr, name, MAX_PATH);
+  std::wstring name(32768, L'\0');  // the longest that there is
+  name.resize(GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size())));
   return name;
 #else
   std::error_code error;
@@ -47,9 +49,15 @@ fs::path ProgramFile() {
 fs::path ProgramFolder() { return ProgramFile().parent_path(); }
 
 std::string SchemaUrl(const fs::path& programFolder) {
-  const fs::path schema = programFolder.parent_path() / "share" / "kelto" / "project.schema.json";
+#if defined(_WIN32)
+  const fs::path& installed = programFolder;
+#else
+  const fs::path installed = programFolder.parent_path();
+#endif
+  const fs::path schema = installed / "share" / "kelto" / "project.schema.json";
   if (!IsFile(schema)) return "";
-  const std::string path = schema.generic_string();
+  std::string path = TextOf(schema);
+  if (fs::path::preferred_separator != '/') std::replace(path.begin(), path.end(), '\\', '/');
   // A drive's letter stands behind a slash, too.
   return (path.starts_with('/') ? "file://" : "file:///") + PercentEncoded(path);
 }

@@ -1,16 +1,17 @@
 // The same on Windows, where the C library's files cannot be removed while they are open: what can
 // be removed has been abandoned.
 #include <io.h>
+#include <windows.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <set>
 #include <system_error>
-#include <vector>
 
 #include "host/base/error.h"
-#include "host/files/narrow_text.h"
 #include "host/files/part_name.h"
+#include "host/files/path_text.h"
+#include "host/files/replaceable.h"
 #include "host/files/work_file.h"
 
 namespace kelto::host {
@@ -23,9 +24,11 @@ struct WorkFile::Place {
 };
 
 WorkFile::WorkFile(const std::string& name, FolderLink) : name_(name) {
-  const fs::path path(name);
+  const fs::path path = PathOf(name);
   std::error_code error;
-  const fs::file_status status = fs::status(path, error);
+  const std::string why = WhyNotReplaceable(path);
+  if (!why.empty()) throw Error(name_ + ": " + why);
+  const fs::file_status status = StatusOf(path);
   if (fs::is_directory(status) || !path.has_filename()) {
     throw Error(name_ + ": is a folder; give it a file name");
   }
@@ -33,17 +36,17 @@ WorkFile::WorkFile(const std::string& name, FolderLink) : name_(name) {
     throw Error(name_ + ": is not an ordinary file; write to the standard output (-) instead");
   }
   const fs::path folder = path.has_parent_path() ? path.parent_path() : ".";
-  if (!fs::exists(folder, error)) {
-    throw Error(name_ + ": there is no folder " + NarrowText(folder) + "; make it first");
+  // In full, since the folder may be a drive alone, meaning the current folder there.
+  if (!fs::exists(StatusOf(fs::absolute(folder, error)))) {
+    throw Error(name_ + ": there is no folder " + TextOf(folder) + "; make it first");
   }
   // Once for each folder: films of numbered pictures have many files in one.
   static auto& cleared = *new std::set<fs::path>;
   if (cleared.insert(fs::absolute(folder, error)).second) RemoveAbandonedParts(folder);
   place_ = std::make_unique<Place>();
   place_->path = path;
-  workPath_ = path.parent_path() / NewPartName(NarrowText(path.filename()));
-  // "x": the name is nobody else's.
-  place_->file = std::fopen(NarrowText(workPath_).c_str(), "wbx");
+  workPath_ = path.parent_path() / PathOf(NewPartName(TextOf(path.filename())));
+  place_->file = MakeFile(workPath_);
   if (place_->file == nullptr) Fail("cannot be written", errno);
   // The encoder's container reads back what was written; large blocks need no second buffer.
   std::setvbuf(place_->file, nullptr, _IONBF, 0);
@@ -51,8 +54,7 @@ WorkFile::WorkFile(const std::string& name, FolderLink) : name_(name) {
 
 WorkFile::~WorkFile() {
   if (place_->file != nullptr) std::fclose(place_->file);
-  std::error_code ignored;
-  if (!workPath_.empty()) fs::remove(workPath_, ignored);
+  if (!workPath_.empty()) RemoveFile(workPath_);
 }
 
 void WorkFile::Write(const void* bytes, size_t size) {
@@ -69,8 +71,8 @@ void WorkFile::Finish(FolderSync) {
   const bool synced = _commit(_fileno(file)) == 0;
   if (std::fclose(file) != 0 || !synced) Fail("cannot be written", errno);
   std::error_code error;
-  fs::rename(workPath_, place_->path, error);
-  if (error) Fail("cannot be given its name", error.value());
+  fs::rename(ForCalls(workPath_), ForCalls(place_->path), error);
+  if (error) throw Error(name_ + ": cannot be given its name: " + ReasonOf(error));
   workPath_.clear();
 }
 
@@ -82,21 +84,21 @@ void WorkFile::Fail(const char* doing, int error) const {
 void SyncFolderOf(const std::string&) {}
 
 void MakeFolders(const std::string& folder) {
-  std::error_code error;
-  fs::create_directories(fs::path(folder), error);
-  if (error) throw Error(folder + ": cannot be made a folder: " + error.message());
+  const fs::path path = PathOf(folder);
+  if (path.empty() || fs::is_directory(StatusOf(path))) return;
+  if (path.has_relative_path()) MakeFolders(TextOf(path.parent_path()));
+  if (CreateDirectoryW(ForCalls(path).c_str(), nullptr)) return;
+  const std::error_code error(static_cast<int>(GetLastError()), std::system_category());
+  if (fs::is_directory(StatusOf(path))) return;  // by another process meanwhile
+  throw Error(folder + ": cannot be made a folder: " + ReasonOf(error));
 }
 
 void RemoveAbandonedParts(const fs::path& folder) {
-  std::error_code error;
-  std::vector<fs::path> parts;
-  for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
-       entry.increment(error)) {
-    const std::string name = NarrowText(entry->path().filename());
+  std::error_code ignored;
+  for (const fs::path& entry : EntriesOf(folder, ignored)) {
     // Who has a file of another machine open in a shared folder, the server tells.
-    if (IsPartName(name)) parts.push_back(entry->path());
+    if (IsPartName(TextOf(entry.filename()))) RemoveFile(entry);
   }
-  for (const fs::path& part : parts) fs::remove(part, error);
 }
 
 }  // namespace kelto::host

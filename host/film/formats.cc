@@ -8,8 +8,8 @@
 #include <system_error>
 
 #include "host/base/error.h"
-#include "host/files/narrow_text.h"
 #include "host/files/output_file.h"
+#include "host/files/path_text.h"
 #include "host/film/codecs.h"
 #include "host/film/encoder.h"
 #include "host/film/frame_pattern.h"
@@ -70,11 +70,17 @@ const FilmKind* Find(const std::string& name) {
 }
 
 std::string EndingOf(const std::string& output) {
-  std::string ending = fs::path(output).extension().string();
+  std::string ending = TextOf(PathOf(output).extension());
   if (!ending.empty()) ending.erase(0, 1);
   std::transform(ending.begin(), ending.end(), ending.begin(),
                  [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
   return ending;
+}
+
+/// Whether films end so that only the command of Linux writes.
+bool IsKindElsewhere(const std::string& ending) {
+  constexpr const char* kElsewhere[] = {"mp4", "mkv", "mov", "webm", "tif", "tiff", "jpg", "jpeg"};
+  return std::find(std::begin(kElsewhere), std::end(kElsewhere), ending) != std::end(kElsewhere);
 }
 
 /// The largest multiple of `step` that is not above `side`, but at least one step.
@@ -103,7 +109,7 @@ using FilesBySize = std::multimap<uintmax_t, std::string>;
 
 bool IsOneOf(const FilesBySize& files, const std::string& path) {
   std::error_code error;
-  const uintmax_t size = fs::file_size(path, error);
+  const uintmax_t size = fs::file_size(PathOf(path), error);
   if (error) return false;
   const auto [first, last] = files.equal_range(size);
   return std::any_of(first, last, [&](const auto& file) { return IsSameFile(file.second, path); });
@@ -113,7 +119,7 @@ bool IsOneOf(const FilesBySize& files, const std::string& path) {
 bool SequenceHasAny(const FramePattern& pattern, const FilmRequest& request,
                     std::span<const std::string> paths) {
   const auto numberOf = [&](const fs::path& path) {
-    auto number = pattern.NumberOf(NarrowText(path.filename()));
+    auto number = pattern.NumberOf(TextOf(path.filename()));
     if (number &&
         (*number < request.firstNumber || *number - request.firstNumber >= request.frames)) {
       number.reset();
@@ -126,16 +132,16 @@ bool SequenceHasAny(const FramePattern& pattern, const FilmRequest& request,
   FilesBySize files;
   for (const std::string& path : paths) {
     // There may be no file of the name yet.
-    const auto number = numberOf(path);
+    const auto number = numberOf(PathOf(path));
     if (number && IsSameFile(path, pattern.PathOf(*number))) return true;
     std::error_code error;
-    const uintmax_t size = fs::file_size(path, error);
+    const uintmax_t size = fs::file_size(PathOf(path), error);
     if (!error) files.emplace(size, path);
   }
   if (files.empty()) return false;
   // The folder tells which of millions of pictures are there.
   std::error_code error;
-  fs::directory_iterator entry(pattern.Folder(), error);
+  fs::directory_iterator entry(PathOf(pattern.Folder()), error);
   for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
     heedInterrupt();
     const auto number = numberOf(entry->path());
@@ -163,6 +169,10 @@ const FilmKind& KindFor(const std::string& output, const std::string& format) {
     throw UsageError("-o -: say what to write with --format, one of " + Names());
   }
   if (const FilmKind* kind = Find(EndingOf(output))) return *kind;
+  if (IsKindElsewhere(EndingOf(output))) {
+    throw UsageError(output + ": films of this kind are written only on Linux; write one of " +
+                     Names() + ", and convert it there");
+  }
   throw UsageError(output + ": the name should end in the film's kind, a dot and one of " +
                    Names() + "; or name the kind with --format");
 }

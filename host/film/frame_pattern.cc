@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <cctype>
-#include <filesystem>
 #include <limits>
 #include <string_view>
 
 #include "host/base/error.h"
-#include "host/files/narrow_text.h"
+#include "host/files/path_text.h"
 #include "host/options/number.h"
 
 namespace kelto::host {
@@ -29,7 +28,7 @@ bool MayBeTheSame(std::string_view a, std::string_view b) {
 }  // namespace
 
 FramePattern::FramePattern(const std::string& path) {
-  nameStart_ = path.size() - NarrowText(std::filesystem::path(path).filename()).size();
+  nameStart_ = path.size() - NameOf(path).size();
   before_ = path.substr(0, nameStart_);
   std::string* text = &before_;
   for (size_t i = nameStart_; i < path.size(); ++i) {

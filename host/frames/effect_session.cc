@@ -5,6 +5,7 @@
 #include "host/base/error.h"
 #include "host/effect/effect_settings.h"
 #include "host/effect/render_state.h"
+#include "host/files/path_text.h"
 
 namespace kelto::host {
 namespace {
@@ -22,11 +23,12 @@ int32_t ColorspaceOf(PixelLayout layout) {
 EffectSession::EffectSession(const std::string& modulePath, const RenderPlan& plan,
                              const Photo& photo, PixelLayout layout)
     : plan_(plan),
+      photo_(photo),
       input_(plan.format.size.width, plan.format.size.height, ColorspaceOf(layout)),
       output_(plan.format.size.width, plan.format.size.height, ColorspaceOf(layout)),
       backdrop_(plan, layout) {
   std::string error;
-  module_ = hfx::Module::Load(modulePath, &error);
+  module_ = hfx::Module::Load(ForCalls(PathOf(modulePath)), &error);
   if (!module_) throw Error(error);
   effect_ = hfx::Effect::Create(*module_, kFirstModel, &error);
   if (!effect_) throw Error(modulePath + ": " + error);

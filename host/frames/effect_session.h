@@ -45,6 +45,7 @@ class EffectSession {
   void RenderField(const hfx::RenderState& state, hfxImage& input, hfxImage& output);
 
   RenderPlan plan_;
+  Photo photo_;             ///< the effect may load it again at any time
   hfx::ImageBuffer input_;  ///< the effect demands an input even where nothing of it is seen
   hfx::ImageBuffer output_;
   Backdrop backdrop_;

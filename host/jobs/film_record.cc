@@ -9,8 +9,8 @@
 
 #include "host/base/error.h"
 #include "host/files/input_file.h"
-#include "host/files/narrow_text.h"
 #include "host/files/output_file.h"
+#include "host/files/path_text.h"
 
 namespace kelto::host {
 namespace {
@@ -81,11 +81,11 @@ Json ToJson(const FilmRecord& record) {
 
 FilmRecord::Source StateOf(const std::string& path) {
   std::error_code error;
-  const fs::path absolute = fs::absolute(path, error).lexically_normal();
-  FilmRecord::Source source{error ? path : NarrowText(absolute)};
-  const auto bytes = fs::file_size(path, error);
+  const fs::path absolute = fs::absolute(PathOf(path), error).lexically_normal();
+  FilmRecord::Source source{error ? path : TextOf(absolute)};
+  const auto bytes = fs::file_size(ForCalls(PathOf(path)), error);
   if (!error) source.bytes = static_cast<int64_t>(bytes);
-  const auto time = fs::last_write_time(path, error);
+  const auto time = fs::last_write_time(ForCalls(PathOf(path)), error);
   if (!error) source.time = static_cast<int64_t>(time.time_since_epoch().count());
   return source;
 }
@@ -118,8 +118,9 @@ bool IsTheFilm(const FilmRecord& record, const std::string& film) {
 std::optional<FilmRecord> ReadRecord(const std::string& path) {
   // The folder may be shared: what lies there under a record's name need not be one.
   std::error_code error;
-  if (!IsFile(path) || fs::file_size(path, error) > kLargestRecord || error) return std::nullopt;
-  std::ifstream file(path, std::ios::binary);
+  if (!IsFile(path) || fs::file_size(ForCalls(PathOf(path)), error) > kLargestRecord || error)
+    return std::nullopt;
+  std::ifstream file(ForCalls(PathOf(path)), std::ios::binary);
   if (!file) return std::nullopt;
   try {
     const Json json = Json::parse(file);
@@ -138,12 +139,12 @@ std::optional<FilmRecord> ReadRecord(const std::string& path) {
 void MakeOnRecord(const std::string& path, const FilmRecord& now, const std::string& film,
                   const std::function<void()>& make) {
   std::error_code error;
-  if (fs::exists(fs::symlink_status(path, error)) && !fs::is_directory(path, error) &&
-      !ReadRecord(path)) {
+  if (fs::exists(fs::symlink_status(PathOf(path), error)) &&
+      !fs::is_directory(StatusOf(PathOf(path))) && !ReadRecord(path)) {
     throw Error(path + ": already exists and is not a film's record; give the record another name");
   }
-  const fs::path folder = fs::path(path).parent_path();
-  MakeFolders(NarrowText(folder));
+  const fs::path folder = PathOf(path).parent_path();
+  MakeFolders(TextOf(folder));
   // Opened first, so that a place which cannot be written to is found before the work. Users may
   // have links to folders; a batch's own is never one.
   OutputFile file(path,
@@ -156,8 +157,6 @@ void MakeOnRecord(const std::string& path, const FilmRecord& now, const std::str
   file.Finish();
 }
 
-std::string RecordFolderOf(const std::string& folder) {
-  return NarrowText(fs::path(folder) / kRecords);
-}
+std::string RecordFolderOf(const std::string& folder) { return TextOf(PathOf(folder) / kRecords); }
 
 }  // namespace kelto::host

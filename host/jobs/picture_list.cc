@@ -11,7 +11,7 @@
 #include <system_error>
 
 #include "host/base/error.h"
-#include "host/files/narrow_text.h"
+#include "host/files/path_text.h"
 #include "host/project/project_file.h"
 
 namespace kelto::host {
@@ -34,21 +34,18 @@ std::string Lowered(std::string text) {
 }
 
 bool EndsLikeAPicture(const fs::path& path) {
-  const std::string ending = Lowered(path.extension().string());
+  const std::string ending = Lowered(TextOf(path.extension()));
   return std::find(kEndings.begin(), kEndings.end(), ending) != kEndings.end();
 }
 
 std::vector<std::string> InFolder(const std::string& folder) {
   std::error_code error;
   std::vector<std::string> pictures;
-  fs::directory_iterator entry(folder, error);
-  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-    const fs::path& path = entry->path();
-    std::error_code ignored;
-    if (path.filename().string().starts_with('.') || !EndsLikeAPicture(path)) continue;
-    if (!entry->is_directory(ignored)) pictures.push_back(NarrowText(path));
+  for (const fs::path& path : EntriesOf(PathOf(folder), error)) {
+    if (TextOf(path.filename()).starts_with('.') || !EndsLikeAPicture(path)) continue;
+    if (!fs::is_directory(StatusOf(path))) pictures.push_back(TextOf(path));
   }
-  if (error) throw Error(folder + ": cannot be read: " + error.message());
+  if (error) throw Error(folder + ": cannot be read: " + ReasonOf(error));
   std::sort(pictures.begin(), pictures.end());
   if (pictures.empty()) throw Error(folder + ": there are no pictures in this folder");
   return pictures;
@@ -76,9 +73,9 @@ bool ReadLine(std::istream& file, const std::string& list, std::string& line) {
 }
 
 std::vector<std::string> InList(const std::string& list) {
-  std::ifstream file(list);
+  std::ifstream file(ForCalls(PathOf(list)));
   if (!file) throw Error(list + ": cannot be read as a list of pictures");
-  const fs::path folder = fs::path(list).parent_path();
+  const fs::path folder = PathOf(list).parent_path();
   std::vector<std::string> pictures;
   size_t bytes = 0;
   bool first = true;
@@ -94,7 +91,7 @@ std::vector<std::string> InList(const std::string& list) {
                   " pictures; give them in several lists");
     }
     if (line.empty()) continue;
-    pictures.push_back(NarrowText(folder / line));
+    pictures.push_back(TextOf(folder / PathOf(line)));
     bytes += pictures.back().size();
     if (bytes > kMostBytes) {
       throw Error(list + ": has paths of more than " + std::to_string(kMostBytes >> 20) +
@@ -108,8 +105,7 @@ std::vector<std::string> InList(const std::string& list) {
 }  // namespace
 
 std::vector<std::string> PicturesOf(const std::string& input) {
-  std::error_code error;
-  const fs::file_status status = fs::status(input, error);
+  const fs::file_status status = StatusOf(PathOf(input));
   if (!fs::exists(status)) throw Error(input + ": there is no such folder or list");
   if (fs::is_directory(status)) return InFolder(input);
   // Its lines would pass for names of pictures.
@@ -122,7 +118,7 @@ std::vector<std::string> PicturesOf(const std::string& input) {
 std::vector<std::string> FilmNames(const std::vector<std::string>& pictures,
                                    const std::string& ending) {
   const auto shortName = [&](const std::string& picture) {
-    return NarrowText(fs::path(picture).stem()) + "." + ending;
+    return TextOf(PathOf(picture).stem()) + "." + ending;
   };
   std::map<std::string, int> wanted;
   for (const std::string& picture : pictures) ++wanted[Lowered(shortName(picture))];
@@ -136,7 +132,7 @@ std::vector<std::string> FilmNames(const std::vector<std::string>& pictures,
   for (const std::string& picture : pictures) {
     std::string name = shortName(picture);
     if (wanted[Lowered(name)] > 1) {
-      const std::string base = NarrowText(fs::path(picture).filename());
+      const std::string base = NameOf(picture);
       const std::string last = "." + ending;
       name = base;
       name += last;

@@ -10,7 +10,7 @@
 
 #include "host/base/error.h"
 #include "host/effect/photo.h"
-#include "host/files/narrow_text.h"
+#include "host/files/path_text.h"
 #include "host/film/codecs.h"
 #include "host/film/formats.h"
 #include "host/frames/effect_session.h"
@@ -42,7 +42,7 @@ class WorkFolder {
   }
   WorkFolder(const WorkFolder&) = delete;
   WorkFolder& operator=(const WorkFolder&) = delete;
-  std::string operator/(const std::string& name) const { return NarrowText(path_ / name); }
+  std::string operator/(const std::string& name) const { return TextOf(path_ / PathOf(name)); }
 
  private:
   fs::path path_;
@@ -61,7 +61,7 @@ Check Try(const std::string& name, Work work) {
 std::string WriteSample(const WorkFolder& folder, const SampleStill& still) {
   std::string path = folder / (std::string("still.") + still.ending);
   const std::vector<uint8_t> bytes = BytesOf(still);
-  std::ofstream file(path, std::ios::binary);
+  std::ofstream file(ForCalls(PathOf(path)), std::ios::binary);
   file.write(reinterpret_cast<const char*>(bytes.data()),
              static_cast<std::streamsize>(bytes.size()));
   if (!file.flush()) throw Error(path + ": cannot be written");

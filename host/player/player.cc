@@ -8,6 +8,7 @@
 
 #include "host/base/error.h"
 #include "host/facts/key_times.h"
+#include "host/files/path_text.h"
 #include "host/frames/effect_session.h"
 #include "host/playback/playback.h"
 #include "host/playback/quality_control.h"
@@ -50,7 +51,7 @@ class Player {
   Player(const std::string& modulePath, const RenderPlan& plan, const Photo& photo,
          const PlayerOptions& options)
       : plan_(Playing(plan)),
-        name_(std::filesystem::path(photo.given).filename().string()),
+        name_(NameOf(photo.given)),
         session_(modulePath, plan_, photo, PixelLayout::kBGRA),
         window_(name_, plan.format.size, plan.format.sampleAspect, StatusBar::kHeight),
         bar_(Times(KeyTimesOf(plan))),

@@ -5,7 +5,7 @@
 #include <new>
 #include <system_error>
 
-#include "host/files/narrow_text.h"
+#include "host/files/path_text.h"
 
 namespace kelto::host {
 namespace {
@@ -17,9 +17,9 @@ bool IsNetworkPath(const std::string& path) { return path.starts_with("\\\\"); }
 /// The path in full, without "." in it. A ".." stays, since what stands before it may be a link.
 fs::path Full(const std::string& path) {
   std::error_code error;
-  const fs::path full = fs::absolute(path, error);
+  const fs::path full = fs::absolute(PathOf(path), error);
   if (error == std::errc::not_enough_memory) throw std::bad_alloc();
-  if (error) return path;
+  if (error) return PathOf(path);
   return std::find(full.begin(), full.end(), "..") == full.end() ? full.lexically_normal() : full;
 }
 
@@ -27,9 +27,7 @@ fs::path Full(const std::string& path) {
 
 std::string FromProject(const std::string& project, const std::string& named) {
   if (IsNetworkPath(named)) return named;
-  // A project is UTF-8 on every system.
-  const std::u8string name(named.begin(), named.end());
-  return NarrowText(fs::path(project).parent_path() / fs::path(name));
+  return TextOf(PathOf(project).parent_path() / PathOf(named));
 }
 
 std::string ForProject(const std::string& project, const std::string& path) {
@@ -37,7 +35,10 @@ std::string ForProject(const std::string& project, const std::string& path) {
   const fs::path full = Full(path);
   const fs::path relative = full.lexically_relative(Full(project).parent_path());
   const bool below = !relative.empty() && *relative.begin() != "..";
-  return below ? relative.generic_string() : full.string();
+  std::string text = TextOf(below ? relative : full);
+  if (below && fs::path::preferred_separator != '/')
+    std::replace(text.begin(), text.end(), '\\', '/');
+  return text;
 }
 
 }  // namespace kelto::host

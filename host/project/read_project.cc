@@ -9,6 +9,7 @@
 
 #include "host/base/error.h"
 #include "host/files/input_file.h"
+#include "host/files/path_text.h"
 #include "host/options/rate.h"
 #include "host/plan/default_plan.h"
 #include "host/project/complaint.h"
@@ -149,7 +150,7 @@ std::string ReadText(const std::string& path) {
   const auto unreadable = [&] {
     return Error(path + ": cannot be read: " + std::generic_category().message(errno));
   };
-  const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "rb"));
+  const std::unique_ptr<std::FILE, CloseFile> file(OpenFile(PathOf(path), "rb"));
   if (!file) throw unreadable();
   std::string text;
   char block[65536];
@@ -177,7 +178,7 @@ RenderPlan PlanOf(const std::string& text, const std::string& path) {
 }  // namespace
 
 bool IsProjectName(const std::string& path) {
-  std::string ending = fs::path(path).extension().string();
+  std::string ending = TextOf(PathOf(path).extension());
   for (char& c : ending) {
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
   }

@@ -5,6 +5,7 @@
 #include "host/base/error.h"
 #include "host/base/shown_text.h"
 #include "host/files/output_file.h"
+#include "host/files/path_text.h"
 #include "host/files/program_folder.h"
 #include "host/project/display_aspect.h"
 #include "host/project/layout.h"
@@ -110,7 +111,7 @@ void WriteProject(const std::string& path, const RenderPlan& plan) {
   const std::string json = ProjectText(path, plan);
   for (const std::string& used : {plan.photo, plan.over, plan.audio}) {
     std::error_code error;
-    if (std::filesystem::equivalent(path, used, error)) {
+    if (std::filesystem::equivalent(PathOf(path), PathOf(used), error)) {
       throw Error(path + ": is used by the project itself; give the project another name");
     }
   }

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/base/shown_text.h"
+#include "host/terminal/text_stream.h"
 
 namespace kelto::host {
 
@@ -15,7 +16,7 @@ void PrintEvent(const std::string& name,
     std::visit([&, field = key](const auto& plain) { event[field] = plain; }, value);
   }
   const std::string line = event.dump(-1, ' ', false, Json::error_handler_t::replace);
-  std::fprintf(stderr, "%s\n", ShownJson(line).c_str());
+  WriteText(stderr, ShownJson(line) + "\n");
 }
 
 }  // namespace kelto::host

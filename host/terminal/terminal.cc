@@ -9,11 +9,9 @@
 #include "host/base/shown_text.h"
 #include "host/terminal/events.h"
 
-#if defined(_WIN32)
-#include <io.h>
-#define isatty _isatty
-#define fileno _fileno
-#else
+#include "host/terminal/text_stream.h"
+
+#if !defined(_WIN32)
 #include <sys/ioctl.h>
 #include <unistd.h>
 #endif
@@ -21,8 +19,8 @@
 namespace kelto::host {
 namespace {
 
-/// Whether a progress line stands on the terminal.
-bool shown = false;
+/// The letters of the progress line that stands on the terminal.
+size_t shown = 0;
 Reporting reporting = Reporting::kUsual;
 bool strict = false;
 std::function<void(const std::string&)> messageSink;
@@ -34,7 +32,7 @@ void PrintLine(const char* event, const std::string& text) {
   if (reporting == Reporting::kJson) {
     PrintEvent(event, {{"text", line}});
   } else {
-    std::fprintf(stderr, "kelto: %s\n", ShownText(line).c_str());
+    WriteText(stderr, "kelto: " + ShownText(line) + "\n");
   }
 }
 
@@ -44,15 +42,21 @@ void SetReporting(Reporting wanted) { reporting = wanted; }
 Reporting CurrentReporting() { return reporting; }
 
 void DrawProgress(const std::string& line) {
-  // Back to the line's start, and erase what a longer line leaves.
-  std::fprintf(stderr, "\r%s\033[K", line.c_str());
-  shown = true;
+  // Back to the line's start, and erase what a longer line leaves; with blanks where the terminal
+  // knows no other way.
+  std::string text = "\r";
+  text += line;
+  if (ObeysSequences(stderr)) {
+    text += "\033[K";
+  } else if (line.size() < shown) {
+    text.append(shown - line.size(), ' ').append("\r").append(line);
+  }
+  WriteText(stderr, text);
+  shown = line.size();
 }
 
 void ClearProgress() {
-  if (!shown) return;
-  std::fputs("\r\033[K", stderr);
-  shown = false;
+  if (shown > 0) DrawProgress("");
 }
 
 void PrintMessage(const std::string& text) {
@@ -74,12 +78,12 @@ void Warn(const std::string& text) {
 
 void SetMessageSink(std::function<void(const std::string&)> sink) { messageSink = std::move(sink); }
 
-bool StandardOutputIsTerminal() { return isatty(fileno(stdout)) != 0; }
+bool StandardOutputIsTerminal() { return IsTerminal(stdout); }
 
 bool StandardErrorDraws() {
   const char* kind = std::getenv("TERM");
   if (kind != nullptr && std::string_view(kind) == "dumb") return false;
-  return isatty(fileno(stderr)) != 0;
+  return IsTerminal(stderr);
 }
 
 int StandardErrorColumns() {

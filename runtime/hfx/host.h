@@ -25,6 +25,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -193,8 +194,9 @@ KELTO_PLATFORM_API double FrameTime(const RenderState& state);
 class KELTO_PLATFORM_API Module {
  public:
   /// Loads a module file, checks its entry points and starts it up. On failure returns null and
-  /// says in `error`, in one line, what was tried and what was found.
-  static std::unique_ptr<Module> Load(const std::string& path, std::string* error);
+  /// says in `error`, in one line, what was tried and what was found. On Windows the libraries that
+  /// the module needs are looked for in its own folder, the program's and the system's.
+  static std::unique_ptr<Module> Load(const std::filesystem::path& path, std::string* error);
   ~Module();
   Module(const Module&) = delete;
   Module& operator=(const Module&) = delete;

@@ -36,9 +36,9 @@ std::string ReasonAgainst(const std::filesystem::path& path) {
 
 }  // namespace
 
-std::unique_ptr<Module> Module::Load(const std::string& path, std::string* error) {
+std::unique_ptr<Module> Module::Load(const std::filesystem::path& path, std::string* error) {
   const auto refuse = [&](const std::string& reason) {
-    Fail(error, "cannot load module '" + path + "': " + reason);
+    Fail(error, "cannot load module '" + path.string() + "': " + reason);
     return nullptr;
   };
   if (const std::string reason = ReasonAgainst(path); !reason.empty()) return refuse(reason);

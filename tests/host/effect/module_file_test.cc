@@ -67,10 +67,17 @@ TEST_F(ModuleFile, OneThatIsNamedMustBeThere) {
 
 TEST_F(ModuleFile, IsLookedForBesideTheExecutableAsBuiltAndAsInstalled) {
   const auto files = SearchedFiles("/opt/kelto/bin");
+#if defined(_WIN32)
+  // Not above the program's folder, which may be that of photographs.
+  ASSERT_EQ(files.size(), 2u);
+  EXPECT_EQ(files[0], "/opt/kelto/bin/KeltoPanAndZoom.hfx");
+  EXPECT_EQ(files[1], "/opt/kelto/bin/lib/KeltoPanAndZoom.hfx");
+#else
   ASSERT_GE(files.size(), 3u);
   EXPECT_EQ(files[0], "/opt/kelto/lib/KeltoPanAndZoom.hfx");
   EXPECT_EQ(files[1], "/opt/kelto/lib/kelto/KeltoPanAndZoom.hfx");
   EXPECT_EQ(files[2], "/opt/kelto/bin/KeltoPanAndZoom.hfx");
+#endif
 }
 
 }  // namespace

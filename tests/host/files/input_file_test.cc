@@ -33,7 +33,7 @@ TEST_F(InputFile, IsAFileAndNoFolder) {
   EXPECT_TRUE(IsFile(file_));
   EXPECT_FALSE(IsFile(none_));
   EXPECT_FALSE(IsFile(itself_));
-  EXPECT_FALSE(IsFile(""));
+  EXPECT_FALSE(IsFile(std::string()));
 }
 
 TEST_F(InputFile, IsComplainedOfWhereItCannotBeRead) {

@@ -7,14 +7,12 @@
 #include <fstream>
 
 #include "host/base/error.h"
-#include "host/files/narrow_text.h"
 #include "tests/support/photo.h"
 
 namespace kelto::host {
 namespace {
 
 TEST(FilmRecord, SurvivesAFileWithNamesOfAnyBytes) {
-  ReadPathsAsTheSystemDoes();
   const test::TempFolder folder;
   const std::string photo = folder / "gr\xc3\xbc\xc3\x9f \xff\x80.jpg";
   std::ofstream(photo) << "12345";
