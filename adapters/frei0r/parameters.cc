@@ -54,6 +54,10 @@ Table MakeTable(Role role) {
              "Centre of the view in picture heights below the picture's centre"),
       Number("progress", 0.0, 0.0, 1.0, "Place along the motion, 0 to 1"),
       Number("quality", 1.0, 0.0, 1.0, "0.5 and less draws fast instead of by filter"),
+      Text(
+          "motion", "",
+          "How one view becomes the next: steady, fly or linear; else steady from from and to, and "
+          "as a project has it"),
   };
 }
 

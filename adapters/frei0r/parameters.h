@@ -37,6 +37,7 @@ enum ParameterIndex : int {
   kY,
   kProgress,
   kQuality,
+  kMotion,
   kParameterCount
 };
 

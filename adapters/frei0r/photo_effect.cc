@@ -80,6 +80,7 @@ void PhotoEffect::TryToLoad() {
 void PhotoEffect::Load() {
   const host::Photo photo = host::OpenPhoto(photo_);
   if (const auto flaw = host::FindFlaw(photo)) SayOnce(*flaw);
+  size_ = {photo.width, photo.height};
   module_ = LoadedModule();
   std::string error;
   effect_ = hfx::Effect::Create(*module_, kFirstModel, &error);
@@ -100,7 +101,7 @@ std::string PhotoEffect::Render(const FrameRequest& request) {
     // fails doubles the frames until the next.
     if (!effect_ && std::has_single_bit(missed_++)) TryToLoad();
     if (!effect_) return fault_;
-    if (sceneId_ != request.sceneId) SetUp(*request.scene);
+    if (sceneId_ != request.sceneId) SetUp(request);
     sceneId_ = request.sceneId;
     Draw(request);
     return "";
@@ -123,6 +124,7 @@ void PhotoEffect::Draw(const FrameRequest& request) {
   for (int32_t field = 0; rendered && field < host::FieldsOf(plan); ++field) {
     const hfx::RenderState state =
         host::FieldState(plan, request.moment.frame, field, request.quality);
+    if (track_) host::ShowView(*effect_, track_->At(state));
     hfxImage to = *request.output, from = *request.input;
     if (plan.format.Interlaced()) {
       to = hfx::FieldView(to, state.topField);
@@ -134,8 +136,15 @@ void PhotoEffect::Draw(const FrameRequest& request) {
   if (!rendered || !ended) throw host::Error("the effect: " + error);
 }
 
-void PhotoEffect::SetUp(const Scene& scene) {
+void PhotoEffect::SetUp(const FrameRequest& request) {
   sceneId_ = 0;  // until all is set
+  const Scene& scene = *request.scene;
+  host::RenderPlan plan;
+  plan.format = scene.format;
+  plan.format.size = {request.output->GetWidth(), request.output->GetHeight()};
+  plan.settings = scene.settings;
+  plan.motion = scene.motion;
+  track_ = host::ViewTrack::For(plan, size_);
   // What this scene leaves to the effect, another one may have set, or a render.
   for (hfxParameter* parameter : hfx::ParametersOf(effect_->instance())) {
     std::array<uint8_t, 3 * sizeof(double)> bytes{};
@@ -145,7 +154,11 @@ void PhotoEffect::SetUp(const Scene& scene) {
       hfx::SetBoundValue(*parameter, bytes.data(), size);
     }
   }
-  for (const host::Setting& setting : scene.settings) host::Apply(*effect_, setting);
+  if (track_) {
+    host::ApplyWithoutMove(*effect_, scene.settings);
+  } else {
+    for (const host::Setting& setting : scene.settings) host::Apply(*effect_, setting);
+  }
   effect_->ParametersChanged();
 }
 

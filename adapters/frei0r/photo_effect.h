@@ -20,6 +20,7 @@
 
 #include "adapters/frei0r/scene.h"
 #include "host/effect/photo.h"
+#include "host/track/view_track.h"
 #include "platform/hfx.h"
 #include "runtime/hfx/host.h"
 
@@ -55,14 +56,16 @@ class PhotoEffect {
   void TryToLoad();
   void Load();
   void Draw(const FrameRequest& request);
-  void SetUp(const Scene& scene);
+  void SetUp(const FrameRequest& request);
 
   const std::string photo_, levels_;
   std::shared_ptr<hfx::Module> module_;
-  std::unique_ptr<hfx::Effect> effect_;  // goes before its module
-  std::string fault_;                    ///< why there is no effect
-  uint64_t missed_ = 0;                  ///< frames asked for without one
-  uint64_t sceneId_ = 0;                 ///< set up for this one
+  std::unique_ptr<hfx::Effect> effect_;           // goes before its module
+  PixelSize size_;                                ///< of the photograph
+  std::unique_ptr<const host::ViewTrack> track_;  ///< of the scene; null where its keys move
+  std::string fault_;                             ///< why there is no effect
+  uint64_t missed_ = 0;                           ///< frames asked for without one
+  uint64_t sceneId_ = 0;                          ///< set up for this one
 };
 
 }  // namespace kelto::frei0r

@@ -113,6 +113,16 @@ void ApplyParameters(const Values& values, Role role, bool all, host::RenderPlan
   if (background) plan.Set("bgcolor", host::BackgroundFor(*background));
 }
 
+/// The law of the parameter "motion"; else the plan's, but views that were given go steadily.
+host::MotionLaw MotionAt(const Values& values, Role role, const host::RenderPlan& plan) {
+  const bool views = !IsUnset(values, role, kFrom) || !IsUnset(values, role, kTo);
+  const bool steady = views && plan.motion == host::MotionLaw::kLinear;
+  const host::MotionLaw usual = steady ? host::MotionLaw::kSteady : plan.motion;
+  return Read(values, role, kMotion, [&](const std::string& text) {
+    return text.empty() ? usual : host::ParseMotionLaw(text);
+  });
+}
+
 /// The entry of a list that the effect holds it to: its active key's, or the first without one.
 std::string HeldEntry(const host::RenderPlan& plan, const char* list, const char* first) {
   const host::SettingValue* value = host::HeldValue(plan.FindSetting(list));
@@ -151,6 +161,7 @@ Scene SceneOf(const Values& values, Role role, const Scene& last) {
   ApplyParameters(values, role, scene.project == nullptr, plan);
   scene.photo = plan.photo;
   scene.settings = plan.settings;
+  scene.motion = MotionAt(values, role, plan);
   scene.playMode = plan.playMode;
   scene.format = plan.format;
   scene.levels = HeldEntry(plan, "levels", kFirstLevels);

@@ -17,9 +17,10 @@ namespace kelto::frei0r {
 
 /// Settings of the effect that hold from frame to frame while no parameter changes.
 struct Scene {
-  std::string photo;                       ///< empty: none was given
-  std::string levels;                      ///< entry of the effect's list
-  std::vector<host::Setting> settings;     ///< of the effect, as in a plan
+  std::string photo;                    ///< empty: none was given
+  std::string levels;                   ///< entry of the effect's list
+  std::vector<host::Setting> settings;  ///< of the effect, as in a plan
+  host::MotionLaw motion = host::MotionLaw::kLinear;
   std::optional<host::Colour> background;  ///< as seen; none: the incoming video
   bool outlined = false;                   ///< the photograph at zoom 1, with the view outlined
   int32_t frames = 0;                      ///< length of a motion that runs by itself, or 0

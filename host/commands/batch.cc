@@ -71,8 +71,10 @@ class Batch {
     if (!options.plan.over.empty()) LookAtVideo(options.plan.over);
 #endif
     RenderPlan plan = DefaultPlan("");
+    PlanOptions common = options.plan;
+    common.views.movesByItself = false;
     try {
-      ApplyOptions(options.plan, plan);
+      ApplyOptions(common, plan);
     } catch (const UsageError&) {
       throw;
     } catch (const Error&) {

@@ -6,6 +6,7 @@
 
 #include "host/base/error.h"
 #include "host/commands/option_text.h"
+#include "host/commands/tour_options.h"
 #include "host/effect/module_file.h"
 #include "host/files/path_text.h"
 #include "host/film/codecs.h"
@@ -118,6 +119,14 @@ std::vector<std::string> WordsGiven(const CLI::App& command) {
     const std::string& name = option->get_lnames().front();
     if (std::find(kSettleNoPicture.begin(), kSettleNoPicture.end(), name) !=
         kSettleNoPicture.end()) {
+      continue;
+    }
+    if (name == "hold" || name == "go") continue;
+    if (name == "view") {
+      // With their times, in the order that says which is whose.
+      for (const auto& [tourOption, value] : TourWordsOf(command)) {
+        words.insert(words.end(), {"--" + tourOption, value});
+      }
       continue;
     }
     if (option->get_expected_max() == 0) {

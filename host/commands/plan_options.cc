@@ -94,19 +94,58 @@ void SetVelocity(RenderPlan& plan, const std::string& parameter, const std::stri
   for (SettingKey& key : velocity.keys) key.value = entry;
 }
 
-void ApplyLists(const PlanOptions& options, RenderPlan& plan) {
+bool IsVelocity(const ChoiceList& list) {
+  return list.parameter == std::string(kArrival) || list.parameter == std::string(kDeparture);
+}
+
+/// Hands each list that an option names to `use`, with the entry.
+template <typename Use>
+void ForEachEntry(const PlanOptions& options, Use use) {
   for (size_t i = 0; i < options.words.size(); ++i) {
     if (options.words[i].empty()) continue;
     const ChoiceList& list = ChoiceLists()[i];
-    const std::string entry =
-        ReadOption(list.option, options.words[i],
-                   [&](const std::string& word) { return EntryOf(list, word); });
-    if (list.parameter == std::string(kArrival) || list.parameter == std::string(kDeparture)) {
-      SetVelocity(plan, list.parameter, entry);
-    } else {
-      plan.Set(list.parameter, entry);
+    use(list, ReadOption(list.option, options.words[i],
+                         [&](const std::string& word) { return EntryOf(list, word); }));
+  }
+}
+
+/// All lists but the velocities, which are only looked at: they need the views.
+void ApplyLists(const PlanOptions& options, RenderPlan& plan) {
+  ForEachEntry(options, [&](const ChoiceList& list, const std::string& entry) {
+    if (!IsVelocity(list)) plan.Set(list.parameter, entry);
+  });
+}
+
+/// How the views that the options gave are reached and left where no option says it.
+void SetUsualVelocities(const PlanOptions& options, RenderPlan& plan) {
+  if (plan.motion == MotionLaw::kLinear) return;
+  // A show's picture moves when it comes and while it goes.
+  if (options.views.turn) {
+    SetVelocity(plan, kArrival, EntryOf(ListOf(kArrival), "linear"));
+    SetVelocity(plan, kDeparture, EntryOf(ListOf(kDeparture), "linear"));
+  }
+  const SettingValue* path = HeldValue(plan.FindSetting("path"));
+  const bool smooth = path != nullptr && *path == SettingValue(EntryOf(ListOf("path"), "spline"));
+  if (!smooth) return;
+  // A smooth way goes through its views without a stop, but for those that it pauses at.
+  const std::vector<SettingKey> zooms = plan.SettingOf("size").keys;
+  const std::vector<SettingKey> centres = plan.SettingOf("position").keys;
+  const auto pauses = [&](size_t i) {
+    return zooms[i].value == zooms[i + 1].value && centres[i].value == centres[i + 1].value;
+  };
+  for (const char* velocity : {kArrival, kDeparture}) {
+    std::vector<SettingKey>& keys = plan.SettingOf(velocity).keys;
+    for (size_t i = 1; i + 1 < keys.size(); ++i) {
+      if (pauses(i - 1) || pauses(i)) continue;
+      keys[i].value = EntryOf(ListOf(velocity), "linear");
     }
   }
+}
+
+void ApplyVelocities(const PlanOptions& options, RenderPlan& plan) {
+  ForEachEntry(options, [&](const ChoiceList& list, const std::string& entry) {
+    if (IsVelocity(list)) SetVelocity(plan, list.parameter, entry);
+  });
 }
 
 }  // namespace
@@ -134,6 +173,7 @@ void DeclarePlan(CLI::App& command, PlanOptions& options) {
           "[progressive]");
 
   constexpr const char* kPicture = "Picture";
+  options.views.movesByItself = true;
   DeclareViews(command, kPicture, options.views);
   options.words.resize(ChoiceLists().size());
   for (size_t i = 0; i < ChoiceLists().size(); ++i) {
@@ -149,15 +189,17 @@ void DeclarePlan(CLI::App& command, PlanOptions& options) {
 
 RenderPlan PlanFor(const std::string& input, const PlanOptions& options) {
   const InterruptsEndAtOnce whileItReads;
-  RenderPlan plan = IsProjectName(input) ? ReadProject(input) : DefaultPlan(input);
-  ApplyOptions(options, plan);
+  const bool project = IsProjectName(input);
+  RenderPlan plan = project ? ReadProject(input) : DefaultPlan(input);
+  PlanOptions given = options;
+  given.views.movesByItself = !project && options.views.movesByItself;
+  ApplyOptions(given, plan);
   return plan;
 }
 
 void ApplyOptions(const PlanOptions& options, RenderPlan& plan) {
   ApplyMedia(options, plan);
   ApplyFilm(options, plan);
-  ApplyViews(options.views, plan);
   ApplyLists(options, plan);
   if (!options.background.empty()) {
     plan.Set("bgcolor", BackgroundFor(ReadOption("--background", options.background, ParseColour)));
@@ -166,6 +208,11 @@ void ApplyOptions(const PlanOptions& options, RenderPlan& plan) {
   if (!options.playMode.empty()) {
     plan.playMode = ReadOption("--play-mode", options.playMode, ParsePlayMode);
   }
+  // After all that can be found wrong without the photo.
+  ViewOptions views = options.views;
+  views.lengthGiven = !options.seconds.empty() || !options.frames.empty() || !options.over.empty();
+  if (ApplyViews(views, plan)) SetUsualVelocities(options, plan);
+  ApplyVelocities(options, plan);
 }
 
 }  // namespace kelto::host

@@ -90,8 +90,10 @@ Slideshow ShowFor(const SlideshowOptions& options, const std::vector<std::string
     ParseSeconds(text);  // so that a complaint names this option
     return text;
   });
-  ForEachPhoto(pictures,
-               [&](const std::string& picture) { show.plans.push_back(PlanFor(picture, each)); });
+  ForEachPhoto(pictures, [&](const std::string& picture) {
+    each.views.turn = static_cast<int32_t>(show.plans.size());
+    show.plans.push_back(PlanFor(picture, each));
+  });
   const RenderPlan& first = show.plans.front();
   show.each = first.frames;
   show.fade = FadeFor(options, first.format.rate, show.each);
@@ -196,6 +198,9 @@ CLI::App* AddSlideshow(CLI::App& app) {
           ->group(kFilm)
           ->type_name("TIME");
   DeclarePlan(*command, options->plan);
+  CLI::Option* move = command->get_option("--move");
+  move->description(move->get_description() +
+                    "; or mixed, which alternates in, out and pans from picture to picture");
   for (const char* replaced : {"--seconds", "--frames", "--over"}) {
     // Not every build has all of them.
     if (CLI::Option* option = command->get_option_no_throw(replaced); option != nullptr) {

@@ -11,6 +11,9 @@
 #include "host/moves/auto_move.h"
 #include "host/moves/photo_views.h"
 #include "host/moves/presets.h"
+#include "host/options/motion_law.h"
+#include "host/options/number.h"
+#include "host/options/rate.h"
 #include "host/plan/default_plan.h"
 #include "host/terminal/terminal.h"
 
@@ -18,6 +21,9 @@ namespace kelto::host {
 namespace {
 
 constexpr const char* kAuto = "auto";
+constexpr const char* kMixed = "mixed";
+/// Of moves that nobody asked for by name: five seconds of it are calm.
+constexpr double kGentleAmount = 1.25;
 
 /// Tells of a part that is shown with more around it than the frame's shape asks for.
 void TellIfWidened(const std::string& option, const std::string& text, const PhotoRect& part,
@@ -52,6 +58,9 @@ class ViewReader {
     return *photo_;
   }
 
+  /// The largest view that shows nothing but photo.
+  View Widest() { return Views().ViewOf(Views().Fill()); }
+
   const PhotoViews& Views() {
     if (!views_) views_.emplace(plan_, PixelSize{OpenedPhoto().width, OpenedPhoto().height});
     return *views_;
@@ -63,22 +72,81 @@ class ViewReader {
   std::optional<PhotoViews> views_;
 };
 
-std::vector<View> ViewsOfMove(const ViewOptions& options, ViewReader& reader) {
+double ParseAmount(const std::string& text) {
+  const auto amount = ParseNumber(text);
+  if (!amount || !(*amount >= 1.0 && *amount <= kMaxZoom)) {
+    throw UsageError("an amount is a zoom from 1 to 20, such as 1.25");
+  }
+  return *amount;
+}
+
+std::string MoveWord(const ViewOptions& options) {
+  if (!options.move.empty()) return options.move;
+  if (!options.movesByItself) return "hold";
+  return CanFindInterest() ? kAuto : "in";
+}
+
+/// The parts of the photo that the move called `name` goes between.
+std::vector<PhotoRect> PartsOfMove(const ViewOptions& options, const std::string& name,
+                                   ViewReader& reader, std::optional<double> amount) {
   const Fit fit = options.fit.empty() ? Fit::kFill : ReadOption("--fit", options.fit, ParseFit);
-  const std::string move = options.move.empty() ? "hold" : options.move;
-  const std::vector<PhotoRect> parts =
-      ReadOption("--move", move, [&](const std::string& name) -> std::vector<PhotoRect> {
-        // Names are looked at before the photo is opened.
-        if (name != kAuto) CheckMoveName(name);
-        const PhotoViews& views = reader.Views();
-        if (name != kAuto) return MoveViews(views, name, fit);
-        const Photo& photo = reader.OpenedPhoto();
-        return AutoMove(views, {{photo.width, photo.height}, DecodePhoto(photo)}, fit);
-      });
+  if (name == kMixed) {
+    if (!options.turn) {
+      throw UsageError("is for the pictures of a slideshow; choose one of " + MoveNames() +
+                       ", auto");
+    }
+    MixedMove mixed = MixedMoveAt(reader.Views(), *options.turn);
+    if (mixed.name == kAuto && !CanFindInterest()) mixed.name = "in";
+    std::vector<PhotoRect> parts = PartsOfMove(options, mixed.name, reader, amount);
+    if (mixed.backwards) std::reverse(parts.begin(), parts.end());
+    return parts;
+  }
+  // Names are looked at before the photo is opened.
+  if (name != kAuto) CheckMoveName(name);
+  const PhotoViews& views = reader.Views();
+  if (name != kAuto) return MoveViews(views, name, fit, amount);
+  const Photo& photo = reader.OpenedPhoto();
+  return AutoMove(views, {{photo.width, photo.height}, DecodePhoto(photo)}, fit,
+                  amount.value_or(kUsualAutoAmount));
+}
+
+std::vector<View> ViewsOfMove(const ViewOptions& options, ViewReader& reader) {
+  const std::string move = MoveWord(options);
+  std::optional<double> amount;
+  if (options.move.empty() || move == kMixed) amount = kGentleAmount;
+  if (!options.amount.empty()) amount = ReadOption("--amount", options.amount, ParseAmount);
+  const std::vector<PhotoRect> parts = ReadOption("--move", move, [&](const std::string& name) {
+    return PartsOfMove(options, name, reader, amount);
+  });
   std::vector<View> views;
   views.reserve(parts.size());
   for (const PhotoRect& part : parts) views.push_back(reader.Views().ViewOf(part));
   return views;
+}
+
+/// The views of --from and --to; one of the two alone begins or ends with the widest view that
+/// fills the frame.
+std::vector<View> EndsGiven(const ViewOptions& options, ViewReader& reader) {
+  const auto end = [&](const char* option, const std::string& text) {
+    return text.empty() ? reader.Widest() : reader.Read(option, text);
+  };
+  return {end("--from", options.from), end("--to", options.to)};
+}
+
+/// Sets the views of --view, and the film's length where they say it.
+void SetTour(const ViewOptions& options, ViewReader& reader, RenderPlan& plan) {
+  const std::vector<TourView> tour = TourOf(options.tour);
+  std::vector<View> views;
+  views.reserve(tour.size());
+  for (const TourView& one : tour) views.push_back(reader.Read("--view", one.view));
+  if (!HasTimes(tour) || tour.size() == 1) {
+    SetMove(plan, views);
+  } else {
+    SetMove(plan, KeysOf(tour, views));
+  }
+  if (HasTimes(tour) && !options.lengthGiven) {
+    plan.frames = FramesOf(SecondsOf(tour), plan.format.rate);
+  }
 }
 
 }  // namespace
@@ -96,36 +164,62 @@ void DeclareViews(CLI::App& command, const std::string& group, ViewOptions& opti
       "the right of and below the picture's centre; or X,Y,WIDTH,HEIGHT, a part of the photo in "
       "its pixels, widened where zoom 20 shows more");
   CLI::Option* to =
-      add("--to", options.to, "VIEW", "Last view; with only one of the two the view stands still");
+      add("--to", options.to, "VIEW",
+          "Last view; with only one of the two the move begins or ends with the widest view that "
+          "fills the frame");
   CLI::Option* view =
       add("--view", options.views, "VIEW",
           "A view; given several times, the views that the move goes through, evenly "
-          "spaced in time");
-  view->allow_extra_args(false);
+          "spaced in time unless --hold and --go say otherwise");
+  CLI::Option* hold =
+      add("--hold", options.holds, "TIME", "After a --view: seconds for which it is looked at [0]");
+  CLI::Option* go = add("--go", options.goes, "TIME",
+                        "After a --view: seconds of the way to the next one, from which, with all "
+                        "--hold, the film's length follows unless it is given [2]");
+  for (CLI::Option* one : {view, hold, go}) one->allow_extra_args(false);
+  for (CLI::Option* one : {hold, go}) one->needs(view);
+  command.parse_complete_callback([&command, &options] { options.tour = TourWordsOf(command); });
   CLI::Option* move =
       add("--move", options.move, "NAME",
           "A move that stays within the photo, as far as zoom 20 goes: " + MoveNames() +
-              "; or auto, in to what is most out of the ordinary");
+              "; or auto, in to the most eye-catching area");
   CLI::Option* fit =
       add("--fit", options.fit, "WORD",
           "Widest view of a move: fill shows nothing but photo, whole shows all of it "
           "[fill]");
-  for (CLI::Option* one : {view, move, fit}) one->excludes(from)->excludes(to);
-  view->excludes(move)->excludes(fit);
+  CLI::Option* amount =
+      add("--amount", options.amount, "ZOOM",
+          "How much closer a move goes: 1 to 20 [1.5; auto 1.43; without --move 1.25]");
+  add("--motion", options.motion, "WORD",
+      "How one view becomes the next: steady, at an even rate of zoom and straight to where it "
+      "ends; fly, drawing back between close-ups; linear, as the effect's keys do "
+      "[steady; a project's own]");
+  for (CLI::Option* one : {view, move, fit, amount}) one->excludes(from)->excludes(to);
+  view->excludes(move)->excludes(fit)->excludes(amount);
 }
 
-void ApplyViews(const ViewOptions& options, RenderPlan& plan) {
+bool ApplyViews(const ViewOptions& options, RenderPlan& plan) {
   ViewReader reader(plan);
-  if (!options.move.empty() || !options.fit.empty()) {
+  const bool tour = !options.tour.empty();
+  const bool ends = !options.from.empty() || !options.to.empty();
+  const bool move = !options.move.empty() || !options.fit.empty() || !options.amount.empty() ||
+                    (options.movesByItself && plan.frames > 1);
+  if (tour) {
+    SetTour(options, reader, plan);
+  } else if (ends) {
+    SetMove(plan, EndsGiven(options, reader));
+  } else if (move) {
     SetMove(plan, ViewsOfMove(options, reader));
-    return;
   }
-  std::vector<View> views;
-  views.reserve(options.views.size() + 2);
-  for (const std::string& text : options.views) views.push_back(reader.Read("--view", text));
-  if (!options.from.empty()) views.push_back(reader.Read("--from", options.from));
-  if (!options.to.empty()) views.push_back(reader.Read("--to", options.to));
-  if (!views.empty()) SetMove(plan, views);
+  const bool views = tour || ends || move;
+  if (views) {
+    if (plan.motion == MotionLaw::kLinear) plan.motion = MotionLaw::kSteady;
+  }
+  if (!options.motion.empty()) {
+    plan.motion = ReadOption("--motion", options.motion,
+                             [](const std::string& text) { return ParseMotionLaw(text); });
+  }
+  return views;
 }
 
 }  // namespace kelto::host

@@ -1,9 +1,12 @@
 // The options that say where the view looks.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "host/commands/tour_options.h"
 #include "host/plan/render_plan.h"
 
 namespace CLI {
@@ -14,15 +17,24 @@ namespace kelto::host {
 
 /// The options as they were typed; empty where nothing was.
 struct ViewOptions {
-  std::string from, to, move, fit;
-  std::vector<std::string> views;
+  std::string from, to, move, fit, amount, motion;
+  std::vector<std::string> views, holds, goes;
+  /// The last three in the order in which they were typed.
+  std::vector<TourWord> tour;
+  /// Set by the command, not typed. Whether a photograph without a view gets a gentle move.
+  bool movesByItself = false;
+  /// The picture's place in a show, 0-based, where it is in one.
+  std::optional<int32_t> turn;
+  /// Whether something else says how long the film is.
+  bool lengthGiven = false;
 };
 
 /// Declares the options on `command`, in this group of its help, to be parsed into `options`.
 void DeclareViews(CLI::App& command, const std::string& group, ViewOptions& options);
 
-/// Sets the views that the options ask for, by the plan's film as it stands; looks at the photo
-/// where that is needed. Throws UsageError that names the option, and Error for the photo.
-void ApplyViews(const ViewOptions& options, RenderPlan& plan);
+/// Sets the views and the motion law that the options ask for, by the plan's film as it stands;
+/// looks at the photo where that is needed. Whether there were views. Throws UsageError that names
+/// the option, and Error for the photo.
+bool ApplyViews(const ViewOptions& options, RenderPlan& plan);
 
 }  // namespace kelto::host

@@ -28,14 +28,10 @@ Ticks TicksWithin(double least, double most, int count) {
   return ticks;
 }
 
-Ticks TicksFor(double least, double most, int count) {
-  // Less is rounding, not a move.
-  constexpr double kSame = 1e-6;
+Ticks TicksFor(double least, double most, int count, double span) {
   constexpr double kRoom = 0.06;
-  const double room =
-      most - least > kSame * std::max(std::abs(least), std::abs(most)) && most - least > kSame
-          ? kRoom * (most - least)
-          : 0.1 * std::max(1.0, std::abs(most));
+  const double missing = std::max(0.0, span - (most - least)) / 2;
+  const double room = missing + kRoom * std::max(most - least, span);
   return TicksWithin(least - room, most + room, count);
 }
 

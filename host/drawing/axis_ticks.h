@@ -13,8 +13,8 @@ struct Ticks {
 };
 
 /// An axis of about `count` numbers for values from `least` to `most`, a little longer than they
-/// reach; values that are all the same get some room on either side.
-Ticks TicksFor(double least, double most, int count);
+/// reach; values less than `span` apart, which is above 0, get an axis of that in their middle.
+Ticks TicksFor(double least, double most, int count, double span);
 
 /// The same, but ending where the values do.
 Ticks TicksWithin(double least, double most, int count);

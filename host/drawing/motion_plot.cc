@@ -26,7 +26,10 @@ constexpr int32_t kMaxPoints = 2000;
 constexpr Ink kPaper{1.0, 1.0, 1.0}, kText{0.13, 0.13, 0.15}, kFaint{0.45, 0.46, 0.5};
 constexpr Ink kGrid{0.9, 0.9, 0.92}, kBorder{0.7, 0.7, 0.74}, kKeyLine{0.55, 0.55, 0.62};
 // Told apart by people who confuse red and green, and in grey.
-constexpr Ink kBlue{0.0, 0.38, 0.68}, kOrange{0.85, 0.42, 0.0};
+constexpr Ink kBlue{0.0, 0.38, 0.68}, kOrange{0.85, 0.42, 0.0}, kGrey{0.3, 0.3, 0.33};
+
+/// What an axis spans at least: less is rounding, and would look like a move.
+constexpr double kLeastSpan = 0.02;
 
 struct Curve {
   const char* name;
@@ -68,38 +71,17 @@ std::vector<double> Each(const Samples& samples, Value value) {
   return values;
 }
 
-/// The change of something from each sample to the next, a second; the first sample's is 0.
-template <typename Change>
-std::vector<double> Speed(const Samples& samples, Change change) {
-  std::vector<double> values{0.0};
-  for (size_t i = 1; i < samples.frames.size(); ++i) {
-    const FrameFacts &from = samples.frames[i - 1], &to = samples.frames[i];
-    values.push_back(change(from, to) / (to.seconds - from.seconds));
-  }
-  if (values.size() > 1) values[0] = values[1];
-  return values;
-}
-
-std::vector<Panel> PanelsOf(const FrameInspector& inspector, const Samples& samples) {
-  const auto pan = [&](const FrameFacts& from, const FrameFacts& to) {
-    const DrawnArea a = inspector.ViewArea(from), b = inspector.ViewArea(to);
-    const double x = (b.left + b.right - a.left - a.right) / 2 + b.stepX - a.stepX;
-    const double y = (b.top + b.bottom - a.top - a.bottom) / 2 + b.stepY - a.stepY;
-    return std::hypot(x, y) / (b.right - b.left);
-  };
-  const auto zoom = [](const FrameFacts& from, const FrameFacts& to) {
-    return std::log2(to.view.zoom / from.view.zoom);
-  };
+std::vector<Panel> PanelsOf(const Samples& samples) {
+  const auto each = [&](auto value) { return Each(samples, value); };
   return {
       {"Centre of the view (widths, heights)",
-       {{"x, to the right", kBlue,
-         Each(samples, [](const FrameFacts& f) { return f.view.centreX; })},
-        {"y, down", kOrange, Each(samples, [](const FrameFacts& f) { return f.view.centreY; })}}},
-      {"Zoom (times)",
-       {{"zoom", kBlue, Each(samples, [](const FrameFacts& f) { return f.view.zoom; })}}},
+       {{"x, to the right", kBlue, each([](const FrameFacts& f) { return f.view.centreX; })},
+        {"y, down", kOrange, each([](const FrameFacts& f) { return f.view.centreY; })}}},
+      {"Zoom (times)", {{"zoom", kBlue, each([](const FrameFacts& f) { return f.view.zoom; })}}},
       {"Speed (a second)",
-       {{"pan, in frame widths", kBlue, Speed(samples, pan)},
-        {"zoom, in doublings", kOrange, Speed(samples, zoom)}}}};
+       {{"perceived", kGrey, each([](const FrameFacts& f) { return f.speed.perceived; })},
+        {"pan, in frame widths", kBlue, each([](const FrameFacts& f) { return f.speed.pan; })},
+        {"zoom, in doublings", kOrange, each([](const FrameFacts& f) { return f.speed.zoom; })}}}};
 }
 
 class Plot {
@@ -200,7 +182,7 @@ void Plot::DrawPanel(const Panel& panel, double top) {
     least = std::min(least, *low);
     most = std::max(most, *high);
   }
-  axis_ = TicksFor(least, most, 5);
+  axis_ = TicksFor(least, most, 5, kLeastSpan);
   bottom_ = top + kPanelHeight;
   DrawGrid(top);
   drawing_.Text(panel.title, {kLeft, top - 9.0}, kTextSize, kText, Align::kLeft, true);
@@ -239,7 +221,7 @@ void DrawMotionPlot(FrameInspector& inspector, const Photo& photo, const std::st
   Plot plot(drawing, inspector.Plan(), samples);
   plot.DrawHead("Motion over " + NameOf(photo.given), FactsLine(inspector.Plan(), photo));
   double top = kFirstPanel;
-  for (const Panel& panel : PanelsOf(inspector, samples)) {
+  for (const Panel& panel : PanelsOf(samples)) {
     plot.DrawPanel(panel, top);
     top += kPanelHeight + kPanelGap;
   }

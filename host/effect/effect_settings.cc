@@ -128,6 +128,32 @@ void Apply(hfx::Effect& effect, const Setting& setting) {
   hfx::SetActiveKey(parameter, setting.activeKey);
 }
 
+void ApplyWithoutMove(hfx::Effect& effect, std::span<const Setting> settings) {
+  constexpr std::array kMoving = {"size", "position", "invelocity", "outvelocity", "path"};
+  for (const Setting& setting : settings) {
+    if (std::find(kMoving.begin(), kMoving.end(), setting.parameter) == kMoving.end()) {
+      Apply(effect, setting);
+    }
+  }
+  // The effect measures smooth paths anew with every view, at as many points as the film is long.
+  Apply(effect, {"path", "Path: Linear", {}, -1});
+}
+
+void ShowView(hfx::Effect& effect, const View& view) {
+  // The effect takes no notice of a single key. Equal ones need no easing and no length.
+  const auto hold = [&](const char* key, const RawValue& value) {
+    hfxParameter& parameter = Find(effect, key);
+    for (const double time : {0.0, 1.0}) {
+      if (hfx::SetKey(parameter, time, value.bytes.data(), value.size) < 0) {
+        throw Error("the effect's parameter \"" + std::string(key) + "\" takes no such key");
+      }
+    }
+  };
+  hold("size", RawValue::Of(view.zoom));
+  hold("position", RawValue::Of(std::array{view.centreX, view.centreY}));
+  effect.ParametersChanged();
+}
+
 bool HasPicture(hfx::Effect& effect, const Photo& photo, hfx::RenderState state, int32_t playMode,
                 hfxImage& input, hfx::ImageBuffer& output) {
   // Without keys the effect fits the photo to the frame, and where the display has the photo's own

@@ -1,8 +1,10 @@
 // Settings on their way into an effect's instance.
 #pragma once
 
+#include <span>
 #include <string>
 
+#include "framing/view.h"
 #include "host/effect/photo.h"
 #include "host/plan/setting.h"
 #include "runtime/hfx/host.h"
@@ -16,6 +18,13 @@ void SetPhoto(hfx::Effect& effect, const Photo& photo);
 /// Sets one parameter: its value, and its keys in place of those that it has. Throws Error when the
 /// effect has no such parameter or entry, or when the value is not of the parameter's kind.
 void Apply(hfx::Effect& effect, const Setting& setting);
+
+/// The same of all settings but those that move the view, which the caller means to give with
+/// ShowView.
+void ApplyWithoutMove(hfx::Effect& effect, std::span<const Setting> settings);
+
+/// Lets the effect look at `view` in the frames to come, whatever their times.
+void ShowView(hfx::Effect& effect, const View& view);
 
 /// Whether the effect could load its photograph, which it does not say. Draws it into `output`,
 /// with the instance's keys all unset. `state` has the size of the film in mind. Throws Error when

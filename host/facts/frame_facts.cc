@@ -17,8 +17,9 @@ FrameInspector::FrameInspector(const std::string& modulePath, const RenderPlan& 
     : plan_(plan),
       photo_{photo.width, photo.height},
       quality_(quality),
-      motion_(modulePath, plan),
-      squarePixels_(motion_.At(0).squarePixels) {}
+      motion_(modulePath, plan, photo_),
+      squarePixels_(motion_.At(0).squarePixels),
+      shape_(RoomOf(plan, photo_).shape) {}
 
 FrameFacts FrameInspector::Of(int32_t number, int32_t field) {
   const FrameMotion motion = motion_.At(number, field);
@@ -28,6 +29,9 @@ FrameFacts FrameInspector::Of(int32_t number, int32_t field) {
   facts.seconds = (number + 0.5 * field) / plan_.format.rate.PerSecond();
   facts.time = hfx::FrameTime(FieldState(plan_, number, field));
   facts.view = motion.view;
+  facts.speed = SpeedAt({number, field}, motion.view);
+  lastMoment_ = {number, field};
+  lastView_ = motion.view;
   facts.area = Area(facts, motion.target ? motion.view : View{});
   facts.filter = motion.target && quality_ > kFastQuality ? motion.filter : kFastFilter;
   return facts;
@@ -35,6 +39,25 @@ FrameFacts FrameInspector::Of(int32_t number, int32_t field) {
 
 DrawnArea FrameInspector::ViewArea(const FrameFacts& facts) const {
   return Area(facts, facts.view);
+}
+
+View FrameInspector::ViewAt(const Moment& moment) {
+  return moment == lastMoment_ ? lastView_ : motion_.At(moment.number, moment.field).view;
+}
+
+motion::Speed FrameInspector::SpeedAt(const Moment& moment, const View& view) {
+  const int32_t fields = FieldsOf(plan_);
+  const double seconds = 1.0 / (plan_.format.rate.PerSecond() * fields);
+  const int64_t place = int64_t{moment.number} * fields + moment.field;
+  const auto at = [&](int64_t other) {
+    return WindowOf(
+        ViewAt({static_cast<int32_t>(other / fields), static_cast<int32_t>(other % fields)}),
+        shape_);
+  };
+  const motion::Window here = WindowOf(view, shape_);
+  if (place > 0) return motion::SpeedBetween(at(place - 1), here, seconds);
+  if (int64_t{plan_.frames} * fields < 2) return {};
+  return motion::SpeedBetween(here, at(1), seconds);
 }
 
 DrawnArea FrameInspector::Area(const FrameFacts& facts, const View& view) const {

@@ -8,6 +8,8 @@
 #include "host/effect/photo.h"
 #include "host/facts/motion.h"
 #include "host/plan/render_plan.h"
+#include "host/track/planned_stops.h"
+#include "motion/window.h"
 
 namespace kelto::host {
 
@@ -16,6 +18,7 @@ struct FrameFacts {
   int32_t field = 0;     ///< 0 or 1, the second in time of an interlaced film's frame
   double seconds = 0.0;  ///< from the beginning of the film
   double time = 0.0;     ///< on the scale of key times, 0..1
+  motion::Speed speed;   ///< of the view since the moment before; the first's is the second's
   View view;             ///< where the keys look, whatever the display shows
   DrawnArea area;        ///< of what the frame draws: the view, or in the source display the photo
   std::string filter;    ///< in force: entry of the list "filter"
@@ -34,13 +37,24 @@ class FrameInspector {
   DrawnArea ViewArea(const FrameFacts& facts) const;
 
  private:
+  /// A frame, or one field of it.
+  struct Moment {
+    int32_t number = 0, field = 0;
+    bool operator==(const Moment&) const = default;
+  };
   DrawnArea Area(const FrameFacts& facts, const View& view) const;
+  /// The speed at `moment`, whose view is known.
+  motion::Speed SpeedAt(const Moment& moment, const View& view);
+  View ViewAt(const Moment& moment);
 
   RenderPlan plan_;
   PixelSize photo_;
   double quality_;
   Motion motion_;
   bool squarePixels_ = true;  ///< the same in all frames
+  double shape_;              ///< height over width of what zoom 1 shows
+  Moment lastMoment_{-1, 0};  ///< the one asked for last, and its view
+  View lastView_;
 };
 
 }  // namespace kelto::host

@@ -51,6 +51,10 @@ const Column kColumns[] = {
     {"cached_height", "cached h", "px", 8, 0,
      [](const FrameFacts& f) { return Cell(f.area.cached.height); }},
     {"reduced", "reduced", "", 7, 0, [](const FrameFacts& f) { return Cell(f.area.reduced); }},
+    {"pan_speed", "pan", "widths/s", 8, 4, [](const FrameFacts& f) { return Cell(f.speed.pan); }},
+    {"zoom_rate", "zooms", "x2/s", 8, 4, [](const FrameFacts& f) { return Cell(f.speed.zoom); }},
+    {"perceived_speed", "perceived", "1/s", 9, 4,
+     [](const FrameFacts& f) { return Cell(f.speed.perceived); }},
 };
 
 /// Locale-independent: the shortest text that reads back the same, or with fixed decimals.

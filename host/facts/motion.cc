@@ -42,14 +42,21 @@ std::string ReadEntry(hfx::Effect& effect, const char* key) {
 
 }  // namespace
 
-Motion::Motion(const std::string& modulePath, const RenderPlan& plan)
-    : plan_(plan), input_(kSide, kSide, hfxColorspaceRGB), output_(kSide, kSide, hfxColorspaceRGB) {
+Motion::Motion(const std::string& modulePath, const RenderPlan& plan, PixelSize photo)
+    : plan_(plan),
+      track_(ViewTrack::For(plan, photo)),
+      input_(kSide, kSide, hfxColorspaceRGB),
+      output_(kSide, kSide, hfxColorspaceRGB) {
   std::string error;
   module_ = hfx::Module::Load(ForCalls(PathOf(modulePath)), &error);
   if (!module_) throw Error(error);
   effect_ = hfx::Effect::Create(*module_, kFirstModel, &error);
   if (!effect_) throw Error(modulePath + ": " + error);
-  for (const Setting& setting : plan_.settings) Apply(*effect_, setting);
+  if (track_) {
+    ApplyWithoutMove(*effect_, plan_.settings);
+  } else {
+    for (const Setting& setting : plan_.settings) Apply(*effect_, setting);
+  }
   effect_->ParametersChanged();
   if (!effect_->BeginRender(plan_.playMode, &error)) throw Error("the effect: " + error);
 }
@@ -57,8 +64,10 @@ Motion::Motion(const std::string& modulePath, const RenderPlan& plan)
 Motion::~Motion() { effect_->EndRender(nullptr); }
 
 FrameMotion Motion::At(int32_t number, int32_t field) {
+  const hfx::RenderState state = FieldState(plan_, number, field);
+  if (track_) ShowView(*effect_, track_->At(state));
   std::string error;
-  if (!effect_->Render(FieldState(plan_, number, field), input_.image(), output_.image(), &error)) {
+  if (!effect_->Render(state, input_.image(), output_.image(), &error)) {
     throw Error("the effect: " + error);
   }
   FrameMotion motion;

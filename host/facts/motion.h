@@ -11,6 +11,7 @@
 
 #include "host/options/view.h"
 #include "host/plan/render_plan.h"
+#include "host/track/view_track.h"
 #include "runtime/hfx/host.h"
 
 namespace kelto::host {
@@ -26,7 +27,8 @@ struct FrameMotion {
 /// Asks an instance of its own of the module's first effect. Operations throw Error.
 class Motion {
  public:
-  Motion(const std::string& modulePath, const RenderPlan& plan);
+  /// `photo` in pixels, upright.
+  Motion(const std::string& modulePath, const RenderPlan& plan, PixelSize photo);
   ~Motion();
   Motion(const Motion&) = delete;
   Motion& operator=(const Motion&) = delete;
@@ -37,6 +39,7 @@ class Motion {
 
  private:
   RenderPlan plan_;
+  std::unique_ptr<const ViewTrack> track_;  ///< null where the effect's keys make the move
   hfx::ImageBuffer input_, output_;
   std::unique_ptr<hfx::Module> module_;
   std::unique_ptr<hfx::Effect> effect_;  // goes before its module

@@ -24,6 +24,7 @@ EffectSession::EffectSession(const std::string& modulePath, const RenderPlan& pl
                              const Photo& photo, PixelLayout layout)
     : plan_(plan),
       photo_(photo),
+      track_(ViewTrack::For(plan, {photo.width, photo.height})),
       input_(plan.format.size.width, plan.format.size.height, ColorspaceOf(layout)),
       output_(plan.format.size.width, plan.format.size.height, ColorspaceOf(layout)),
       backdrop_(plan, layout) {
@@ -39,7 +40,11 @@ EffectSession::EffectSession(const std::string& modulePath, const RenderPlan& pl
     const std::string reason = WhyNoPicture(photo);
     if (!reason.empty()) throw Error(reason);
   }
-  for (const Setting& setting : plan_.settings) Apply(*effect_, setting);
+  if (track_) {
+    ApplyWithoutMove(*effect_, plan_.settings);
+  } else {
+    for (const Setting& setting : plan_.settings) Apply(*effect_, setting);
+  }
   effect_->ParametersChanged();
   if (!effect_->BeginRender(plan_.playMode, &error)) throw Error("the effect: " + error);
 }
@@ -85,6 +90,7 @@ void EffectSession::Change(const Setting& setting) {
 }
 
 void EffectSession::RenderField(const hfx::RenderState& state, hfxImage& input, hfxImage& output) {
+  if (track_) ShowView(*effect_, track_->At(state));
   std::string error;
   if (!effect_->Render(state, &input, &output, &error)) throw Error("the effect: " + error);
 }

@@ -10,6 +10,7 @@
 #include "host/effect/photo.h"
 #include "host/frames/backdrop.h"
 #include "host/plan/render_plan.h"
+#include "host/track/view_track.h"
 #include "runtime/hfx/host.h"
 
 namespace kelto::host {
@@ -46,6 +47,7 @@ class EffectSession {
 
   RenderPlan plan_;
   Photo photo_;             ///< the effect may load it again at any time
+  std::unique_ptr<const ViewTrack> track_;  ///< null where the effect's keys make the move
   hfx::ImageBuffer input_;  ///< the effect demands an input even where nothing of it is seen
   hfx::ImageBuffer output_;
   Backdrop backdrop_;

@@ -6,7 +6,7 @@ namespace kelto::host {
 
 bool CanFindInterest() { return false; }
 
-std::vector<PhotoRect> AutoMove(const PhotoViews&, const PhotoPixels&, Fit) {
+std::vector<PhotoRect> AutoMove(const PhotoViews&, const PhotoPixels&, Fit, double) {
   throw UsageError("this build cannot look at pictures; choose one of " + MoveNames());
 }
 

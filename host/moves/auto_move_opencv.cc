@@ -8,8 +8,6 @@
 namespace kelto::host {
 namespace {
 
-/// The last view shows this part of the width of one that fills the frame.
-constexpr double kClose = 0.7;
 /// Side of a square of as many pixels as the picture has when it is looked at: coarse, since
 /// subjects are large.
 constexpr double kMapSide = 64.0;
@@ -89,9 +87,10 @@ cv::Point2d BestCentre(const PhotoPixels& pixels, const PhotoRect& window) {
 
 bool CanFindInterest() { return true; }
 
-std::vector<PhotoRect> AutoMove(const PhotoViews& views, const PhotoPixels& pixels, Fit fit) {
+std::vector<PhotoRect> AutoMove(const PhotoViews& views, const PhotoPixels& pixels, Fit fit,
+                                double amount) {
   const PhotoRect fill = views.Fill();
-  const PhotoRect window = views.About(0, 0, fill.width * kClose);
+  const PhotoRect window = views.About(0, 0, fill.width / amount);
   const cv::Point2d centre = BestCentre(pixels, window);
   const PhotoRect last = views.Inside(views.About(centre.x, centre.y, window.width));
   const PhotoRect first =

@@ -82,13 +82,14 @@ std::string MoveNames() {
 
 void CheckMoveName(std::string_view name) { MoveCalled(name); }
 
-std::vector<PhotoRect> MoveViews(const PhotoViews& views, std::string_view name, Fit fit) {
+std::vector<PhotoRect> MoveViews(const PhotoViews& views, std::string_view name, Fit fit,
+                                 std::optional<double> amount) {
   const Move& move = MoveCalled(name);
   const PhotoRect fill = views.Fill();
   const PhotoRect wide = fit == Fit::kFill ? fill : views.Whole();
   // Where a view of the whole photo has bars beside it, the close one fills the frame.
-  const PhotoRect close =
-      views.About(wide.CentreX(), wide.CentreY(), std::min(fill.width, wide.width / kZoomBy));
+  const PhotoRect close = views.About(wide.CentreX(), wide.CentreY(),
+                                      std::min(fill.width, wide.width / amount.value_or(kZoomBy)));
   switch (move.kind) {
     case Kind::kIn:
       return {wide, close};
@@ -99,7 +100,22 @@ std::vector<PhotoRect> MoveViews(const PhotoViews& views, std::string_view name,
     case Kind::kPan:
       break;
   }
-  return Pan(views, move, wide.width);
+  return Pan(views, move, wide.width / amount.value_or(1.0));
+}
+
+MixedMove MixedMoveAt(const PhotoViews& views, int32_t turn) {
+  const PhotoRect photo = views.Photo(), fill = views.Fill();
+  const bool across = photo.width / fill.width >= photo.height / fill.height;
+  switch (turn % 4) {
+    case 0:
+      return {"auto", false};
+    case 1:
+      return {across ? "right" : "down", false};
+    case 2:
+      return {"auto", true};
+    default:
+      return {across ? "left" : "up", false};
+  }
 }
 
 }  // namespace kelto::host

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "host/options/choices.h"
 #include "host/options/rate.h"
@@ -35,14 +36,21 @@ RenderPlan DefaultPlan(const std::string& photo) {
 }
 
 void SetMove(RenderPlan& plan, std::span<const View> views) {
-  const std::string arrival = Preset(kArrival), departure = Preset(kDeparture);
   // A view that stands still takes two keys.
   const size_t last = std::max<size_t>(views.size(), 2) - 1;
   std::vector<ViewKey> keys;
   keys.reserve(last + 1);
   for (size_t i = 0; i <= last; ++i) {
     const double time = static_cast<double>(i) / static_cast<double>(last);
-    keys.push_back({time, views[std::min(i, views.size() - 1)], arrival, departure});
+    keys.push_back({time, views[std::min(i, views.size() - 1)], "", ""});
+  }
+  SetMove(plan, std::move(keys));
+}
+
+void SetMove(RenderPlan& plan, std::vector<ViewKey> keys) {
+  for (ViewKey& key : keys) {
+    key.arrival = Preset(kArrival);
+    key.departure = Preset(kDeparture);
   }
   plan.SetViews(keys);
 }

@@ -9,6 +9,7 @@
 
 #include "host/base/film_format.h"
 #include "host/options/colour.h"
+#include "host/options/motion_law.h"
 #include "host/options/view.h"
 #include "host/plan/setting.h"
 
@@ -29,8 +30,9 @@ struct RenderPlan {
   std::string audio{};  ///< file whose sound goes into the film; empty for none
   FilmFormat format;
   int32_t frames = 1;
-  std::vector<Setting> settings;  ///< one for each parameter at most
-  int32_t playMode = 0;           ///< a hfxPlayMode
+  std::vector<Setting> settings;          ///< one for each parameter at most
+  MotionLaw motion = MotionLaw::kLinear;  ///< how the view goes from key to key
+  int32_t playMode = 0;                   ///< a hfxPlayMode
 
   /// The setting of `parameter`, added when there is none yet.
   Setting& SettingOf(const std::string& parameter);

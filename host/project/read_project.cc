@@ -170,6 +170,7 @@ RenderPlan PlanOf(const std::string& text, const std::string& path) {
   plan.over = ReadPath(document, "over", path);
   plan.audio = ReadPath(document, "audio", path);
   plan.playMode = document.value("playMode", plan.playMode);
+  plan.motion = ParseMotionLaw(document.value("motion", WordOf(plan.motion)));
   ReadFilm(document.value("film", json::object()), plan);
   ReadParameters(document.value("parameters", json::object()), plan);
   return plan;

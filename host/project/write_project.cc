@@ -83,6 +83,7 @@ std::string TextOf(const std::string& path, const RenderPlan& plan) {
   if (!plan.over.empty()) document["over"] = ForProject(path, plan.over);
   if (!plan.audio.empty()) document["audio"] = ForProject(path, plan.audio);
   document["film"] = FilmOf(plan);
+  document["motion"] = WordOf(plan.motion);
   document["playMode"] = plan.playMode;
   document["parameters"] = ParametersOf(plan);
   return LaidOut(document);

@@ -80,13 +80,29 @@ TEST_F(Ffmpeg, AProjectRendersTheFramesOfTheCommandInBothPlugins) {
 
 TEST_F(Ffmpeg, FieldsAndThePixelsShapeOfAProjectAreItsOwn) {
   const Size size{720, 576};
-  const std::string project = folder_ / "film.json";
-  std::ofstream(project) << R"({"image": "photo.bmp",
+  for (const char* law : {"linear", "steady", "fly"}) {
+    const std::string project = folder_ / (law + std::string(".json"));
+    std::ofstream(project) << R"({"image": "photo.bmp", "motion": ")" << law << R"(",
     "film": {"width": 720, "height": 576, "frames": 4, "fields": "top", "displayAspect": "16:9"},
     "parameters": {"size": [{"time": 0, "value": 1.2}, {"time": 1, "value": 2}],
                    "position": [{"time": 0, "value": [-0.1, 0]}, {"time": 1, "value": [0.2, 0]}]}})";
-  ExpectSameFrames(Render(Video(size) + ",frei0r=kelto_pan_zoom:" + project, size),
-                   test::RenderByCommand(project, size, {}), "fields");
+    ExpectSameFrames(Render(Video(size) + ",frei0r=kelto_pan_zoom:" + project, size),
+                     test::RenderByCommand(project, size, {}), law);
+  }
+}
+
+TEST_F(Ffmpeg, TheMotionBetweenItsViewsIsTheCommands) {
+  const Size size{320, 180};
+  Frames steady;
+  for (const char* law : {"steady", "linear"}) {
+    Words words = kMove;
+    words.insert(words.end(), {"--motion", law});
+    const std::string places = kMoveInPlaces + "|||||||||||||" + law;
+    const Frames frames = Render(Video(size) + "," + Filter(places), size);
+    ExpectSameFrames(frames, RenderByCommand(photo_, size, words), law);
+    EXPECT_NE(frames.bytes, steady.bytes);
+    steady = frames;
+  }
 }
 
 TEST_F(Ffmpeg, ParametersGivenBesideAProjectOverruleIt) {

@@ -22,6 +22,8 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"runtime/stills", {"platform"}},
     {"runtime/win32", {"platform"}},
     {"curves", {}},
+    // What a host makes of its views; the module knows nothing of it.
+    {"motion", {"curves"}},
     {"framing", {"platform"}},
     {"keyframes", {"platform", "framing", "curves"}},
     {"targets", {}},
@@ -42,13 +44,15 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"host/film", {"host/base", "host/files", "host/options", "host/terminal"}},
     {"host/video", {"host/base", "host/film"}},
     {"host/project", {"host/base", "host/files", "host/options", "host/plan"}},
-    {"host/effect", {"platform", "runtime/hfx", "host/base", "host/files", "host/plan"}},
+    {"host/effect", {"platform", "framing", "runtime/hfx", "host/base", "host/files", "host/plan"}},
+    {"host/track",
+     {"framing", "motion", "runtime/hfx", "host/base", "host/effect", "host/options", "host/plan"}},
     {"host/frames",
      {"platform", "runtime/hfx", "host/base", "host/effect", "host/files", "host/plan",
-      "host/terminal", "host/video"}},
+      "host/terminal", "host/track", "host/video"}},
     {"host/facts",
-     {"platform", "framing", "runtime/hfx", "host/base", "host/effect", "host/files",
-      "host/options", "host/plan", "host/terminal"}},
+     {"platform", "framing", "motion", "runtime/hfx", "host/base", "host/effect", "host/files",
+      "host/options", "host/plan", "host/terminal", "host/track"}},
     {"host/drawing",
      {"platform", "runtime/hfx", "host/base", "host/effect", "host/facts", "host/files",
       "host/frames", "host/options", "host/plan", "host/terminal"}},
@@ -76,7 +80,7 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     // Hosts too, made of the command's parts.
     {"adapters",
      {"platform", "framing", "runtime/hfx", "host/base", "host/effect", "host/files",
-      "host/options", "host/plan", "host/project"}},
+      "host/options", "host/plan", "host/project", "host/track"}},
 };
 
 /// The longest folder of the table that holds `path`.

@@ -44,8 +44,8 @@ class Motion : public testing::Test {
   const std::string photo_ = folder_ / "photo.png";
 };
 
-TEST_F(Motion, WithoutViewsThePhotoStandsStillAtItsSize) {
-  const auto film = Film(3, {});
+TEST_F(Motion, HoldShowsThePhotoAtItsSizeAndStandsStill) {
+  const auto film = Film(3, {"--move", "hold"});
   EXPECT_EQ(film[0].bytes, film[2].bytes);
   EXPECT_LE(Distance(Middle(film[0]), {128, 128, 128}), kMotionTolerance);
   EXPECT_LE(Distance(film[0].At(2, kSide / 2), {5, 128, 128}), kMotionTolerance);
@@ -53,12 +53,26 @@ TEST_F(Motion, WithoutViewsThePhotoStandsStillAtItsSize) {
 }
 
 TEST_F(Motion, OneViewIsHeldFromBeginningToEnd) {
-  for (const char* option : {"--from", "--to"}) {
-    const auto film = Film(3, {option, "2@0.25,-0.25"});
-    EXPECT_EQ(film[0].bytes, film[2].bytes) << option;
-    EXPECT_LE(Distance(Middle(film[0]), {192, 64, 128}), kMotionTolerance)
-        << ToString(Middle(film[0]));
-  }
+  const auto film = Film(3, {"--view", "2@0.25,-0.25"});
+  EXPECT_EQ(film[0].bytes, film[2].bytes);
+  EXPECT_LE(Distance(Middle(film[0]), {192, 64, 128}), kMotionTolerance)
+      << ToString(Middle(film[0]));
+}
+
+TEST_F(Motion, FromOrToAloneEndsOrBeginsWithTheWholePhoto) {
+  const auto whole = Film(1, {"--move", "hold"});
+  const auto to = Film(3, {"--to", "2@0.25,-0.25"});
+  EXPECT_EQ(to[0].bytes, whole[0].bytes);
+  EXPECT_LE(Distance(Middle(to[2]), {192, 64, 128}), kMotionTolerance);
+  const auto from = Film(3, {"--from", "2@0.25,-0.25"});
+  EXPECT_LE(Distance(Middle(from[0]), {192, 64, 128}), kMotionTolerance);
+  EXPECT_EQ(from[2].bytes, whole[0].bytes);
+}
+
+TEST_F(Motion, WithoutViewsAFilmMovesGentlyAndOneFrameStandsStill) {
+  const auto film = Film(3, {}), whole = Film(1, {"--move", "hold"});
+  EXPECT_NE(film[0].bytes, film[2].bytes);
+  EXPECT_EQ(Film(1, {})[0].bytes, whole[0].bytes);
 }
 
 TEST_F(Motion, TwoViewsAreTheFirstAndTheLastFrame) {

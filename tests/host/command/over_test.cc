@@ -29,7 +29,7 @@ class Over : public testing::Test {
   }
   Outcome RenderOver(const std::string& film, Words more = {}) {
     Words words{"render", photo_,   "-o",    folder_ / film, "--over",
-                video_,   "--size", "96x64", "--from",       "0.5"};
+                video_,   "--size", "96x64", "--view",       "0.5"};
     words.insert(words.end(), more.begin(), more.end());
     return RunKelto(words);
   }

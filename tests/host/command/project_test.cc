@@ -286,7 +286,8 @@ TEST_F(Projects, ViewsAreKeysEvenlySpacedAndOneStandsStill) {
 
 TEST_F(Projects, FitShowsNothingButPhotoOrAllOfIt) {
   // Wider than the frame: whole has bars above and below.
-  const auto fill = Ends({"--fit", "fill"}), whole = Ends({"--fit", "whole"});
+  const auto fill = Ends({"--move", "hold", "--fit", "fill"});
+  const auto whole = Ends({"--move", "hold", "--fit", "whole"});
   EXPECT_EQ(fill[0].bytes, fill[1].bytes);
   EXPECT_NEAR(Row(fill[0], 0), 0, 3);
   EXPECT_NEAR(Column(fill[0], 0), 11, 4);

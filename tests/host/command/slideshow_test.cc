@@ -72,6 +72,28 @@ TEST_F(SlideshowCommand, ShowsEachPictureInTurnWithFadesBetween) {
   for (int i = 16; i < 22; ++i) expect(i, third);
 }
 
+TEST_F(SlideshowCommand, MixedMovesAlternateByAFixedRuleAndMoveWhileTheyFade) {
+  for (int i = 1; i <= 3; ++i) {
+    WritePng(photos_ / ("p" + std::to_string(i) + ".png"), MakePicture(384, 256, [](int x, int y) {
+               return Rgb{uint8_t(x / 2), uint8_t(y), 128};
+             }));
+  }
+  const Words mixed{"--each", "0.4", "--fade", "0.16", "--move", "mixed"};
+  ASSERT_EQ(Show(films_ / "a.bgra", mixed).err, "");
+  ASSERT_EQ(Show(films_ / "b.bgra", mixed).err, "");
+  const std::string film = BytesOf(films_ / "a.bgra");
+  EXPECT_EQ(film, BytesOf(films_ / "b.bgra"));
+  constexpr size_t kFrame = size_t{4} * kWidth * kHeight;
+  ASSERT_EQ(film.size(), kFrame * 22);
+  // Also from its first frame to its second, and while two are seen.
+  for (size_t i = 1; i < 22; ++i) {
+    EXPECT_NE(film.substr((i - 1) * kFrame, kFrame), film.substr(i * kFrame, kFrame)) << i;
+  }
+  // The second picture pans to the right, so red rises; the third goes out, over the middle.
+  const std::vector<Rgb> seen = Middles(films_ / "a.bgra");
+  EXPECT_GT(seen[11].r, seen[10].r);
+}
+
 TEST_F(SlideshowCommand, WithoutFadesCutsFromOneToTheNext) {
   ASSERT_EQ(Show(films_ / "f.bgra", {"--each", "0.2", "--fade", "0"}).err, "");
   EXPECT_EQ(Middles(films_ / "f.bgra").size(), 15u);

@@ -215,7 +215,7 @@ TEST(AxisTicks, AreRoundNumbers) {
 }
 
 TEST(AxisTicks, LeaveRoomAroundAValueThatStandsStill) {
-  const Ticks ticks = TicksFor(2.0, 2.0, 5);
+  const Ticks ticks = TicksFor(2.0, 2.0, 5, 0.2);
   EXPECT_LT(ticks.least, 2.0);
   EXPECT_GT(ticks.most, 2.0);
 }

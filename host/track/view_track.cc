@@ -1,0 +1,64 @@
+#include "host/track/view_track.h"
+
+#include <string>
+#include <variant>
+
+#include "framing/frame_rects.h"
+#include "host/effect/render_state.h"
+#include "host/track/planned_stops.h"
+
+namespace kelto::host {
+namespace {
+
+bool SwitchedOn(const RenderPlan& plan, const char* parameter, bool usual) {
+  const Setting* setting = plan.FindSetting(parameter);
+  const SettingValue* value = HeldValue(setting);
+  const bool* on = value != nullptr ? std::get_if<bool>(value) : nullptr;
+  if (on != nullptr) return *on;
+  const bool noneActive = setting != nullptr && !setting->keys.empty();
+  return usual && !noneActive;
+}
+
+motion::Path PathOf(const RenderPlan& plan) {
+  const SettingValue* value = HeldValue(plan.FindSetting("path"));
+  const auto* entry = value == nullptr ? nullptr : std::get_if<std::string>(value);
+  return entry != nullptr && *entry == "Path: Spline" ? motion::Path::kSpline
+                                                      : motion::Path::kLinear;
+}
+
+motion::Law LawOf(const RenderPlan& plan) {
+  return plan.motion == MotionLaw::kFly ? motion::Law::kFly : motion::Law::kSteady;
+}
+
+}  // namespace
+
+motion::Room RoomOf(const RenderPlan& plan, PixelSize photo) {
+  const hfx::RenderState state = FrameState(plan, 0);
+  FrameGeometry frame;
+  frame.output = {plan.format.size.width, plan.format.size.height};
+  frame.displayAspect = state.displayAspect;
+  frame.videoType = state.videoType;
+  frame.squarePixels = SwitchedOn(plan, "squarepixels", true);
+  const RectF base = ComputeFrameRects(frame, photo, View{}).source;
+  const double width = 1.0 + base.right - base.left, height = 1.0 + base.bottom - base.top;
+  const double across = photo.width / width / 2, down = photo.height / width / 2;
+  return {-across, -down, across, down, height / width, 1.0 / kMinZoom};
+}
+
+std::unique_ptr<const ViewTrack> ViewTrack::For(const RenderPlan& plan, PixelSize photo) {
+  if (plan.motion == MotionLaw::kLinear) return nullptr;
+  return std::unique_ptr<const ViewTrack>(new ViewTrack(plan, RoomOf(plan, photo)));
+}
+
+ViewTrack::ViewTrack(const RenderPlan& plan, const motion::Room& room)
+    : shape_(room.shape),
+      wholeFrames_(SwitchedOn(plan, "progressive", false)),
+      tour_(StopsOf(plan, room.shape), LawOf(plan), PathOf(plan), room) {}
+
+View ViewTrack::At(const hfx::RenderState& state) const {
+  hfx::RenderState moment = state;
+  if (wholeFrames_) moment.field = 0;
+  return ViewOf(tour_.At(hfx::FrameTime(moment)), shape_);
+}
+
+}  // namespace kelto::host
