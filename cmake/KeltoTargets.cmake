@@ -48,6 +48,8 @@ endif()
 target_compile_definitions(kelto_options INTERFACE
   $<$<OR:$<CONFIG:Debug>,$<BOOL:${KELTO_SANITIZE}>>:_GLIBCXX_ASSERTIONS>)
 
+include(KeltoHardening)
+
 # Every program and library is built with the search path that it keeps, from where it lies itself, and
 # installing copies it as it is. A path to be replaced later would be filled up with separators until
 # then, and the loader takes each empty entry for the current folder: a library planted beside a

@@ -9,17 +9,7 @@ trap 'rm -rf "$folder"' EXIT
 fail() { echo "search_path_test: $*" >&2; exit 1; }
 unset KELTO_MODULE LD_LIBRARY_PATH FREI0R_PATH
 
-cmake --install "$build" --prefix "$folder/tree" >"$folder/log" &&
-  cmake --install "$build" --component frei0r --prefix "$folder/frei0r" >>"$folder/log" &&
-  (cd "$build" && cpack -G DEB -B "$folder") >>"$folder/log" 2>&1 ||
-  { cat "$folder/log"; fail "installing and packing"; }
-dpkg-deb -x "$folder"/*.deb "$folder/package"
-
-# elf_files FOLDER: the programs and libraries below it, but for object files
-elf_files() {
-  find "$1" -type f ! -name '*.o' ! -name '*.a' ! -path '*/CMakeFiles/*' \
-    -exec sh -c 'for f; do [ "$(head -c 4 "$f" | tail -c 3)" != ELF ] || echo "$f"; done' sh {} +
-}
+. "$(dirname "$0")/shipped_trees.sh"
 
 count=0
 for tree in "$build" "$folder/tree" "$folder/frei0r" "$folder/package"; do
