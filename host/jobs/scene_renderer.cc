@@ -53,7 +53,8 @@ EffectSession& SceneRenderer::Open(size_t scene) {
   const InterruptsEndAtOnce whileItLoads;
   photo_ = std::make_unique<HeldFile>(plan.photo);
   Photo photo = OpenPhoto(plan.photo);
-  photo.path = photo_->Path();
+  // Where the system has no other path of an open file, the name that the effect can open stays.
+  if (std::string held = photo_->Path(); held != plan.photo) photo.path = std::move(held);
   session_ = std::make_unique<EffectSession>(list_.module, plan, photo, list_.layout);
   session_->SetAbortQuery(aborted_);
   CheckFiles(list_.scenes[scene]);
