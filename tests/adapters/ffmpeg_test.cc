@@ -97,7 +97,7 @@ TEST_F(Ffmpeg, TheMotionBetweenItsViewsIsTheCommands) {
   for (const char* law : {"steady", "linear"}) {
     Words words = kMove;
     words.insert(words.end(), {"--motion", law});
-    const std::string places = kMoveInPlaces + "|||||||||||||" + law;
+    const std::string places = kMoveInPlaces + "|||||||||||1|" + law;
     const Frames frames = Render(Video(size) + "," + Filter(places), size);
     ExpectSameFrames(frames, RenderByCommand(photo_, size, words), law);
     EXPECT_NE(frames.bytes, steady.bytes);
