@@ -10,6 +10,7 @@
 #include "host/base/error.h"
 #include "host/commands/film_options.h"
 #include "host/commands/plan_options.h"
+#include "host/commands/sandbox_option.h"
 #include "host/effect/module_file.h"
 #include "host/files/input_file.h"
 #include "host/files/path_text.h"
@@ -66,24 +67,9 @@ class Batch {
                        ": a batch makes a film of each picture; render numbered pictures one film "
                        "at a time");
     }
-    // What is wrong with the options is told once, not of every picture.
-#if defined(KELTO_FFMPEG)
-    if (!options.plan.over.empty()) LookAtVideo(options.plan.over);
-#endif
-    RenderPlan plan = DefaultPlan("");
-    PlanOptions common = options.plan;
-    common.views.movesByItself = false;
-    try {
-      ApplyOptions(common, plan);
-    } catch (const UsageError&) {
-      throw;
-    } catch (const Error&) {
-      // Some options mean what they mean for a certain picture, and there is none yet.
-    }
-    CheckRequest(kind_, RequestFor("film", plan));
-#if defined(KELTO_FFMPEG)
-    if (!options.plan.audio.empty()) CheckSound(options.plan.audio);
-#endif
+    // What is wrong with the options is told once, not of every picture. In a process of its own,
+    // since the sandbox of this one would be that of all films.
+    RunInSandbox({{options.plan.over, options.plan.audio}, {}}, [&] { CheckOptions(); });
     CollectItems();
   }
 
@@ -132,6 +118,26 @@ class Batch {
   }
 
  private:
+  void CheckOptions() const {
+#if defined(KELTO_FFMPEG)
+    if (!options_.plan.over.empty()) LookAtVideo(options_.plan.over);
+#endif
+    RenderPlan plan = DefaultPlan("");
+    PlanOptions common = options_.plan;
+    common.views.movesByItself = false;
+    try {
+      ApplyOptions(common, plan);
+    } catch (const UsageError&) {
+      throw;
+    } catch (const Error&) {
+      // Some options mean what they mean for a certain picture, and there is none yet.
+    }
+    CheckRequest(kind_, RequestFor("film", plan));
+#if defined(KELTO_FFMPEG)
+    if (!options_.plan.audio.empty()) CheckSound(options_.plan.audio);
+#endif
+  }
+
   static bool Events() { return CurrentReporting() == Reporting::kJson; }
 
   FilmRequest RequestFor(const std::string& film, const RenderPlan& plan) const {
@@ -174,7 +180,8 @@ class Batch {
 
   void Make(const Item& item, const AwaitMemory& await) const {
     FilmJob job;
-    const RenderPlan plan = PlanFor(item.picture, options_.plan);
+    const RenderPlan plan = PlanFor(item.picture, options_.plan,
+                                    AccessFor(options_.film.module, {item.film, item.record}));
     job.module = module_;
     job.scene = {plan, {0, plan.frames}};
     job.kind = &kind_;
@@ -215,6 +222,10 @@ class Batch {
       task.insert(task.end(), {"--module", AbsoluteText(options_.film.module)});
     }
     if (options_.film.strict) task.emplace_back("--strict");
+    if (CurrentSandboxUse() != SandboxUse::kAvailable) {
+      const bool none = CurrentSandboxUse() == SandboxUse::kNone;
+      task.emplace_back(none ? "--no-sandbox" : "--sandbox");
+    }
     task.insert(task.end(), words_.begin(), words_.end());
     return task;
   }

@@ -9,6 +9,7 @@
 #include "host/effect/module_file.h"
 #include "host/machine/checks.h"
 #include "host/machine/libraries.h"
+#include "host/sandbox/sandbox.h"
 #include "host/terminal/standard_output.h"
 
 namespace kelto::host {
@@ -39,6 +40,9 @@ void Run(const std::string& given) {
   PrintChecks("reads photographs:", stills);
   const std::vector<Check> films = TryFilms();
   PrintChecks("writes films:", films);
+  std::vector<Check> kept;
+  for (const SandboxCheck& check : TrySandbox()) kept.push_back({check.name, check.fault});
+  if (!kept.empty()) PrintChecks("keeps decoders from:", kept);
   // Single codecs may be missing from an installation that does all that its owner wants.
   const auto works = [](const Check& check) { return check.fault.empty(); };
   const bool able = works(module) && std::any_of(stills.begin(), stills.end(), works) &&

@@ -20,9 +20,9 @@ constexpr const char* kFiles = "Files";
 constexpr int64_t kMaxJobs = 256;
 
 /// Options that leave a film as it is.
-constexpr std::array kSettleNoPicture = {"output", "format", "module",  "jobs",         "quiet",
-                                         "json",   "record", "resume",  "save-project", "strict",
-                                         "plan",   "help",   "help-all"};
+constexpr std::array kSettleNoPicture = {"output", "format", "module",   "jobs",         "quiet",
+                                         "json",   "record", "resume",   "save-project", "strict",
+                                         "plan",   "help",   "help-all", "sandbox"};
 
 bool NamesFile(const std::string& option) { return option == "audio" || option == "over"; }
 

@@ -6,6 +6,7 @@
 #include "host/base/error.h"
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
+#include "host/commands/sandbox_option.h"
 #include "host/effect/module_file.h"
 #include "host/facts/frame_list.h"
 #include "host/files/output_file.h"
@@ -38,7 +39,8 @@ void Run(const InspectOptions& options) {
   const InterruptsEndAtOnce throughout;  // it loads photographs, and leaves nothing half-written
   const double quality =
       options.quality.empty() ? 1.0 : ReadOption("--quality", options.quality, ParseQuality);
-  const RenderPlan plan = PlanFor(options.input, options.plan);
+  const RenderPlan plan =
+      PlanFor(options.input, options.plan, AccessFor(options.module, {options.plot}));
   CheckNameIsFree(options.plot, {options.input, plan.photo, plan.over, plan.audio});
   const std::string module = FindModule(options.module);
   const Photo photo = OpenPhoto(plan.photo);

@@ -7,6 +7,7 @@
 #include "host/base/error.h"
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
+#include "host/commands/sandbox_option.h"
 #include "host/effect/photo.h"
 #include "host/files/output_file.h"
 #include "host/files/path_text.h"
@@ -37,7 +38,7 @@ void Run(const NewOptions& options) {
   const bool toldViews = !views.from.empty() || !views.to.empty() || !views.views.empty() ||
                          !views.move.empty() || IsProjectName(options.photo);
   if (!toldViews) plan.views.move = "in";
-  const RenderPlan made = PlanFor(options.photo, plan);
+  const RenderPlan made = PlanFor(options.photo, plan, AccessFor("", {output}));
   OpenPhoto(made.photo);
   WriteProject(output, made);
 }

@@ -4,6 +4,7 @@
 
 #include "host/base/error.h"
 #include "host/commands/option_text.h"
+#include "host/commands/sandbox_option.h"
 #include "host/options/choices.h"
 #include "host/options/colour.h"
 #include "host/options/number.h"
@@ -185,16 +186,44 @@ void DeclarePlan(CLI::App& command, PlanOptions& options) {
           "Colour beside the photo, '#rrggbb' [#000000]");
   declare(kPicture, "--play-mode", "N", options.playMode,
           "What the effect is told it renders for: 0 final quality, 1 preview [0]");
+  DeclareSandbox(command);
 }
 
-RenderPlan PlanFor(const std::string& input, const PlanOptions& options) {
-  const InterruptsEndAtOnce whileItReads;
-  const bool project = IsProjectName(input);
-  RenderPlan plan = project ? ReadProject(input) : DefaultPlan(input);
+RenderPlan PlanOf(const std::string& input) {
+  return IsProjectName(input) ? ReadProject(input) : DefaultPlan(input);
+}
+
+namespace {
+
+void AddSources(const RenderPlan& plan, const PlanOptions& options, SandboxAccess& access) {
+  AddSources(plan, access);
+  access.reads.insert(access.reads.end(), {options.over, options.audio});
+}
+
+RenderPlan Changed(RenderPlan plan, const std::string& input, const PlanOptions& options) {
   PlanOptions given = options;
-  given.views.movesByItself = !project && options.views.movesByItself;
+  given.views.movesByItself = !IsProjectName(input) && options.views.movesByItself;
   ApplyOptions(given, plan);
   return plan;
+}
+
+}  // namespace
+
+void AddSources(const std::string& input, const PlanOptions& options, SandboxAccess& access) {
+  AddSources(PlanOf(input), options, access);
+  access.reads.push_back(input);
+}
+
+RenderPlan PlanFor(const std::string& input, const PlanOptions& options, SandboxAccess others) {
+  const InterruptsEndAtOnce whileItReads;
+  RenderPlan plan = PlanOf(input);
+  AddSources(plan, options, others);
+  EnterSandbox(others);
+  return Changed(std::move(plan), input, options);
+}
+
+RenderPlan ChangedPlan(const std::string& input, const PlanOptions& options) {
+  return Changed(PlanOf(input), input, options);
 }
 
 void ApplyOptions(const PlanOptions& options, RenderPlan& plan) {

@@ -6,6 +6,7 @@
 
 #include "host/commands/view_options.h"
 #include "host/plan/render_plan.h"
+#include "host/sandbox/sandbox.h"
 
 namespace CLI {
 class App;
@@ -23,12 +24,24 @@ struct PlanOptions {
   std::vector<std::string> words;
 };
 
-/// Declares the options on `command`, to be parsed into `options`, which must outlive the parsing.
+/// Declares the options on `command`, and those that settle the sandbox, to be parsed into
+/// `options`, which must outlive the parsing.
 void DeclarePlan(CLI::App& command, PlanOptions& options);
 
-/// The plan of `input`, the path of a photograph or of a project file, with the options
-/// that were given. Throws UsageError that names the option, and Error for the project.
-RenderPlan PlanFor(const std::string& input, const PlanOptions& options);
+/// The plan of `input`, the path of a photograph or of a project file, without options. Throws
+/// Error for the project. Decodes nothing.
+RenderPlan PlanOf(const std::string& input);
+
+/// The same with the options that were given. Some need to know what is in the picture or video, so
+/// this process enters the sandbox first, where it touches the plan's files and `others`. Throws
+/// UsageError that names the option, and Error.
+RenderPlan PlanFor(const std::string& input, const PlanOptions& options, SandboxAccess others);
+
+/// PlanFor in a process that is in a sandbox already, one that allows AddSources.
+RenderPlan ChangedPlan(const std::string& input, const PlanOptions& options);
+
+/// The files that ChangedPlan reads, added to `access`. Throws Error for the project.
+void AddSources(const std::string& input, const PlanOptions& options, SandboxAccess& access);
 
 /// Lets the options that were given change `plan`. Throws UsageError that names the option, and
 /// Error for a photo that an option needs to know the size of.

@@ -5,6 +5,7 @@
 
 #include "host/base/error.h"
 #include "host/commands/plan_options.h"
+#include "host/commands/sandbox_option.h"
 #include "host/effect/module_file.h"
 #include "host/player/player.h"
 #include "host/terminal/interrupt.h"
@@ -21,9 +22,13 @@ struct PlayOptions {
 
 void Run(const PlayOptions& options) {
   const InterruptsEndAtOnce throughout;  // it loads photographs, and leaves nothing half-written
-  const RenderPlan plan = PlanFor(options.input, options.plan);
+  // Not yet in the sandbox, where no window could be opened: the player enters it.
+  RenderPlan plan = PlanOf(options.input);
+  ApplyOptions(options.plan, plan);
   const std::string module = FindModule(options.module);
-  PlayInWindow(module, plan, OpenPhoto(plan.photo), options.player);
+  SandboxAccess access = AccessFor(options.module, {});
+  AddSources(plan, access);
+  PlayInWindow(module, plan, OpenPhoto(plan.photo), access, options.player);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "host/commands/film_options.h"
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
+#include "host/commands/sandbox_option.h"
 #include "host/effect/module_file.h"
 #include "host/files/output_file.h"
 #include "host/jobs/film_job.h"
@@ -31,13 +32,15 @@ struct RenderOptions {
 /// What to render of which plan: --frames says how long the film is, or which part is wanted.
 Scene SceneFor(const RenderOptions& options) {
   const std::string& frames = options.plan.frames;
+  const SandboxAccess access =
+      AccessFor(options.film.module, {options.output, options.project, options.record});
   if (!IsFrameRange(frames)) {
-    const RenderPlan plan = PlanFor(options.photo, options.plan);
+    const RenderPlan plan = PlanFor(options.photo, options.plan, access);
     return {plan, {0, plan.frames}};
   }
   PlanOptions others = options.plan;
   others.frames.clear();
-  const RenderPlan plan = PlanFor(options.photo, others);
+  const RenderPlan plan = PlanFor(options.photo, others, access);
   return {plan, ReadOption("--frames", frames, [&](const std::string& text) {
             return ParseFrameRange(text, plan.frames);
           })};

@@ -5,11 +5,13 @@
 #include <charconv>
 #include <memory>
 #include <set>
+#include <utility>
 
 #include "host/base/error.h"
 #include "host/commands/film_options.h"
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
+#include "host/commands/sandbox_option.h"
 #include "host/effect/module_file.h"
 #include "host/effect/photo.h"
 #include "host/files/output_file.h"
@@ -90,9 +92,15 @@ Slideshow ShowFor(const SlideshowOptions& options, const std::vector<std::string
     ParseSeconds(text);  // so that a complaint names this option
     return text;
   });
+  SandboxAccess access = AccessFor(options.film.module, {options.output});
+  for (const std::string& picture : pictures) {
+    const InterruptsEndAtOnce whileItReads;
+    AddSources(picture, each, access);
+  }
+  EnterSandbox(access);
   ForEachPhoto(pictures, [&](const std::string& picture) {
     each.views.turn = static_cast<int32_t>(show.plans.size());
-    show.plans.push_back(PlanFor(picture, each));
+    show.plans.push_back(ChangedPlan(picture, each));
   });
   const RenderPlan& first = show.plans.front();
   show.each = first.frames;

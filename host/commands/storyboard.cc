@@ -6,6 +6,7 @@
 #include "host/base/error.h"
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
+#include "host/commands/sandbox_option.h"
 #include "host/drawing/storyboard.h"
 #include "host/effect/module_file.h"
 #include "host/files/output_file.h"
@@ -37,7 +38,8 @@ void Run(const Options& options) {
   StoryboardOptions sheet;
   sheet.file = options.output;
   if (!options.strip.empty()) sheet.frames = ReadOption("--strip", options.strip, ParseStrip);
-  const RenderPlan plan = PlanFor(options.input, options.plan);
+  const RenderPlan plan =
+      PlanFor(options.input, options.plan, AccessFor(options.module, {options.output}));
   CheckNameIsFree(options.output, {options.input, plan.photo, plan.over, plan.audio});
   const std::string module = FindModule(options.module);
   DrawStoryboard(module, plan, OpenPhoto(plan.photo), sheet);

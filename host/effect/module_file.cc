@@ -28,6 +28,24 @@ std::string ModuleFromEnvironment() {
   throw Error(std::string(kModuleVariable) + "=" + named + ": there is no such file");
 }
 
+std::vector<std::string> ModuleFolders(const std::string& given) {
+  std::vector<fs::path> files;
+  const char* named = std::getenv(kModuleVariable);
+  if (!given.empty()) {
+    files = {given};
+  } else if (named != nullptr && *named != '\0') {
+    files = {named};
+  } else {
+    files = SearchedFiles(ProgramFolder());
+  }
+  std::vector<std::string> folders;
+  folders.reserve(files.size());
+  for (const fs::path& file : files) {
+    folders.push_back(file.has_parent_path() ? NarrowText(file.parent_path()) : ".");
+  }
+  return folders;
+}
+
 std::string FindModule(const std::string& given) {
   if (!given.empty()) {
     if (IsFile(given)) return given;

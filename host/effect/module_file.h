@@ -18,6 +18,10 @@ std::string ModuleFromEnvironment();
 /// names; else the first that exists of SearchedFiles. Throws Error when it is not there.
 std::string FindModule(const std::string& given);
 
+/// The folders of the files that FindModule would look at, whether they are there or not: the
+/// module's own libraries lie beside it.
+std::vector<std::string> ModuleFolders(const std::string& given);
+
 /// Where a module is looked for that nobody named: beside an executable in `executableFolder` as
 /// built, as installed, in the same folder, and where this build installs; on Windows in the same
 /// folder and in "lib" in it.

@@ -4,11 +4,13 @@
 #include <vector>
 
 #include "host/base/error.h"
+#include "host/effect/module_file.h"
 #include "host/jobs/frame_source.h"
 #include "host/jobs/scene_renderer.h"
 #include "host/processes/shared_console.h"
 #include "host/processes/shared_frames.h"
 #include "host/processes/worker.h"
+#include "host/sandbox/sandbox.h"
 #include "host/terminal/interrupt.h"
 #include "host/terminal/terminal.h"
 
@@ -22,6 +24,11 @@ constexpr size_t kPlaces = 4;
 /// What a worker does: every `workers`th frame from `index` on.
 void RenderShare(const SceneList& list, int32_t index, int32_t workers, SharedFrames& frames,
                  Channel& line) {
+  SandboxAccess access{ModuleFolders(list.module), {}};
+  for (const Scene& scene : list.scenes) {
+    access.reads.insert(access.reads.end(), {scene.plan.photo, scene.plan.over});
+  }
+  EnterSandbox(access);
   // No question of aborting: the owner ends its workers.
   SceneRenderer renderer(list, nullptr);
   size_t done = 0;

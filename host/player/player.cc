@@ -5,6 +5,7 @@
 #include <deque>
 #include <filesystem>
 #include <optional>
+#include <utility>
 
 #include "host/base/error.h"
 #include "host/facts/key_times.h"
@@ -48,12 +49,12 @@ bool ShowsTarget(const RenderPlan& plan) {
 
 class Player {
  public:
-  Player(const std::string& modulePath, const RenderPlan& plan, const Photo& photo,
-         const PlayerOptions& options)
+  Player(Window& window, std::string name, const std::string& modulePath, const RenderPlan& plan,
+         const Photo& photo, const PlayerOptions& options)
       : plan_(Playing(plan)),
-        name_(NameOf(photo.given)),
+        name_(std::move(name)),
         session_(modulePath, plan_, photo, PixelLayout::kBGRA),
-        window_(name_, plan.format.size, plan.format.sampleAspect, StatusBar::kHeight),
+        window_(window),
         bar_(Times(KeyTimesOf(plan))),
         clock_(plan.frames, plan.format.rate, options.loop),
         control_(1.0 / plan.format.rate.PerSecond()),
@@ -84,7 +85,7 @@ class Player {
   RenderPlan plan_;
   std::string name_;
   EffectSession session_;
-  Window window_;
+  Window& window_;
   StatusBar bar_;
   std::unique_ptr<Drawing> help_;  ///< while it is shown
   Playback clock_;
@@ -204,8 +205,11 @@ PlayerStatus Player::Status(double now) {
 }  // namespace
 
 void PlayInWindow(const std::string& modulePath, const RenderPlan& plan, const Photo& photo,
-                  const PlayerOptions& options) {
-  Player(modulePath, plan, photo, options).Run();
+                  const SandboxAccess& access, const PlayerOptions& options) {
+  const std::string name = NameOf(photo.given);
+  Window window(name, plan.format.size, plan.format.sampleAspect, StatusBar::kHeight);
+  EnterSandbox(access);
+  Player(window, name, modulePath, plan, photo, options).Run();
 }
 
 }  // namespace kelto::host

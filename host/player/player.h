@@ -5,6 +5,7 @@
 
 #include "host/effect/photo.h"
 #include "host/plan/render_plan.h"
+#include "host/sandbox/sandbox.h"
 
 namespace kelto::host {
 
@@ -15,8 +16,10 @@ struct PlayerOptions {
 
 /// Plays until the user quits. The effect is told that it plays, so that it draws from a copy of
 /// `photo`, the plan's, of the frame's size; at half quality where it would not keep up; and frames
-/// that come too late are skipped. Paused, frames are of full quality. Throws Error.
+/// that come too late are skipped. Paused, frames are of full quality. Enters the sandbox as soon
+/// as there is a window, which needs what the sandbox refuses; `access` holds from then on. Throws
+/// Error.
 void PlayInWindow(const std::string& modulePath, const RenderPlan& plan, const Photo& photo,
-                  const PlayerOptions& options);
+                  const SandboxAccess& access, const PlayerOptions& options);
 
 }  // namespace kelto::host

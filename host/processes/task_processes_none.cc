@@ -27,4 +27,9 @@ void RunTasks(const TaskList& tasks, int32_t) {
   }
 }
 
+void RunInSandbox(const SandboxAccess& access, const std::function<void()>& work) {
+  EnterSandbox(access);
+  work();
+}
+
 }  // namespace kelto::host
