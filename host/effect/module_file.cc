@@ -1,6 +1,5 @@
 #include "host/effect/module_file.h"
 
-#include <cstdlib>
 #include "host/base/error.h"
 #include "host/files/input_file.h"
 #include "host/files/path_text.h"
@@ -30,18 +29,18 @@ std::string ModuleFromEnvironment() {
 
 std::vector<std::string> ModuleFolders(const std::string& given) {
   std::vector<fs::path> files;
-  const char* named = std::getenv(kModuleVariable);
+  const std::string named = EnvironmentVariable(kModuleVariable);
   if (!given.empty()) {
-    files = {given};
-  } else if (named != nullptr && *named != '\0') {
-    files = {named};
+    files = {PathOf(given)};
+  } else if (!named.empty()) {
+    files = {PathOf(named)};
   } else {
     files = SearchedFiles(ProgramFolder());
   }
   std::vector<std::string> folders;
   folders.reserve(files.size());
   for (const fs::path& file : files) {
-    folders.push_back(file.has_parent_path() ? NarrowText(file.parent_path()) : ".");
+    folders.push_back(file.has_parent_path() ? TextOf(file.parent_path()) : ".");
   }
   return folders;
 }

@@ -10,7 +10,7 @@ namespace kelto::host {
 /// Which file a name leads to, and its content as far as the file system tells: it changes with
 /// every write.
 struct FileState {
-  uint64_t device = 0, inode = 0;  ///< 0 where the system has no such numbers
+  uint64_t device = 0, inode = 0;  ///< what Windows calls volume serial number and file index
   int64_t bytes = 0;
   int64_t time = 0;  ///< of the last change, in units of the system's own
   bool operator==(const FileState&) const = default;

@@ -37,7 +37,7 @@ WorkFile::WorkFile(const std::string& name, FolderLink) : name_(name) {
   }
   const fs::path folder = path.has_parent_path() ? path.parent_path() : ".";
   // In full, since the folder may be a drive alone, meaning the current folder there.
-  if (!fs::exists(StatusOf(fs::absolute(folder, error)))) {
+  if (!fs::exists(StatusOf(PathOf(AbsoluteText(TextOf(folder)))))) {
     throw Error(name_ + ": there is no folder " + TextOf(folder) + "; make it first");
   }
   // Once for each folder: films of numbered pictures have many files in one.

@@ -52,6 +52,8 @@ EffectSession& SceneRenderer::Open(size_t scene) {
   const RenderPlan& plan = list_.scenes[scene].plan;
   const InterruptsEndAtOnce whileItLoads;
   photo_ = std::make_unique<HeldFile>(plan.photo);
+  // Before it is read, too: the sandbox may keep this process from a file that took its place.
+  CheckFiles(list_.scenes[scene]);
   Photo photo = OpenPhoto(plan.photo);
   // Where the system has no other path of an open file, the name that the effect can open stays.
   if (std::string held = photo_->Path(); held != plan.photo) photo.path = std::move(held);

@@ -11,7 +11,7 @@
 namespace kelto::motion {
 namespace {
 
-constexpr int kPairs = 500;
+constexpr int kFlights = 500;
 
 TEST(FlyWay, PassesThePublishedWindow) {
   const FlyWay way({0.30, 0.30, 0.40}, {1.35, 0.85, 0.60}, kRho);
@@ -23,7 +23,7 @@ TEST(FlyWay, PassesThePublishedWindow) {
 
 TEST(FlyWay, IsPerceivedAtOneSpeedWhenItDrawsBackFreely) {
   Random random(11);
-  for (int i = 0; i < kPairs; ++i) {
+  for (int i = 0; i < kFlights; ++i) {
     const Room room = random.ARoom();
     const FlyWay way(random.WindowIn(room), random.WindowIn(room), kRho);
     const SpeedRange range = SpeedsOf([&](double e) { return way.At(e); }, 400);
@@ -34,7 +34,7 @@ TEST(FlyWay, IsPerceivedAtOneSpeedWhenItDrawsBackFreely) {
 
 TEST(FlyWay, IsNoLongerThanTheStraightWay) {
   Random random(12);
-  for (int i = 0; i < kPairs; ++i) {
+  for (int i = 0; i < kFlights; ++i) {
     const Room room = random.ARoom();
     const Window from = random.WindowIn(room), to = random.WindowIn(room);
     EXPECT_LE(FlyWay(from, to, kRho).Speed(0.5),
@@ -45,7 +45,7 @@ TEST(FlyWay, IsNoLongerThanTheStraightWay) {
 TEST(FlyWithin, StaysInTheRoomAndMeetsItsEnds) {
   Random random(13);
   int flights = 0;
-  for (int i = 0; i < kPairs; ++i) {
+  for (int i = 0; i < kFlights; ++i) {
     const Room room = random.ARoom();
     const Window from = random.WindowIn(room), to = random.WindowIn(room);
     const auto way = FlyWithin(room, from, to);
@@ -59,7 +59,7 @@ TEST(FlyWithin, StaysInTheRoomAndMeetsItsEnds) {
     EXPECT_LT(Apart(way->At(1e-13), from), 1e-9) << "pair " << i;
     EXPECT_LT(Apart(way->At(1 - 1e-13), to), 1e-9) << "pair " << i;
   }
-  EXPECT_GT(flights, kPairs / 4);
+  EXPECT_GT(flights, kFlights / 4);
 }
 
 TEST(FlyWithin, DrawsBackAsFarAsTheRoomAllows) {

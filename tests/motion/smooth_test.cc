@@ -11,7 +11,7 @@
 namespace kelto::motion {
 namespace {
 
-constexpr int kPaths = 1000;
+constexpr int kSmoothPaths = 1000;
 constexpr int kSteps = 60;
 
 std::vector<Window> WindowsIn(Random& random, const Room& room) {
@@ -22,7 +22,7 @@ std::vector<Window> WindowsIn(Random& random, const Room& room) {
 
 TEST(SmoothThrough, MeetsEveryWindow) {
   Random random(21);
-  for (int i = 0; i < kPaths; ++i) {
+  for (int i = 0; i < kSmoothPaths; ++i) {
     const Room room = random.ARoom();
     const std::vector<Window> windows = WindowsIn(random, room);
     const SmoothPath path = SmoothThrough(windows, room);
@@ -36,7 +36,7 @@ TEST(SmoothThrough, MeetsEveryWindow) {
 
 TEST(SmoothThrough, StaysInTheRoom) {
   Random random(22);
-  for (int i = 0; i < kPaths; ++i) {
+  for (int i = 0; i < kSmoothPaths; ++i) {
     const Room room = random.ARoom();
     const SmoothPath path = SmoothThrough(WindowsIn(random, room), room);
     for (const SmoothWay& way : path.ways) {
@@ -49,7 +49,7 @@ TEST(SmoothThrough, StaysInTheRoom) {
 
 TEST(SmoothThrough, NeverOvershootsTheZoom) {
   Random random(23);
-  for (int i = 0; i < kPaths; ++i) {
+  for (int i = 0; i < kSmoothPaths; ++i) {
     const Room room = random.ARoom();
     const SmoothPath path = SmoothThrough(WindowsIn(random, room), room);
     for (const SmoothWay& way : path.ways) {
@@ -67,7 +67,7 @@ TEST(SmoothThrough, NeverOvershootsTheZoom) {
 TEST(SmoothThrough, KeepsItsDirectionAtEveryWindow) {
   Random random(24);
   constexpr double kNear = 1e-6;
-  for (int i = 0; i < kPaths; ++i) {
+  for (int i = 0; i < kSmoothPaths; ++i) {
     const Room room = random.ARoom();
     const SmoothPath path = SmoothThrough(WindowsIn(random, room), room);
     for (size_t k = 1; k < path.ways.size(); ++k) {

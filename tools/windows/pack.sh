@@ -20,7 +20,8 @@ cp "$build"/bin/kelto.exe "$build"/bin/hfx.dll "$build"/bin/kelto_ipl.dll \
 for dll in libgcc_s_dw2-1.dll libstdc++-6.dll libwinpthread-1.dll; do
   cp "$build/bin/$dll" "$to"
 done
-i686-w64-mingw32-strip -s "$to"/*.exe "$to"/*.dll "$to"/*.hfx
+# -p keeps the time in their headers, which is none; otherwise it would be that of packing.
+i686-w64-mingw32-strip -p -s "$to"/*.exe "$to"/*.dll "$to"/*.hfx
 sed 's/$/\r/' "$here/README.txt" >"$to/README.txt"
 cp "$kelto_cache/libraries-i686/boost-licence.txt" "$to/licences/boost.txt"
 cp "$kelto_cache/libraries-i686/highway-licence.txt" "$to/licences/highway.txt"

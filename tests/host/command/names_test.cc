@@ -41,7 +41,8 @@ class Names : public testing::Test {
 
 TEST_F(Names, OnTheCommandLineAreShownEscaped) {
   ExpectOneHarmlessLine(Render(folder_ / kEvil, folder_ / "film.mp4"));
-  ExpectOneHarmlessLine(RunKelto({"render", folder_ / "x.jpg", "-o", folder_ / kEvil + ".avi"}));
+  WritePng(folder_ / "x.png", MakePicture(8, 8, [](int, int) { return Rgb{1, 2, 3}; }));
+  ExpectOneHarmlessLine(RunKelto({"render", folder_ / "x.png", "-o", folder_ / kEvil + ".avi"}));
   ExpectOneHarmlessLine(RunKelto({kEvil}));
   ExpectOneHarmlessLine(RunKelto({"render", "x.jpg", "-o", "x.mp4", "--" + kEvil}));
   ExpectOneHarmlessLine(RunKelto({"inspect", folder_ / kEvil}));

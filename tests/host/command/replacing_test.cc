@@ -19,6 +19,8 @@ namespace kelto::test {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::AnyOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -147,7 +149,10 @@ TEST_F(Replacing, AFilmNeverShowsTwoPhotosOfOneName) {
     if (outcome.code != 0) {
       EXPECT_EQ(outcome.code, 1);
       EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
-      EXPECT_THAT(outcome.err, HasSubstr("photo.png: was changed or replaced while"));
+      // The sandbox keeps the command from a file that took the photo's place before the film began.
+      EXPECT_THAT(outcome.err,
+                  AnyOf(HasSubstr("photo.png: was changed or replaced while"),
+                        AllOf(HasSubstr("photo.png: cannot be read"), HasSubstr("ermission"))));
       continue;
     }
     const std::string film = Content("film.yuyv");

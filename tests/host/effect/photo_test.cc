@@ -9,6 +9,7 @@
 #include "host/base/error.h"
 #include "host/effect/effect_name.h"
 #include "host/files/path_text.h"
+#include "host/files/work_file.h"
 #include "tests/support/photo.h"
 
 namespace kelto::host {
@@ -131,8 +132,7 @@ TEST(Photo, WithALongRelativePathIsReachedByTheAbsoluteOne) {
 std::string DeepestPhoto(const test::TempFolder& folder) {
   std::string deep = folder / "folders";
   for (int i = 0; i < 35; ++i) deep += "\\abcdefgh";
-  std::error_code error;
-  MakeFolders(PathOf(deep), error);
+  MakeFolders(deep);
   WriteSmallPhoto(folder / "a.bmp");
   fs::copy_file(folder / "a.bmp", ForCalls(PathOf(deep + "\\a.bmp")));
   return deep + "\\a.bmp";

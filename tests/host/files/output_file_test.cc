@@ -16,6 +16,8 @@
 #include <iterator>
 #include <memory>
 #include <set>
+#include <string>
+#include <vector>
 
 #include "host/base/error.h"
 #include "host/files/part_name.h"
@@ -238,13 +240,16 @@ TEST(OutputFile, KeepsTheOwnerOfTheFileThatItReplaces) {
   EXPECT_EQ(status.st_gid, 2345u);
 }
 
-/// A file that a run leaves which is killed while it writes.
-void LeaveAPart(const std::string& name) {
+/// What a run leaves that is killed while it writes these files.
+void LeaveParts(const std::vector<std::string>& names) {
   const pid_t process = fork();
   ASSERT_GE(process, 0);
   if (process == 0) {
-    OutputFile file(name);
-    file.Write("half", 4);
+    std::vector<std::unique_ptr<OutputFile>> files;
+    for (const std::string& name : names) {
+      files.push_back(std::make_unique<OutputFile>(name));
+      files.back()->Write("half", 4);
+    }
     kill(getpid(), SIGKILL);
   }
   int status = 0;
@@ -254,8 +259,7 @@ void LeaveAPart(const std::string& name) {
 
 TEST(OutputFile, ClearsAwayWhatKilledRunsHaveLeft) {
   const TempFolder folder;
-  LeaveAPart(folder / "film");
-  LeaveAPart(folder / "other film");
+  LeaveParts({folder / "film", folder / "other film"});
   EXPECT_EQ(FilesIn(folder), 2);
   RemoveAbandonedParts(folder / "");
   EXPECT_EQ(FilesIn(folder), 0);

@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "host/base/error.h"
+#include "host/files/path_text.h"
 #include "tests/support/photo.h"
 
 namespace kelto::host {
@@ -14,8 +15,12 @@ namespace {
 
 TEST(FilmRecord, SurvivesAFileWithNamesOfAnyBytes) {
   const test::TempFolder folder;
+#if defined(_WIN32)
+  const std::string photo = folder / "gr\xc3\xbc\xc3\x9f \xd0\xa4.jpg";  // names are UTF-16 there
+#else
   const std::string photo = folder / "gr\xc3\xbc\xc3\x9f \xff\x80.jpg";
-  std::ofstream(photo) << "12345";
+#endif
+  std::ofstream(PathOf(photo)) << "12345";
   const FilmRecord record = RecordOf({photo}, {"--size", "96x64", "\xfe\"\\\n"});
   EXPECT_EQ(record.sources.at(0).bytes, 5);
   MakeOnRecord(folder / "records/film.mp4.json", record, "", [] {});
