@@ -17,20 +17,18 @@ namespace kelto::host {
 std::optional<FileState> FileStateOf(const std::string& path) {
   // Attributes are asked for alone, so that others may write, replace and remove it meanwhile.
   constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-  const HANDLE file =
-      CreateFileW(ForCalls(PathOf(path)).c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr,
-                  OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  const HANDLE file = CreateFileW(ForCalls(PathOf(path)).c_str(), FILE_READ_ATTRIBUTES, kShareAll,
+                                  nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
   if (file == INVALID_HANDLE_VALUE) return std::nullopt;
   BY_HANDLE_FILE_INFORMATION about{};
   const bool known = GetFileInformationByHandle(file, &about) != 0;
   CloseHandle(file);
   if (!known) return std::nullopt;
   const auto joined = [](DWORD high, DWORD low) { return uint64_t{high} << 32 | low; };
-  return FileState{
-      about.dwVolumeSerialNumber, joined(about.nFileIndexHigh, about.nFileIndexLow),
-      static_cast<int64_t>(joined(about.nFileSizeHigh, about.nFileSizeLow)),
-      static_cast<int64_t>(
-          joined(about.ftLastWriteTime.dwHighDateTime, about.ftLastWriteTime.dwLowDateTime))};
+  return FileState{about.dwVolumeSerialNumber, joined(about.nFileIndexHigh, about.nFileIndexLow),
+                   static_cast<int64_t>(joined(about.nFileSizeHigh, about.nFileSizeLow)),
+                   static_cast<int64_t>(joined(about.ftLastWriteTime.dwHighDateTime,
+                                               about.ftLastWriteTime.dwLowDateTime))};
 }
 
 HeldFile::HeldFile(const std::string& path) : path_(path) {}

@@ -36,8 +36,10 @@ WorkFile::WorkFile(const std::string& name, FolderLink) : name_(name) {
     throw Error(name_ + ": is not an ordinary file; write to the standard output (-) instead");
   }
   const fs::path folder = path.has_parent_path() ? path.parent_path() : ".";
-  // In full, since the folder may be a drive alone, meaning the current folder there.
-  if (!fs::exists(StatusOf(PathOf(AbsoluteText(TextOf(folder)))))) {
+  // In full, since the folder may be a drive alone, meaning the current folder there; one that
+  // begins with "\\?\" is, and the standard library cannot read it.
+  const bool inFull = folder.native().starts_with(L"\\\\?\\");
+  if (!fs::exists(StatusOf(inFull ? folder : fs::absolute(folder, error)))) {
     throw Error(name_ + ": there is no folder " + TextOf(folder) + "; make it first");
   }
   // Once for each folder: films of numbered pictures have many files in one.

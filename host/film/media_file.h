@@ -30,7 +30,8 @@ double StartOf(AVFormatContext& file);
 /// Throws Error for a stream of sound or pictures beyond the limits. `path` is the file's.
 void CheckStream(const AVStream& stream, const std::string& path);
 
-/// A decoder for a stream that CheckStream lets pass, opened. `path` is for the message. Throws Error.
+/// A decoder for a stream that CheckStream lets pass, opened. `path` is for the message. Throws
+/// Error.
 Owned<AVCodecContext> OpenDecoder(const AVStream& stream, const std::string& path);
 
 }  // namespace kelto::host

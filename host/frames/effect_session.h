@@ -46,7 +46,7 @@ class EffectSession {
   void RenderField(const hfx::RenderState& state, hfxImage& input, hfxImage& output);
 
   RenderPlan plan_;
-  Photo photo_;             ///< the effect may load it again at any time
+  Photo photo_;                             ///< the effect may load it again at any time
   std::unique_ptr<const ViewTrack> track_;  ///< null where the effect's keys make the move
   hfx::ImageBuffer input_;  ///< the effect demands an input even where nothing of it is seen
   hfx::ImageBuffer output_;

@@ -149,7 +149,8 @@ TEST_F(Replacing, AFilmNeverShowsTwoPhotosOfOneName) {
     if (outcome.code != 0) {
       EXPECT_EQ(outcome.code, 1);
       EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
-      // The sandbox keeps the command from a file that took the photo's place before the film began.
+      // The sandbox keeps the command from a file that took the photo's place before the film
+      // began.
       EXPECT_THAT(outcome.err,
                   AnyOf(HasSubstr("photo.png: was changed or replaced while"),
                         AllOf(HasSubstr("photo.png: cannot be read"), HasSubstr("ermission"))));

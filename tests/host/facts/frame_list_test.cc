@@ -66,8 +66,7 @@ TEST_F(FrameListing, CsvHasANameAColumnAndAsManyCellsInEveryLine) {
   EXPECT_THAT(Split(lines[0], ','),
               ElementsAre("frame", "seconds", "time", "zoom", "x", "y", "left", "top", "width",
                           "height", "scale_x", "scale_y", "filter", "level", "cached_width",
-                          "cached_height", "reduced", "pan_speed", "zoom_rate",
-                          "perceived_speed"));
+                          "cached_height", "reduced", "pan_speed", "zoom_rate", "perceived_speed"));
   for (const std::string& line : lines) EXPECT_EQ(Split(line, ',').size(), 20u) << line;
 }
 

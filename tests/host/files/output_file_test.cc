@@ -67,7 +67,7 @@ TEST(OutputFile, WaitsForAPipeThatIsSetNotToWait) {
   int ends[2];
   ASSERT_EQ(pipe2(ends, O_NONBLOCK), 0);
   constexpr size_t kBytes = 1 << 20;  // many times what a pipe holds
-  std::fflush(stdout);  // or the child would write what is held back, too
+  std::fflush(stdout);                // or the child would write what is held back, too
   const pid_t writer = fork();
   ASSERT_GE(writer, 0);
   if (writer == 0) {

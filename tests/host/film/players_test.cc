@@ -64,8 +64,9 @@ TEST_P(Players, SeeTheSameFilmAsThePictures) {
   for (const auto& [size, matrix, colorimetry] :
        {std::tuple{"320x240", AVCOL_SPC_SMPTE170M, "2:4:5:1"},
         std::tuple{"824x640", AVCOL_SPC_BT709, "bt709"}}) {
-    const Words options{"--size", size,         "--fps", "25",           "--frames", "6",
-                        "--from", "1.2@-0.1,0", "--to",  "1.8@0.1,0.05", "--filter", "cubic", "--motion", "linear"};
+    const Words options{"--size",   size,     "--fps",      "25",    "--frames",
+                        "6",        "--from", "1.2@-0.1,0", "--to",  "1.8@0.1,0.05",
+                        "--filter", "cubic",  "--motion",   "linear"};
     ASSERT_EQ(Render(folder_ / "photo.png", folder_ / name, options).err, "");
     ASSERT_EQ(Render(folder_ / "photo.png", folder_ / "f%02d.png", options).err, "");
     const Picture first = ReadPng(folder_ / "f00.png"), last = ReadPng(folder_ / "f05.png");

@@ -109,7 +109,8 @@ TEST(FilmNames, NeverClash) {
 TEST(FilmNames, ManyPicturesOfOneNameAreNumberedInOnePass) {
   // Tried from 2 on for each of them, the numbers would take hours.
   constexpr size_t kCount = 200000;
-  const std::vector<std::string> names = FilmNames(std::vector<std::string>(kCount, "a.jpg"), "mp4");
+  const std::vector<std::string> names =
+      FilmNames(std::vector<std::string>(kCount, "a.jpg"), "mp4");
   EXPECT_EQ(names.front(), "a.jpg.mp4");
   EXPECT_EQ(names[1], "a.jpg-2.mp4");
   EXPECT_EQ(names.back(), "a.jpg-200000.mp4");
