@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <regex>
 
 namespace kelto::host {
@@ -146,13 +147,13 @@ std::string OfFields(const json& schema, const json& value) {
   return "";
 }
 
-/// The first field of `value` that `schema` does not know.
-std::string UnknownField(const json& schema, const json& value) {
-  if (!value.is_object() || schema.value("additionalProperties", true)) return "";
+/// The first field of `value` that `schema` does not know; its name may be empty.
+std::optional<std::string> UnknownField(const json& schema, const json& value) {
+  if (!value.is_object() || schema.value("additionalProperties", true)) return std::nullopt;
   for (const auto& [name, ignored] : value.items()) {
     if (!schema["properties"].contains(name)) return name;
   }
-  return "";
+  return std::nullopt;
 }
 
 /// What is wrong with a value itself, whatever it holds.
@@ -164,10 +165,10 @@ std::string OwnComplaint(const Schemas& schemas, const json& value, const FieldP
     }
   }
   for (const json* part : schemas) {
-    const std::string name = UnknownField(*part, value);
-    if (name.empty()) continue;
+    const std::optional<std::string> name = UnknownField(*part, value);
+    if (!name) continue;
     FieldPath unknown = path;
-    unknown.push_back(name);
+    unknown.push_back(*name);
     json known = json::array();
     for (const auto& [field, ignored] : (*part)["properties"].items()) known.push_back(field);
     return ToString(unknown) + ": there is no such field; there are " + Joined(known, ", ");
@@ -220,7 +221,8 @@ std::string ToString(const FieldPath& path) {
   for (const std::string& step : path) {
     text += text.empty() || IsPlace(step) ? "" : ".";
     const std::string quoted = json(step.substr(0, kMaxShown)).dump(-1, ' ', false, kReplace);
-    text += quoted.substr(1, quoted.size() - 2);  // a line break in a name stays one line
+    // A line break in a name stays one line; a name without letters shows as its quotation marks.
+    text += step.empty() ? quoted : quoted.substr(1, quoted.size() - 2);
     if (step.size() > kMaxShown) text += "...";
   }
   return text.empty() ? "the file" : text;

@@ -189,6 +189,8 @@ TEST(ReadProject, EveryFaultNamesItsField) {
       {Fault(R"({"image": "a", "film": {"displayAspect": "0:1"}})"), "film.displayAspect",
        "pixels at most 65535 times as long one way as the other"},
       {Fault(R"({"image": "a", "film": {"length": 1}})"), "film.length", "there is no such field"},
+      {Fault(R"({"image": "a", "": 1})"), "\"\"", "there is no such field"},
+      {FaultOf("levels", R"({"": 2})"), "parameters.levels.\"\"", "there is no such field"},
       {Fault(R"({"image": "a", "film": {"a\nb": 1}})"), "film.a\\nb", "there is no such field"},
       {FaultOf("lens", "{}"), "parameters.lens", "there is no such field; there are"},
       {FaultOf("size", "2"), "parameters.size", "is not an object {...} or an array [...]"},
