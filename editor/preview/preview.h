@@ -1,0 +1,61 @@
+// The film, drawn by the engine in a process of its own.
+#pragma once
+
+#include <QImage>
+#include <QObject>
+#include <QSize>
+#include <QString>
+#include <cstdint>
+#include <memory>
+
+#include "editor/rules/film_way.h"
+#include "host/plan/render_plan.h"
+
+namespace kelto::editor {
+
+/// Draws the frames of a plan that changes, and plays them in real time. Everything is answered by
+/// signals from the event loop. Of what is asked for while a frame is drawn, only the last is drawn
+/// next. When the process ends by itself, as a fault in a codec makes it, `Failed` says so and the
+/// next change starts another.
+class Preview : public QObject {
+  Q_OBJECT
+
+ public:
+  /// `program` is the process's executable, kelto-preview; `module` the effect's.
+  Preview(QString program, QString module, QObject* parent = nullptr);
+  ~Preview() override;
+
+  /// Shows this plan from now on. Its photo is read again only where that is another. The frame
+  /// being looked at stays, as far as the film has it.
+  void SetPlan(const host::RenderPlan& plan);
+  /// The pixels that there are for showing frames. Films of larger frames are drawn that size while
+  /// they play or change; 0 x 0, as at first: always the film's own.
+  void SetBox(QSize box);
+
+  int32_t Frame() const;
+  int32_t Frames() const;
+  bool Playing() const;
+
+ public slots:
+  /// Goes to a frame, the nearest that there is.
+  void Seek(int32_t frame);
+  void Play();
+  void Pause();
+  void SetLoop(bool loop);
+
+ signals:
+  /// The photo, upright; reduced where it has more than 32 million pixels.
+  void PhotoRead(const QImage& photo);
+  /// A frame of the plan given last. `exact`: in the film's size and full quality.
+  void FrameDrawn(const QImage& image, int32_t frame, bool exact);
+  void WayFound(const kelto::editor::FilmWay& way);
+  void PlayingChanged(bool playing);
+  /// In the sentence that the command prints.
+  void Failed(const QString& reason);
+
+ private:
+  class Private;
+  std::unique_ptr<Private> p_;
+};
+
+}  // namespace kelto::editor
