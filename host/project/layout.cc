@@ -9,8 +9,6 @@ namespace {
 
 using nlohmann::ordered_json;
 
-constexpr size_t kMaxLine = 100;
-
 /// A part with its name in front, when it has one.
 struct Part {
   std::string name;
@@ -62,9 +60,11 @@ std::string Lines(const ordered_json& value, size_t indent, size_t used) {
 
 }  // namespace
 
-std::string LaidOut(const ordered_json& value) {
+std::string LaidOut(const ordered_json& value) { return LaidOut(value, 0, 0) + "\n"; }
+
+std::string LaidOut(const ordered_json& value, size_t indent, size_t used) {
   try {
-    return Lines(value, 0, 0) + "\n";
+    return Lines(value, indent, used);
   } catch (const ordered_json::exception&) {
     throw Error("a path in it is not written in UTF-8, as JSON is");
   }

@@ -80,6 +80,22 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"host",
      {"platform", "runtime/hfx", "host/base", "host/commands", "host/effect", "host/files",
       "host/terminal"}},
+    // The editor, a program of its own made of the command's parts.
+    {"editor/document",
+     {"framing", "host/base", "host/effect", "host/files", "host/moves", "host/options",
+      "host/plan", "host/project"}},
+    {"editor/rules", {}},
+    {"editor/preview",
+     {"platform", "framing", "runtime/hfx", "host/base", "host/effect", "host/files",
+      "host/frames", "host/options", "host/plan", "host/playback", "host/processes",
+      "host/sandbox", "host/terminal", "host/track"}},
+    {"editor/widgets", {"editor/preview", "editor/rules"}},
+    {"editor/window",
+     {"framing", "host/base", "host/effect", "host/facts", "host/files", "host/film", "host/moves",
+      "host/options", "host/plan", "host/project", "host/track", "editor/document",
+      "editor/preview", "editor/rules", "editor/widgets"}},
+    // main.cc alone.
+    {"editor", {"host/base", "host/files", "editor/document", "editor/preview", "editor/window"}},
     // Hosts too, made of the command's parts.
     {"adapters",
      {"platform", "framing", "runtime/hfx", "host/base", "host/effect", "host/files",
@@ -105,6 +121,7 @@ std::vector<Include> AllIncludes() {
   const std::string quoted = "#include \"";
   std::vector<Include> includes;
   for (const auto& [folder, allowed] : kMayInclude) {
+    if (!fs::exists(root / folder)) continue;
     for (const auto& entry : fs::recursive_directory_iterator(root / folder)) {
       const std::string extension = entry.path().extension().string();
       if (extension != ".h" && extension != ".cc") continue;
