@@ -12,7 +12,7 @@ namespace kelto::editor {
 /// rate's next integer.
 std::string Timecode(int32_t frame, host::FrameRate rate);
 
-/// "62.5 s", with as many decimals as tell frames apart, two at most.
+/// "62.5 s", with two decimals at most.
 std::string SecondsText(double seconds);
 
 }  // namespace kelto::editor

@@ -1,0 +1,41 @@
+#include "editor/rules/key_drag.h"
+
+#include <gtest/gtest.h>
+
+namespace kelto::editor {
+namespace {
+
+using Places = std::vector<size_t>;
+const std::vector<double> kTimes = {0.0, 0.2, 0.5, 0.6, 1.0};
+
+TEST(KeysMoved, MovesTheSelectedOnes) {
+  EXPECT_EQ(KeysMoved(kTimes, Places{1}, 0.125, 0.01),
+            (std::vector<double>{0.0, 0.325, 0.5, 0.6, 1.0}));
+  EXPECT_EQ(KeysMoved(kTimes, Places{}, 0.125, 0.01), kTimes);
+}
+
+TEST(KeysMoved, KeepsClearOfOthers) {
+  EXPECT_NEAR(KeysMoved(kTimes, Places{1}, 0.9, 0.01)[1], 0.49, 1e-12);
+  EXPECT_NEAR(KeysMoved(kTimes, Places{1}, -0.9, 0.01)[1], 0.01, 1e-12);
+}
+
+TEST(KeysMoved, KeepsSelectedOnesTogether) {
+  const std::vector<double> moved = KeysMoved(kTimes, Places{1, 2}, 0.5, 0.01);
+  EXPECT_NEAR(moved[2], 0.59, 1e-12);
+  EXPECT_NEAR(moved[1], 0.29, 1e-12);
+}
+
+TEST(KeysMoved, StaysWithinTheFilm) {
+  const Places all = {0, 1, 2, 3, 4};
+  EXPECT_EQ(KeysMoved(kTimes, all, 0.5, 0.01), kTimes);
+  EXPECT_NEAR(KeysMoved(kTimes, Places{4}, 0.5, 0.01)[4], 1.0, 1e-12);
+}
+
+TEST(KeysMoved, LeavesKeysOfATrimmedFilmWhereTheyAre) {
+  const std::vector<double> outside = {-0.5, 0.5, 1.5};
+  EXPECT_EQ(KeysMoved(outside, Places{0}, -0.1, 0.01), outside);
+  EXPECT_EQ(KeysMoved(outside, Places{2}, 0.1, 0.01), outside);
+}
+
+}  // namespace
+}  // namespace kelto::editor
