@@ -43,6 +43,7 @@ struct FilmFormat {
   double DisplayAspect() const {
     return static_cast<double>(size.width) / size.height * sampleAspect.Ratio();
   }
+  bool operator==(const FilmFormat&) const = default;
 };
 
 /// Bytes of a frame in memory.

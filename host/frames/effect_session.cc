@@ -1,6 +1,7 @@
 #include "host/frames/effect_session.h"
 
 #include <utility>
+#include <vector>
 
 #include "host/base/error.h"
 #include "host/effect/effect_settings.h"
@@ -18,16 +19,28 @@ int32_t ColorspaceOf(PixelLayout layout) {
   return layout == PixelLayout::kBGRA ? hfxColorspaceRGB : hfxColorspaceYCbCr;
 }
 
+/// Whether `later` takes over all that an effect holds from `earlier`, which it keeps until it gets
+/// something else.
+bool Replaces(const Setting& later, const Setting& earlier) {
+  return later == earlier || later.value || later.keys.size() > 1;
+}
+
+bool SameLoading(const RenderPlan& a, const RenderPlan& b) {
+  const Setting *levels = a.FindSetting(kLevels), *others = b.FindSetting(kLevels);
+  const bool same = levels == nullptr || others == nullptr ? levels == others : *levels == *others;
+  return same && a.photo == b.photo && a.over == b.over && a.playMode == b.playMode &&
+         a.format.fields == b.format.fields;
+}
+
 }  // namespace
 
 EffectSession::EffectSession(const std::string& modulePath, const RenderPlan& plan,
                              const Photo& photo, PixelLayout layout)
     : plan_(plan),
+      layout_(layout),
       photo_(photo),
-      track_(ViewTrack::For(plan, {photo.width, photo.height})),
-      input_(plan.format.size.width, plan.format.size.height, ColorspaceOf(layout)),
-      output_(plan.format.size.width, plan.format.size.height, ColorspaceOf(layout)),
-      backdrop_(plan, layout) {
+      track_(ViewTrack::For(plan, {photo.width, photo.height})) {
+  MakeImages();
   std::string error;
   module_ = hfx::Module::Load(ForCalls(PathOf(modulePath)), &error);
   if (!module_) throw Error(error);
@@ -35,8 +48,8 @@ EffectSession::EffectSession(const std::string& modulePath, const RenderPlan& pl
   if (!effect_) throw Error(modulePath + ": " + error);
   SetPhoto(*effect_, photo);
   if (const Setting* levels = plan_.FindSetting(kLevels)) Apply(*effect_, *levels);
-  if (!HasPicture(*effect_, photo, FrameState(plan_, 0), plan_.playMode, *input_.image(),
-                  output_)) {
+  if (!HasPicture(*effect_, photo, FrameState(plan_, 0), plan_.playMode, *input_->image(),
+                  *output_)) {
     const std::string reason = WhyNoPicture(photo);
     if (!reason.empty()) throw Error(reason);
   }
@@ -49,6 +62,13 @@ EffectSession::EffectSession(const std::string& modulePath, const RenderPlan& pl
   if (!effect_->BeginRender(plan_.playMode, &error)) throw Error("the effect: " + error);
 }
 
+void EffectSession::MakeImages() {
+  const FrameSize size = plan_.format.size;
+  input_.emplace(size.width, size.height, ColorspaceOf(layout_));
+  output_.emplace(size.width, size.height, ColorspaceOf(layout_));
+  backdrop_.emplace(plan_, layout_);
+}
+
 EffectSession::~EffectSession() { effect_->EndRender(nullptr); }
 
 void EffectSession::SetAbortQuery(std::function<bool()> query) {
@@ -56,14 +76,14 @@ void EffectSession::SetAbortQuery(std::function<bool()> query) {
 }
 
 FrameView EffectSession::Render(int32_t number, double quality) {
-  hfxImage& whole = *output_.image();
+  hfxImage& whole = *output_->image();
   RenderFrame(whole, number, quality);
   return {whole.GetRowPtr(0), whole.GetRowDelta(), plan_.format.size};
 }
 
 void EffectSession::RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number,
                                double quality) {
-  const hfxImage& own = *output_.image();
+  const hfxImage& own = *output_->image();
   hfxImage whole(own.GetWidth(), own.GetHeight(), pixels, rowBytes, own.GetColorspace(),
                  own.GetImgFormat());
   RenderFrame(whole, number, quality);
@@ -71,22 +91,49 @@ void EffectSession::RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, int32_t numb
 
 void EffectSession::RenderFrame(hfxImage& whole, int32_t number, double quality) {
   // Anew for every frame: the effect writes into its input.
-  backdrop_.Fill(number, *input_.image());
+  backdrop_->Fill(number, *input_->image());
   for (int32_t field = 0; field < FieldsOf(plan_); ++field) {
     const hfx::RenderState state = FieldState(plan_, number, field, quality);
     if (plan_.format.Interlaced()) {
-      hfxImage input = hfx::FieldView(*input_.image(), state.topField);
+      hfxImage input = hfx::FieldView(*input_->image(), state.topField);
       hfxImage output = hfx::FieldView(whole, state.topField);
       RenderField(state, input, output);
     } else {
-      RenderField(state, *input_.image(), whole);
+      RenderField(state, *input_->image(), whole);
     }
   }
 }
 
 void EffectSession::Change(const Setting& setting) {
   Apply(*effect_, setting);
+  plan_.SettingOf(setting.parameter) = setting;
   effect_->ParametersChanged();
+}
+
+bool EffectSession::Adopt(const RenderPlan& plan) {
+  if (!SameLoading(plan_, plan)) return false;
+  auto track = ViewTrack::For(plan, {photo_.width, photo_.height});
+  if ((track == nullptr) != (track_ == nullptr)) return false;
+  for (const Setting& earlier : plan_.settings) {
+    const Setting* later = plan.FindSetting(earlier.parameter);
+    if (later == nullptr || !Replaces(*later, earlier)) return false;
+  }
+  const RenderPlan before = std::exchange(plan_, plan);
+  track_ = std::move(track);
+  const bool sameVideo = plan.over.empty() || (plan.frames == before.frames);
+  if (plan.format != before.format || !sameVideo) MakeImages();
+  std::vector<Setting> changed;
+  for (const Setting& setting : plan.settings) {
+    const Setting* earlier = before.FindSetting(setting.parameter);
+    if (earlier == nullptr || setting != *earlier) changed.push_back(setting);
+  }
+  if (track_) {
+    ApplyWithoutMove(*effect_, changed);
+  } else {
+    for (const Setting& setting : changed) Apply(*effect_, setting);
+  }
+  effect_->ParametersChanged();
+  return true;
 }
 
 void EffectSession::RenderField(const hfx::RenderState& state, hfxImage& input, hfxImage& output) {

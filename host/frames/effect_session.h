@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "host/base/film_format.h"
@@ -41,16 +42,25 @@ class EffectSession {
   /// Changes one of the plan's settings for the frames to come.
   void Change(const Setting& setting);
 
+  /// Renders another plan from now on, without loading the photo again. False, with nothing
+  /// changed, where that takes another session: for another photo, video, play mode or order of
+  /// fields, where the host's motion takes the place of the effect's or the other way round, and
+  /// where a setting is taken back to what the effect begins with. After an Error the session is of
+  /// no use.
+  bool Adopt(const RenderPlan& plan);
+
  private:
+  void MakeImages();
   void RenderFrame(hfxImage& whole, int32_t number, double quality);
   void RenderField(const hfx::RenderState& state, hfxImage& input, hfxImage& output);
 
   RenderPlan plan_;
+  PixelLayout layout_;
   Photo photo_;                             ///< the effect may load it again at any time
   std::unique_ptr<const ViewTrack> track_;  ///< null where the effect's keys make the move
-  hfx::ImageBuffer input_;  ///< the effect demands an input even where nothing of it is seen
-  hfx::ImageBuffer output_;
-  Backdrop backdrop_;
+  // The effect demands an input even where nothing of it is seen.
+  std::optional<hfx::ImageBuffer> input_, output_;  ///< of the plan's frames
+  std::optional<Backdrop> backdrop_;
   std::unique_ptr<hfx::Module> module_;
   std::unique_ptr<hfx::Effect> effect_;  // goes before its module
 };

@@ -73,6 +73,69 @@ TEST_F(Session, RendersFramesInAnyOrder) {
   EXPECT_EQ(Frame(0), first);
 }
 
+/// Plans of one photo that differ in one thing each from the first.
+std::vector<RenderPlan> Others(const RenderPlan& plan) {
+  std::vector<RenderPlan> others(7, plan);
+  others[1].format.size = {96, 64};
+  others[2].Set("squarepixels", false);
+  others[3].frames = 9;
+  others[4].Set("filter", std::string("Filter: Triangle"));
+  const ViewKey keys[] = {{0.0, {4.0, -0.2, 0.1}, "In: Linear", "Out: Ease Out"},
+                          {0.3, {1.5, -0.1, 0.1}, "In: Linear", "Out: Ease Out"},
+                          {1.0, {2.0, 0.2, 0.0}, "In: Ease In", "Out: Linear"}};
+  others[5].SetViews(keys);
+  others[6].format.sampleAspect = {4, 3};
+  return others;
+}
+
+TEST_F(Session, AdoptsAnotherPlanAsIfItHadBegunWithIt) {
+  for (const MotionLaw law : {MotionLaw::kLinear, MotionLaw::kFly}) {
+    plan_.motion = law;
+    plan_.Set("squarepixels", true);
+    Open();
+    EffectSession kept(KELTO_MODULE, plan_, OpenPhoto(plan_.photo), PixelLayout::kBGRA);
+    const RenderPlan first = plan_;
+    int changed = 0;
+    const std::vector<RenderPlan> plans = Others(first);
+    for (size_t pair = 0; pair < plans.size() * plans.size(); ++pair) {
+      const RenderPlan &from = plans[pair / plans.size()], &to = plans[pair % plans.size()];
+      ASSERT_TRUE(kept.Adopt(from));
+      ASSERT_TRUE(kept.Adopt(to));
+      plan_ = to;
+      Open();
+      const FrameView view = kept.Render(3);
+      ASSERT_EQ(view.size, to.format.size);
+      const std::vector<uint8_t> frame(view.pixels, view.pixels + view.rowBytes * view.size.height);
+      ASSERT_TRUE(frame == Frame(3)) << "pair " << pair << ", law " << WordOf(law);
+      plan_ = first;
+      Open();
+      changed += frame != Frame(3);
+    }
+    EXPECT_GE(changed, 6 * 7) << "the plans show different things";
+  }
+}
+
+TEST_F(Session, AdoptsNothingThatTakesAnotherSession) {
+  Open();
+  const auto before = Frame(3);
+  RenderPlan other = plan_;
+  other.photo += "2";
+  EXPECT_FALSE(session_->Adopt(other));
+  other = plan_;
+  other.motion = MotionLaw::kSteady;
+  EXPECT_FALSE(session_->Adopt(other)) << "the effect would keep the keys between";
+  other = plan_;
+  other.settings.erase(other.settings.begin());
+  EXPECT_FALSE(session_->Adopt(other)) << "what the effect begins with is not known";
+  other = plan_;
+  other.format.fields = FieldOrder::kTopFirst;
+  EXPECT_FALSE(session_->Adopt(other)) << "the effect keeps how it was first asked";
+  other = plan_;
+  other.Set("levels", std::string("Levels: 0-255"));
+  EXPECT_FALSE(session_->Adopt(other)) << "the photo is loaded otherwise";
+  EXPECT_EQ(Frame(3), before);
+}
+
 TEST_F(Session, RefusesAPhotoThatTheEffectHasNoMemoryFor) {
   iplxSetMemoryLimit(1000);
   EXPECT_THAT(ErrorOfOpening(), HasSubstr("memory"));
