@@ -58,6 +58,11 @@ Table MakeTable(Role role) {
           "motion", "",
           "How one view becomes the next: steady, fly or linear; else steady from from and to, and "
           "as a project has it"),
+      Text("filename", "",
+           "The same as image; filters of MLT's saved projects find their photograph by it"),
+      Text("argument", "",
+           "The same as image; sources of MLT's saved projects find their photograph by it"),
+      Text("filter.resource", "", "The same as filename"),
   };
 }
 

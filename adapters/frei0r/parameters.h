@@ -38,6 +38,9 @@ enum ParameterIndex : int {
   kProgress,
   kQuality,
   kMotion,
+  kFilename,
+  kArgument,
+  kFilterResource,
   kParameterCount
 };
 
@@ -54,6 +57,11 @@ struct Parameter {
 
 /// The table, kParameterCount long.
 KELTO_PLATFORM_API std::span<const Parameter> Parameters(Role role);
+
+/// Places that name the photograph, the most trustworthy first. MLT's project files make paths in
+/// the project's folder relative, whatever the parameter's name, and only complete those of some
+/// names again: "filename" and "filter.resource" of filters, "argument" of sources.
+inline constexpr ParameterIndex kPhotoNames[] = {kFilename, kFilterResource, kArgument, kImage};
 
 /// One value for each place; texts and numbers lie where the table has them.
 struct Values {

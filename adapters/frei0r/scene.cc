@@ -80,12 +80,20 @@ bool ViewsAreUnset(const Values& values, Role role) {
   return IsUnset(values, role, kFrom) && IsUnset(values, role, kTo);
 }
 
+/// The place of the photograph's name: the first that is set, "image" without any.
+int PhotoPlace(const Values& values) {
+  for (const int index : kPhotoNames) {
+    if (!values.texts[static_cast<size_t>(index)].empty()) return index;
+  }
+  return kImage;
+}
+
 /// The plan of a project; null, told on the console, when there is none to be had.
-std::shared_ptr<const host::RenderPlan> ProjectAt(const std::string& path) {
+std::shared_ptr<const host::RenderPlan> ProjectAt(const std::string& path, const char* parameter) {
   try {
     return std::make_shared<const host::RenderPlan>(host::ReadProject(path));
   } catch (const host::Error& error) {
-    SayOnce("image " + std::string(error.what()));
+    SayOnce(std::string(parameter) + " " + error.what());
     return nullptr;
   }
 }
@@ -147,13 +155,16 @@ std::optional<host::Colour> ColourBehind(const host::RenderPlan& plan) {
 }  // namespace
 
 Scene SceneOf(const Values& values, Role role, const Scene& last) {
-  const std::string& image = values.texts[kImage];
-  if (image.empty()) SayOnce("no photograph: set the parameter \"image\"");
+  const int place = PhotoPlace(values);
+  const std::string& image = values.texts[static_cast<size_t>(place)];
+  if (image.empty()) SayOnce("no photograph: set the parameter \"image\" or \"filename\"");
   Scene scene;
   host::RenderPlan plan;
   if (host::IsProjectName(image)) {
     scene.projectPath = image;
-    scene.project = last.projectPath == image ? last.project : ProjectAt(image);
+    scene.project = last.projectPath == image
+                        ? last.project
+                        : ProjectAt(image, Parameters(role)[static_cast<size_t>(place)].name);
     if (scene.project) plan = *scene.project;
   } else {
     plan.photo = image;

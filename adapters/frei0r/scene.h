@@ -26,7 +26,7 @@ struct Scene {
   int32_t frames = 0;                      ///< length of a motion that runs by itself, or 0
   host::FilmFormat format;  ///< rate of the stream, for the host's times; fields; pixels' shape
   int32_t playMode = 0;     ///< a hfxPlayMode
-  std::string projectPath;  ///< what "image" named, if that was a project
+  std::string projectPath;  ///< what names the photograph, if that is a project
   std::shared_ptr<const host::RenderPlan> project;  ///< as read; null when it could not be
 };
 
@@ -36,8 +36,9 @@ struct Moment {
 };
 
 /// Reads the parameters. A text that makes no sense leaves its default in force and is told on the
-/// console. Where "image" names a project file, parameters that are not as they were at first
-/// overrule it; of `last`, an earlier scene, a project that was read already is taken.
+/// console. Where a project file is named instead of a photograph, parameters that are not as they
+/// were at first overrule it; of `last`, an earlier scene, a project that was read already is
+/// taken.
 Scene SceneOf(const Values& values, Role role, const Scene& last);
 
 /// The moment at `progress`, 0..1: the fraction with the smallest denominator that meets it. A host

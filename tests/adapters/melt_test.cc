@@ -1,13 +1,17 @@
 // The plug-ins in MLT's command.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "tests/adapters/run.h"
+#include "tests/support/file_bytes.h"
 
 namespace kelto {
 namespace {
 
+namespace fs = std::filesystem;
 using test::Frames;
 using test::Outcome;
 using test::RunMelt;
@@ -137,6 +141,29 @@ TEST_F(Melt, ClipsOfAColourWithTheFilterMoveFromTheirOwnBeginnings) {
   const std::vector<uint8_t> once = command.bytes;
   command.bytes.insert(command.bytes.end(), once.begin(), once.end());
   ExpectSameFrames(Render(clips, size, 3), command, "one clip after the other");
+}
+
+TEST_F(Melt, ASavedProjectFindsItsPhotographFromAnotherFolder) {
+  const Size size{320, 180};
+  const Frames command = RenderByCommand(photo_, size, kMeltMove);
+  const std::string saved = folder_ / "saved.mlt";
+  const Words filter{"colour:red", "out=7", "-attach", "frei0r.kelto_pan_zoom"};
+  const Words source{"frei0r.kelto_pan_zoom_src", "out=7"};
+  for (const auto& [service, name] :
+       {std::pair(filter, "filename="), {filter, "filter.resource="}, {source, "argument="}}) {
+    Words words{"-profile", Profile(size)};
+    words.insert(words.end(), service.begin(), service.end());
+    words.insert(words.end(), {name + photo_, "background=#203040", "progress=0=0;7=1"});
+    words.insert(words.end(), kViews.begin(), kViews.end());
+    words.insert(words.end(), {"-consumer", "xml:" + saved, "root=" + (folder_ / "")});
+    ASSERT_EQ(RunMelt(words, saved).code, 0);
+    // What is tested: the folder is gone from the name.
+    const std::string text = test::BytesOf(saved);
+    EXPECT_NE(text.find(">photo.bmp<"), std::string::npos) << text;
+    ExpectSameFrames(Render({"xml:" + saved}, size, 2), command, name);
+    EXPECT_TRUE(outcome_.Lines().empty()) << outcome_.err;
+    fs::remove(saved);
+  }
 }
 
 TEST_F(Melt, AMissingPhotographGivesOneLineForAllThreads) {
