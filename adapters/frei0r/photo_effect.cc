@@ -13,6 +13,7 @@
 #include "host/base/error.h"
 #include "host/effect/effect_settings.h"
 #include "host/effect/render_state.h"
+#include "host/track/keyed_plan.h"
 
 namespace kelto::frei0r {
 namespace {
@@ -143,7 +144,9 @@ void PhotoEffect::SetUp(const FrameRequest& request) {
   plan.format = scene.format;
   plan.format.size = {request.output->GetWidth(), request.output->GetHeight()};
   plan.settings = scene.settings;
+  plan.views = scene.views;
   plan.motion = scene.motion;
+  plan = host::KeyedPlan(plan, size_);
   track_ = host::ViewTrack::For(plan, size_);
   // What this scene leaves to the effect, another one may have set, or a render.
   for (hfxParameter* parameter : hfx::ParametersOf(effect_->instance())) {
@@ -155,9 +158,9 @@ void PhotoEffect::SetUp(const FrameRequest& request) {
     }
   }
   if (track_) {
-    host::ApplyWithoutMove(*effect_, scene.settings);
+    host::ApplyWithoutMove(*effect_, plan.settings);
   } else {
-    for (const host::Setting& setting : scene.settings) host::Apply(*effect_, setting);
+    for (const host::Setting& setting : plan.settings) host::Apply(*effect_, setting);
   }
   effect_->ParametersChanged();
 }

@@ -98,11 +98,6 @@ std::shared_ptr<const host::RenderPlan> ProjectAt(const std::string& path, const
   }
 }
 
-/// Sets the velocity of every key there is.
-void SetVelocity(host::RenderPlan& plan, const std::string& parameter, const std::string& entry) {
-  for (host::SettingKey& key : plan.SettingOf(parameter).keys) key.value = entry;
-}
-
 /// Lets the parameters change `plan`: all of them, or those that are not as they were at first.
 void ApplyParameters(const Values& values, Role role, bool all, host::RenderPlan& plan) {
   for (const int index : {kFilter, kPath, kDisplay, kLevels}) {
@@ -112,8 +107,8 @@ void ApplyParameters(const Values& values, Role role, bool all, host::RenderPlan
   if (all || !ViewsAreUnset(values, role)) plan.SetViews(KeysOf(values, role));
   for (const int index : {kLeave, kArrive}) {
     if (IsUnset(values, role, index)) continue;
-    SetVelocity(plan, Parameters(role)[static_cast<size_t>(index)].list,
-                EntryAt(values, role, index));
+    plan.SetVelocity(Parameters(role)[static_cast<size_t>(index)].list,
+                     EntryAt(values, role, index));
   }
   if (!all && IsUnset(values, role, kBackground)) return;
   const auto background = BackgroundAt(values, role);
@@ -172,6 +167,7 @@ Scene SceneOf(const Values& values, Role role, const Scene& last) {
   ApplyParameters(values, role, scene.project == nullptr, plan);
   scene.photo = plan.photo;
   scene.settings = plan.settings;
+  scene.views = plan.views;
   scene.motion = MotionAt(values, role, plan);
   scene.playMode = plan.playMode;
   scene.format = plan.format;

@@ -20,6 +20,7 @@ struct Scene {
   std::string photo;                    ///< empty: none was given
   std::string levels;                   ///< entry of the effect's list
   std::vector<host::Setting> settings;  ///< of the effect, as in a plan
+  std::vector<host::TourView> views;    ///< a project's list of them, as in a plan
   host::MotionLaw motion = host::MotionLaw::kLinear;
   std::optional<host::Colour> background;  ///< as seen; none: the incoming video
   bool outlined = false;                   ///< the photograph at zoom 1, with the view outlined

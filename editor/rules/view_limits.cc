@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "framing/view.h"
-#include "host/moves/photo_views.h"
+#include "host/track/photo_views.h"
 
 namespace kelto::editor {
 namespace {

@@ -87,14 +87,6 @@ void ApplyFilm(const PlanOptions& options, RenderPlan& plan) {
   if (!options.fields.empty()) format.fields = ReadOption("--fields", options.fields, ParseFields);
 }
 
-/// Sets the velocity of every key there is; of every view, where there is no such key.
-void SetVelocity(RenderPlan& plan, const std::string& parameter, const std::string& entry) {
-  Setting& velocity = plan.SettingOf(parameter);
-  const Setting* zoom = plan.FindSetting("size");
-  if (velocity.keys.empty() && zoom != nullptr) velocity.keys = zoom->keys;
-  for (SettingKey& key : velocity.keys) key.value = entry;
-}
-
 bool IsVelocity(const ChoiceList& list) {
   return list.parameter == std::string(kArrival) || list.parameter == std::string(kDeparture);
 }
@@ -117,35 +109,17 @@ void ApplyLists(const PlanOptions& options, RenderPlan& plan) {
   });
 }
 
-/// How the views that the options gave are reached and left where no option says it.
-void SetUsualVelocities(const PlanOptions& options, RenderPlan& plan) {
-  if (plan.motion == MotionLaw::kLinear) return;
-  // A show's picture moves when it comes and while it goes.
-  if (options.views.turn) {
-    SetVelocity(plan, kArrival, EntryOf(ListOf(kArrival), "linear"));
-    SetVelocity(plan, kDeparture, EntryOf(ListOf(kDeparture), "linear"));
-  }
-  const SettingValue* path = HeldValue(plan.FindSetting("path"));
-  const bool smooth = path != nullptr && *path == SettingValue(EntryOf(ListOf("path"), "spline"));
-  if (!smooth) return;
-  // A smooth way goes through its views without a stop, but for those that it pauses at.
-  const std::vector<SettingKey> zooms = plan.SettingOf("size").keys;
-  const std::vector<SettingKey> centres = plan.SettingOf("position").keys;
-  const auto pauses = [&](size_t i) {
-    return zooms[i].value == zooms[i + 1].value && centres[i].value == centres[i + 1].value;
-  };
+/// A show's picture moves when it comes and while it goes, where no option says otherwise.
+void SetShowsVelocities(const PlanOptions& options, RenderPlan& plan) {
+  if (plan.motion == MotionLaw::kLinear || !options.views.turn) return;
   for (const char* velocity : {kArrival, kDeparture}) {
-    std::vector<SettingKey>& keys = plan.SettingOf(velocity).keys;
-    for (size_t i = 1; i + 1 < keys.size(); ++i) {
-      if (pauses(i - 1) || pauses(i)) continue;
-      keys[i].value = EntryOf(ListOf(velocity), "linear");
-    }
+    plan.SetVelocity(velocity, EntryOf(ListOf(velocity), "linear"));
   }
 }
 
 void ApplyVelocities(const PlanOptions& options, RenderPlan& plan) {
   ForEachEntry(options, [&](const ChoiceList& list, const std::string& entry) {
-    if (IsVelocity(list)) SetVelocity(plan, list.parameter, entry);
+    if (IsVelocity(list)) plan.SetVelocity(list.parameter, entry);
   });
 }
 
@@ -203,7 +177,7 @@ void AddSources(const RenderPlan& plan, const PlanOptions& options, SandboxAcces
 RenderPlan Changed(RenderPlan plan, const std::string& input, const PlanOptions& options) {
   PlanOptions given = options;
   given.views.movesByItself = !IsProjectName(input) && options.views.movesByItself;
-  ApplyOptions(given, plan);
+  if (!ApplyOptions(given, plan)) CheckViews(input, plan);
   return plan;
 }
 
@@ -226,7 +200,7 @@ RenderPlan ChangedPlan(const std::string& input, const PlanOptions& options) {
   return Changed(PlanOf(input), input, options);
 }
 
-void ApplyOptions(const PlanOptions& options, RenderPlan& plan) {
+bool ApplyOptions(const PlanOptions& options, RenderPlan& plan) {
   ApplyMedia(options, plan);
   ApplyFilm(options, plan);
   ApplyLists(options, plan);
@@ -240,8 +214,10 @@ void ApplyOptions(const PlanOptions& options, RenderPlan& plan) {
   // After all that can be found wrong without the photo.
   ViewOptions views = options.views;
   views.lengthGiven = !options.seconds.empty() || !options.frames.empty() || !options.over.empty();
-  if (ApplyViews(views, plan)) SetUsualVelocities(options, plan);
+  const bool given = ApplyViews(views, plan);
+  if (given) SetShowsVelocities(options, plan);
   ApplyVelocities(options, plan);
+  return given;
 }
 
 }  // namespace kelto::host

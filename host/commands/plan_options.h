@@ -43,8 +43,8 @@ RenderPlan ChangedPlan(const std::string& input, const PlanOptions& options);
 /// The files that ChangedPlan reads, added to `access`. Throws Error for the project.
 void AddSources(const std::string& input, const PlanOptions& options, SandboxAccess& access);
 
-/// Lets the options that were given change `plan`. Throws UsageError that names the option, and
-/// Error for a photo that an option needs to know the size of.
-void ApplyOptions(const PlanOptions& options, RenderPlan& plan);
+/// Lets the options that were given change `plan`. Whether views are among them. Throws UsageError
+/// that names the option, and Error for a photo that an option needs to know the size of.
+bool ApplyOptions(const PlanOptions& options, RenderPlan& plan);
 
 }  // namespace kelto::host

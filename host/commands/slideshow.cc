@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <charconv>
 #include <memory>
 #include <set>
 #include <utility>
@@ -46,12 +45,6 @@ struct SlideshowOptions {
 /// Whole frames of a fade; none for 0.
 int32_t ParseFade(const std::string& text, FrameRate rate) {
   return ParseNumber(text) == 0.0 ? 0 : FramesOf(ParseSeconds(text), rate);
-}
-
-/// "0.5", which is read as the same number again.
-std::string NumberText(double number) {
-  char text[32];
-  return {text, std::to_chars(text, text + sizeof text, number).ptr};
 }
 
 /// Whole frames of a fade between pictures of `each` frames.

@@ -9,13 +9,13 @@
 #include "host/commands/option_text.h"
 #include "host/effect/photo.h"
 #include "host/moves/auto_move.h"
-#include "host/moves/photo_views.h"
 #include "host/moves/presets.h"
 #include "host/options/motion_law.h"
 #include "host/options/number.h"
 #include "host/options/rate.h"
 #include "host/plan/default_plan.h"
 #include "host/terminal/terminal.h"
+#include "host/track/photo_views.h"
 
 namespace kelto::host {
 namespace {
@@ -26,15 +26,13 @@ constexpr const char* kMixed = "mixed";
 constexpr double kGentleAmount = 1.25;
 
 /// Tells of a part that is shown with more around it than the frame's shape asks for.
-void TellIfWidened(const std::string& option, const std::string& text, const PhotoRect& part,
-                   const PhotoRect& shown) {
+void TellIfWidened(const std::string& name, const PhotoRect& part, const PhotoRect& shown) {
   constexpr double kRounding = 1e-9;
   const double asked = std::max(part.width, part.height * shown.width / shown.height);
   if (shown.width <= asked * (1 + kRounding)) return;
   char size[64];
   std::snprintf(size, sizeof size, "%.4gx%.4g", shown.width, shown.height);
-  PrintMessage(option + " " + text + ": is widened to " + size +
-               " pixels of the photo; zoom 20 goes no closer");
+  PrintMessage(name + ": is widened to " + size + " pixels of the photo; zoom 20 goes no closer");
 }
 
 /// Reads views; opens the photo for the first that speaks of its pixels.
@@ -42,14 +40,23 @@ class ViewReader {
  public:
   explicit ViewReader(const RenderPlan& plan) : plan_(plan) {}
 
+  GivenView ReadGiven(const std::string& option, const std::string& text) {
+    const GivenView given = ReadOption(option, text, ParseGivenView);
+    ReadOption(option, text, [&](const std::string&) { return ViewOf(option, given); });
+    return given;
+  }
+
   View Read(const std::string& option, const std::string& text) {
-    if (!IsPhotoRect(text)) return ReadOption(option, text, ParseView);
-    const PhotoRect part = ReadOption(option, text, ParsePhotoRect);
-    const PhotoViews& views = Views();
-    const PhotoRect shown = views.Around(part);
-    const View view =
-        ReadOption(option, text, [&](const std::string&) { return views.ViewOf(shown); });
-    TellIfWidened(option, text, part, shown);
+    return ViewOf(option, ReadGiven(option, text), false);
+  }
+
+  /// The view of the photo that is meant by `given`, named `name` where it is told that it is shown
+  /// with more around it. Throws UsageError.
+  View ViewOf(const std::string& name, const GivenView& given, bool tell = true) {
+    const auto* part = std::get_if<PhotoRect>(&given);
+    if (part == nullptr) return std::get<View>(given);
+    const View view = Views().ViewOf(given);
+    if (tell) TellIfWidened(name + " " + TextOf(given), *part, Views().Around(*part));
     return view;
   }
 
@@ -135,17 +142,10 @@ std::vector<View> EndsGiven(const ViewOptions& options, ViewReader& reader) {
 
 /// Sets the views of --view, and the film's length where they say it.
 void SetTour(const ViewOptions& options, ViewReader& reader, RenderPlan& plan) {
-  const std::vector<TourView> tour = TourOf(options.tour);
-  std::vector<View> views;
-  views.reserve(tour.size());
-  for (const TourView& one : tour) views.push_back(reader.Read("--view", one.view));
-  if (!HasTimes(tour) || tour.size() == 1) {
-    SetMove(plan, views);
-  } else {
-    SetMove(plan, KeysOf(tour, views));
-  }
-  if (HasTimes(tour) && !options.lengthGiven) {
-    plan.frames = FramesOf(SecondsOf(tour), plan.format.rate);
+  plan.SetTour(TourOf(options.tour,
+                      [&](const std::string& text) { return reader.ReadGiven("--view", text); }));
+  if (HasTimes(plan.views) && !options.lengthGiven) {
+    plan.frames = FramesOf(SecondsOf(plan.views), plan.format.rate);
   }
 }
 
@@ -220,6 +220,19 @@ bool ApplyViews(const ViewOptions& options, RenderPlan& plan) {
                              [](const std::string& text) { return ParseMotionLaw(text); });
   }
   return views;
+}
+
+void CheckViews(const std::string& project, const RenderPlan& plan) {
+  ViewReader reader(plan);
+  for (size_t i = 0; i < plan.views.size(); ++i) {
+    const std::string field = project + ": views[" + std::to_string(i) + "].view:";
+    const GivenView& given = plan.views[i].view;
+    try {
+      reader.ViewOf(field, given);
+    } catch (const UsageError& error) {
+      throw Error(field + " " + TextOf(given) + ": " + error.what());
+    }
+  }
 }
 
 }  // namespace kelto::host

@@ -1,7 +1,7 @@
 #include "host/facts/frame_facts.h"
 
 #include "host/effect/render_state.h"
-#include "host/facts/drawn_frame.h"
+#include "host/track/drawn_frame.h"
 
 namespace kelto::host {
 namespace {

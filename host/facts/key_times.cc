@@ -7,12 +7,17 @@ namespace kelto::host {
 
 std::vector<KeyTime> KeyTimesOf(const RenderPlan& plan) {
   std::vector<KeyTime> times;
+  const auto add = [&](double time) {
+    times.push_back({time, static_cast<int32_t>(std::lround(time * (plan.frames - 1)))});
+  };
+  if (!plan.views.empty()) {
+    for (const TourTime& tourTime : TimesOf(plan.views)) add(tourTime.time);
+  }
   for (const char* parameter : {"size", "position"}) {
     const Setting* setting = plan.FindSetting(parameter);
     if (setting == nullptr) continue;
     for (const SettingKey& key : setting->keys) {
-      if (!(key.time >= 0.0 && key.time <= 1.0)) continue;
-      times.push_back({key.time, static_cast<int32_t>(std::lround(key.time * (plan.frames - 1)))});
+      if (key.time >= 0.0 && key.time <= 1.0) add(key.time);
     }
   }
   std::sort(times.begin(), times.end(),

@@ -8,7 +8,7 @@
 
 namespace kelto::host {
 
-/// A time at which "size" or "position" has a key.
+/// A time at which a view of the list is reached or left, or "size" or "position" has a key.
 struct KeyTime {
   double time = 0.0;  ///< 0..1 over the film
   int32_t frame = 0;  ///< the frame nearest to it

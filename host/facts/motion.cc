@@ -6,6 +6,7 @@
 #include "host/effect/effect_settings.h"
 #include "host/effect/render_state.h"
 #include "host/files/path_text.h"
+#include "host/track/keyed_plan.h"
 
 namespace kelto::host {
 namespace {
@@ -43,8 +44,8 @@ std::string ReadEntry(hfx::Effect& effect, const char* key) {
 }  // namespace
 
 Motion::Motion(const std::string& modulePath, const RenderPlan& plan, PixelSize photo)
-    : plan_(plan),
-      track_(ViewTrack::For(plan, photo)),
+    : plan_(KeyedPlan(plan, photo)),
+      track_(ViewTrack::For(plan_, photo)),
       input_(kSide, kSide, hfxColorspaceRGB),
       output_(kSide, kSide, hfxColorspaceRGB) {
   std::string error;

@@ -7,6 +7,7 @@
 #include "host/effect/effect_settings.h"
 #include "host/effect/render_state.h"
 #include "host/files/path_text.h"
+#include "host/track/keyed_plan.h"
 
 namespace kelto::host {
 namespace {
@@ -36,10 +37,10 @@ bool SameLoading(const RenderPlan& a, const RenderPlan& b) {
 
 EffectSession::EffectSession(const std::string& modulePath, const RenderPlan& plan,
                              const Photo& photo, PixelLayout layout)
-    : plan_(plan),
+    : plan_(KeyedPlan(plan, {photo.width, photo.height})),
       layout_(layout),
       photo_(photo),
-      track_(ViewTrack::For(plan, {photo.width, photo.height})) {
+      track_(ViewTrack::For(plan_, {photo.width, photo.height})) {
   MakeImages();
   std::string error;
   module_ = hfx::Module::Load(ForCalls(PathOf(modulePath)), &error);
@@ -110,7 +111,8 @@ void EffectSession::Change(const Setting& setting) {
   effect_->ParametersChanged();
 }
 
-bool EffectSession::Adopt(const RenderPlan& plan) {
+bool EffectSession::Adopt(const RenderPlan& given) {
+  const RenderPlan plan = KeyedPlan(given, {photo_.width, photo_.height});
   if (!SameLoading(plan_, plan)) return false;
   auto track = ViewTrack::For(plan, {photo_.width, photo_.height});
   if ((track == nullptr) != (track_ == nullptr)) return false;

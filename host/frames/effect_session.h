@@ -47,7 +47,7 @@ class EffectSession {
   /// fields, where the host's motion takes the place of the effect's or the other way round, and
   /// where a setting is taken back to what the effect begins with. After an Error the session is of
   /// no use.
-  bool Adopt(const RenderPlan& plan);
+  bool Adopt(const RenderPlan& given);
 
  private:
   void MakeImages();

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "host/moves/photo_views.h"
 #include "host/moves/presets.h"
+#include "host/track/photo_views.h"
 
 namespace kelto::host {
 

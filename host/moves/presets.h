@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/moves/photo_views.h"
+#include "host/track/photo_views.h"
 
 namespace kelto::host {
 

@@ -50,6 +50,13 @@ std::string EntryOf(const ChoiceList& list, std::string_view word) {
   throw UsageError("choose one of " + WordsOf(list));
 }
 
+std::string WordFor(const ChoiceList& list, std::string_view entry) {
+  for (const Choice& choice : list.choices) {
+    if (choice.entry == entry) return choice.word;
+  }
+  return "";
+}
+
 std::string WordsOf(const ChoiceList& list) {
   std::string words;
   for (const Choice& choice : list.choices) {

@@ -32,6 +32,9 @@ const ChoiceList& ListOf(std::string_view parameter);
 /// The list entry that `word` stands for. Throws UsageError that says which words there are.
 std::string EntryOf(const ChoiceList& list, std::string_view word);
 
+/// The word that stands for a list entry; empty where none does.
+std::string WordFor(const ChoiceList& list, std::string_view entry);
+
 /// The words, "linear, ease, constant".
 std::string WordsOf(const ChoiceList& list);
 

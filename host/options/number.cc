@@ -25,4 +25,9 @@ std::optional<double> ParseNumber(std::string_view text) {
 
 std::optional<int64_t> ParseWhole(std::string_view text) { return ParseAll<int64_t>(text); }
 
+std::string NumberText(double number) {
+  char text[32];
+  return {text, std::to_chars(text, text + sizeof text, number).ptr};
+}
+
 }  // namespace kelto::host

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace kelto::host {
@@ -12,5 +13,8 @@ std::optional<double> ParseNumber(std::string_view text);
 
 /// A whole number that takes up the whole text.
 std::optional<int64_t> ParseWhole(std::string_view text);
+
+/// The shortest text that ParseNumber reads as the same finite number.
+std::string NumberText(double number);
 
 }  // namespace kelto::host

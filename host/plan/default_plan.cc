@@ -1,6 +1,5 @@
 #include "host/plan/default_plan.h"
 
-#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -10,7 +9,6 @@
 namespace kelto::host {
 namespace {
 
-constexpr double kDefaultSeconds = 5.0;
 constexpr const char* kArrival = "invelocity";
 constexpr const char* kDeparture = "outvelocity";
 
@@ -24,35 +22,25 @@ std::string Preset(const char* parameter) {
 RenderPlan DefaultPlan(const std::string& photo) {
   RenderPlan plan;
   plan.photo = photo;
-  plan.frames = FramesOf(kDefaultSeconds, plan.format.rate);
+  plan.frames = FramesOf(kUsualSeconds, plan.format.rate);
   for (const ChoiceList& list : ChoiceLists()) {
     const std::string parameter = list.parameter;
     if (parameter == kArrival || parameter == kDeparture) continue;
     plan.Set(parameter, EntryOf(list, list.preset));
   }
   plan.Set("bgcolor", BackgroundFor({}));
-  SetMove(plan, View{}, View{});
+  // Keys, so that a project may set single parameters of them.
+  const std::string arrival = Preset(kArrival), departure = Preset(kDeparture);
+  plan.SetViews(
+      std::array{ViewKey{0.0, {}, arrival, departure}, ViewKey{1.0, {}, arrival, departure}});
   return plan;
 }
 
 void SetMove(RenderPlan& plan, std::span<const View> views) {
-  // A view that stands still takes two keys.
-  const size_t last = std::max<size_t>(views.size(), 2) - 1;
-  std::vector<ViewKey> keys;
-  keys.reserve(last + 1);
-  for (size_t i = 0; i <= last; ++i) {
-    const double time = static_cast<double>(i) / static_cast<double>(last);
-    keys.push_back({time, views[std::min(i, views.size() - 1)], "", ""});
-  }
-  SetMove(plan, std::move(keys));
-}
-
-void SetMove(RenderPlan& plan, std::vector<ViewKey> keys) {
-  for (ViewKey& key : keys) {
-    key.arrival = Preset(kArrival);
-    key.departure = Preset(kDeparture);
-  }
-  plan.SetViews(keys);
+  std::vector<TourView> tour;
+  tour.reserve(views.size());
+  for (const View& view : views) tour.push_back({view});
+  plan.SetTour(std::move(tour));
 }
 
 void SetMove(RenderPlan& plan, const View& from, const View& to) {

@@ -1,8 +1,14 @@
 #include "host/plan/render_plan.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kelto::host {
+
+bool MovesTheView(const std::string& parameter) {
+  return parameter == "size" || parameter == "position" || parameter == "invelocity" ||
+         parameter == "outvelocity";
+}
 
 Setting& RenderPlan::SettingOf(const std::string& parameter) {
   const auto found = std::find_if(settings.begin(), settings.end(), [&](const Setting& setting) {
@@ -37,6 +43,22 @@ void RenderPlan::SetViews(std::span<const ViewKey> keys) {
   for (const Setting& setting : std::array{zoom, position, arrival, departure}) {
     SettingOf(setting.parameter) = setting;
   }
+  views.clear();
+}
+
+void RenderPlan::SetTour(std::vector<TourView> tour) {
+  views = std::move(tour);
+  std::erase_if(settings, [](const Setting& setting) { return MovesTheView(setting.parameter); });
+}
+
+void RenderPlan::SetVelocity(const std::string& parameter, const std::string& entry) {
+  const bool arrives = parameter == "invelocity";
+  for (TourView& view : views) (arrives ? view.arrival : view.departure) = entry;
+  if (!views.empty()) return;
+  Setting& velocity = SettingOf(parameter);
+  const Setting* zoom = FindSetting("size");
+  if (velocity.keys.empty() && zoom != nullptr) velocity.keys = zoom->keys;
+  for (SettingKey& key : velocity.keys) key.value = entry;
 }
 
 std::array<double, 3> BackgroundFor(Colour colour) {

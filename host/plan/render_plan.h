@@ -12,6 +12,7 @@
 #include "host/options/motion_law.h"
 #include "host/options/view.h"
 #include "host/plan/setting.h"
+#include "host/plan/tour.h"
 
 namespace kelto::host {
 
@@ -24,13 +25,20 @@ struct ViewKey {
   std::string departure;
 };
 
+/// Whether a parameter is one of those in whose place a list of views may stand: "size",
+/// "position", "invelocity", "outvelocity".
+bool MovesTheView(const std::string& parameter);
+
 struct RenderPlan {
   std::string photo;
   std::string over{};   ///< the video behind the photo; empty for none
   std::string audio{};  ///< file whose sound goes into the film; empty for none
   FilmFormat format;
   int32_t frames = 1;
-  std::vector<Setting> settings;          ///< one for each parameter at most
+  std::vector<Setting> settings;  ///< one for each parameter at most
+  /// Where the view looks over time. While there are any, "size", "position", "invelocity" and
+  /// "outvelocity" have no settings; the times are scaled to the film's length.
+  std::vector<TourView> views;
   MotionLaw motion = MotionLaw::kLinear;  ///< how the view goes from key to key
   int32_t playMode = 0;                   ///< a hfxPlayMode
 
@@ -40,9 +48,13 @@ struct RenderPlan {
   const Setting* FindSetting(const std::string& parameter) const;
   /// Sets `parameter` to one value for the whole film.
   void Set(const std::string& parameter, const SettingValue& value);
-  /// Sets "size", "position", "invelocity" and "outvelocity". The effect takes no notice of a
-  /// single key: a view that stands still is two equal keys.
+  /// Sets "size", "position", "invelocity" and "outvelocity" in place of the list of views. The
+  /// effect takes no notice of a single key: a view that stands still is two equal keys.
   void SetViews(std::span<const ViewKey> keys);
+  /// Sets the list of views, of one at least, in place of these four.
+  void SetTour(std::vector<TourView> tour);
+  /// Sets "invelocity" or "outvelocity" for every view or key there is.
+  void SetVelocity(const std::string& parameter, const std::string& entry);
 };
 
 /// The value of the effect's parameter "bgcolor" that is seen as `colour` in the film.

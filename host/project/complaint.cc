@@ -113,8 +113,9 @@ std::string OfLength(const json& schema, const json& value) {
   const bool many = schema.contains("maxItems") && value.size() > schema["maxItems"];
   if (!few && !many) return "";
   const std::string found = "has " + std::to_string(value.size()) + " entries, not ";
-  return few ? found + schema["minItems"].dump()
-             : found + (schema.contains("minItems") ? "" : "at most ") + schema["maxItems"].dump();
+  const bool exactly = schema.value("minItems", json()) == schema.value("maxItems", json());
+  if (few) return found + (exactly ? "" : "at least ") + schema["minItems"].dump();
+  return found + (exactly ? "" : "at most ") + schema["maxItems"].dump();
 }
 
 /// Names that the schemas {"required": [NAME]} of a list demand.

@@ -19,6 +19,7 @@
 #include "host/project/paths.h"
 #include "host/project/project_file.h"
 #include "host/project/schema.h"
+#include "host/project/tour_json.h"
 
 namespace kelto::host {
 namespace {
@@ -56,16 +57,20 @@ std::string ReadPath(const json& document, const char* field, const std::string&
 
 void ReadFilm(const json& film, RenderPlan& plan) {
   FilmFormat& format = plan.format;
-  const double usualSeconds = plan.frames / format.rate.PerSecond();
+  const double usualSeconds =
+      HasTimes(plan.views) ? SecondsOf(plan.views) : plan.frames / format.rate.PerSecond();
   format.size.width = film.value("width", format.size.width);
   format.size.height = film.value("height", format.size.height);
   if (film.contains("rate")) {
     format.rate = ReadField({"film", "rate"}, [&] { return ParseRate(TextOf(film["rate"])); });
   }
   const double seconds = film.value("seconds", usualSeconds);
-  plan.frames = film.contains("frames") ? film["frames"].get<int32_t>()
-                                        : ReadField({"film", "seconds"},
-                                                    [&] { return FramesOf(seconds, format.rate); });
+  const FieldPath length = film.contains("seconds") || !HasTimes(plan.views)
+                               ? FieldPath{"film", "seconds"}
+                               : FieldPath{"views"};
+  plan.frames = film.contains("frames")
+                    ? film["frames"].get<int32_t>()
+                    : ReadField(length, [&] { return FramesOf(seconds, format.rate); });
   const std::string fields = film.value("fields", "progressive");
   format.fields = fields == "top"      ? FieldOrder::kTopFirst
                   : fields == "bottom" ? FieldOrder::kBottomFirst
@@ -141,6 +146,17 @@ void ReadParameters(const json& parameters, RenderPlan& plan) {
   }
 }
 
+/// The list of views, which no keys may stand beside.
+void ReadViews(const json& document, const json& parameters, RenderPlan& plan) {
+  if (!document.contains("views")) return;
+  for (const auto& [name, ignored] : parameters.items()) {
+    if (!MovesTheView(name)) continue;
+    throw Error("views: says where the film looks, and so does " + ToString({"parameters", name}) +
+                "; leave one of them out");
+  }
+  plan.SetTour(ReadTour(document["views"]));
+}
+
 struct CloseFile {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
@@ -170,9 +186,12 @@ RenderPlan PlanOf(const std::string& text, const std::string& path) {
   plan.over = ReadPath(document, "over", path);
   plan.audio = ReadPath(document, "audio", path);
   plan.playMode = document.value("playMode", plan.playMode);
-  plan.motion = ParseMotionLaw(document.value("motion", WordOf(plan.motion)));
+  const json parameters = document.value("parameters", json::object());
+  ReadViews(document, parameters, plan);
+  const MotionLaw usual = plan.views.empty() ? MotionLaw::kLinear : MotionLaw::kSteady;
+  plan.motion = ParseMotionLaw(document.value("motion", WordOf(usual)));
   ReadFilm(document.value("film", json::object()), plan);
-  ReadParameters(document.value("parameters", json::object()), plan);
+  ReadParameters(parameters, plan);
   return plan;
 }
 

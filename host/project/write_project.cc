@@ -7,17 +7,29 @@
 #include "host/files/output_file.h"
 #include "host/files/path_text.h"
 #include "host/files/program_folder.h"
+#include "host/options/rate.h"
+#include "host/plan/default_plan.h"
 #include "host/project/display_aspect.h"
 #include "host/project/layout.h"
 #include "host/project/memory_reserve.h"
 #include "host/project/paths.h"
 #include "host/project/project_file.h"
 #include "host/project/schema.h"
+#include "host/project/tour_json.h"
 
 namespace kelto::host {
 namespace {
 
 using nlohmann::ordered_json;
+
+/// Whether a project without a length would be as long as the plan by its list of views. The length
+/// is left out then, so that changed times of views are not scaled to it.
+bool LengthFollowsFromViews(const RenderPlan& plan) {
+  if (plan.views.empty()) return false;
+  const double seconds = HasTimes(plan.views) ? SecondsOf(plan.views) : kUsualSeconds;
+  return seconds * plan.format.rate.PerSecond() < kMaxFrames &&
+         plan.frames == FramesOf(seconds, plan.format.rate);
+}
 
 ordered_json FilmOf(const RenderPlan& plan) {
   const FilmFormat& format = plan.format;
@@ -30,7 +42,7 @@ ordered_json FilmOf(const RenderPlan& plan) {
     film["rate"] =
         std::to_string(format.rate.numerator) + "/" + std::to_string(format.rate.denominator);
   }
-  film["frames"] = plan.frames;
+  if (!LengthFollowsFromViews(plan)) film["frames"] = plan.frames;
   film["fields"] = format.fields == FieldOrder::kTopFirst      ? "top"
                    : format.fields == FieldOrder::kBottomFirst ? "bottom"
                                                                : "progressive";
@@ -62,6 +74,7 @@ ordered_json JsonOf(const Setting& setting) {
 ordered_json ParametersOf(const RenderPlan& plan) {
   ordered_json parameters = ordered_json::object();
   for (const std::string& name : ProjectParameters()) {
+    if (!plan.views.empty() && MovesTheView(name)) continue;
     const Setting* setting = plan.FindSetting(name);
     // Said outright, since a project that is silent means the usual value.
     parameters[name] = setting != nullptr ? JsonOf(*setting) : ordered_json::object();
@@ -84,6 +97,7 @@ std::string TextOf(const std::string& path, const RenderPlan& plan) {
   if (!plan.audio.empty()) document["audio"] = ForProject(path, plan.audio);
   document["film"] = FilmOf(plan);
   document["motion"] = WordOf(plan.motion);
+  if (!plan.views.empty()) document["views"] = JsonOf(plan.views);
   document["playMode"] = plan.playMode;
   document["parameters"] = ParametersOf(plan);
   return LaidOut(document);

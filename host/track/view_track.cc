@@ -5,6 +5,7 @@
 
 #include "framing/frame_rects.h"
 #include "host/effect/render_state.h"
+#include "host/track/keyed_plan.h"
 #include "host/track/planned_stops.h"
 
 namespace kelto::host {
@@ -47,7 +48,8 @@ motion::Room RoomOf(const RenderPlan& plan, PixelSize photo) {
 
 std::unique_ptr<const ViewTrack> ViewTrack::For(const RenderPlan& plan, PixelSize photo) {
   if (plan.motion == MotionLaw::kLinear) return nullptr;
-  return std::unique_ptr<const ViewTrack>(new ViewTrack(plan, RoomOf(plan, photo)));
+  return std::unique_ptr<const ViewTrack>(
+      new ViewTrack(KeyedPlan(plan, photo), RoomOf(plan, photo)));
 }
 
 ViewTrack::ViewTrack(const RenderPlan& plan, const motion::Room& room)

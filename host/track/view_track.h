@@ -22,7 +22,7 @@ motion::Room RoomOf(const RenderPlan& plan, PixelSize photo);
 class ViewTrack {
  public:
   /// The track of a plan over a photo of this size in pixels, upright; null where the law is
-  /// linear. Throws std::bad_alloc.
+  /// linear. Throws as KeyedPlan does, and std::bad_alloc.
   static std::unique_ptr<const ViewTrack> For(const RenderPlan& plan, PixelSize photo);
 
   /// The view of the frame or field that `state` is of.

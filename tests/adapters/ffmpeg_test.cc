@@ -91,6 +91,22 @@ TEST_F(Ffmpeg, FieldsAndThePixelsShapeOfAProjectAreItsOwn) {
   }
 }
 
+TEST_F(Ffmpeg, TheListOfViewsOfAProjectIsTheCommands) {
+  const Size size{320, 180};
+  const std::string project = folder_ / "tour.json";
+  for (const char* law : {"linear", "steady"}) {
+    std::ofstream(project) << R"({"image": "photo.bmp", "motion": ")" << law << R"(",
+      "film": {"rate": 4, "width": 320, "height": 180},
+      "views": [{"view": "20,10,160,90", "hold": 0.5, "go": 1}, {"view": "2@-0.1,0", "out": "linear"},
+                {"view": "1"}]})";
+    const Frames command = test::RenderByCommand(project, size, {});
+    ASSERT_EQ(command.Count(), 14u);
+    ExpectSameFrames(Render(Video(size, "4") + ",frei0r=kelto_pan_zoom:" + project, size, 14),
+                     command, law);
+    EXPECT_TRUE(outcome_.Lines().empty()) << outcome_.err;
+  }
+}
+
 TEST_F(Ffmpeg, TheMotionBetweenItsViewsIsTheCommands) {
   const Size size{320, 180};
   Frames steady;

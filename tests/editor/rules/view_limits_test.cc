@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/moves/photo_views.h"
+#include "host/track/photo_views.h"
 #include "host/plan/default_plan.h"
 #include "tests/editor/rules/limits_of_tests.h"
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 #include <map>
 #include <sstream>
 
@@ -197,6 +198,36 @@ TEST_F(MotionLaws, HoldAndGoSayHowLongViewsAndWaysTake) {
   const Table scaled = Inspect(And(tour, {"--seconds", "4"}));
   ASSERT_EQ(scaled.at("zoom").size(), 4u * 25);
   EXPECT_NEAR(zoomAt(scaled, 5.0), 4.0, 1e-9);
+}
+
+TEST_F(MotionLaws, ASavedTourIsOneListWithItsTimesAndTheSameFilm) {
+  const Words tour{"--view", "0,0,1632,918",    "--hold", "1", "--go",   "3",
+                   "--view", "600,400,480,270", "--hold", "2", "--view", "2@0.1,0"};
+  Words words{"new", photo_, "-o", folder_ / "tour.json"};
+  EXPECT_EQ(RunKelto(And(words, tour)).code, 0);
+  const std::string text = BytesOf(folder_ / "tour.json");
+  EXPECT_THAT(text, testing::HasSubstr(R"({"view": "600,400,480,270", "hold": 2.0})"));
+  EXPECT_THAT(text, testing::Not(testing::HasSubstr("\"frames\"")));
+  EXPECT_EQ(Inspect({}, folder_ / "tour.json"), Inspect(tour));
+  EXPECT_EQ(Inspect({"--path", "spline"}, folder_ / "tour.json"),
+            Inspect(And(tour, {"--path", "spline"})));
+  EXPECT_EQ(Inspect({"--in", "linear", "--motion", "linear"}, folder_ / "tour.json"),
+            Inspect(And(tour, {"--in", "linear", "--motion", "linear"})));
+}
+
+TEST_F(MotionLaws, APartOfThePhotoThatCannotBeShownIsToldByItsPlaceInTheProject) {
+  const auto told = [&](const char* part) {
+    std::ofstream(folder_ / "p.json") << R"({"image": "photo.png", "views": [{"view": "1"},
+      {"view": ")" << part << "\"}]}";
+    const Outcome outcome = RunKelto({"inspect", folder_ / "p.json", "--csv"});
+    EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+    return std::to_string(outcome.code) + outcome.err;
+  };
+  EXPECT_THAT(told("-900000,0,900000,100"),
+              testing::StartsWith("1kelto: " + (folder_ / "p.json") +
+                                  ": views[1].view: -9e+05,0,9e+05,100: takes a zoom of"));
+  EXPECT_THAT(told("10,10,8,8"), testing::StartsWith("0kelto: " + (folder_ / "p.json") +
+                                                     ": views[1].view: 10,10,8,8: is widened to "));
 }
 
 TEST_F(MotionLaws, ABatchPassesTheTimesOnWithTheirViews) {

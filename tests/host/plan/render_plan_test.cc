@@ -34,5 +34,33 @@ TEST(RenderPlan, ViewsBecomeKeysOfFourParameters) {
   EXPECT_EQ(plan.settings.size(), 4u);
 }
 
+TEST(RenderPlan, HasEitherAListOfViewsOrKeys) {
+  RenderPlan plan;
+  plan.Set("filter", std::string("Filter: Cubic"));
+  const ViewKey keys[] = {{0.0, {}, "In: Linear", "Out: Linear"}};
+  plan.SetViews(keys);
+  plan.SetTour({{View{2.0}}});
+  ASSERT_EQ(plan.settings.size(), 1u);
+  EXPECT_EQ(plan.settings[0].parameter, "filter");
+  plan.SetViews(keys);
+  EXPECT_TRUE(plan.views.empty());
+  EXPECT_EQ(plan.settings.size(), 5u);
+}
+
+TEST(RenderPlan, AVelocityIsThatOfEveryViewOrKey) {
+  RenderPlan plan;
+  plan.SetTour({{View{1.0}}, {View{2.0}, 0.0, 0.0, "In: Constant", ""}});
+  plan.SetVelocity("invelocity", "In: Linear");
+  for (const TourView& view : plan.views) EXPECT_EQ(view.arrival, "In: Linear");
+  EXPECT_EQ(plan.views[0].departure, "");
+  EXPECT_TRUE(plan.settings.empty());
+  plan.views.clear();
+  plan.SettingOf("size").keys = {{0.0, 1.0}, {1.0, 2.0}};
+  plan.SetVelocity("outvelocity", "Out: Hold");
+  EXPECT_EQ(
+      plan.FindSetting("outvelocity")->keys,
+      (std::vector<SettingKey>{{0.0, std::string("Out: Hold")}, {1.0, std::string("Out: Hold")}}));
+}
+
 }  // namespace
 }  // namespace kelto::host

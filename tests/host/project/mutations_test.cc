@@ -7,6 +7,7 @@
 #include "host/frames/effect_session.h"
 #include "host/project/project_file.h"
 #include "host/project/schema.h"
+#include "host/track/keyed_plan.h"
 #include "tests/host/project/check_project_text.h"
 #include "tests/host/project/random_plan.h"
 #include "tests/support/photo.h"
@@ -145,6 +146,9 @@ class Mutations : public testing::Test {
     texts_.push_back(R"({"image": "photo.bmp", "film": {"seconds": 2, "displayAspect": 1.5},
       "parameters": {"size": [{"frame": 0, "value": 1}, {"seconds": 1, "value": 2}],
                      "bgcolor": {"value": "#102040"}}})");
+    texts_.push_back(R"({"image": "photo.bmp", "motion": "fly", "views": [
+      {"view": "0,0,20,15", "hold": 1, "go": 2}, {"view": "2@0.1,0", "in": "constant"},
+      {"view": "10,5,8,8", "out": "hold"}, {"view": "0.5"}]})");
   }
 
   TempFolder folder_;
@@ -174,6 +178,11 @@ TEST_F(Mutations, DamagedProjectsAreRefusedOrRender) {
       continue;
     }
     ++accepted;
+    try {
+      plan = host::KeyedPlan(plan, {40, 30});
+    } catch (const host::Error&) {
+      continue;  // a part of the photo that the effect cannot show
+    }
     for (const host::Setting& setting : plan.settings) session.Change(setting);
     session.Render(i % 3 == 0 ? 0 : first.frames / 2);
   }

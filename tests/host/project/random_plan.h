@@ -31,6 +31,9 @@ class RandomPlan {
     for (const std::string& parameter : host::ProjectParameters()) {
       plan.SettingOf(parameter) = SettingOf(parameter);
     }
+    plan.motion = Pick<host::MotionLaw>(
+        {host::MotionLaw::kLinear, host::MotionLaw::kSteady, host::MotionLaw::kFly});
+    if (Whole(1) == 1) plan.SetTour(Tour());
     return plan;
   }
 
@@ -55,6 +58,25 @@ class RandomPlan {
       default:
         return value;
     }
+  }
+
+  host::GivenView GivenView() {
+    if (Whole(1) == 1) return View{Real(0.1, 20), Real(-100, 100), Real(-100, 100)};
+    return host::PhotoRect{Real(-1e4, 1e4), Real(-1e4, 1e4), 1e-3 + Real(0, 1e4),
+                           1e-3 + Real(0, 1e4)};
+  }
+
+  std::vector<host::TourView> Tour() {
+    std::vector<host::TourView> tour(1 + Whole(5));
+    for (host::TourView& one : tour) {
+      one.view = GivenView();
+      if (Whole(1) == 1) one.hold = Real(0, 100);
+      if (Whole(1) == 1) one.go = host::kShortestGo + Real(0, 100);
+      if (Whole(1) == 1) one.arrival = std::get<std::string>(Value("invelocity"));
+      if (Whole(1) == 1) one.departure = std::get<std::string>(Value("outvelocity"));
+    }
+    tour.back().go = 0.0;
+    return tour;
   }
 
   host::SettingValue Value(const std::string& parameter) {

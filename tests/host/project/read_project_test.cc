@@ -150,6 +150,34 @@ TEST(ReadProject, FieldOrdersAreTopAndBottom) {
   EXPECT_EQ(fields("progressive"), FieldOrder::kProgressive);
 }
 
+TEST(ReadProject, ViewsAreOneListWithTheirTimes) {
+  const RenderPlan plan = Read(R"({"image": "a.jpg", "views": [
+      {"view": "1200,400,960,540", "hold": 2, "go": 3.5, "out": "linear"},
+      {"view": "2@0.1,-0.05", "in": "constant", "out": "hold"}, {"view": "1.5", "hold": 1}]})");
+  EXPECT_EQ(plan.views,
+            (std::vector<TourView>{{PhotoRect{1200, 400, 960, 540}, 2.0, 3.5, "", "Out: Linear"},
+                                   {View{2.0, 0.1, -0.05}, 0.0, 0.0, "In: Constant", "Out: Hold"},
+                                   {View{1.5}, 1.0}}));
+  EXPECT_EQ(plan.motion, MotionLaw::kSteady) << "what is given by views goes steadily";
+  EXPECT_EQ(plan.frames, 213) << "2 + 3.5 + 2 + 1 seconds at 25 a second";
+  EXPECT_EQ(plan.FindSetting("size"), nullptr) << "no keys stand beside the list";
+  EXPECT_EQ(Read(R"({"image": "a", "motion": "linear", "views": [{"view": "2"}]})").motion,
+            MotionLaw::kLinear);
+}
+
+TEST(ReadProject, AFilmIsAsLongAsItsViewsUnlessItSaysItself) {
+  const auto frames = [](const std::string& film, const std::string& times) {
+    return Read(R"({"image": "a", "film": {)" + film + R"(}, "views": [{"view": "1")" + times +
+                R"(}, {"view": "2"}]})")
+        .frames;
+  };
+  EXPECT_EQ(frames("", R"(, "go": 3)"), 75);
+  EXPECT_EQ(frames(R"("rate": 50)", R"(, "go": 3)"), 150);
+  EXPECT_EQ(frames(R"("frames": 10)", R"(, "go": 3)"), 10);
+  EXPECT_EQ(frames(R"("seconds": 2)", R"(, "go": 3)"), 50);
+  EXPECT_EQ(frames("", ""), 125) << "as any film when nothing says how long it is";
+}
+
 TEST(ReadProject, AWrongListValueIsToldWithItsFieldAndTheRightOnes) {
   EXPECT_THAT(
       FaultOf("outvelocity", R"([{"time": 0, "value": 0}, {"time": 0.5, "value": 1},
@@ -189,6 +217,30 @@ TEST(ReadProject, EveryFaultNamesItsField) {
       {Fault(R"({"image": "a", "film": {"displayAspect": "0:1"}})"), "film.displayAspect",
        "pixels at most 65535 times as long one way as the other"},
       {Fault(R"({"image": "a", "film": {"length": 1}})"), "film.length", "there is no such field"},
+      {Fault(R"({"image": "a", "views": []})"), "views", "has 0 entries, not at least 1"},
+      {Fault(R"({"image": "a", "views": [{"hold": 1}]})"), "views[0]", "has no \"view\""},
+      {Fault(R"({"image": "a", "views": [{"view": "1"}, {"view": 2}]})"), "views[1].view",
+       "2 is not a text"},
+      {Fault(R"({"image": "a", "views": [{"view": "1"}, {"view": "x"}]})"), "views[1].view",
+       "\"x\": a view is ZOOM or ZOOM@X,Y"},
+      {Fault(R"({"image": "a", "views": [{"view": "1,2,3"}]})"), "views[0].view",
+       "a part of the photo is X,Y,WIDTH,HEIGHT"},
+      {Fault(R"({"image": "a", "views": [{"view": "1", "hold": -1}]})"), "views[0].hold",
+       "-1 is not from 0 to 86400"},
+      {Fault(R"({"image": "a", "views": [{"view": "1", "go": 0}, {"view": "2"}]})"), "views[0].go",
+       "0 is not from 0.001 to 86400"},
+      {Fault(R"({"image": "a", "views": [{"view": "1"}, {"view": "2", "go": 1}]})"), "views[1].go",
+       "there is no view after this one; leave \"go\" out"},
+      {Fault(R"({"image": "a", "views": [{"view": "1", "in": "In: Linear"}]})"), "views[0].in",
+       "is not one of \"linear\", \"ease\", \"constant\""},
+      {Fault(R"({"image": "a", "views": [{"view": "1", "stay": 2}]})"), "views[0].stay",
+       "there is no such field; there are"},
+      {Fault(R"({"image": "a", "film": {"rate": 1000},
+                 "views": [{"view": "1", "hold": 86400}]})"),
+       "views", "frames at the most"},
+      {Fault(R"({"image": "a", "views": [{"view": "1"}],
+                 "parameters": {"outvelocity": {"value": 1}}})"),
+       "views", "and so does parameters.outvelocity; leave one of them out"},
       {Fault(R"({"image": "a", "": 1})"), "\"\"", "there is no such field"},
       {FaultOf("levels", R"({"": 2})"), "parameters.levels.\"\"", "there is no such field"},
       {Fault(R"({"image": "a", "film": {"a\nb": 1}})"), "film.a\\nb", "there is no such field"},

@@ -28,6 +28,8 @@ void ExpectSame(const RenderPlan& a, const RenderPlan& b) {
   EXPECT_EQ(a.format.sampleAspect, b.format.sampleAspect);
   EXPECT_EQ(a.frames, b.frames);
   EXPECT_EQ(a.playMode, b.playMode);
+  EXPECT_EQ(a.motion, b.motion);
+  EXPECT_EQ(a.views, b.views);
   for (const std::string& parameter : ProjectParameters()) {
     const Setting *first = a.FindSetting(parameter), *second = b.FindSetting(parameter);
     ASSERT_EQ(first == nullptr, second == nullptr) << parameter;
@@ -69,6 +71,24 @@ TEST_F(RoundTrip, WhatThePlanLeavesToTheEffectStaysThere) {
   std::erase_if(plan.settings, [](const Setting& s) { return s.parameter == "filter"; });
   WriteProject(folder_ / "p.json", plan);
   ExpectSame(plan, ReadProject(folder_ / "p.json"));
+}
+
+TEST_F(RoundTrip, AListOfViewsIsWrittenAsOneThatPeopleEdit) {
+  RenderPlan plan = Here(DefaultPlan("photo.jpg"));
+  plan.motion = MotionLaw::kSteady;
+  plan.SetTour({{PhotoRect{1200, 400, 960, 540}, 2.0, 3.0}, {View{2.0, 0.1, -0.05}, 1.0}});
+  plan.frames = 150;  // as long as they take
+  const std::string text = ProjectText(folder_ / "p.json", plan);
+  EXPECT_NE(text.find(R"("views": [)"
+                      "\n    {\"view\": \"1200,400,960,540\", \"hold\": 2.0, \"go\": 3.0},"
+                      "\n    {\"view\": \"2@0.1,-0.05\", \"hold\": 1.0}\n  ]"),
+            std::string::npos)
+      << text;
+  for (const char* field : {"\"frames\"", "\"size\"", "\"position\"", "\"invelocity\""}) {
+    EXPECT_EQ(text.find(field), std::string::npos) << field << " would stand beside the list";
+  }
+  plan.frames = 151;
+  EXPECT_NE(ProjectText(folder_ / "p.json", plan).find("\"frames\": 151"), std::string::npos);
 }
 
 TEST_F(RoundTrip, FilesBesideAndBelowTheProjectAreNamedRelativeToItOthersInFull) {

@@ -63,10 +63,11 @@ TEST(Schema, RefusesEveryFieldOfAWrongKind) {
     "film": {"width": 8, "height": 8, "rate": 25, "frames": 4, "fields": "top",
              "displayAspect": "1:1"},
     "parameters": {"size": [{"time": 0, "value": 1, "active": true}], "path": {"value": 1},
-                   "position": {"value": [0, 0]}, "progressive": {"value": true}}})");
+                   "position": {"value": [0, 0]}, "progressive": {"value": true}},
+    "views": [{"view": "2", "hold": 1, "go": 1, "in": "linear", "out": "ease"}]})");
   EXPECT_NO_THROW(CheckProject(document));
   const json flat = document.flatten();
-  EXPECT_EQ(flat.size(), 17u);
+  EXPECT_EQ(flat.size(), 22u);
   for (const auto& [pointer, value] : flat.items()) {
     json changed = document;
     changed[json::json_pointer(pointer)] = nullptr;

@@ -1,4 +1,4 @@
-#include "host/facts/drawn_frame.h"
+#include "host/track/drawn_frame.h"
 
 namespace kelto::host {
 

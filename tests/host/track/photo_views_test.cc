@@ -1,5 +1,5 @@
 // Parts of the photo, told from the frames that the module draws.
-#include "host/moves/photo_views.h"
+#include "host/track/photo_views.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "framing/drawn_area.h"
+#include "host/options/given_view.h"
 #include "host/options/photo_rect.h"
 #include "host/options/view.h"
 #include "host/plan/render_plan.h"
@@ -34,6 +35,8 @@ class PhotoViews {
   /// `part` must have a view's shape, as those above have. Throws UsageError when the effect cannot
   /// look so close or from so far.
   View ViewOf(const PhotoRect& part) const;
+  /// The view that people mean: of a part of the photo, the one around it. Throws UsageError.
+  View ViewOf(const GivenView& given) const;
 
  private:
   DrawnFrame frame_;

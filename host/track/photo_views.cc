@@ -1,12 +1,13 @@
-#include "host/moves/photo_views.h"
+#include "host/track/photo_views.h"
 
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <variant>
 
 #include "host/base/error.h"
 #include "host/effect/render_state.h"
-#include "host/facts/drawn_frame.h"
+#include "host/track/drawn_frame.h"
 
 namespace kelto::host {
 namespace {
@@ -97,6 +98,11 @@ View PhotoViews::ViewOf(const PhotoRect& part) const {
     throw UsageError("lies too far from the photo");
   }
   return view;
+}
+
+View PhotoViews::ViewOf(const GivenView& given) const {
+  const auto* part = std::get_if<PhotoRect>(&given);
+  return part != nullptr ? ViewOf(Around(*part)) : std::get<View>(given);
 }
 
 }  // namespace kelto::host

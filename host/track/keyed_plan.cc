@@ -1,0 +1,62 @@
+#include "host/track/keyed_plan.h"
+
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "host/base/error.h"
+#include "host/options/choices.h"
+#include "host/track/photo_views.h"
+
+namespace kelto::host {
+namespace {
+
+std::vector<View> ViewsOf(const std::vector<TourView>& tour, const PhotoViews& photo) {
+  std::vector<View> views;
+  views.reserve(tour.size());
+  for (size_t i = 0; i < tour.size(); ++i) {
+    try {
+      views.push_back(photo.ViewOf(tour[i].view));
+    } catch (const Error& error) {
+      throw Error("views[" + std::to_string(i) + "].view: " + TextOf(tour[i].view) + ": " +
+                  error.what());
+    }
+  }
+  return views;
+}
+
+/// Whether views that lie on the way are passed without a stop.
+bool PassesViews(const RenderPlan& plan) {
+  if (plan.motion == MotionLaw::kLinear) return false;
+  const SettingValue* path = HeldValue(plan.FindSetting("path"));
+  return path != nullptr && *path == SettingValue(EntryOf(ListOf("path"), "spline"));
+}
+
+}  // namespace
+
+RenderPlan KeyedPlan(const RenderPlan& plan, PixelSize photo) {
+  if (plan.views.empty()) return plan;
+  const std::vector<View> views = ViewsOf(plan.views, PhotoViews(plan, photo));
+  const std::vector<TourTime> times = TimesOf(plan.views);
+  const auto viewAt = [&](size_t i) { return views[times[i].view]; };
+  const bool passes = PassesViews(plan);
+  std::vector<ViewKey> keys;
+  keys.reserve(times.size());
+  for (size_t i = 0; i < times.size(); ++i) {
+    const bool inner = i > 0 && i + 1 < times.size();
+    const bool pauses = inner && (viewAt(i - 1) == viewAt(i) || viewAt(i) == viewAt(i + 1));
+    const bool passed = passes && inner && !pauses;
+    const auto word = [&](const std::string& said, const char* parameter) {
+      const ChoiceList& list = ListOf(parameter);
+      return !said.empty() ? said : EntryOf(list, passed ? "linear" : list.preset);
+    };
+    const TourView& view = plan.views[times[i].view];
+    keys.push_back({times[i].time, viewAt(i), word(view.arrival, "invelocity"),
+                    word(view.departure, "outvelocity")});
+  }
+  RenderPlan keyed = plan;
+  keyed.SetViews(keys);
+  return keyed;
+}
+
+}  // namespace kelto::host
