@@ -16,6 +16,9 @@ bool IsProjectName(const std::string& path);
 /// line, "FILE: FIELD: what is wrong".
 RenderPlan ReadProject(const std::string& path);
 
+/// The text of the file of that name, no more than a project may have. Throws Error.
+std::string ReadProjectText(const std::string& path);
+
 /// The same of a file's text.
 RenderPlan ParseProject(const std::string& text, const std::string& path);
 
@@ -24,6 +27,9 @@ RenderPlan ParseProject(const std::string& text, const std::string& path);
 /// path. A parameter with keys has no value beside them. Throws Error for a plan that no project
 /// can hold.
 std::string ProjectText(const std::string& path, const RenderPlan& plan);
+
+/// Throws UsageError for a name under which a file would not be read as a project.
+void CheckProjectName(const std::string& path);
 
 /// Writes the project, at once or not at all. Throws UsageError for a name under which it would not
 /// be read as a project, and Error.

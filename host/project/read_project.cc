@@ -214,6 +214,8 @@ RenderPlan ParseProject(const std::string& text, const std::string& path) {
   }
 }
 
+std::string ReadProjectText(const std::string& path) { return ReadText(path); }
+
 RenderPlan ReadProject(const std::string& path) { return ParseProject(ReadText(path), path); }
 
 }  // namespace kelto::host

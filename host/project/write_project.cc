@@ -119,10 +119,13 @@ std::string ProjectText(const std::string& path, const RenderPlan& plan) {
   }
 }
 
+void CheckProjectName(const std::string& path) {
+  if (IsProjectName(path)) return;
+  throw UsageError(path + ": a project's name ends in .json, or it would be taken for a picture");
+}
+
 void WriteProject(const std::string& path, const RenderPlan& plan) {
-  if (path != kStandardOutput && !IsProjectName(path)) {
-    throw UsageError(path + ": a project's name ends in .json, or it would be taken for a picture");
-  }
+  if (path != kStandardOutput) CheckProjectName(path);
   const std::string json = ProjectText(path, plan);
   for (const std::string& used : {plan.photo, plan.over, plan.audio}) {
     std::error_code error;

@@ -82,8 +82,8 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
       "host/terminal"}},
     // The editor, a program of its own made of the command's parts.
     {"editor/document",
-     {"framing", "host/base", "host/effect", "host/files", "host/moves", "host/options",
-      "host/plan", "host/project"}},
+     {"framing", "motion", "host/base", "host/effect", "host/files", "host/moves", "host/options",
+      "host/plan", "host/project", "host/track"}},
     {"editor/rules", {"framing", "host/base", "host/options", "host/plan", "host/track"}},
     {"editor/messages", {"editor/rules", "host/base", "host/options"}},
     // The process that draws, which has no windows.
@@ -96,11 +96,11 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
       "editor/rules"}},
     {"editor/widgets", {"host/base", "host/options", "host/playback", "editor/rules"}},
     {"editor/window",
-     {"framing", "host/base", "host/effect", "host/facts", "host/files", "host/film", "host/moves",
-      "host/options", "host/plan", "host/project", "host/track", "editor/document",
-      "editor/preview", "editor/rules", "editor/widgets"}},
+     {"framing", "motion", "host/base", "host/effect", "host/film", "host/moves", "host/options",
+      "host/plan", "host/project", "host/track", "editor/document", "editor/preview",
+      "editor/rules", "editor/widgets"}},
     // main.cc alone.
-    {"editor", {"host/base", "host/files", "editor/document", "editor/preview", "editor/window"}},
+    {"editor", {"host/base", "host/effect", "host/files", "editor/window"}},
     // Hosts too, made of the command's parts.
     {"adapters",
      {"platform", "framing", "runtime/hfx", "host/base", "host/effect", "host/files",

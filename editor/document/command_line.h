@@ -1,0 +1,17 @@
+// The document as a command.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "editor/document/document.h"
+
+namespace kelto::editor {
+
+/// The words of `kelto render PROJECT -o FILM`.
+std::vector<std::string> RenderWords(const std::string& project, const std::string& film);
+
+/// A line for a shell, whose quoting keeps every word as it is.
+std::string ShellLine(const std::vector<std::string>& words);
+
+}  // namespace kelto::editor

@@ -1,0 +1,46 @@
+// What the editor edits: the text of a project.
+//
+// The text is the document; what it means is read from it by the same libraries that the command
+// uses. A change is a function of values, from one document to the next, and writes only what it
+// changes: the rest of the text stays as whoever wrote it laid it out.
+#pragma once
+
+#include <functional>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+#include "host/plan/render_plan.h"
+
+namespace kelto::editor {
+
+struct Document {
+  std::string path;  ///< of the project; where it would lie while it has not been saved yet
+  std::string text;
+  bool operator==(const Document&) const = default;
+};
+
+/// A project of a photo that lies in `path` once it is saved: a gentle move in. Throws Error for a
+/// photo that cannot be opened.
+Document NewDocument(const std::string& photo, const std::string& path);
+
+/// The name of a project beside its photo: "beach.json" for "beach.jpg".
+std::string ProjectBeside(const std::string& photo);
+
+/// Reads a project. Throws Error, "FILE: FIELD: what is wrong".
+Document ReadDocument(const std::string& path);
+
+/// Writes the document to its path, at once or not at all. Throws Error.
+void WriteDocument(const Document& document);
+
+/// What the document means. Throws Error as ReadDocument does.
+host::RenderPlan PlanOf(const Document& document);
+
+/// The document after `change` of its JSON. Throws Error where the result would be no project, so
+/// that no change can make a document that could not be read again.
+Document Changed(const Document& document,
+                 const std::function<void(nlohmann::ordered_json&)>& change);
+
+/// The document as a project at another path, whose relative paths name the same files.
+Document MovedTo(const Document& document, const std::string& path);
+
+}  // namespace kelto::editor
