@@ -13,6 +13,7 @@ constexpr Command kCommands[] = {
     {"completion", AddCompletion, false},
     {"storyboard", AddStoryboard, false},
     {"play", AddPlay, false},
+    {"edit", AddEdit, false},
 };
 
 }  // namespace

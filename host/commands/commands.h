@@ -26,6 +26,7 @@ std::span<const Command> Commands();
 CLI::App* AddBatch(CLI::App& app);
 CLI::App* AddCompletion(CLI::App& app);
 CLI::App* AddDoctor(CLI::App& app);
+CLI::App* AddEdit(CLI::App& app);
 CLI::App* AddInspect(CLI::App& app);
 CLI::App* AddNew(CLI::App& app);
 CLI::App* AddPlay(CLI::App& app);
