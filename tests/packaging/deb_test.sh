@@ -7,7 +7,7 @@ trap 'rm -rf "$folder"' EXIT
 fail() { echo "deb_test: $*" >&2; exit 1; }
 
 (cd "$build" && cpack -G DEB -B "$folder") >"$folder/log" 2>&1 || { cat "$folder/log"; exit 1; }
-package=$(echo "$folder"/*.deb)
+package=$(echo "$folder"/kelto_*.deb)
 dpkg-deb -c "$package" >"$folder/contents"
 for file in usr/bin/kelto usr/lib/kelto/KeltoPanAndZoom.hfx usr/lib/frei0r-1/kelto_pan_zoom.so \
   usr/share/man/man1/kelto.1 libhfx.so.1 hfx.pc hfx-config.cmake; do

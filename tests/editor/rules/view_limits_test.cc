@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/track/photo_views.h"
 #include "host/plan/default_plan.h"
+#include "host/track/photo_views.h"
 #include "tests/editor/rules/limits_of_tests.h"
 
 namespace kelto::editor {

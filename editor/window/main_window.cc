@@ -1,0 +1,299 @@
+#include "editor/window/main_window.h"
+
+#include <QtWidgets>
+#include <algorithm>
+
+#include "editor/document/settings.h"
+#include "editor/document/tour_changes.h"
+#include "editor/window/film_panel.h"
+#include "editor/window/render_queue.h"
+#include "editor/window/scenes.h"
+#include "editor/window/view_panel.h"
+#include "host/base/error.h"
+
+namespace kelto::editor {
+
+MainWindow::MainWindow(const Programs& programs, QWidget* parent)
+    : QMainWindow(parent), programs_(programs), preview_(programs.preview, programs.module) {
+  setAcceptDrops(true);
+  MakeWidgets();
+  MakeActions();
+  Connect();
+  ShowDocument();
+  ShowTitle();
+  ShowStates();
+  resize(1440, 900);
+  const QSettings settings;
+  restoreGeometry(settings.value("window/geometry").toByteArray());
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::MakeWidgets() {
+  canvas_ = new Canvas;
+  previewView_ = new PreviewView;
+  timeline_ = new Timeline;
+  viewPanel_ = new ViewPanel;
+  filmPanel_ = new FilmPanel;
+  notice_ = new QLabel;
+  notice_->setObjectName("notice");
+  notice_->setWordWrap(true);
+  notice_->setMargin(8);
+  notice_->setAutoFillBackground(true);
+  notice_->setBackgroundRole(QPalette::ToolTipBase);
+  notice_->setForegroundRole(QPalette::ToolTipText);
+  notice_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  notice_->hide();
+
+  auto* panels = new QWidget;
+  auto* panelColumn = new QVBoxLayout(panels);
+  panelColumn->setContentsMargins(12, 8, 12, 12);
+  panelColumn->setSpacing(12);
+  panelColumn->addWidget(viewPanel_);
+  panelColumn->addWidget(filmPanel_);
+  panelColumn->addStretch();
+  auto* scroll = new QScrollArea;
+  scroll->setWidget(panels);
+  scroll->setWidgetResizable(true);
+  scroll->setFrameShape(QFrame::NoFrame);
+  scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  scroll->setMinimumWidth(panels->minimumSizeHint().width() + 20);
+
+  auto* side = new QSplitter(Qt::Vertical);
+  side->addWidget(previewView_);
+  side->addWidget(scroll);
+  side->setStretchFactor(0, 1);
+  side->setStretchFactor(1, 1);
+  side->setChildrenCollapsible(false);
+
+  auto* top = new QSplitter(Qt::Horizontal);
+  top->addWidget(canvas_);
+  top->addWidget(side);
+  top->setStretchFactor(0, 1);
+  top->setStretchFactor(1, 0);
+  top->setChildrenCollapsible(false);
+  top->setSizes({900, 420});
+
+  auto* all = new QSplitter(Qt::Vertical);
+  all->addWidget(top);
+  all->addWidget(timeline_);
+  all->setStretchFactor(0, 1);
+  all->setStretchFactor(1, 0);
+  all->setChildrenCollapsible(false);
+
+  auto* central = new QWidget;
+  auto* column = new QVBoxLayout(central);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  column->addWidget(notice_);
+  column->addWidget(all, 1);
+  setCentralWidget(central);
+
+  queue_ = new RenderQueue(programs_.command);
+  queueDock_ = new QDockWidget(tr("Films being made"));
+  queueDock_->setObjectName("films");
+  queueDock_->setWidget(queue_);
+  addDockWidget(Qt::BottomDockWidgetArea, queueDock_);
+  queueDock_->hide();
+}
+
+void MainWindow::Connect() {
+  connect(&session_, &Session::Changed, this, [this] {
+    preview_.SetPlan(session_.Plan());
+    ShowDocument();
+  });
+  connect(&session_, &Session::StateChanged, this, &MainWindow::ShowStates);
+  connect(&session_, &Session::StateChanged, this, &MainWindow::ShowTitle);
+  connect(&session_, &Session::Failed, this, &MainWindow::ShowFailure);
+  connect(&session_, &Session::FileChanged, this, &MainWindow::OnFileChanged);
+
+  connect(canvas_, &Canvas::ViewChanged, this,
+          [this](int view, const host::PhotoRect& part, Gesture gesture) {
+            Change(
+                tr("Move View"),
+                [=](const Document& d) { return WithPart(d, static_cast<size_t>(view), part); },
+                gesture);
+          });
+  connect(canvas_, &Canvas::ViewSelected, this, &MainWindow::Select);
+  connect(canvas_, &Canvas::ViewAdded, this, [this](const host::PhotoRect& part) {
+    const int last = static_cast<int>(session_.Plan().views.size()) - 1;
+    // Between start and end where neither says otherwise: the end stays the end.
+    const int after = std::clamp(selected_ < 0 ? last - 1 : std::min(selected_, last - 1), 0, last);
+    Change(tr("Add Stop"),
+           [=](const Document& d) { return WithStopAfter(d, static_cast<size_t>(after), part); });
+    Select(after + 1);
+  });
+  connect(canvas_, &Canvas::ViewRemoved, this, [this](int view) {
+    Change(tr("Remove Stop"),
+           [=](const Document& d) { return WithoutStop(d, static_cast<size_t>(view)); });
+    Select(std::min(view, static_cast<int>(session_.Plan().views.size()) - 1));
+  });
+  connect(canvas_, &Canvas::MenuAsked, this, &MainWindow::AskViewMenu);
+
+  connect(timeline_, &Timeline::TimeAsked, this, [this](double seconds) {
+    const double rate = session_.Plan().format.rate.PerSecond();
+    preview_.Seek(static_cast<int32_t>(std::lround(seconds * rate)));
+    ShowTime();
+  });
+  connect(timeline_, &Timeline::StopSelected, this, &MainWindow::Select);
+  connect(timeline_, &Timeline::StopTimesChanged, this,
+          [this](const StopTimes& times, Gesture gesture) {
+            std::vector<std::pair<double, double>> pairs;
+            for (const StopTime& time : times) pairs.emplace_back(time.hold, time.go);
+            Change(
+                tr("Change Times"), [&](const Document& d) { return WithTimes(d, pairs); },
+                gesture);
+          });
+  connect(timeline_, &Timeline::EasingAsked, this, &MainWindow::AskEasing);
+  connect(timeline_, &Timeline::KeysMoved, this,
+          [this](size_t lane, const std::vector<double>& times, Gesture gesture) {
+            ChangeKeys(
+                lane, tr("Move Keys"),
+                [&](std::vector<host::SettingKey>& keys) {
+                  for (size_t i = 0; i < std::min(keys.size(), times.size()); ++i) {
+                    keys[i].time = times[i];
+                  }
+                },
+                gesture);
+          });
+  connect(timeline_, &Timeline::KeyAdded, this, [this](size_t lane, double time) {
+    ChangeKeys(lane, tr("Add Key"), [&](std::vector<host::SettingKey>& keys) {
+      const auto after =
+          std::find_if(keys.begin(), keys.end(), [&](const auto& key) { return key.time > time; });
+      const host::SettingValue value =
+          after == keys.begin() ? keys.front().value : (after - 1)->value;
+      keys.insert(after, {time, value});
+    });
+  });
+  connect(timeline_, &Timeline::KeysRemoved, this, [this](const std::vector<KeyPlace>& places) {
+    const Gesture gesture = NewGesture();
+    for (auto place = places.rbegin(); place != places.rend(); ++place) {
+      ChangeKeys(place->lane, tr("Remove Keys"),
+                 [&](std::vector<host::SettingKey>& keys) {
+                   if (keys.size() > 2)
+                     keys.erase(keys.begin() + static_cast<ptrdiff_t>(place->key));
+                 },
+                 {gesture.id, place + 1 == places.rend()});
+    }
+  });
+  connect(timeline_, &Timeline::KeysCopied, this,
+          [this](const std::vector<KeyPlace>& places, double later) {
+            const Gesture gesture = NewGesture();
+            for (const KeyPlace& place : places) {
+              ChangeKeys(place.lane, tr("Copy Keys"),
+                         [&](std::vector<host::SettingKey>& keys) {
+                           host::SettingKey copy = keys.at(place.key);
+                           copy.time += later;
+                           const auto after =
+                               std::find_if(keys.begin(), keys.end(),
+                                            [&](const auto& key) { return key.time >= copy.time; });
+                           if (after == keys.end() || after->time > copy.time)
+                             keys.insert(after, copy);
+                         },
+                         {gesture.id, false});
+            }
+          });
+
+  connect(previewView_, &PreviewView::PlayAsked, &preview_, &Preview::Play);
+  connect(previewView_, &PreviewView::PauseAsked, &preview_, &Preview::Pause);
+  connect(previewView_, &PreviewView::FrameAsked, &preview_, &Preview::Seek);
+  connect(previewView_, &PreviewView::LoopAsked, &preview_, &Preview::SetLoop);
+  connect(previewView_, &PreviewView::BoxChanged, &preview_, &Preview::SetBox);
+  connect(&preview_, &Preview::PhotoRead, canvas_, &Canvas::SetPhoto);
+  connect(&preview_, &Preview::FrameDrawn, this, [this](const QImage& image, int32_t frame) {
+    previewView_->SetNotice("");
+    previewView_->SetFrame(image, frame);
+    ShowTime();
+  });
+  connect(&preview_, &Preview::WayFound, this, [this](const FilmWay& way) {
+    way_ = way;
+    ShowDocument();
+  });
+  connect(&preview_, &Preview::PlayingChanged, previewView_, &PreviewView::SetPlaying);
+  connect(&preview_, &Preview::Failed, previewView_, &PreviewView::SetNotice);
+
+  connect(viewPanel_, &ViewPanel::PartChanged, canvas_, &Canvas::ViewChanged);
+  connect(viewPanel_, &ViewPanel::TimesChanged, this, [this](double hold, double go) {
+    StopTimes times = StopTimesOf(session_.Plan());
+    if (selected_ < 0 || selected_ >= static_cast<int>(times.size())) return;
+    times[static_cast<size_t>(selected_)] = {hold, go};
+    emit timeline_->StopTimesChanged(times, NewGesture());
+  });
+  connect(filmPanel_, &FilmPanel::Changed, this,
+          [this](const QString& name, const Session::Change& change) { Change(name, change); });
+}
+
+void MainWindow::Change(const QString& name, const Session::Change& change, Gesture gesture) {
+  notice_->hide();
+  session_.Apply(name, change, gesture);
+}
+
+void MainWindow::ChangeKeys(size_t lane, const QString& name,
+                            const std::function<void(std::vector<host::SettingKey>&)>& change,
+                            Gesture gesture) {
+  // Lanes are shown for the parameters that have keys.
+  size_t shown = 0;
+  for (const std::string& parameter : LaneParameters()) {
+    const host::Setting* setting = session_.Plan().FindSetting(parameter);
+    if (setting == nullptr || setting->keys.empty() || shown++ != lane) continue;
+    host::Setting changed = *setting;
+    change(changed.keys);
+    Change(
+        name, [&](const Document& d) { return WithKeys(d, changed); }, gesture);
+    return;
+  }
+}
+
+void MainWindow::Select(int view) {
+  selected_ = view;
+  ShowDocument();
+}
+
+void MainWindow::ShowDocument() {
+  const bool open = session_.IsOpen();
+  for (QWidget* widget : {static_cast<QWidget*>(timeline_), static_cast<QWidget*>(previewView_),
+                          static_cast<QWidget*>(viewPanel_), static_cast<QWidget*>(filmPanel_)}) {
+    widget->setEnabled(open);
+  }
+  if (!open) {
+    canvas_->SetNotice(tr("Open a photograph, or drop one here"));
+    return;
+  }
+  canvas_->SetNotice("");
+  const host::RenderPlan& plan = session_.Plan();
+  try {
+    selected_ = std::min(selected_, static_cast<int>(plan.views.size()) - 1);
+    const CanvasScene scene =
+        CanvasSceneOf(plan, session_.Photo(), selected_, beyond_->isChecked(), way_);
+    canvas_->SetScene(scene);
+    timeline_->SetScene(TimelineSceneOf(plan, selected_, way_));
+    previewView_->SetFilm(plan.format, plan.frames);
+    viewPanel_->Show(scene, StopTimesOf(plan));
+    filmPanel_->Show(plan);
+  } catch (const host::Error& error) {
+    ShowFailure(QString::fromStdString(error.what()));
+  }
+  ShowTime();
+}
+
+void MainWindow::ShowTime() {
+  if (!session_.IsOpen()) return;
+  const double seconds = preview_.Frame() / session_.Plan().format.rate.PerSecond();
+  canvas_->SetTime(seconds);
+  timeline_->SetTime(seconds);
+}
+
+void MainWindow::ShowTitle() {
+  setWindowModified(session_.Modified());
+  setWindowTitle(session_.IsOpen()
+                     ? QFileInfo(session_.Path()).fileName() + "[*] – Kelto Pan & Zoom"
+                     : QString("Kelto Pan & Zoom"));
+  setWindowFilePath(session_.IsOpen() ? session_.Path() : QString());
+}
+
+void MainWindow::ShowFailure(const QString& reason) {
+  notice_->setText(reason);
+  notice_->show();
+}
+
+}  // namespace kelto::editor

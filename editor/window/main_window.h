@@ -1,0 +1,116 @@
+// The editor's window.
+#pragma once
+
+#include <QMainWindow>
+#include <functional>
+
+#include "editor/document/document.h"
+#include "editor/preview/preview.h"
+#include "editor/widgets/canvas.h"
+#include "editor/widgets/preview_view.h"
+#include "editor/widgets/timeline.h"
+#include "editor/window/session.h"
+
+class QLabel;
+class QMenu;
+
+namespace kelto::editor {
+
+class FilmPanel;
+class RenderQueue;
+class ViewPanel;
+
+/// The programs that the editor starts and the effect's module, by their paths.
+struct Programs {
+  QString command;  ///< kelto
+  QString preview;  ///< kelto-preview
+  QString module;
+};
+
+/// What the user does to canvas, timeline and panels becomes changes of the session's document, and
+/// every change is shown in all of them.
+class MainWindow : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  explicit MainWindow(const Programs& programs, QWidget* parent = nullptr);
+  ~MainWindow() override;
+
+  /// Opens a photo or a project; asks before that loses work. Whether it is open now.
+  bool Open(const QString& path);
+  Session& TheSession() { return session_; }
+  Canvas& TheCanvas() { return *canvas_; }
+  Timeline& TheTimeline() { return *timeline_; }
+  Preview& ThePreview() { return preview_; }
+  RenderQueue& TheQueue() { return *queue_; }
+  int Selected() const { return selected_; }
+  void Select(int view);
+  /// The `kelto render` line of the film, as "Copy as Command" gives it.
+  QString CommandLine() const;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  // main_window.cc: what is shown
+  void MakeWidgets();
+  void Connect();
+  void ShowDocument();
+  void ShowTime();
+  void ShowTitle();
+  void ShowFailure(const QString& reason);
+  void Change(const QString& name, const Session::Change& change, Gesture gesture = {});
+  void AskEasing(int stop, const QPoint& screen);
+  void AskViewMenu(int view, const QPoint& screen);
+  void ChangeKeys(size_t lane, const QString& name,
+                  const std::function<void(std::vector<host::SettingKey>&)>& change,
+                  Gesture gesture = {});
+
+  // actions.cc: menus, toolbar and what their entries do
+  void MakeActions();
+  QAction* Add(QMenu* menu, const QString& text, const QKeySequence& keys,
+               const std::function<void()>& work, bool needsDocument = true);
+  void MakeMoveMenu(QMenu* menu);
+  void MakeViewMenu(QMenu* menu);
+  void ShowStates();
+  void SuggestMove();
+  void CopyView();
+  void PasteView();
+  void FitView();
+  void FullScreenPreview(bool on);
+
+  // main_window_files.cc: files and questions
+  void AskOpen();
+  bool Save();
+  bool AskSaveAs();
+  /// Whether the document may be closed: saved, or to be dropped.
+  bool AskKeep();
+  void AskFile(const QString& title, const QString& filter,
+               Document (*change)(const Document&, const std::string&));
+  void OnFileChanged();
+  void OfferRecovery();
+  void NoteRecent(const QString& path);
+  void FillRecent(QMenu* menu);
+  void AskRender();
+
+  Programs programs_;
+  Session session_;
+  Preview preview_;
+  Canvas* canvas_ = nullptr;
+  PreviewView* previewView_ = nullptr;
+  Timeline* timeline_ = nullptr;
+  ViewPanel* viewPanel_ = nullptr;
+  FilmPanel* filmPanel_ = nullptr;
+  RenderQueue* queue_ = nullptr;
+  QDockWidget* queueDock_ = nullptr;
+  QLabel* notice_ = nullptr;
+  std::vector<QAction*> documentActions_;
+  QAction *undo_ = nullptr, *redo_ = nullptr, *beyond_ = nullptr, *removeStop_ = nullptr,
+          *keysToViews_ = nullptr;
+  FilmWay way_;
+  int selected_ = 0;
+};
+
+}  // namespace kelto::editor

@@ -1,0 +1,44 @@
+#include "editor/window/palettes.h"
+
+#include <QApplication>
+#include <QPalette>
+#include <QString>
+#include <QStyleFactory>
+
+namespace kelto::editor {
+namespace {
+
+QPalette PaletteOf(QColor window, QColor base, QColor button, QColor text, QColor faint,
+                   QColor accent) {
+  QPalette palette(button, window);
+  palette.setColor(QPalette::Window, window);
+  palette.setColor(QPalette::WindowText, text);
+  palette.setColor(QPalette::Base, base);
+  palette.setColor(QPalette::AlternateBase, window);
+  palette.setColor(QPalette::Text, text);
+  palette.setColor(QPalette::Button, button);
+  palette.setColor(QPalette::ButtonText, text);
+  palette.setColor(QPalette::PlaceholderText, faint);
+  palette.setColor(QPalette::ToolTipBase, base);
+  palette.setColor(QPalette::ToolTipText, text);
+  palette.setColor(QPalette::Highlight, accent);
+  palette.setColor(QPalette::HighlightedText, Qt::white);
+  palette.setColor(QPalette::Link, accent);
+  for (const QPalette::ColorRole role :
+       {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+    palette.setColor(QPalette::Disabled, role, faint);
+  }
+  return palette;
+}
+
+}  // namespace
+
+void UseTheme(const QString& name) {
+  if (name != "light" && name != "dark") return;
+  QApplication::setStyle(QStyleFactory::create("Fusion"));
+  QApplication::setPalette(
+      name == "dark" ? PaletteOf(0x26282b, 0x1d1f21, 0x34373b, 0xe6e6e6, 0x8a8d91, 0x3d7eda)
+                     : PaletteOf(0xf4f4f5, 0xffffff, 0xfafafa, 0x202124, 0x8a8d91, 0x2f6fd0));
+}
+
+}  // namespace kelto::editor

@@ -1,0 +1,197 @@
+#include "editor/window/render_dialog.h"
+
+#include <QtWidgets>
+#include <algorithm>
+
+#include "editor/window/render_queue.h"
+#include "host/base/error.h"
+#include "host/film/codecs.h"
+#include "host/options/choices.h"
+
+namespace kelto::editor {
+namespace {
+
+/// Names of kinds and what they are written as.
+struct Kind {
+  const char* name;
+  const char* ending;
+};
+constexpr Kind kKinds[] = {{"MP4", ".mp4"},      {"Matroska", ".mkv"}, {"MOV", ".mov"},
+                           {"WebM", ".webm"},    {"PNG", "-%04d.png"}, {"TIFF", "-%04d.tiff"},
+                           {"JPEG", "-%04d.jpg"}};
+
+QString KindOf(const QString& ending) { return ending.section('.', -1); }
+
+/// A name without the ending of any kind.
+QString Stem(QString name) {
+  for (const Kind& kind : kKinds) {
+    if (name.endsWith(kind.ending)) {
+      name.chop(static_cast<int>(qstrlen(kind.ending)));
+      return name;
+    }
+  }
+  return name;
+}
+
+}  // namespace
+
+RenderDialog::RenderDialog(QString command, const Document& document, QWidget* parent)
+    : QDialog(parent), command_(std::move(command)), document_(document) {
+  setWindowTitle(tr("Make a Film"));
+  const host::RenderPlan plan = PlanOf(document);
+  frames_ = plan.frames;
+
+  name_ = new QLineEdit(Stem(QString::fromStdString(document.path).chopped(5)) + ".mp4");
+  name_->setAccessibleName(tr("Name"));
+  name_->setMinimumWidth(360);
+  auto* browse = new QPushButton(tr("Browse…"));
+  auto* nameRow = new QHBoxLayout;
+  nameRow->addWidget(name_, 1);
+  nameRow->addWidget(browse);
+  kind_ = new QComboBox;
+  for (const Kind& kind : kKinds) kind_->addItem(kind.name, QString(kind.ending));
+  codec_ = new QComboBox;
+  size_ = new QComboBox;
+  const int width = plan.format.size.width, height = plan.format.size.height;
+  for (const auto& [text, share] : {std::pair{tr("As in the project, %1 × %2"), 1},
+                                    {tr("Half, %1 × %2"), 2},
+                                    {tr("A quarter, %1 × %2"), 4}}) {
+    const int w = width / share / 2 * 2, h = height / share / 2 * 2;
+    if (w >= 2 && h >= 2) size_->addItem(text.arg(w).arg(h), share == 1 ? QSize() : QSize(w, h));
+  }
+  filter_ = new QComboBox;
+  filter_->addItem(tr("As in the project"), QString());
+  filter_->addItem(tr("Best (Ultra Qual)"), QString("ultra"));
+  filter_->addItem(tr("Good (Hi Qual)"), QString("hiqual"));
+  filter_->addItem(tr("Draft (Triangle)"), QString("triangle"));
+  estimate_ = new QLabel;
+  estimate_->setWordWrap(true);
+
+  auto* form = new QFormLayout;
+  form->addRow(tr("Name"), nameRow);
+  form->addRow(tr("Format"), kind_);
+  form->addRow(tr("Codec"), codec_);
+  form->addRow(tr("Size"), size_);
+  form->addRow(tr("Quality"), filter_);
+  form->addRow(tr("Estimate"), estimate_);
+  buttons_ = new QDialogButtonBox(QDialogButtonBox::Cancel);
+  auto* make = buttons_->addButton(tr("Make Film"), QDialogButtonBox::AcceptRole);
+  make->setDefault(true);
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(20, 20, 20, 16);
+  column->setSpacing(16);
+  column->addLayout(form);
+  column->addWidget(buttons_);
+
+  connect(browse, &QPushButton::clicked, this, &RenderDialog::AskName);
+  connect(kind_, &QComboBox::activated, this, [this] {
+    name_->setText(Stem(name_->text()) + kind_->currentData().toString());
+    ShowCodecs();
+    Estimate();
+  });
+  for (QComboBox* box : {codec_, size_, filter_}) {
+    connect(box, &QComboBox::activated, this, &RenderDialog::Estimate);
+  }
+  connect(name_, &QLineEdit::textEdited, this, &RenderDialog::ShowKind);
+  connect(buttons_, &QDialogButtonBox::accepted, this, [this] {
+    if (QFileInfo::exists(Film()) &&
+        QMessageBox::question(this, windowTitle(),
+                              tr("%1 already exists. Replace it?").arg(Film())) !=
+            QMessageBox::Yes) {
+      return;
+    }
+    accept();
+  });
+  connect(buttons_, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  ShowCodecs();
+  Estimate();
+}
+
+QString RenderDialog::Film() const {
+  return QDir(QFileInfo(QString::fromStdString(document_.path)).absolutePath())
+      .absoluteFilePath(name_->text());
+}
+
+QStringList RenderDialog::Options() const {
+  QStringList options;
+  const QString codec = codec_->currentData().toString();
+  if (!codec.isEmpty()) options << "--codec" << codec;
+  const QSize size = size_->currentData().toSize();
+  if (size.isValid()) {
+    options << "--size" << QString("%1x%2").arg(size.width()).arg(size.height());
+  }
+  const QString filter = filter_->currentData().toString();
+  if (!filter.isEmpty()) options << "--filter" << filter;
+  return options;
+}
+
+void RenderDialog::ShowCodecs() {
+  codec_->clear();
+  const std::string kind = KindOf(kind_->currentData().toString()).toStdString();
+  for (const host::FilmCodec& codec : host::FilmCodecs()) {
+    const bool fits = std::any_of(codec.kinds.begin(), codec.kinds.end(),
+                                  [&](const char* name) { return kind == name; });
+    if (fits) codec_->addItem(codec.title, QString(codec.name));
+  }
+  codec_->setEnabled(codec_->count() > 0);
+}
+
+void RenderDialog::ShowKind() {
+  for (int i = 0; i < kind_->count(); ++i) {
+    const QString ending = "." + KindOf(kind_->itemData(i).toString());
+    if (!name_->text().endsWith(ending) || i == kind_->currentIndex()) continue;
+    kind_->setCurrentIndex(i);
+    ShowCodecs();
+    Estimate();
+  }
+}
+
+void RenderDialog::AskName() {
+  const QString name = QFileDialog::getSaveFileName(this, tr("Name of the film"), Film(), QString(),
+                                                    nullptr, QFileDialog::DontConfirmOverwrite);
+  if (name.isEmpty()) return;
+  name_->setText(name);
+  ShowKind();
+}
+
+void RenderDialog::Estimate() {
+  estimate_->setText(tr("Making a sample…"));
+  try {
+    const QString project = SnapshotOf(document_, folder_.path(), 0);
+    // From the middle, where films move.
+    sampleFrames_ = std::min(frames_, 25);
+    const int first = (frames_ - sampleFrames_) / 2;
+    const QString film = folder_.path() + "/sample" + kind_->currentData().toString();
+    for (const QFileInfo& old : QDir(folder_.path()).entryInfoList({"sample*"})) {
+      QFile::remove(old.filePath());
+    }
+    QStringList options = Options();
+    if (sampleFrames_ < frames_) {
+      options << "--frames" << QString("%1..%2").arg(first).arg(first + sampleFrames_);
+    }
+    sample_ = std::make_unique<RenderJob>(command_, project, film, options);
+    connect(sample_.get(), &RenderJob::Ended, this, &RenderDialog::ShowEstimate);
+    sample_->Start();
+  } catch (const host::Error& error) {
+    estimate_->setText(QString::fromStdString(error.what()));
+  }
+}
+
+void RenderDialog::ShowEstimate() {
+  if (sample_->TheState() == RenderJob::State::kFailed) {
+    estimate_->setText(sample_->Reason());
+    return;
+  }
+  qint64 bytes = 0;
+  for (const QFileInfo& made : QDir(folder_.path()).entryInfoList({"sample*"})) {
+    bytes += made.size();
+  }
+  const double times = static_cast<double>(frames_) / sampleFrames_;
+  const int seconds = static_cast<int>(sample_->Elapsed() * times + 0.5);
+  estimate_->setText(
+      tr("About %1, made in about %2 s")
+          .arg(locale().formattedDataSize(static_cast<qint64>(static_cast<double>(bytes) * times)))
+          .arg(std::max(1, seconds)));
+}
+
+}  // namespace kelto::editor

@@ -1,0 +1,31 @@
+// A plan as its canvas and timeline show it.
+#pragma once
+
+#include "editor/rules/stop_times.h"
+#include "editor/widgets/canvas.h"
+#include "editor/widgets/timeline.h"
+#include "framing/pixel_size.h"
+#include "host/plan/render_plan.h"
+
+namespace kelto::editor {
+
+/// Throws Error for a view that the effect cannot show.
+CanvasScene CanvasSceneOf(const host::RenderPlan& plan, PixelSize photo, int selected,
+                          bool beyondEdges, const FilmWay& way);
+
+TimelineScene TimelineSceneOf(const host::RenderPlan& plan, int selected, const FilmWay& way);
+
+/// The times that a film's views really take; empty for a film of keys.
+StopTimes StopTimesOf(const host::RenderPlan& plan);
+
+/// The project's words for how the way behind a stop is left and the next stop reached; empty where
+/// nothing is said.
+struct EasingWords {
+  std::string out, in;
+};
+EasingWords EasingBehind(const host::RenderPlan& plan, size_t stop);
+
+/// The parameters whose keys the timeline shows, by their keys in the project.
+const std::vector<std::string>& LaneParameters();
+
+}  // namespace kelto::editor

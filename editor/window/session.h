@@ -1,0 +1,84 @@
+// The project being edited: opened, changed, kept and saved.
+#pragma once
+
+#include <QFileSystemWatcher>
+#include <QObject>
+#include <QString>
+#include <QThreadPool>
+#include <QTimer>
+#include <functional>
+
+#include "editor/document/history.h"
+#include "editor/widgets/gesture.h"
+#include "framing/pixel_size.h"
+#include "host/plan/render_plan.h"
+
+namespace kelto::editor {
+
+/// Holds the document and its history. Failures come as `Failed`, in the sentence that the command
+/// prints; the document stays as it was then.
+class Session : public QObject {
+  Q_OBJECT
+
+ public:
+  using Change = std::function<Document(const Document&)>;
+
+  explicit Session(QObject* parent = nullptr);
+  ~Session() override;
+
+  /// Opens a photo, as a new project beside it, or a project. Whether it could be opened.
+  bool Open(const QString& path);
+  /// Takes up what was not saved when the editor stopped, as a change that can be undone.
+  void Recover();
+  /// Whether the project has such a state.
+  bool CanRecover() const;
+  void DropRecovery();
+
+  bool IsOpen() const { return open_; }
+  const History& Steps() const { return history_; }
+  const Document& Current() const { return history_.Current(); }
+  const host::RenderPlan& Plan() const { return plan_; }
+  PixelSize Photo() const { return photo_; }
+  QString Path() const;
+  bool Modified() const { return open_ && history_.Modified(); }
+
+  /// Changes the document; `name` is what the user reads beside "Undo".
+  void Apply(const QString& name, const Change& change, Gesture gesture = {});
+  void Undo();
+  void Redo();
+  /// Whether it was saved.
+  bool Save();
+  bool SaveAs(const QString& path);
+  /// Takes the file's text in place of the document, as a change that can be undone.
+  void Reload();
+  /// Waits until what is not saved has been kept.
+  void Settle();
+
+ signals:
+  /// Another document, or another state of it.
+  void Changed();
+  /// What is undone and saved, or where, is another.
+  void StateChanged();
+  /// Another program has changed the project's file.
+  void FileChanged();
+  void Failed(const QString& reason);
+
+ private:
+  bool Try(const std::function<void()>& work);
+  void Show();
+  void KeepSoon(bool now);
+  void Keep();
+  void Watch();
+  void LookAtFile();
+
+  History history_;
+  host::RenderPlan plan_;
+  PixelSize photo_{1, 1};
+  std::string openedPhoto_;
+  bool open_ = false;
+  QTimer keepSoon_;
+  QThreadPool keeper_;  ///< one thread: what is kept last is the last state
+  QFileSystemWatcher watcher_;
+};
+
+}  // namespace kelto::editor

@@ -1,0 +1,146 @@
+// The project being edited: opened, kept, saved, changed by others.
+#include "editor/window/session.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QSignalSpy>
+
+#include "editor/document/recovery.h"
+#include "editor/document/settings.h"
+#include "editor/document/tour_changes.h"
+#include "tests/editor/window/support.h"
+
+namespace kelto::editor {
+namespace {
+
+QByteArray BytesOf(const QString& path) {
+  QFile file(path);
+  EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+  return file.readAll();
+}
+
+/// A change as a drag makes them.
+void Drag(Session& session, int64_t id, double left, bool finished) {
+  session.Apply("Move View",
+                [&](const Document& d) {
+                  return WithPart(d, 1, {left, 100, 640, 360});
+                },
+                {id, finished});
+}
+
+TEST(Session, APhotoIsANewProjectBesideIt) {
+  const PhotoFolder folder;
+  Session session;
+  ASSERT_TRUE(session.Open(folder.Photo()));
+  EXPECT_EQ(session.Path(), folder.Project());
+  EXPECT_EQ(session.Plan().views.size(), 2u);
+  EXPECT_FALSE(QFile::exists(folder.Project())) << "nothing is written before it is saved";
+  ASSERT_TRUE(session.Save());
+  EXPECT_FALSE(session.Modified());
+  Session again;
+  ASSERT_TRUE(again.Open(folder.Project()));
+  EXPECT_EQ(again.Current().text, session.Current().text);
+}
+
+TEST(Session, WhatCannotBeOpenedLeavesWhatIsOpen) {
+  const PhotoFolder folder;
+  Session session;
+  ASSERT_TRUE(session.Open(folder.Photo()));
+  QSignalSpy failed(&session, &Session::Failed);
+  EXPECT_FALSE(session.Open(folder.File("missing.json")));
+  ASSERT_EQ(failed.size(), 1);
+  EXPECT_TRUE(failed[0][0].toString().startsWith(folder.File("missing.json") + ": "))
+      << failed[0][0].toString().toStdString();
+  EXPECT_EQ(session.Path(), folder.Project());
+}
+
+TEST(Session, ADragIsOneStepAndKeptWhenItEnds) {
+  const PhotoFolder folder;
+  Session session;
+  ASSERT_TRUE(session.Open(folder.Photo()));
+  const Document before = session.Current();
+  for (int i = 0; i < 10; ++i) Drag(session, 5, 100.0 + i, i == 9);
+  session.Settle();
+  const auto kept = FindUnsaved(session.Current().path);
+  ASSERT_TRUE(kept);
+  EXPECT_EQ(kept->document, session.Current());
+  session.Undo();
+  EXPECT_EQ(session.Current(), before);
+  EXPECT_FALSE(session.Steps().CanUndo());
+}
+
+TEST(Session, AChangeThatCannotBeChangesNothing) {
+  const PhotoFolder folder;
+  Session session;
+  ASSERT_TRUE(session.Open(folder.Photo()));
+  const Document before = session.Current();
+  QSignalSpy failed(&session, &Session::Failed);
+  session.Apply("Size", [](const Document& d) { return WithSize(d, 0, 0); });
+  EXPECT_EQ(failed.size(), 1);
+  EXPECT_EQ(session.Current(), before);
+}
+
+TEST(Session, UnsavedWorkIsTakenUpAgainAndGoneOnceSaved) {
+  const PhotoFolder folder;
+  std::string dragged;
+  {
+    Session session;
+    ASSERT_TRUE(session.Open(folder.Photo()));
+    ASSERT_TRUE(session.Save());
+    Drag(session, 1, 321.0, false);  // and the program ends, in the middle of the drag
+    dragged = session.Current().text;
+  }
+  Session session;
+  ASSERT_TRUE(session.Open(folder.Project()));
+  ASSERT_TRUE(session.CanRecover());
+  session.Recover();
+  EXPECT_EQ(session.Current().text, dragged);
+  EXPECT_TRUE(session.Modified());
+  ASSERT_TRUE(session.Save());
+  EXPECT_FALSE(session.CanRecover());
+  EXPECT_FALSE(QFile::exists(QString::fromStdString(RecoveryPath(folder.Project().toStdString()))));
+}
+
+TEST(Session, SavedElsewhereItShowsTheSamePhoto) {
+  const PhotoFolder folder;
+  const PhotoFolder other;
+  Session session;
+  ASSERT_TRUE(session.Open(folder.Photo()));
+  ASSERT_TRUE(session.SaveAs(other.File("copy.json")));
+  EXPECT_EQ(session.Path(), other.File("copy.json"));
+  EXPECT_EQ(session.Plan().photo, folder.Photo().toStdString());
+  EXPECT_FALSE(session.Modified());
+}
+
+TEST(Session, SaysThatTheFileHasChangedAndReadsItAgain) {
+  const PhotoFolder folder;
+  Session session;
+  ASSERT_TRUE(session.Open(folder.Photo()));
+  ASSERT_TRUE(session.Save());
+  QSignalSpy changed(&session, &Session::FileChanged);
+  const Document other = WithSize(session.Current(), 640, 360);
+  WriteDocument(other);
+  ASSERT_TRUE(WaitFor([&] { return !changed.isEmpty(); }));
+  session.Reload();
+  EXPECT_EQ(session.Current().text, other.text);
+  EXPECT_FALSE(session.Modified());
+  session.Undo();
+  EXPECT_NE(session.Current().text, other.text) << "what was there before can be brought back";
+}
+
+TEST(Session, ItsOwnSavesAreNoChangesOfOthers) {
+  const PhotoFolder folder;
+  Session session;
+  ASSERT_TRUE(session.Open(folder.Photo()));
+  ASSERT_TRUE(session.Save());
+  QSignalSpy changed(&session, &Session::FileChanged);
+  Drag(session, 1, 200.0, true);
+  ASSERT_TRUE(session.Save());
+  QTest::qWait(300);
+  EXPECT_EQ(changed.size(), 0);
+  EXPECT_EQ(BytesOf(folder.Project()).toStdString(), session.Current().text);
+}
+
+}  // namespace
+}  // namespace kelto::editor

@@ -1,0 +1,247 @@
+// The window as a whole: events in, the project's JSON out.
+#include <gtest/gtest.h>
+
+#include <QtWidgets>
+#include <nlohmann/json.hpp>
+
+#include "editor/document/recovery.h"
+#include "editor/window/main_window.h"
+#include "host/files/start.h"
+#include "tests/editor/window/support.h"
+
+namespace kelto::editor {
+namespace {
+
+class Window : public testing::Test {
+ protected:
+  Window() : window_({KELTO_COMMAND, KELTO_PREVIEW, KELTO_MODULE}) {
+    qputenv("KELTO_MODULE", KELTO_MODULE);
+    window_.resize(1280, 720);
+    window_.show();
+    EXPECT_TRUE(window_.Open(folder_.Photo()));
+  }
+  ~Window() override {
+    // No question at the end of a test.
+    window_.TheSession().Save();
+  }
+
+  nlohmann::json Json() { return nlohmann::json::parse(window_.TheSession().Current().text); }
+  /// The numbers of a view's part of the photo.
+  std::vector<double> Part(size_t view) {
+    std::vector<double> numbers;
+    for (const QString& number : QString::fromStdString(Json()["views"][view]["view"]).split(',')) {
+      numbers.push_back(number.toDouble());
+    }
+    return numbers;
+  }
+  /// Chooses the entry of the menus that reads so.
+  void Choose(const QString& text) {
+    for (QAction* action : window_.findChildren<QAction*>()) {
+      if (action->text().remove('&') != text || !action->isEnabled()) continue;
+      return action->trigger();
+    }
+    FAIL() << text.toStdString() << " is in no menu, or disabled";
+  }
+  template <typename Widget>
+  Widget* Named(const QString& name) {
+    for (Widget* widget : window_.findChildren<Widget*>()) {
+      if (widget->accessibleName() == name) return widget;
+    }
+    ADD_FAILURE() << name.toStdString() << " is not there";
+    return nullptr;
+  }
+
+  PhotoFolder folder_;
+  MainWindow window_;
+};
+
+TEST_F(Window, ArrowsMoveTheSelectedViewByAPixelOfThePhoto) {
+  window_.Select(1);
+  const std::vector<double> before = Part(1);
+  QTest::keyClick(&window_.TheCanvas(), Qt::Key_Right);
+  QTest::keyClick(&window_.TheCanvas(), Qt::Key_Down, Qt::ShiftModifier);
+  EXPECT_NEAR(Part(1)[0], before[0] + 1, 1e-3);
+  EXPECT_NEAR(Part(1)[1], before[1] + 10, 1e-3);
+  EXPECT_NEAR(Part(1)[2], before[2], 1e-3);
+}
+
+TEST_F(Window, UndoTakesBackWhatItNames) {
+  window_.Select(1);
+  const std::vector<double> before = Part(1);
+  QTest::keyClick(&window_.TheCanvas(), Qt::Key_Right);
+  const std::vector<double> after = Part(1);
+  Choose("Undo: Move View");
+  EXPECT_EQ(Part(1), before);
+  Choose("Redo: Move View");
+  EXPECT_EQ(Part(1), after);
+}
+
+TEST_F(Window, TheTitleSaysWhatIsUnsaved) {
+  EXPECT_EQ(window_.windowTitle(), "photo.json[*] – Kelto Pan & Zoom");
+  EXPECT_TRUE(window_.isWindowModified());
+  Choose("Save");
+  EXPECT_FALSE(window_.isWindowModified());
+  window_.Select(1);
+  QTest::keyClick(&window_.TheCanvas(), Qt::Key_Left);
+  EXPECT_TRUE(window_.isWindowModified());
+}
+
+TEST_F(Window, MovesByNameReplaceTheViews) {
+  Choose("Pan right");
+  const std::vector<double> first = Part(0), last = Part(1);
+  EXPECT_LT(first[0], last[0]);
+  EXPECT_EQ(first[1], last[1]);
+  EXPECT_EQ(first[2], last[2]);
+}
+
+TEST_F(Window, TheMoveThatThePhotoSuggestsIsTheCommands) {
+  Choose("Find by Itself");
+  const std::string before = window_.TheSession().Current().text;
+  ASSERT_TRUE(WaitFor([&] { return window_.TheSession().Current().text != before; }));
+  QProcess command;
+  command.start(KELTO_COMMAND, {"new", folder_.Photo(), "-o", "-", "--move", "auto"});
+  ASSERT_TRUE(command.waitForFinished(60000));
+  const auto project = nlohmann::json::parse(command.readAllStandardOutput().toStdString());
+  EXPECT_EQ(Json()["views"].size(), project["views"].size());
+  EXPECT_EQ(Json()["views"][0]["view"], project["views"][0]["view"]);
+  EXPECT_EQ(Json()["views"][1]["view"], project["views"][1]["view"]);
+}
+
+TEST_F(Window, StartAndEndSwapAndReverse) {
+  const std::vector<double> first = Part(0), last = Part(1);
+  Choose("Swap Start and End");
+  EXPECT_EQ(Part(0), last);
+  Choose("Reverse");
+  EXPECT_EQ(Part(0), first);
+}
+
+TEST_F(Window, ViewsAreCopiedAsTheCommandTakesThem) {
+  window_.Select(1);
+  Choose("Copy View");
+  const std::vector<double> end = Part(1);
+  window_.Select(0);
+  Choose("Paste View");
+  for (size_t i = 0; i < 4; ++i) EXPECT_NEAR(Part(0)[i], end[i], 1e-2);
+  QGuiApplication::clipboard()->setText("nonsense");
+  const std::string before = window_.TheSession().Current().text;
+  Choose("Paste View");
+  EXPECT_EQ(window_.TheSession().Current().text, before);
+  EXPECT_TRUE(window_.findChild<QLabel*>("notice")->text().contains("nonsense"));
+}
+
+TEST_F(Window, NumbersCanBeTyped) {
+  window_.Select(1);
+  auto* width = Named<QDoubleSpinBox>("Width");
+  width->setValue(640);
+  EXPECT_NEAR(Part(1)[2], 640, 1e-3);
+  EXPECT_NEAR(Part(1)[3], 360, 1e-3) << "views keep the film's shape";
+  Named<QDoubleSpinBox>("Left")->setValue(5000);
+  EXPECT_NEAR(Part(1)[0], 1600 - 640, 1e-3) << "views do not leave the photo";
+  Named<QDoubleSpinBox>("Look")->setValue(2.5);
+  EXPECT_EQ(Json()["views"][1]["hold"], 2.5);
+  EXPECT_EQ(window_.TheSession().Plan().frames, 188) << "5 s and 2.5 s at 25 fps";
+}
+
+TEST_F(Window, StopsAreAddedBetweenAndRemoved) {
+  window_.Select(0);
+  emit window_.TheCanvas().ViewAdded({400, 300, 640, 360});
+  ASSERT_EQ(Json()["views"].size(), 3u);
+  EXPECT_EQ(Json()["views"][1]["view"], "400,300,640,360");
+  EXPECT_EQ(window_.Selected(), 1);
+  QTest::keyClick(&window_.TheCanvas(), Qt::Key_Delete);
+  EXPECT_EQ(Json()["views"].size(), 2u);
+}
+
+TEST_F(Window, SettingsOfTheFilmAreChosen) {
+  auto* size = Named<QComboBox>("Size");
+  size->setCurrentIndex(size->findText("1280 × 720"));
+  emit size->activated(size->currentIndex());
+  EXPECT_EQ(Json()["film"]["width"], 1280);
+  EXPECT_EQ(Json()["film"]["height"], 720);
+  auto* law = Named<QComboBox>("Motion");
+  law->setCurrentIndex(law->findText("Fly"));
+  emit law->activated(law->currentIndex());
+  EXPECT_EQ(Json()["motion"], "fly");
+}
+
+TEST_F(Window, TheCommandLineRendersTheProject) {
+  EXPECT_EQ(window_.CommandLine(),
+            "kelto render " + folder_.Project() + " -o " + folder_.File("photo.mp4"));
+}
+
+TEST_F(Window, ClosingAsksBeforeWorkIsLost) {
+  window_.Select(1);
+  QTest::keyClick(&window_.TheCanvas(), Qt::Key_Left);
+  bool asked = false;
+  QTimer::singleShot(0, &window_, [&] {
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    ASSERT_NE(box, nullptr);
+    asked = true;
+    box->button(QMessageBox::Cancel)->click();
+  });
+  EXPECT_FALSE(window_.close());
+  EXPECT_TRUE(asked);
+  QTimer::singleShot(0, &window_, [&] {
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    ASSERT_NE(box, nullptr);
+    box->button(QMessageBox::Save)->click();
+  });
+  EXPECT_TRUE(window_.close());
+  EXPECT_TRUE(QFileInfo::exists(folder_.Project()));
+}
+
+TEST_F(Window, ThePreviewIsTheFilm) {
+  Choose("Save");
+  auto& preview = window_.ThePreview();
+  QImage shown;
+  const auto connection = QObject::connect(&preview, &Preview::FrameDrawn,
+                                           [&](const QImage& image, int32_t frame, bool exact) {
+                                             if (exact && frame == 60)
+                                               shown = image.convertToFormat(QImage::Format_RGB32);
+                                           });
+  preview.Seek(60);
+  ASSERT_TRUE(WaitFor([&] { return !shown.isNull(); }));
+  QObject::disconnect(connection);
+  QProcess command;
+  command.start(KELTO_COMMAND, {"render", folder_.Project(), "-o", folder_.File("f-%04d.png"),
+                                "--frames", "60..61"});
+  ASSERT_TRUE(command.waitForFinished(60000));
+  const QImage film = QImage(folder_.File("f-0060.png")).convertToFormat(QImage::Format_RGB32);
+  ASSERT_EQ(shown.size(), film.size());
+  // Colours go by different matrices on their way to the screen and into the file.
+  int furthest = 0;
+  for (int y = 0; y < film.height(); y += 7) {
+    for (int x = 0; x < film.width(); x += 7) {
+      furthest = std::max(furthest, std::abs(qGreen(film.pixel(x, y)) - qGreen(shown.pixel(x, y))));
+    }
+  }
+  EXPECT_LE(furthest, 12);
+}
+
+TEST_F(Window, F1ShowsEveryShortcut) {
+  Choose("Keyboard and Mouse");
+  auto* dialog = window_.findChild<QDialog*>("shortcuts");
+  ASSERT_NE(dialog, nullptr);
+  const QString page = dialog->findChild<QTextBrowser*>()->toPlainText();
+  for (const QAction* action : window_.findChildren<QAction*>()) {
+    const QString keys = action->shortcut().toString(QKeySequence::NativeText);
+    if (keys.isEmpty() || action->parent() != &window_) continue;
+    EXPECT_TRUE(page.contains(keys)) << keys.toStdString();
+  }
+  dialog->close();
+}
+
+TEST_F(Window, EveryControlHasANameForScreenReaders) {
+  for (const QWidget* widget : window_.findChildren<QWidget*>()) {
+    if (!widget->isVisible() || widget->focusPolicy() == Qt::NoFocus) continue;
+    if (widget->objectName().startsWith("qt_") || widget->inherits("QScrollArea")) continue;
+    const QAccessibleInterface* face =
+        QAccessible::queryAccessibleInterface(const_cast<QWidget*>(widget));
+    ASSERT_NE(face, nullptr);
+    EXPECT_FALSE(face->text(QAccessible::Name).isEmpty())
+        << widget->metaObject()->className() << " " << widget->objectName().toStdString();
+  }
+}
+
+}  // namespace
+}  // namespace kelto::editor
