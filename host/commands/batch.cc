@@ -28,7 +28,7 @@
 #include "host/terminal/standard_output.h"
 #include "host/terminal/terminal.h"
 #if defined(KELTO_FFMPEG)
-#include "host/video/video_info.h"
+#include "host/sources/media.h"
 #endif
 
 namespace kelto::host {
@@ -67,9 +67,8 @@ class Batch {
                        ": a batch makes a film of each picture; render numbered pictures one film "
                        "at a time");
     }
-    // What is wrong with the options is told once, not of every picture. In a process of its own,
-    // since the sandbox of this one would be that of all films.
-    RunInSandbox({{options.plan.over, options.plan.audio}, {}}, [&] { CheckOptions(); });
+    // What is wrong with the options is told once, not of every picture.
+    CheckOptions();
     CollectItems();
   }
 
@@ -120,7 +119,7 @@ class Batch {
  private:
   void CheckOptions() const {
 #if defined(KELTO_FFMPEG)
-    if (!options_.plan.over.empty()) LookAtVideo(options_.plan.over);
+    if (!options_.plan.over.empty()) CheckVideo(options_.plan.over);
 #endif
     RenderPlan plan = DefaultPlan("");
     PlanOptions common = options_.plan;
@@ -134,7 +133,7 @@ class Batch {
     }
     CheckRequest(kind_, RequestFor("film", plan));
 #if defined(KELTO_FFMPEG)
-    if (!options_.plan.audio.empty()) CheckSound(options_.plan.audio);
+    if (!options_.plan.audio.empty()) CheckSoundFile(options_.plan.audio);
 #endif
   }
 

@@ -11,6 +11,7 @@
 #include "host/facts/frame_list.h"
 #include "host/files/output_file.h"
 #include "host/options/number.h"
+#include "host/sources/photos.h"
 #include "host/terminal/interrupt.h"
 #include "host/terminal/standard_output.h"
 #if defined(KELTO_CAIRO)
@@ -43,7 +44,7 @@ void Run(const InspectOptions& options) {
       PlanFor(options.input, options.plan, AccessFor(options.module, {options.plot}));
   CheckNameIsFree(options.plot, {options.input, plan.photo, plan.over, plan.audio});
   const std::string module = FindModule(options.module);
-  const Photo photo = OpenPhoto(plan.photo);
+  const Photo photo = LookAtPhoto(plan.photo);
   FrameInspector inspector(module, plan, photo, quality);
 #if defined(KELTO_CAIRO)
   if (!options.plot.empty()) DrawMotionPlot(inspector, photo, options.plot);

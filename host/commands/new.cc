@@ -8,10 +8,10 @@
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
 #include "host/commands/sandbox_option.h"
-#include "host/effect/photo.h"
 #include "host/files/output_file.h"
 #include "host/files/path_text.h"
 #include "host/project/project_file.h"
+#include "host/sources/photos.h"
 
 namespace kelto::host {
 namespace {
@@ -39,7 +39,7 @@ void Run(const NewOptions& options) {
                          !views.move.empty() || IsProjectName(options.photo);
   if (!toldViews) plan.views.move = "in";
   const RenderPlan made = PlanFor(options.photo, plan, AccessFor("", {output}));
-  OpenPhoto(made.photo);
+  LookAtPhoto(made.photo);
   WriteProject(output, made);
 }
 

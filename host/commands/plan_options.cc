@@ -11,7 +11,7 @@
 #include "host/options/rate.h"
 #include "host/options/size.h"
 #if defined(KELTO_FFMPEG)
-#include "host/video/video_info.h"
+#include "host/sources/media.h"
 #endif
 #include "host/plan/default_plan.h"
 #include "host/project/display_aspect.h"
@@ -50,7 +50,7 @@ void ApplyMedia(const PlanOptions& options, RenderPlan& plan) {
   if (!options.background.empty()) {
     throw UsageError("--over and --background both say what is beside the photo; give one of them");
   }
-  const VideoInfo video = LookAtVideo(options.over);
+  const VideoInfo video = CheckVideo(options.over);
   // The sound of a video that is replaced goes with it.
   if (options.audio.empty() && plan.audio == plan.over) plan.audio.clear();
   plan.over = options.over;

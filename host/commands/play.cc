@@ -8,6 +8,7 @@
 #include "host/commands/sandbox_option.h"
 #include "host/effect/module_file.h"
 #include "host/player/player.h"
+#include "host/sources/photos.h"
 #include "host/terminal/interrupt.h"
 
 namespace kelto::host {
@@ -28,7 +29,7 @@ void Run(const PlayOptions& options) {
   const std::string module = FindModule(options.module);
   SandboxAccess access = AccessFor(options.module, {});
   AddSources(plan, access);
-  PlayInWindow(module, plan, OpenPhoto(plan.photo), access, options.player);
+  PlayInWindow(module, plan, LookAtPhoto(plan.photo), access, options.player);
 }
 
 }  // namespace

@@ -11,6 +11,8 @@
 #include "host/effect/module_file.h"
 #include "host/files/output_file.h"
 #include "host/options/number.h"
+#include "host/processes/reader_process.h"
+#include "host/sources/photos.h"
 #include "host/terminal/interrupt.h"
 
 namespace kelto::host {
@@ -42,7 +44,15 @@ void Run(const Options& options) {
       PlanFor(options.input, options.plan, AccessFor(options.module, {options.output}));
   CheckNameIsFree(options.output, {options.input, plan.photo, plan.over, plan.audio});
   const std::string module = FindModule(options.module);
-  DrawStoryboard(module, plan, OpenPhoto(plan.photo), sheet);
+  const Photo photo = LookAtPhoto(plan.photo);
+  // Apart, since it decodes the photo; this process writes what comes of it.
+  std::vector<std::string> reads = ModuleFolders(options.module);
+  reads.push_back(plan.over);
+  const std::string bytes =
+      ReadApart(plan.photo, reads, [&] { return DrawStoryboard(module, plan, photo, sheet); });
+  OutputFile file(options.output);
+  file.Write(bytes.data(), bytes.size());
+  file.Finish();
 }
 
 }  // namespace

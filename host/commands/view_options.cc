@@ -14,6 +14,8 @@
 #include "host/options/number.h"
 #include "host/options/rate.h"
 #include "host/plan/default_plan.h"
+#include "host/processes/reader_process.h"
+#include "host/sources/photos.h"
 #include "host/terminal/terminal.h"
 #include "host/track/photo_views.h"
 
@@ -61,7 +63,7 @@ class ViewReader {
   }
 
   const Photo& OpenedPhoto() {
-    if (!photo_) photo_ = OpenPhoto(plan_.photo);
+    if (!photo_) photo_ = LookAtPhoto(plan_.photo);
     return *photo_;
   }
 
@@ -93,6 +95,20 @@ std::string MoveWord(const ViewOptions& options) {
   return CanFindInterest() ? kAuto : "in";
 }
 
+/// AutoMove in a process of its own, since it decodes all of the photo.
+std::vector<PhotoRect> PartsOfAutoMove(const PhotoViews& views, const Photo& photo, Fit fit,
+                                       double amount) {
+  const std::vector<double> found = NumbersApart(photo.given, 8, [&] {
+    std::vector<double> numbers;
+    for (const PhotoRect& part :
+         AutoMove(views, {{photo.width, photo.height}, DecodePhoto(photo)}, fit, amount)) {
+      numbers.insert(numbers.end(), {part.x, part.y, part.width, part.height});
+    }
+    return numbers;
+  });
+  return {{found[0], found[1], found[2], found[3]}, {found[4], found[5], found[6], found[7]}};
+}
+
 /// The parts of the photo that the move called `name` goes between.
 std::vector<PhotoRect> PartsOfMove(const ViewOptions& options, const std::string& name,
                                    ViewReader& reader, std::optional<double> amount) {
@@ -113,8 +129,7 @@ std::vector<PhotoRect> PartsOfMove(const ViewOptions& options, const std::string
   const PhotoViews& views = reader.Views();
   if (name != kAuto) return MoveViews(views, name, fit, amount);
   const Photo& photo = reader.OpenedPhoto();
-  return AutoMove(views, {{photo.width, photo.height}, DecodePhoto(photo)}, fit,
-                  amount.value_or(kUsualAutoAmount));
+  return PartsOfAutoMove(views, photo, fit, amount.value_or(kUsualAutoAmount));
 }
 
 std::vector<View> ViewsOfMove(const ViewOptions& options, ViewReader& reader) {

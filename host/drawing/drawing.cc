@@ -249,7 +249,7 @@ FrameView Drawing::Pixels() {
           {cairo_image_surface_get_width(surface_), cairo_image_surface_get_height(surface_)}};
 }
 
-void Drawing::Finish() {
+std::string Drawing::Coded() {
   Check();
   std::vector<uint8_t> png;
   if (!IsSvg(file_) &&
@@ -262,6 +262,11 @@ void Drawing::Finish() {
     throw Error(file_ + ": cannot be drawn: " + cairo_status_to_string(status));
   }
   const std::vector<uint8_t>& bytes = IsSvg(file_) ? svg_ : png;
+  return {bytes.begin(), bytes.end()};
+}
+
+void Drawing::Finish() {
+  const std::string bytes = Coded();
   OutputFile output(file_);
   output.Write(bytes.data(), bytes.size());
   output.Finish();

@@ -73,7 +73,9 @@ class Drawing {
 
   /// The pixels so far, PixelLayout::kBGRA, valid until the next operation; not of an SVG file.
   FrameView Pixels();
-  /// Writes the file. Called once, last.
+  /// The bytes of the file. Called once, last.
+  std::string Coded();
+  /// Writes them. Called instead.
   void Finish();
 
  private:

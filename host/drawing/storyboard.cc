@@ -57,12 +57,12 @@ class Sheet {
         mapHeight_(MapHeight(kWidth - 2 * kMargin, kMapHeight, Size(), marks_)),
         drawing_(options.file, kWidth, Height()) {}
 
-  void Draw() {
+  std::string Draw() {
     drawing_.Fill({0.0, 0.0, kWidth, Height()}, kPaper);
     DrawHead();
     DrawMap();
     DrawStrip();
-    drawing_.Finish();
+    return drawing_.Coded();
   }
 
  private:
@@ -138,9 +138,9 @@ std::vector<int32_t> StripFrames(int32_t count, int32_t total) {
   return frames;
 }
 
-void DrawStoryboard(const std::string& modulePath, const RenderPlan& plan, const Photo& photo,
-                    const StoryboardOptions& options) {
-  Sheet(modulePath, plan, photo, options).Draw();
+std::string DrawStoryboard(const std::string& modulePath, const RenderPlan& plan,
+                           const Photo& photo, const StoryboardOptions& options) {
+  return Sheet(modulePath, plan, photo, options).Draw();
 }
 
 }  // namespace kelto::host

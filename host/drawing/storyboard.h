@@ -11,13 +11,13 @@
 namespace kelto::host {
 
 struct StoryboardOptions {
-  std::string file;     ///< .png or .svg
+  std::string file;     ///< its name, which ends in .png or .svg
   int32_t frames = 12;  ///< in the strip, at least 1
 };
 
-/// Draws the sheet of a plan; `photo` is the plan's, opened. Throws Error.
-void DrawStoryboard(const std::string& modulePath, const RenderPlan& plan, const Photo& photo,
-                    const StoryboardOptions& options);
+/// The sheet of a plan, coded as its file; `photo` is the plan's, opened. Throws Error.
+std::string DrawStoryboard(const std::string& modulePath, const RenderPlan& plan,
+                           const Photo& photo, const StoryboardOptions& options);
 
 /// What the sheet says of photo and film, below the photo's name.
 std::string StoryboardFacts(const RenderPlan& plan, const Photo& photo);

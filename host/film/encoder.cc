@@ -11,6 +11,7 @@ extern "C" {
 #include "host/film/container_output.h"
 #include "host/film/libav.h"
 #include "host/film/planes.h"
+#include "host/film/sound_apart.h"
 #include "host/film/sound_track.h"
 
 namespace kelto::host {
@@ -72,10 +73,12 @@ class Encoder : public FrameSink {
         frame_(Own(av_frame_alloc())),
         packet_(Own(av_packet_alloc())) {
     OpenContainer(container);
+    // Before the encoder, which has threads.
+    if (!request.audio.empty()) OpenSoundOf(request, container);
     OpenCodec();
     PrepareFrame();
     AddPictures(container);
-    if (!request.audio.empty()) AddSound(request, container);
+    if (packets_) sound_ = AddSoundTrack(soundRequest_, *container_, std::move(packets_));
     BeginFile(container);
   }
 
@@ -200,10 +203,12 @@ class Encoder : public FrameSink {
     }
   }
 
-  void AddSound(const FilmRequest& request, const Container& kind) {
+  void OpenSoundOf(const FilmRequest& request, const Container& kind) {
     const bool editList = kind.fragments && output_.File().CanSeek();
-    sound_ = OpenSoundTrack({request.audio, kind.kind, editList, codec_->time_base, request.frames},
-                            *container_);
+    const FrameRate rate = request.format.rate;
+    soundRequest_ = {
+        request.audio, kind.kind, editList, {rate.denominator, rate.numerator}, request.frames};
+    packets_ = OpenSoundApart(soundRequest_, *container_);
   }
 
   void BeginFile(const Container& kind) {
@@ -242,6 +247,8 @@ class Encoder : public FrameSink {
   Owned<AVPacket> packet_;
   Owned<AVFormatContext> container_;
   Owned<AVCodecContext> codec_;
+  SoundRequest soundRequest_;
+  std::unique_ptr<SoundPackets> packets_;  ///< until the track has them
   std::unique_ptr<SoundTrack> sound_;
   int64_t next_ = 0;
 };

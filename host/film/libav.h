@@ -6,15 +6,18 @@ extern "C" {
 #include <libavformat/avformat.h>
 }
 
+#include <cstring>
 #include <memory>
 #include <new>
 #include <string>
+#include <type_traits>
 
 namespace kelto::host {
 
 struct FreeLibav {
   void operator()(AVFormatContext* context) const { avformat_free_context(context); }
   void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
+  void operator()(AVCodecParameters* record) const { avcodec_parameters_free(&record); }
   void operator()(AVFrame* frame) const { av_frame_free(&frame); }
   void operator()(AVPacket* packet) const { av_packet_free(&packet); }
 };
@@ -26,6 +29,16 @@ template <typename Record>
 Owned<Record> Own(Record* record) {
   if (record == nullptr) throw std::bad_alloc();
   return Owned<Record>(record);
+}
+
+/// What stands in a field of an enumeration. Files settle some, and decoders let numbers pass that
+/// are none of its values, which C++ must not read as such.
+template <typename Enumeration>
+int NumberIn(const Enumeration& field) {
+  static_assert(std::is_enum_v<Enumeration> && sizeof field == sizeof(int));
+  int number = 0;
+  std::memcpy(&number, &field, sizeof number);
+  return number;
 }
 
 /// A library's error code in words.

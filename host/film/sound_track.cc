@@ -126,17 +126,17 @@ bool CanCopy(const std::string& kind, const AVFormatContext& container,
 
 }  // namespace
 
-std::unique_ptr<SoundTrack> OpenSoundTrack(const SoundRequest& request,
-                                           AVFormatContext& container) {
-  std::unique_ptr<SoundPackets> packets;
+std::unique_ptr<SoundPackets> OpenSound(const SoundRequest& request,
+                                        const AVFormatContext& container) {
   auto source = std::make_unique<SoundSource>(request.file);
-  if (CanCopy(request.kind, container, *source->Stream().codecpar)) {
-    packets = std::move(source);
-  } else {
-    packets = std::make_unique<SoundEncoder>(
-        std::move(source), request.kind == "webm" ? "libopus" : "aac",
-        (container.oformat->flags & AVFMT_GLOBALHEADER) != 0, request.frames, request.frameTime);
-  }
+  if (CanCopy(request.kind, container, *source->Stream().codecpar)) return source;
+  return std::make_unique<SoundEncoder>(
+      std::move(source), request.kind == "webm" ? "libopus" : "aac",
+      (container.oformat->flags & AVFMT_GLOBALHEADER) != 0, request.frames, request.frameTime);
+}
+
+std::unique_ptr<SoundTrack> AddSoundTrack(const SoundRequest& request, AVFormatContext& container,
+                                          std::unique_ptr<SoundPackets> packets) {
   return std::make_unique<Track>(request, container, std::move(packets));
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "host/film/libav.h"
+#include "host/film/sound_packets.h"
 
 namespace kelto::host {
 
@@ -31,9 +32,14 @@ class SoundTrack {
   SoundTrack& operator=(const SoundTrack&) = delete;
 };
 
-/// Adds a stream of sound to a container whose header is not written yet. Sound that the container
-/// takes is copied as it is; other sound is coded as AAC, or Opus in WebM. When the file has
-/// pictures too, their beginning is the film's. Throws Error when the file has no sound.
-std::unique_ptr<SoundTrack> OpenSoundTrack(const SoundRequest& request, AVFormatContext& container);
+/// The sound of a file as a container takes it: copied as it is where the container has a place for
+/// it, else coded as AAC, or Opus in WebM. When the file has pictures too, their beginning is the
+/// film's. Throws Error when the file has no sound.
+std::unique_ptr<SoundPackets> OpenSound(const SoundRequest& request,
+                                        const AVFormatContext& container);
+
+/// Adds a stream of sound to a container whose header is not written yet.
+std::unique_ptr<SoundTrack> AddSoundTrack(const SoundRequest& request, AVFormatContext& container,
+                                          std::unique_ptr<SoundPackets> packets);
 
 }  // namespace kelto::host

@@ -8,6 +8,7 @@
 #include "host/files/output_file.h"
 #include "host/film/codecs.h"
 #include "host/jobs/picture_memory.h"
+#include "host/sources/photos.h"
 #include "host/terminal/interrupt.h"
 #include "host/terminal/terminal.h"
 
@@ -51,12 +52,6 @@ void CheckFilm(const FilmKind& kind, const FilmRequest& request,
   }
 }
 
-Photo CheckPhoto(const std::string& path) {
-  Photo photo = OpenPhoto(path);
-  if (const auto flaw = FindFlaw(photo)) Warn(*flaw);
-  return photo;
-}
-
 void CheckJob(FilmJob& job) {
   const RenderPlan& plan = job.scene.plan;
   CheckFilm(*job.kind, job.request, {plan.photo, plan.over, job.request.audio});
@@ -69,8 +64,7 @@ void CheckJob(FilmJob& job) {
 void MakeFilm(const FilmJob& job, const std::function<void(int32_t done)>& shown) {
   SceneList list{job.module, job.kind->layout, {job.scene}};
   // Workers before the encoder, which has threads.
-  const std::unique_ptr<FrameSource> frames =
-      job.workers > 1 ? RenderInWorkers(std::move(list), job.workers) : RenderHere(std::move(list));
+  const std::unique_ptr<FrameSource> frames = RenderInWorkers(std::move(list), job.workers);
   const std::unique_ptr<FrameSink> film = job.kind->open(job.request);
   const int32_t count = job.scene.part.Count();
   for (int32_t done = 1; done <= count; ++done) {

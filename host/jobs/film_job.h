@@ -17,7 +17,7 @@ struct FilmJob {
   Scene scene;
   const FilmKind* kind = nullptr;
   FilmRequest request;
-  int32_t workers = 1;  ///< processes that render; 1: this one
+  int32_t workers = 1;  ///< processes that render
   uint64_t memory = 0;  ///< bytes that the photograph takes in all of them, as CheckJob found
 };
 
@@ -36,10 +36,6 @@ std::string SoundFor(const RenderPlan& plan, const FilmKind& kind);
 /// would take the place of one of its sources, of which an empty name is none. Opens no file.
 void CheckFilm(const FilmKind& kind, const FilmRequest& request,
                const std::vector<std::string>& sources);
-
-/// Opens a photo as far as its size; warns of what it will be shown without. Throws Error when
-/// there is no such photo.
-Photo CheckPhoto(const std::string& path);
 
 /// Throws what can be known to go wrong before any work: UsageError or Error. Leaves the job no
 /// more workers than may load its photograph at a time, with a message.

@@ -1,4 +1,4 @@
-// Where the frames of a film come from: the effect, in this process or in several.
+// Where the frames of a film come from: the effect, in processes that write nowhere.
 #pragma once
 
 #include <cstdint>
@@ -46,13 +46,10 @@ struct SceneList {
 /// Notes which photos and videos the scenes are made of, so that all who render them use the same.
 void NoteFiles(SceneList& list);
 
-/// Renders in this process. Nothing is opened before the first frame is asked for.
-std::unique_ptr<FrameSource> RenderHere(SceneList list);
-
 /// Renders in `workers` processes, each with a module of its own, frame i of all the scenes in
 /// worker i modulo `workers`. They begin at once, and no worker is more than a few frames ahead. To
 /// be called before this process has any thread: workers begin as its copies. What the module
-/// prints in several workers is printed once. Not on Windows, where it throws Error.
+/// prints in several workers is printed once. On Windows this process renders all frames.
 std::unique_ptr<FrameSource> RenderInWorkers(SceneList list, int32_t workers);
 
 }  // namespace kelto::host

@@ -4,31 +4,10 @@
 
 #include "host/base/error.h"
 #include "host/effect/photo.h"
+#include "host/sandbox/sandbox.h"
 #include "host/terminal/interrupt.h"
 
 namespace kelto::host {
-namespace {
-
-class LocalFrames : public FrameSource {
- public:
-  explicit LocalFrames(SceneList list)
-      : list_(std::move(list)),
-        cursor_(list_),
-        renderer_(list_, [] { return InterruptSignal() != 0; }) {}
-
-  FrameView Next() override {
-    const ScenePlace place = cursor_.Place();
-    cursor_.Advance();
-    return renderer_.Render(place.scene, place.number);
-  }
-
- private:
-  SceneList list_;
-  SceneCursor cursor_;
-  SceneRenderer renderer_;
-};
-
-}  // namespace
 
 SceneRenderer::SceneRenderer(SceneList list, std::function<bool()> aborted)
     : list_(std::move(list)), aborted_(std::move(aborted)), open_(list_.scenes.size()) {}
@@ -52,8 +31,10 @@ EffectSession& SceneRenderer::Open(size_t scene) {
   const RenderPlan& plan = list_.scenes[scene].plan;
   const InterruptsEndAtOnce whileItLoads;
   photo_ = std::make_unique<HeldFile>(plan.photo);
-  // Before it is read, too: the sandbox may keep this process from a file that took its place.
+  // Before they are read, too: the sandbox keeps this process from files that took their places.
   CheckFiles(list_.scenes[scene]);
+  CheckNotReplaced(plan.photo);
+  CheckNotReplaced(plan.over);
   Photo photo = OpenPhoto(plan.photo);
   // Where the system has no other path of an open file, the name that the effect can open stays.
   if (std::string held = photo_->Path(); held != plan.photo) photo.path = std::move(held);
@@ -84,11 +65,6 @@ void NoteFiles(SceneList& list) {
     scene.photo = FileStateOf(scene.plan.photo);
     scene.over = FileStateOf(scene.plan.over);
   }
-}
-
-std::unique_ptr<FrameSource> RenderHere(SceneList list) {
-  NoteFiles(list);
-  return std::make_unique<LocalFrames>(std::move(list));
 }
 
 }  // namespace kelto::host

@@ -21,11 +21,7 @@ std::unique_ptr<FrameSource> OpenTurns(const Slideshow& show, size_t first) {
     list.scenes.push_back({show.plans[i], {0, show.each}});
   }
   if (list.scenes.empty()) return nullptr;
-#if defined(_WIN32)
-  return RenderHere(std::move(list));
-#else
   return RenderInWorkers(std::move(list), std::max(1, show.workers / 2));
-#endif
 }
 
 }  // namespace

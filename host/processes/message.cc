@@ -14,6 +14,9 @@
 namespace kelto::host {
 namespace {
 
+/// Storyboards are the longest, with all pictures in them.
+constexpr uint32_t kMaxMessageBytes = 256 << 20;
+
 struct Header {
   uint32_t kind;
   uint32_t size;
@@ -56,6 +59,11 @@ bool Channel::Send(const Message& message) {
 std::optional<Message> Channel::Receive() {
   Header header{};
   if (!Read(&header, sizeof header)) return std::nullopt;
+  // A process that a file has taken over may send anything; its line is as good as closed.
+  if (header.size > kMaxMessageBytes ||
+      header.kind > static_cast<uint32_t>(MessageKind::kMisused)) {
+    return std::nullopt;
+  }
   Message message{static_cast<MessageKind>(header.kind), std::string(header.size, '\0')};
   if (!Read(message.text.data(), message.text.size())) return std::nullopt;
   return message;

@@ -117,29 +117,4 @@ void RunTasks(const TaskList& tasks, int32_t jobs) {
   TaskRunner(tasks).Run(static_cast<size_t>(jobs));
 }
 
-void RunInSandbox(const SandboxAccess& access, const std::function<void()>& work) {
-  Worker worker(WorkerEnd::kAtOnce, [&](Channel& line) {
-    EnterSandbox(access);
-    work();
-    line.Send({});
-  });
-  while (const auto message = worker.Line().Receive()) {
-    switch (message->kind) {
-      case MessageKind::kDone:
-        return;
-      case MessageKind::kConsole:
-        PrintMessage(message->text);
-        break;
-      case MessageKind::kMemory:
-        break;  // only tasks ask for memory
-      case MessageKind::kFailed:
-        throw Error(message->text);
-      case MessageKind::kMisused:
-        throw UsageError(message->text);
-    }
-  }
-  if (InterruptSignal() != 0) throw Error("interrupted");
-  throw Error("a process that reads files " + worker.WaitForEnd());
-}
-
 }  // namespace kelto::host

@@ -6,8 +6,6 @@
 #include <functional>
 #include <string>
 
-#include "host/sandbox/sandbox.h"
-
 namespace kelto::host {
 
 /// Waits until the tasks under way leave this one `bytes` of memory, which it has until it ends. To
@@ -31,9 +29,5 @@ struct TaskList {
 /// InterruptSignal) ends those under way, which clear up, and throws Error. To be called before
 /// this process has any thread.
 void RunTasks(const TaskList& tasks, int32_t jobs);
-
-/// Does `work` in a process of its own in the sandbox, with `access`; what it throws is thrown
-/// here, as UsageError or Error. On Windows in this process.
-void RunInSandbox(const SandboxAccess& access, const std::function<void()>& work);
 
 }  // namespace kelto::host

@@ -27,9 +27,4 @@ void RunTasks(const TaskList& tasks, int32_t) {
   }
 }
 
-void RunInSandbox(const SandboxAccess& access, const std::function<void()>& work) {
-  EnterSandbox(access);
-  work();
-}
-
 }  // namespace kelto::host

@@ -1,5 +1,9 @@
 #include "host/sandbox/sandbox.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdlib>
 #include <sstream>
 #include <system_error>
@@ -12,6 +16,7 @@ namespace kelto::host {
 namespace {
 
 SandboxUse use = SandboxUse::kAvailable;
+bool entered = false;
 
 /// What the codecs' and the system's libraries read: themselves and each other, their data, fonts,
 /// and what the machine is.
@@ -65,8 +70,21 @@ void EnterSandbox(const SandboxAccess& access) {
     throw Error(std::string("cannot ") + doing + ": " + ReasonOf(error) +
                 "; --no-sandbox goes without");
   };
+  entered = true;
   if (files) check("keep decoders from other files", RestrictFiles(access, SystemFiles()));
   if (calls) check("keep decoders from programs", RestrictCalls());
+}
+
+void CheckNotReplaced(const std::string& file) {
+  // Not blocking, since opening a pipe would otherwise wait for its writer.
+  const int opened = open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (opened >= 0) {
+    close(opened);
+    return;
+  }
+  // Landlock, which refuses to open files, does not refuse to say what their permissions are.
+  if (errno != EACCES || !entered || access(file.c_str(), R_OK) != 0) return;
+  throw Error(file + ": was replaced while the command was using it; give the command again");
 }
 
 }  // namespace kelto::host

@@ -34,6 +34,11 @@ SandboxUse CurrentSandboxUse();
 /// has not all of it, or where the kernel has it and fails.
 void EnterSandbox(const SandboxAccess& access);
 
+/// Throws Error that says so where `file` is one that the sandbox keeps this process from, though
+/// it may be read otherwise: what is allowed is the file that was there when the sandbox was
+/// entered, and another one has its name now.
+void CheckNotReplaced(const std::string& file);
+
 /// A part of the sandbox, and why it does not hold; empty when it does.
 struct SandboxCheck {
   std::string name;

@@ -46,7 +46,8 @@ class Drawings : public testing::Test {
   }
   test::Picture Sheet(int32_t frames) {
     const std::string file = folder_ / "sheet.png";
-    DrawStoryboard(KELTO_MODULE, plan_, OpenPhoto(plan_.photo), {file, frames});
+    std::ofstream(file) << DrawStoryboard(KELTO_MODULE, plan_, OpenPhoto(plan_.photo),
+                                          {file, frames});
     return test::ReadPng(file);
   }
 
@@ -128,9 +129,8 @@ TEST_F(Drawings, TheStoryboardsFramesLieOverTheVideosFrames) {
 
 TEST_F(Drawings, AnSvgStoryboardKeepsNoMorePixelsThanItsPlacesShow) {
   plan_.format.size = {1280, 720};
-  DrawStoryboard(KELTO_MODULE, plan_, OpenPhoto(plan_.photo), {folder_ / "sheet.svg", 6});
-  std::ifstream file(folder_ / "sheet.svg");
-  const std::string svg{std::istreambuf_iterator<char>(file), {}};
+  const std::string svg =
+      DrawStoryboard(KELTO_MODULE, plan_, OpenPhoto(plan_.photo), {"sheet.svg", 6});
   const std::regex image("<image[^>]* width=\"([0-9]+)\"");
   int strip = 0;
   for (std::sregex_iterator at(svg.begin(), svg.end(), image), end; at != end; ++at) {

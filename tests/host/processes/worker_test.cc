@@ -58,6 +58,17 @@ TEST(Worker, TellsWhatItThrewAndPrinted) {
   EXPECT_FALSE(worker.Line().Receive());
 }
 
+// What a process says that a file has taken over may be anything.
+TEST(Worker, ThatSaysWhatCannotBeIsAsGoodAsGone) {
+  const std::string endless("\0\0\0\0\xff\xff\xff\xff", 8), unknown("\x63\0\0\0\0\0\0\0", 8);
+  for (const std::string& bytes : {endless, unknown}) {
+    Worker worker(WorkerEnd::kAtOnce, [&](Channel& line) {
+      EXPECT_EQ(write(line.Socket(), bytes.data(), bytes.size()), 8);
+    });
+    EXPECT_FALSE(worker.Line().Receive());
+  }
+}
+
 TEST(Worker, ThatDiesIsMissedAtOnceThoughOthersLive) {
   Worker dying(WorkerEnd::kAtOnce, [](Channel& line) {
     line.Receive();

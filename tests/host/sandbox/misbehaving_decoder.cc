@@ -1,19 +1,23 @@
 // A library to be preloaded into the command: each time that a picture or a sound is decoded, the
 // decoder first tries what a fault in it would let a hostile file do, and writes down how each
-// attempt ended. The file descriptor to write to, and what to try, come from the environment.
+// attempt ended. The file descriptor to write to, and what to try, come from the environment, which
+// may also ask for a photo to be replaced just before the command enters the sandbox.
 #include <arpa/inet.h>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <sys/ioctl.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/uio.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -76,8 +80,9 @@ int TypeIntoTerminal() {
 void TryAll(const char* decoder) {
   const char* report = std::getenv("KELTO_TEST_REPORT");
   const char* folder = std::getenv("KELTO_TEST_FOLDER");
+  const char* films = std::getenv("KELTO_TEST_FILMS");
   const char* port = std::getenv("KELTO_TEST_PORT");
-  if (report == nullptr || folder == nullptr || port == nullptr) return;
+  if (report == nullptr || folder == nullptr || films == nullptr || port == nullptr) return;
   const int before = errno;
   const std::string beside = folder;
   struct Attempt {
@@ -89,6 +94,7 @@ void TryAll(const char* decoder) {
       {"read a file beside the photo", Open(beside + "/secret", O_RDONLY)},
       {"list the photo's folder", Open(beside, O_RDONLY | O_DIRECTORY)},
       {"write beside the photo", Open(beside + "/planted", O_WRONLY | O_CREAT)},
+      {"write beside the film", Open(std::string(films) + "/planted", O_WRONLY | O_CREAT)},
       {"open permissions", ErrorOf(chmod((beside + "/secret").c_str(), 0600))},
       {"connect to a port", Connect(std::atoi(port))},
       {"open a local socket", LocalSocket()},
@@ -111,6 +117,19 @@ Function* Real(Function*, const char* name) {
 }  // namespace
 
 extern "C" {
+
+/// The sandbox's rules are made, and hold from here on.
+__attribute__((visibility("default"))) int prctl(int option, ...) {
+  std::va_list list;
+  va_start(list, option);
+  unsigned long words[4];
+  for (unsigned long& word : words) word = va_arg(list, unsigned long);
+  va_end(list);
+  const char* photo = std::getenv("KELTO_TEST_PHOTO");
+  const char* other = std::getenv("KELTO_TEST_OTHER_PHOTO");
+  if (option == PR_SET_NO_NEW_PRIVS && photo != nullptr && other != nullptr) rename(other, photo);
+  return static_cast<int>(syscall(SYS_prctl, option, words[0], words[1], words[2], words[3]));
+}
 
 __attribute__((visibility("default"))) int jpeg_read_header(void* picture, int image) {
   TryAll("jpeg_read_header");

@@ -8,8 +8,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <cerrno>
+#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <set>
@@ -17,6 +17,9 @@
 
 #include "host/sandbox/sandbox.h"
 #include "tests/host/command/run.h"
+#if defined(KELTO_SDL)
+#include "tests/host/player/screen.h"
+#endif
 #include "tests/host/support/sounds.h"
 #include "tests/host/support/videos.h"
 
@@ -25,9 +28,9 @@ namespace {
 
 using testing::HasSubstr;
 
-// The sanitizers' list of others' leaks, which is read at a program's end, lies outside the sandbox.
+// The sanitizers' list of others' leaks, which is read at a program's end, lies outside the
+// sandbox.
 const int kNoLeakCheck = setenv("LSAN_OPTIONS", "detect_leaks=0", 1);
-
 
 /// A port of this machine at which somebody listens.
 class Listener {
@@ -73,6 +76,7 @@ class Sandbox : public testing::Test {
     setenv("LD_PRELOAD", KELTO_MISBEHAVING_DECODER, 1);
     setenv("KELTO_TEST_REPORT", std::to_string(report_).c_str(), 1);
     setenv("KELTO_TEST_FOLDER", (photos_ / ".").c_str(), 1);
+    setenv("KELTO_TEST_FILMS", (films_ / ".").c_str(), 1);
     setenv("KELTO_TEST_PORT", std::to_string(listener_.Port()).c_str(), 1);
     // The sanitizers want to be loaded first.
     const char* asan = std::getenv("ASAN_OPTIONS");
@@ -81,7 +85,8 @@ class Sandbox : public testing::Test {
   }
   ~Sandbox() override {
     for (const char* name :
-         {"LD_PRELOAD", "KELTO_TEST_REPORT", "KELTO_TEST_FOLDER", "KELTO_TEST_PORT"}) {
+         {"LD_PRELOAD", "KELTO_TEST_REPORT", "KELTO_TEST_FOLDER", "KELTO_TEST_FILMS",
+          "KELTO_TEST_PORT", "KELTO_TEST_PHOTO", "KELTO_TEST_OTHER_PHOTO"}) {
       unsetenv(name);
     }
     close(report_);
@@ -93,6 +98,10 @@ class Sandbox : public testing::Test {
     EXPECT_EQ(ftruncate(report_, 0), 0);
     const Outcome outcome = RunKelto(words);
     EXPECT_EQ(outcome.code, 0) << outcome.err;
+    return Reported();
+  }
+
+  Attempts Reported() const {
     std::ifstream report(films_ / "report");
     Attempts attempts;
     int error = 0;
@@ -105,15 +114,19 @@ class Sandbox : public testing::Test {
   /// Expects that a command decodes by `decoder`, and that no attempt of any decoder succeeds.
   void ExpectAllRefused(const Words& words, const std::string& decoder) {
     if (!KernelHasAll()) GTEST_SKIP() << "this kernel has not all that the sandbox needs";
-    const Attempts attempts = AttemptsOf(words);
+    ExpectAllRefused(AttemptsOf(words), decoder);
+  }
+
+  void ExpectAllRefused(const Attempts& attempts, const std::string& decoder) const {
     EXPECT_TRUE(attempts.contains(" start a program in " + decoder)) << "decodes otherwise";
-    EXPECT_GE(attempts.size(), 10u);
+    EXPECT_GE(attempts.size(), 11u);
     for (const auto& [what, errors] : attempts) {
       for (const int error : errors) {
         EXPECT_TRUE(error == EACCES || error == EPERM) << "could" << what << ": error " << error;
       }
     }
     EXPECT_FALSE(std::ifstream(photos_ / "planted").is_open());
+    EXPECT_FALSE(std::ifstream(films_ / "planted").is_open());
   }
 
   TempFolder photos_, films_;
@@ -132,7 +145,7 @@ Words With(Words words, const Words& more) {
 TEST_F(Sandbox, IsWhatKeepsADecoderFromAllOfThis) {
   const Attempts attempts = AttemptsOf(
       With({"render", photos_ / "one.jpg", "-o", films_ / "film.yuyv", "--no-sandbox"}, kSmall));
-  EXPECT_GE(attempts.size(), 20u);
+  EXPECT_GE(attempts.size(), 22u);
   for (const auto& [what, errors] : attempts) EXPECT_EQ(errors, std::set<int>{0}) << what;
 }
 
@@ -163,6 +176,42 @@ TEST_F(Sandbox, HoldsInASlideshow) {
       {"slideshow", photos_ / ".", "-o", films_ / "show.mp4", "--size", "64x48", "--each", "1"},
       "jpeg_start_decompress");
 }
+
+TEST_F(Sandbox, HoldsInASlideshowOfProjects) {
+  std::ofstream list(films_ / "list.txt");
+  for (const std::string name : {"one", "two"}) {
+    ASSERT_EQ(RunKelto({"new", photos_ / (name + ".jpg"), "-o", films_ / (name + ".json"),
+                        "--frames", "25", "--size", "64x48"})
+                  .code,
+              0);
+    list << name << ".json\n";
+  }
+  list.close();
+  for (const char* move : {"in", "auto"}) {
+    ExpectAllRefused({"slideshow", films_ / "list.txt", "-o", films_ / "show.mp4", "--each", "1",
+                      "--move", move},
+                     "jpeg_start_decompress");
+  }
+}
+
+#if defined(KELTO_SDL)
+// A window is opened by what the sandbox refuses; no decoder works before.
+TEST_F(Sandbox, HoldsWhileAFilmIsPlayed) {
+  if (!KernelHasAll()) GTEST_SKIP() << "this kernel has not all that the sandbox needs";
+  unsetenv("LD_PRELOAD");  // of the screen's own programs
+  Screen screen;
+  for (const char* move : {"in", "auto"}) {
+    ASSERT_EQ(ftruncate(report_, 0), 0);
+    setenv("LD_PRELOAD", KELTO_MISBEHAVING_DECODER, 1);
+    Command player({"play", photos_ / "one.jpg", "--size", "320x240", "--move", move});
+    unsetenv("LD_PRELOAD");
+    ASSERT_TRUE(screen.Find("one.jpg - .*frame "));
+    screen.Press("q");
+    EXPECT_EQ(player.Wait().code, 0);
+    ExpectAllRefused(Reported(), "jpeg_start_decompress");
+  }
+}
+#endif
 
 TEST_F(Sandbox, HoldsForSheetsAndPlots) {
   ExpectAllRefused(With({"storyboard", photos_ / "one.jpg", "-o", films_ / "sheet.png"}, kSmall),
@@ -195,6 +244,19 @@ TEST_F(Sandbox, LetsAProjectReadWhatItNames) {
             0);
   ExpectAllRefused({"render", films_ / "one.json", "-o", films_ / "film.mp4"},
                    "jpeg_start_decompress");
+}
+
+// The sandbox lets a command read the file that it was given, and no other of the same name.
+TEST_F(Sandbox, SaysThatAPhotoWasReplacedBeforeItWasRead) {
+  if (!KernelHasAll()) GTEST_SKIP() << "this kernel has not all that the sandbox needs";
+  setenv("KELTO_TEST_PHOTO", (photos_ / "one.jpg").c_str(), 1);
+  setenv("KELTO_TEST_OTHER_PHOTO", (photos_ / "two.jpg").c_str(), 1);
+  const Outcome outcome =
+      RunKelto(With({"render", photos_ / "one.jpg", "-o", films_ / "film.yuyv"}, kSmall));
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_EQ(outcome.err, "kelto: " + (photos_ / "one.jpg") +
+                             ": was replaced while the command was using it; give the command "
+                             "again\n");
 }
 
 TEST_F(Sandbox, IsReportedByTheDoctor) {

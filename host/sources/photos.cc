@@ -1,0 +1,43 @@
+#include "host/sources/photos.h"
+
+#include <limits>
+#include <optional>
+#include <vector>
+
+#include "host/effect/effect_name.h"
+#include "host/processes/reader_process.h"
+#include "host/terminal/terminal.h"
+
+namespace kelto::host {
+namespace {
+
+Photo Looked(const std::string& path, bool warns) {
+  std::optional<Photo> opened;  // where the work is done in this process
+  const std::vector<double> found = NumbersApart(path, 3, [&] {
+    opened = OpenPhoto(path);
+    if (warns) {
+      if (const auto flaw = FindFlaw(*opened)) Warn(*flaw);
+    }
+    return std::vector<double>{static_cast<double>(opened->width),
+                               static_cast<double>(opened->height),
+                               static_cast<double>(opened->memory)};
+  });
+  if (opened) return *opened;
+  constexpr int64_t kMostSide = std::numeric_limits<int16_t>::max();  // as the importer has it
+  constexpr int64_t kMostMemory = int64_t{1} << 50;
+  const EffectName name = NameForEffect(path);
+  Photo photo{path, name.text};
+  photo.width = static_cast<int32_t>(IntegerFrom(found[0], 1, kMostSide, path));
+  photo.height = static_cast<int32_t>(IntegerFrom(found[1], 1, kMostSide, path));
+  photo.memory = static_cast<uint64_t>(IntegerFrom(found[2], 0, kMostMemory, path));
+  photo.file = name.file;
+  return photo;
+}
+
+}  // namespace
+
+Photo LookAtPhoto(const std::string& path) { return Looked(path, false); }
+
+Photo CheckPhoto(const std::string& path) { return Looked(path, true); }
+
+}  // namespace kelto::host

@@ -1,0 +1,17 @@
+// What the command learns of a photograph before it is rendered. Decoders read it in a process that
+// may write nowhere (see host/processes/reader_process.h); this one sees numbers.
+#pragma once
+
+#include <string>
+
+#include "host/effect/photo.h"
+
+namespace kelto::host {
+
+/// OpenPhoto in a process of its own. Throws Error when there is no such picture.
+Photo LookAtPhoto(const std::string& path);
+
+/// The same; and warns of what the photo will be shown without (see FindFlaw and Warn).
+Photo CheckPhoto(const std::string& path);
+
+}  // namespace kelto::host
