@@ -56,8 +56,9 @@ struct ChromaPlace {
 
 ChromaPlace PlaceOf(const AVFrame& picture, PicturePart part) {
   ChromaPlace place{0, 128};
-  if (picture.chroma_location == AVCHROMA_LOC_CENTER) place = {128, 128};
-  if (picture.chroma_location == AVCHROMA_LOC_TOPLEFT) place = {0, 0};
+  const int location = NumberIn(picture.chroma_location);
+  if (location == AVCHROMA_LOC_CENTER) place = {128, 128};
+  if (location == AVCHROMA_LOC_TOPLEFT) place = {0, 0};
   // Within a field, a quarter and three quarters of the way to its next row (ITU-T H.264, 6.2).
   if (part == PicturePart::kTopField) place.vertical = 64;
   if (part == PicturePart::kBottomField) place.vertical = 192;
@@ -72,7 +73,7 @@ ChromaPlace PlaceOf(const AVFrame& picture, PicturePart part) {
 Coding CodingOf(const AVFrame& picture) {
   if (IsRgb(picture)) return {};
   Coding coding{MatrixFor({picture.width, picture.height}), false};
-  switch (picture.colorspace) {
+  switch (NumberIn(picture.colorspace)) {
     case AVCOL_SPC_BT709:
       coding.matrix = ColourMatrix::kBt709;
       break;
@@ -91,8 +92,8 @@ Coding CodingOf(const AVFrame& picture) {
     default:
       break;
   }
-  coding.fullRange =
-      picture.color_range == AVCOL_RANGE_JPEG || PlainFormat(picture.format) != picture.format;
+  coding.fullRange = NumberIn(picture.color_range) == AVCOL_RANGE_JPEG ||
+                     PlainFormat(picture.format) != picture.format;
   return coding;
 }
 
@@ -105,7 +106,7 @@ const AVFrame* Scaler::Scale(const AVFrame& picture, PicturePart part, int width
                                picture.format,
                                static_cast<int>(coding.matrix),
                                coding.fullRange ? 1 : 0,
-                               picture.chroma_location,
+                               NumberIn(picture.chroma_location),
                                width,
                                height,
                                format};

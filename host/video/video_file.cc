@@ -48,7 +48,7 @@ std::string Shown(double seconds) {
   return text;
 }
 
-FieldOrder FieldsOf(AVFieldOrder order) {
+FieldOrder FieldsOf(int order) {
   switch (order) {
     case AV_FIELD_TT:
     case AV_FIELD_TB:
@@ -116,7 +116,7 @@ void VideoFile::Describe() {
     av_reduce(&info_.sampleAspect.width, &info_.sampleAspect.height, aspect.num, aspect.den,
               kMaxAspectTerm);
   }
-  info_.fields = FieldsOf(Stream().codecpar->field_order);
+  info_.fields = FieldsOf(NumberIn(Stream().codecpar->field_order));
   info_.sound = SoundStreamOf(*file_) >= 0;
   DescribeTurn();
 }
