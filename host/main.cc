@@ -14,6 +14,7 @@
 #include "host/effect/effect_name.h"
 #include "host/files/start.h"
 #include "host/terminal/interrupt.h"
+#include "host/terminal/library_text.h"
 #include "host/terminal/standard_output.h"
 #include "host/terminal/standard_streams.h"
 #include "host/terminal/terminal.h"
@@ -130,6 +131,7 @@ int RunAndReport(int argc, char** argv) {
 int main(int argc, char** argv) {
   using namespace kelto::host;
   OpenStandardStreams();
+  HoldLibraryText();
   SearchNoLibrariesInTheCurrentFolder();
   CatchInterrupts();
   AnswerModules();
@@ -138,6 +140,7 @@ int main(int argc, char** argv) {
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
   const int code = RunAndReport(static_cast<int>(words.size()), pointers.data());
+  PrintLibraryText("");
   if (code == kFailed && InterruptSignal() != 0) DieOf(InterruptSignal());
   return code;
 }

@@ -13,6 +13,7 @@ extern "C" {
 #include "host/film/planes.h"
 #include "host/film/sound_apart.h"
 #include "host/film/sound_track.h"
+#include "host/terminal/library_text.h"
 
 namespace kelto::host {
 namespace {
@@ -90,6 +91,7 @@ class Encoder : public FrameSink {
     // In step with the pictures, so that neither has to wait in memory for the other.
     if (sound_) sound_->WriteUntil(next_);
     output_.Check();
+    PrintLibraryText(name_);
   }
 
   void Finish() override {
@@ -97,6 +99,7 @@ class Encoder : public FrameSink {
     if (sound_) sound_->WriteUntil(next_);
     Check(av_write_trailer(container_.get()), "end the film");
     output_.Finish();
+    PrintLibraryText(name_);
   }
 
  private:

@@ -12,6 +12,7 @@
 #include "host/processes/worker.h"
 #include "host/sandbox/sandbox.h"
 #include "host/terminal/interrupt.h"
+#include "host/terminal/library_text.h"
 #include "host/terminal/terminal.h"
 
 namespace kelto::host {
@@ -46,6 +47,7 @@ void RenderShare(const SceneList& list, int32_t index, int32_t workers, SharedFr
       if (!line.Receive()) return;
       renderer.RenderInto(frames.Start(to), frames.RowBytes(), place.scene, place.number);
     }
+    PrintLibraryText(list.scenes[place.scene].plan.photo);
     if (!line.Send({})) return;
     ++done;
   }
@@ -55,7 +57,8 @@ class WorkerFrames : public FrameSource {
  public:
   WorkerFrames(SceneList list, int32_t workers)
       : frames_(list.scenes.front().plan.format.size, list.layout, workers * kPlaces),
-        console_(workers) {
+        console_(workers),
+        photo_(list.scenes.size() == 1 ? list.scenes.front().plan.photo : "") {
     for (int32_t i = 0; i < workers; ++i) {
       workers_.push_back(std::make_unique<Worker>(WorkerEnd::kAtOnce, [&](Channel& line) {
         RenderShare(list, i, workers, frames_, line);
@@ -91,17 +94,30 @@ class WorkerFrames : public FrameSource {
         case MessageKind::kMemory:
           break;  // these have what CheckJob let them have
         case MessageKind::kFailed:
+          TellLibraryText(index);
           throw Error(message->text);
         case MessageKind::kMisused:
+          TellLibraryText(index);
           throw UsageError(message->text);
       }
     }
     if (InterruptSignal() != 0) throw Error("interrupted");
-    throw Error("a process that renders frames " + worker.WaitForEnd());
+    const std::string end = worker.WaitForEnd();
+    TellLibraryText(index);
+    throw Error("a process that renders frames " + end);
+  }
+
+  /// What came after the last frame that was rendered.
+  void TellLibraryText(size_t index) {
+    for (const std::string& text : workers_[index]->TakeLibraryText()) {
+      const std::string line = photo_.empty() ? text : photo_ + ": " + text;
+      if (console_.IsNews(index, line)) PrintMessage(line);
+    }
   }
 
   SharedFrames frames_;
   SharedConsole console_;
+  std::string photo_;  ///< the only one; empty where there are several
   std::vector<std::unique_ptr<Worker>> workers_;
   size_t next_ = 0;
 };

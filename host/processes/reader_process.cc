@@ -25,7 +25,11 @@ ReaderWorker::ReaderWorker(const std::string& file, const std::vector<std::strin
       }) {}
 
 std::string ReaderWorker::Next() {
+  const auto printLibraryText = [&] {
+    for (const std::string& line : worker_.TakeLibraryText()) PrintMessage(file_ + ": " + line);
+  };
   while (auto message = worker_.Line().Receive()) {
+    printLibraryText();
     switch (message->kind) {
       case MessageKind::kDone:
         return std::move(message->text);
@@ -41,7 +45,9 @@ std::string ReaderWorker::Next() {
     }
   }
   if (InterruptSignal() != 0) throw Error("interrupted");
-  throw Error(file_ + ": the process that reads it " + worker_.WaitForEnd());
+  const std::string end = worker_.WaitForEnd();
+  printLibraryText();
+  throw Error(file_ + ": the process that reads it " + end);
 }
 
 std::string ReadApart(const std::string& file, const std::vector<std::string>& others,

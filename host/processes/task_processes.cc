@@ -85,12 +85,20 @@ class TaskRunner {
     }
   }
 
+  void TellLibraryText(RunningTask& task) const {
+    for (const std::string& line : task.worker->TakeLibraryText()) {
+      tasks_.printed(task.index, line);
+    }
+  }
+
   /// False when the task is over.
   bool Hear(RunningTask& task) {
     const auto message = task.worker->Line().Receive();
     if (!message) {
       if (InterruptSignal() != 0) return true;
-      tasks_.ended(task.index, "the process that renders it " + task.worker->WaitForEnd());
+      const std::string end = task.worker->WaitForEnd();
+      TellLibraryText(task);
+      tasks_.ended(task.index, "the process that renders it " + end);
       return false;
     }
     if (message->kind == MessageKind::kConsole) {
@@ -103,6 +111,7 @@ class TaskRunner {
       return true;
     }
     task.worker->WaitForEnd();
+    TellLibraryText(task);
     tasks_.ended(task.index, message->text);
     return false;
   }

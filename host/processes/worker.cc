@@ -72,6 +72,7 @@ Worker::Worker(WorkerEnd end, const std::function<void(Channel&)>& work) : end_(
     for (const int other : OwnersEnds()) close(other);
     close(sockets[0]);
     LeaveStandardOutput();
+    libraryText_.Attach();
     Channel line(sockets[1]);
     try {
       Work(line, work);

@@ -6,8 +6,10 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "host/processes/message.h"
+#include "host/terminal/library_text.h"
 
 namespace kelto::host {
 
@@ -31,6 +33,8 @@ class Worker {
   Worker& operator=(const Worker&) = delete;
 
   Channel& Line() { return *line_; }
+  /// What libraries have printed in it, and it has not told of; see LibraryText.
+  std::vector<std::string> TakeLibraryText() { return libraryText_.Take(); }
   /// Asks a worker that clears up to do so; the destructor waits.
   void Stop();
   /// Waits for its end, which has to be due, and says how it came, for a worker that still owed
@@ -41,6 +45,7 @@ class Worker {
   WorkerEnd end_;
   bool asked_ = false;  ///< to end
   pid_t process_ = -1;
+  LibraryText libraryText_;
   std::unique_ptr<Channel> line_;
 };
 

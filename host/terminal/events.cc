@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/base/shown_text.h"
+#include "host/terminal/library_text.h"
 #include "host/terminal/text_stream.h"
 
 namespace kelto::host {
@@ -16,7 +17,7 @@ void PrintEvent(const std::string& name,
     std::visit([&, field = key](const auto& plain) { event[field] = plain; }, value);
   }
   const std::string line = event.dump(-1, ' ', false, Json::error_handler_t::replace);
-  WriteText(stderr, ShownJson(line) + "\n");
+  WriteText(ErrorStream(), ShownJson(line) + "\n");
 }
 
 }  // namespace kelto::host

@@ -9,6 +9,7 @@
 #include "host/base/shown_text.h"
 #include "host/terminal/events.h"
 
+#include "host/terminal/library_text.h"
 #include "host/terminal/text_stream.h"
 
 #if !defined(_WIN32)
@@ -32,7 +33,7 @@ void PrintLine(const char* event, const std::string& text) {
   if (reporting == Reporting::kJson) {
     PrintEvent(event, {{"text", line}});
   } else {
-    WriteText(stderr, "kelto: " + ShownText(line) + "\n");
+    WriteText(ErrorStream(), "kelto: " + ShownText(line) + "\n");
   }
 }
 
@@ -46,12 +47,12 @@ void DrawProgress(const std::string& line) {
   // knows no other way.
   std::string text = "\r";
   text += line;
-  if (ObeysSequences(stderr)) {
+  if (ObeysSequences(ErrorStream())) {
     text += "\033[K";
   } else if (line.size() < shown) {
     text.append(shown - line.size(), ' ').append("\r").append(line);
   }
-  WriteText(stderr, text);
+  WriteText(ErrorStream(), text);
   shown = line.size();
 }
 
@@ -83,13 +84,13 @@ bool StandardOutputIsTerminal() { return IsTerminal(stdout); }
 bool StandardErrorDraws() {
   const char* kind = std::getenv("TERM");
   if (kind != nullptr && std::string_view(kind) == "dumb") return false;
-  return IsTerminal(stderr);
+  return IsTerminal(ErrorStream());
 }
 
 int StandardErrorColumns() {
 #if !defined(_WIN32)
   winsize size{};
-  if (ioctl(fileno(stderr), TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
+  if (ioctl(fileno(ErrorStream()), TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
 #endif
   return 80;
 }

@@ -53,7 +53,8 @@ TEST_F(Interrupted, EndsTheCommandWhileAPhotoLoads) {
   // Loading it takes several seconds of any machine.
   const std::string slow = photos_ / "slow.png";
   WriteBytes(slow, FlatPng(23000));
-  Command command({"render", slow, "-o", films_ / "film.mp4", "--jobs", "1", "--frames", "2"});
+  Command command(
+      {"render", slow, "-o", films_ / "film.mp4", "--jobs", "1", "--frames", "2", "--move", "in"});
   WaitForWork();
   std::this_thread::sleep_for(200ms);
   const auto before = std::chrono::steady_clock::now();

@@ -1,7 +1,9 @@
 // A library to be preloaded into the command: each time that a picture or a sound is decoded, the
 // decoder first tries what a fault in it would let a hostile file do, and writes down how each
 // attempt ended. The file descriptor to write to, and what to try, come from the environment, which
-// may also ask for a photo to be replaced just before the command enters the sandbox.
+// may also ask for a photo to be replaced just before the command enters the sandbox, and for a
+// text to be printed on the error stream by one of the functions, which then ends the process if
+// asked to.
 #include <arpa/inet.h>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -20,6 +22,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 namespace {
@@ -109,6 +112,14 @@ void TryAll(const char* decoder) {
   errno = before;
 }
 
+void Print(const char* function) {
+  const char* in = std::getenv("KELTO_TEST_PRINTS_IN");
+  const char* text = std::getenv("KELTO_TEST_PRINTS");
+  if (in == nullptr || text == nullptr || std::strcmp(in, function) != 0) return;
+  if (write(STDERR_FILENO, text, std::strlen(text)) < 0) return;
+  if (std::getenv("KELTO_TEST_ABORTS") != nullptr) std::abort();
+}
+
 template <typename Function>
 Function* Real(Function*, const char* name) {
   return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
@@ -138,7 +149,13 @@ __attribute__((visibility("default"))) int jpeg_read_header(void* picture, int i
 
 __attribute__((visibility("default"))) int jpeg_start_decompress(void* picture) {
   TryAll("jpeg_start_decompress");
+  Print("jpeg_start_decompress");
   return Real(&jpeg_start_decompress, "jpeg_start_decompress")(picture);
+}
+
+__attribute__((visibility("default"))) int avcodec_send_frame(void* codec, const void* frame) {
+  Print("avcodec_send_frame");
+  return Real(&avcodec_send_frame, "avcodec_send_frame")(codec, frame);
 }
 
 __attribute__((visibility("default"))) int avcodec_send_packet(void* codec, const void* packet) {
