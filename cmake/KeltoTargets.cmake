@@ -106,7 +106,7 @@ endfunction()
 # tests is a ctest test. RUNS names what it loads or starts by file: the module, the command; FIXTURE
 # what ctest has to set up before.
 function(kelto_test name)
-  cmake_parse_arguments(ARG "" "FIXTURE" "SOURCES;LINK;RUNS" ${ARGN})
+  cmake_parse_arguments(ARG "QT" "FIXTURE" "SOURCES;LINK;RUNS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   set_target_properties(${name} PROPERTIES KELTO_TEST ON)
   target_link_libraries(${name} PRIVATE kelto_options GTest::gmock GTest::gtest_main ${ARG_LINK})
@@ -117,7 +117,12 @@ function(kelto_test name)
     $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds;-Wno-restrict;-Wno-stringop-overflow>)
   kelto_unity(${name})
   if(NOT KELTO_UNITY)
-    target_precompile_headers(${name} REUSE_FROM kelto_test_headers)
+    # Qt has its users compiled as libraries are, for which headers are read apart.
+    if(ARG_QT)
+      target_precompile_headers(${name} REUSE_FROM kelto_editor_test_headers)
+    else()
+      target_precompile_headers(${name} REUSE_FROM kelto_test_headers)
+    endif()
   endif()
   target_compile_definitions(${name} PRIVATE
     KELTO_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data"

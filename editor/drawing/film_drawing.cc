@@ -1,0 +1,87 @@
+#include "editor/drawing/film_drawing.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "host/facts/frame_facts.h"
+#include "host/plan/render_plan.h"
+
+namespace kelto::editor {
+namespace {
+
+/// The means of squares of `by` times `by` pixels; what remains at the right and below is left out.
+std::vector<uint8_t> Reduced(const std::vector<uint8_t>& pixels, host::FrameSize size, int32_t by,
+                             host::FrameSize& reduced) {
+  reduced = {size.width / by, size.height / by};
+  std::vector<uint8_t> result(static_cast<size_t>(reduced.width) * reduced.height * 4);
+  const size_t rowBytes = static_cast<size_t>(size.width) * 4;
+  const auto area = static_cast<uint32_t>(by * by);
+  for (int32_t y = 0; y < reduced.height; ++y) {
+    for (int32_t x = 0; x < reduced.width; ++x) {
+      uint32_t sums[4] = {};
+      for (int32_t row = y * by; row < (y + 1) * by; ++row) {
+        const uint8_t* pixel = pixels.data() + row * rowBytes + static_cast<size_t>(x) * by * 4;
+        for (int32_t i = 0; i < by * 4; ++i) sums[i % 4] += pixel[i];
+      }
+      uint8_t* to = result.data() + (static_cast<size_t>(y) * reduced.width + x) * 4;
+      for (int channel = 0; channel < 4; ++channel) {
+        to[channel] = static_cast<uint8_t>((sums[channel] + area / 2) / area);
+      }
+    }
+  }
+  return result;
+}
+
+}  // namespace
+
+FilmDrawing::FilmDrawing(std::string module, const host::RenderPlan& plan)
+    : module_(std::move(module)), plan_(plan), photo_(host::OpenPhoto(plan.photo)) {}
+
+void FilmDrawing::SetPlan(const host::RenderPlan& plan) { plan_ = plan; }
+
+host::FrameView FilmDrawing::Draw(int32_t frame, host::FrameSize size, double quality) {
+  host::RenderPlan drawn = plan_;
+  drawn.format.size = size;
+  const int32_t number = std::clamp(frame, 0, drawn.frames - 1);
+  try {
+    if (!session_ || !session_->Adopt(drawn)) {
+      session_.reset();  // first: two would hold two copies of the photo
+      session_.emplace(module_, drawn, photo_, host::PixelLayout::kBGRA);
+    }
+    return session_->Render(number, quality);
+  } catch (...) {
+    session_.reset();
+    throw;
+  }
+}
+
+FilmWay FilmDrawing::Way(int32_t most) {
+  host::FrameInspector inspector(module_, plan_, photo_);
+  const int64_t last = plan_.frames - 1;
+  const int64_t steps = std::min<int64_t>(last, std::max(1, most - 1));
+  FilmWay way;
+  way.reserve(static_cast<size_t>(steps) + 1);
+  for (int64_t step = 0; step <= steps; ++step) {
+    const auto number = static_cast<int32_t>(steps == 0 ? 0 : step * last / steps);
+    const host::FrameFacts facts = inspector.Of(number);
+    const DrawnArea area = inspector.ViewArea(facts);
+    way.push_back({facts.seconds,
+                   {area.left, area.top, area.right - area.left, area.bottom - area.top},
+                   facts.speed.perceived});
+  }
+  return way;
+}
+
+std::vector<uint8_t> FilmDrawing::PhotoPixels(int64_t mostPixels, host::FrameSize& size) const {
+  std::vector<uint8_t> pixels = host::DecodePhoto(photo_);
+  size = {photo_.width, photo_.height};
+  int32_t by = 1;
+  while (int64_t{size.width / by} * (size.height / by) > mostPixels) ++by;
+  // A strip keeps its pixels rather than vanish.
+  by = std::min({by, size.width, size.height});
+  if (by == 1) return pixels;
+  const host::FrameSize whole = size;
+  return Reduced(pixels, whole, by, size);
+}
+
+}  // namespace kelto::editor

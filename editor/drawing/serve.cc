@@ -1,0 +1,157 @@
+#include "editor/drawing/serve.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <new>
+#include <optional>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "editor/drawing/film_drawing.h"
+#include "editor/messages/answers.h"
+#include "editor/messages/message_stream.h"
+#include "editor/messages/plain_bytes.h"
+#include "editor/messages/requests.h"
+#include "host/base/error.h"
+#include "host/effect/module_file.h"
+#include "host/project/project_file.h"
+#include "host/sandbox/sandbox.h"
+
+namespace kelto::editor {
+namespace {
+
+/// Pixels of a photo that the editor shows: 128 MB.
+constexpr int64_t kPhotoPixels = 32'000'000;
+
+void WriteAll(int out, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = write(out, bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) throw host::Error("the editor: " + std::generic_category().message(errno));
+    bytes.remove_prefix(static_cast<size_t>(written));
+  }
+}
+
+class Server {
+ public:
+  Server(std::string module, int out) : module_(std::move(module)), out_(out) {}
+
+  void Answer(const StreamMessage& request) {
+    try {
+      switch (request.kind) {
+        case MessageKind::kPlan:
+          return TakePlan(request.body);
+        case MessageKind::kDraw:
+          return SendFrame(DrawRequestOf(request.body));
+        case MessageKind::kWay:
+          return Send(MessageKind::kWay, BodyOf(Film().Way(FromBytes<int32_t>(request.body))));
+        case MessageKind::kPhoto:
+          return SendPhoto();
+        default:
+          throw host::Error("the editor asked for what is no request");
+      }
+    } catch (const BrokenLine&) {
+      throw;
+    } catch (const std::bad_alloc&) {
+      Send(MessageKind::kFailed, "there is not enough memory");
+    } catch (const host::Error& error) {
+      Send(MessageKind::kFailed, error.what());
+    }
+  }
+
+ private:
+  /// The editor has gone.
+  class BrokenLine : public host::Error {
+   public:
+    using host::Error::Error;
+  };
+
+  FilmDrawing& Film() {
+    if (!fault_.empty()) throw host::Error(fault_);
+    if (!film_) throw host::Error("there is no film yet");
+    return *film_;
+  }
+
+  /// What is wrong with a plan is the answer to what is asked of it.
+  void TakePlan(const std::string& text) {
+    fault_.clear();
+    try {
+      ReadPlan(text);
+    } catch (const host::Error& error) {
+      fault_ = error.what();
+    }
+  }
+
+  void ReadPlan(const std::string& text) {
+    host::RenderPlan plan = host::ParseProject(text, "/film.json");
+    if (!film_) {
+      host::SandboxAccess access{host::ModuleFolders(module_), {}};
+      access.reads.insert(access.reads.end(), {plan.photo, plan.over});
+      host::EnterSandbox(access);
+      film_.emplace(module_, plan);
+      photo_ = plan.photo;
+      over_ = plan.over;
+    } else if (plan.photo != photo_ || plan.over != over_) {
+      throw host::Error("the preview cannot open another photo");
+    }
+    film_->SetPlan(plan);
+  }
+
+  void SendFrame(const DrawRequest& request) {
+    const host::FrameView frame = Film().Draw(request.frame, request.size, request.quality);
+    const size_t rowBytes = static_cast<size_t>(frame.size.width) * 4;
+    SendHead(MessageKind::kFrame, {request.frame, frame.size});
+    for (int32_t row = 0; row < frame.size.height; ++row) {
+      Write({reinterpret_cast<const char*>(frame.Row(row)), rowBytes});
+    }
+  }
+
+  void SendPhoto() {
+    PictureHead head;
+    const std::vector<uint8_t> pixels = Film().PhotoPixels(kPhotoPixels, head.size);
+    SendHead(MessageKind::kPhoto, head);
+    Write({reinterpret_cast<const char*>(pixels.data()), pixels.size()});
+  }
+
+  /// Ahead of the pixels.
+  void SendHead(MessageKind kind, const PictureHead& head) {
+    const size_t pixels = static_cast<size_t>(head.size.width) * head.size.height;
+    Write(MessageHead(kind, sizeof head + pixels * 4) + BytesOf(head));
+  }
+  void Send(MessageKind kind, const std::string& body) {
+    Write(MessageHead(kind, body.size()) + body);
+  }
+  void Write(std::string_view bytes) {
+    try {
+      WriteAll(out_, bytes);
+    } catch (const host::Error& error) {
+      throw BrokenLine(error.what());
+    }
+  }
+
+  std::string module_;
+  int out_;
+  std::string photo_, over_, fault_;
+  std::optional<FilmDrawing> film_;
+};
+
+}  // namespace
+
+void ServeDrawing(const std::string& module, int in, int out) {
+  Server server(module, out);
+  MessageReader reader;
+  std::array<char, 65536> bytes;
+  for (;;) {
+    const ssize_t count = read(in, bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return;
+    reader.Add({bytes.data(), static_cast<size_t>(count)});
+    while (const auto request = reader.Next()) server.Answer(*request);
+  }
+}
+
+}  // namespace kelto::editor

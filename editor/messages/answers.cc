@@ -1,0 +1,32 @@
+#include "editor/messages/answers.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "editor/messages/plain_bytes.h"
+
+namespace kelto::editor {
+
+PictureBody PictureOf(std::string_view body) {
+  const auto head = FromBytes<PictureHead>(body);
+  const host::FrameSize size = head.size;
+  const uint64_t pixels = static_cast<uint64_t>(std::max(0, size.width)) *
+                          static_cast<uint64_t>(std::max(0, size.height));
+  if (pixels == 0 || body.size() - sizeof head != pixels * 4) {
+    throw host::Error("the preview sent what is no picture");
+  }
+  return {head, reinterpret_cast<const uint8_t*>(body.data()) + sizeof head};
+}
+
+std::string BodyOf(const FilmWay& way) {
+  static_assert(std::is_trivially_copyable_v<WaySample>);
+  return {reinterpret_cast<const char*>(way.data()), way.size() * sizeof(WaySample)};
+}
+
+FilmWay WayOf(std::string_view body) {
+  FilmWay way(body.size() / sizeof(WaySample));
+  if (!way.empty()) std::memcpy(way.data(), body.data(), way.size() * sizeof(WaySample));
+  return way;
+}
+
+}  // namespace kelto::editor

@@ -1,0 +1,31 @@
+// What the process that draws answers.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "editor/rules/film_way.h"
+#include "host/base/film_format.h"
+
+namespace kelto::editor {
+
+/// Ahead of the pixels of a frame or of the photo: B, G, R, A, rows without padding.
+struct PictureHead {
+  int32_t frame = 0;  ///< of the film; of the photo 0
+  host::FrameSize size;
+};
+
+/// A picture in a message's body, whose bytes it shares.
+struct PictureBody {
+  PictureHead head;
+  const uint8_t* pixels = nullptr;
+};
+
+/// Throws Error where the body is no picture.
+PictureBody PictureOf(std::string_view body);
+
+std::string BodyOf(const FilmWay& way);
+FilmWay WayOf(std::string_view body);
+
+}  // namespace kelto::editor

@@ -1,0 +1,323 @@
+#include "editor/preview/preview.h"
+
+#include <QTimer>
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <optional>
+#include <utility>
+
+#include "editor/messages/answers.h"
+#include "editor/messages/plain_bytes.h"
+#include "editor/messages/requests.h"
+#include "editor/preview/drawing_process.h"
+#include "host/base/error.h"
+#include "host/playback/playback.h"
+#include "host/playback/quality_control.h"
+#include "host/project/project_file.h"
+
+namespace kelto::editor {
+namespace {
+
+/// How long nothing has to change for the frame to be drawn in the film's own size.
+constexpr auto kRest = std::chrono::milliseconds(120);
+/// Samples of the way while it changes, and at rest: more than a screen has columns.
+constexpr int32_t kQuickWay = 300, kFullWay = 2000;
+
+double Now() {
+  using Seconds = std::chrono::duration<double>;
+  return Seconds(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+/// The film's size, made smaller to fit into a box where there is one; even sides, as fields and
+/// 4:2:2 have them.
+host::FrameSize SizeWithin(const host::FilmFormat& format, QSize box) {
+  const host::FrameSize film = format.size;
+  if (box.isEmpty()) return film;
+  const double shown = film.width * format.sampleAspect.Ratio();
+  const double scale =
+      std::min(box.width() / shown, static_cast<double>(box.height()) / film.height);
+  if (scale >= 1.0) return film;
+  const auto side = [&](int32_t length) {
+    return std::max(2, static_cast<int32_t>(std::lround(length * scale / 2)) * 2);
+  };
+  return {side(film.width), side(film.height)};
+}
+
+}  // namespace
+
+class Preview::Private {
+ public:
+  Private(Preview* owner, QString program, QString module)
+      : owner_(owner), program_(std::move(program)), module_(std::move(module)) {
+    for (QTimer* timer : {&soon_, &rest_, &due_}) {
+      timer->setSingleShot(true);
+      QObject::connect(timer, &QTimer::timeout, owner, [this] { Pump(); });
+    }
+    due_.setTimerType(Qt::PreciseTimer);
+  }
+
+  void SetPlan(const host::RenderPlan& plan);
+  void SetBox(QSize box);
+  void Seek(int32_t frame);
+  void Play(bool play);
+  void SetLoop(bool loop);
+  int32_t Frame() { return hasPlan_ ? clock_.FrameAt(Now()) : 0; }
+  int32_t Frames() const { return hasPlan_ ? plan_.frames : 0; }
+  bool Playing() const { return playing_; }
+
+ private:
+  enum class Asked { kNothing, kPhoto, kFrame, kWay };
+
+  /// What has been asked for is what has changed since: one turn of the event loop for all of it.
+  void PumpSoon() { soon_.start(0); }
+  /// Asks for what is wanted most, unless an answer is still due.
+  void Pump();
+  void Start();
+  void Drop();
+  bool SendPlan();
+  bool AskFrame();
+  bool AskWay();
+  void Ask(Asked what, MessageKind kind, const std::string& body);
+  void Take(const StreamMessage& answer);
+  void TakeFrame(const StreamMessage& answer);
+  void Fail(const QString& reason);
+  void StartClock(int32_t frame, bool playing);
+  void NoticePlaying(bool playing);
+
+  Preview* owner_;
+  QString program_, module_;
+  DrawingProcess* process_ = nullptr;  ///< the owner's, once it is needed
+  host::RenderPlan plan_;
+  bool hasPlan_ = false, planUnsent_ = false;
+  uint64_t version_ = 0;  ///< of the plan, counted
+  uint64_t failed_ = 0;   ///< the version that could not be drawn
+  bool photoWanted_ = false;
+  QSize box_;
+  host::Playback clock_{1, {}};
+  std::optional<host::QualityControl> control_;
+  bool loop_ = false, playing_ = false;
+
+  Asked asked_ = Asked::kNothing;
+  DrawRequest request_;        ///< the frame asked for
+  uint64_t askedVersion_ = 0;  ///< what it is a frame, or the way, of
+  int32_t askedSamples_ = 0;
+  double askedAt_ = 0.0;
+
+  DrawRequest shown_;
+  uint64_t shownVersion_ = 0;
+  uint64_t wayVersion_ = 0;
+  int32_t waySamples_ = 0;
+  QTimer soon_, rest_, due_;
+};
+
+void Preview::Private::SetPlan(const host::RenderPlan& plan) {
+  const bool otherFiles = !hasPlan_ || plan.photo != plan_.photo || plan.over != plan_.over;
+  const bool otherClock =
+      !hasPlan_ || plan.frames != plan_.frames || plan.format.rate != plan_.format.rate;
+  const int32_t frame = Frame();
+  plan_ = plan;
+  hasPlan_ = planUnsent_ = true;
+  ++version_;
+  if (otherClock) StartClock(frame, playing_);
+  if (otherFiles) {
+    // The process may open no files but its first ones.
+    Drop();
+    photoWanted_ = true;
+  }
+  rest_.start(kRest);
+  PumpSoon();
+}
+
+void Preview::Private::StartClock(int32_t frame, bool playing) {
+  clock_ = host::Playback(plan_.frames, plan_.format.rate, loop_);
+  clock_.Seek(frame, Now());
+  if (playing) clock_.Play(Now());
+  control_.emplace(1.0 / plan_.format.rate.PerSecond());
+}
+
+void Preview::Private::SetBox(QSize box) {
+  if (box == box_) return;
+  box_ = box;
+  rest_.start(kRest);
+  PumpSoon();
+}
+
+void Preview::Private::Seek(int32_t frame) {
+  clock_.Seek(frame, Now());
+  rest_.start(kRest);
+  PumpSoon();
+}
+
+void Preview::Private::Play(bool play) {
+  if (!hasPlan_) return;
+  if (play) {
+    clock_.Play(Now());
+  } else {
+    clock_.Pause(Now());
+  }
+  NoticePlaying(clock_.Playing());
+  PumpSoon();
+}
+
+void Preview::Private::SetLoop(bool loop) {
+  if (loop == loop_) return;
+  loop_ = loop;
+  if (hasPlan_) StartClock(Frame(), playing_);
+}
+
+void Preview::Private::NoticePlaying(bool playing) {
+  if (playing == playing_) return;
+  playing_ = playing;
+  emit owner_->PlayingChanged(playing);
+}
+
+void Preview::Private::Pump() {
+  if (asked_ != Asked::kNothing || !hasPlan_ || failed_ == version_) return;
+  if (process_ == nullptr) Start();
+  if (planUnsent_ && !SendPlan()) return;
+  if (photoWanted_) return Ask(Asked::kPhoto, MessageKind::kPhoto, {});
+  // While a view is dragged, way and frames take turns.
+  if (shownVersion_ > wayVersion_ && AskWay()) return;
+  if (AskFrame() || AskWay()) return;
+  if (!playing_) return;
+  due_.start(std::chrono::milliseconds(
+      std::max<int64_t>(0, std::llround((clock_.NextDue(Now()) - Now()) * 1000))));
+}
+
+void Preview::Private::Start() {
+  process_ = new DrawingProcess(program_, module_, owner_);
+  planUnsent_ = true;
+  shownVersion_ = wayVersion_ = 0;
+  QObject::connect(process_, &DrawingProcess::Answered, owner_,
+                   [this](const StreamMessage& answer) { Take(answer); });
+  QObject::connect(process_, &DrawingProcess::Ended, owner_,
+                   [this, ended = process_](const QString& reason) {
+                     if (process_ != ended) return;
+                     Drop();
+                     Fail(reason);
+                   });
+}
+
+void Preview::Private::Drop() {
+  if (process_ == nullptr) return;
+  // Later: it may be the process that is speaking.
+  process_->disconnect(owner_);
+  process_->deleteLater();
+  process_ = nullptr;
+  asked_ = Asked::kNothing;
+}
+
+bool Preview::Private::SendPlan() {
+  try {
+    process_->Send(MessageKind::kPlan, host::ProjectText("/film.json", plan_));
+  } catch (const host::Error& error) {
+    Fail(QString::fromUtf8(error.what()));
+    return false;
+  }
+  planUnsent_ = false;
+  return true;
+}
+
+bool Preview::Private::AskFrame() {
+  const double now = Now();
+  DrawRequest wanted{clock_.FrameAt(now), plan_.format.size, host::QualityControl::kFull};
+  NoticePlaying(clock_.Playing());  // it pauses by itself at the end
+  if (playing_) wanted.quality = control_->Quality();
+  if (playing_ || rest_.isActive()) wanted.size = SizeWithin(plan_.format, box_);
+  const bool same = shownVersion_ == version_ && shown_.frame == wanted.frame;
+  const bool asLarge = shown_.size == wanted.size || shown_.size == plan_.format.size;
+  // While playing, better quality comes with the next frame.
+  if (same && (playing_ || (asLarge && shown_.quality == host::QualityControl::kFull))) {
+    return false;
+  }
+  request_ = wanted;
+  Ask(Asked::kFrame, MessageKind::kDraw, BodyOf(wanted));
+  return true;
+}
+
+bool Preview::Private::AskWay() {
+  const int32_t samples = rest_.isActive() ? kQuickWay : kFullWay;
+  if (wayVersion_ == version_ && waySamples_ >= std::min(samples, plan_.frames)) return false;
+  askedSamples_ = samples;
+  Ask(Asked::kWay, MessageKind::kWay, BytesOf(samples));
+  return true;
+}
+
+void Preview::Private::Ask(Asked what, MessageKind kind, const std::string& body) {
+  asked_ = what;
+  askedVersion_ = version_;
+  askedAt_ = Now();
+  process_->Send(kind, body);
+}
+
+void Preview::Private::Take(const StreamMessage& answer) {
+  const Asked asked = std::exchange(asked_, Asked::kNothing);
+  if (asked == Asked::kPhoto) photoWanted_ = false;
+  try {
+    switch (answer.kind) {
+      case MessageKind::kPhoto: {
+        const PictureBody photo = PictureOf(answer.body);
+        const host::FrameSize size = photo.head.size;
+        emit owner_->PhotoRead(
+            QImage(photo.pixels, size.width, size.height, size.width * 4, QImage::Format_RGB32)
+                .copy());
+        break;
+      }
+      case MessageKind::kFrame:
+        TakeFrame(answer);
+        break;
+      case MessageKind::kWay:
+        wayVersion_ = askedVersion_;
+        waySamples_ = askedSamples_;
+        emit owner_->WayFound(WayOf(answer.body));
+        break;
+      default:
+        // What is wrong with a plan that has been replaced is no news.
+        if (askedVersion_ == version_) Fail(QString::fromStdString(answer.body));
+        break;
+    }
+  } catch (const host::Error& error) {
+    Fail(QString::fromUtf8(error.what()));
+  }
+  PumpSoon();
+}
+
+void Preview::Private::TakeFrame(const StreamMessage& answer) {
+  const PictureBody frame = PictureOf(answer.body);
+  const host::FrameSize size = frame.head.size;
+  shown_ = request_;
+  shownVersion_ = askedVersion_;
+  const double now = Now();
+  if (playing_) control_->Drawn(now - askedAt_, now);
+  const bool exact = shownVersion_ == version_ && size == plan_.format.size &&
+                     shown_.quality == host::QualityControl::kFull;
+  emit owner_->FrameDrawn(
+      QImage(frame.pixels, size.width, size.height, size.width * 4, QImage::Format_RGB32).copy(),
+      request_.frame, exact);
+}
+
+void Preview::Private::Fail(const QString& reason) {
+  asked_ = Asked::kNothing;
+  failed_ = version_;
+  clock_.Pause(Now());
+  NoticePlaying(false);
+  emit owner_->Failed(reason);
+}
+
+Preview::Preview(QString program, QString module, QObject* parent)
+    : QObject(parent), p_(std::make_unique<Private>(this, std::move(program), std::move(module))) {}
+
+Preview::~Preview() = default;
+
+void Preview::SetPlan(const host::RenderPlan& plan) { p_->SetPlan(plan); }
+void Preview::SetBox(QSize box) { p_->SetBox(box); }
+int32_t Preview::Frame() const { return p_->Frame(); }
+int32_t Preview::Frames() const { return p_->Frames(); }
+bool Preview::Playing() const { return p_->Playing(); }
+void Preview::Seek(int32_t frame) { p_->Seek(frame); }
+void Preview::Play() { p_->Play(true); }
+void Preview::Pause() { p_->Play(false); }
+void Preview::SetLoop(bool loop) { p_->SetLoop(loop); }
+
+}  // namespace kelto::editor
