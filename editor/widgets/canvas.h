@@ -25,6 +25,10 @@ struct CanvasScene {
 /// Knows no document: what the user does goes out as values, and what is to be seen comes back by
 /// SetScene. A drag shows its own view at once, whatever comes back meanwhile.
 ///
+/// The wheel over a view zooms it, beside views and with Ctrl the canvas; the middle button, and
+/// the left one while Space is held, move the photo. Alt resizes about a view's middle, Shift keeps
+/// to an axis, Ctrl suspends snapping.
+///
 /// Keys: arrows move the selected view by a photo pixel, with Shift by ten; + and - zoom it; Tab
 /// and Shift+Tab select the next and previous view; Delete removes it; Escape ends a drag as it
 /// began; 0 fits the photo into the canvas, 1 shows its pixels as they are.
@@ -62,6 +66,8 @@ class Canvas : public QWidget {
   void ViewRemoved(int view);
   /// A menu for a view, -1 for the photo, at a place on the screen.
   void MenuAsked(int view, const QPoint& screen);
+  /// Space was tapped, not held to move the photo.
+  void PlayAsked();
 
  protected:
   bool event(QEvent* event) override;
@@ -75,6 +81,7 @@ class Canvas : public QWidget {
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
+  void changeEvent(QEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
 
  private:

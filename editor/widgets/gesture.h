@@ -11,7 +11,7 @@ struct Gesture {
   bool finished = true;  ///< the last change of the gesture
 };
 
-/// A gesture with an id that no other has had.
+/// A gesture that has begun, with an id that no other has had.
 Gesture NewGesture();
 
 }  // namespace kelto::editor

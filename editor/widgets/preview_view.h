@@ -24,6 +24,10 @@ class PreviewView : public QWidget {
   /// Why there is no frame, below the picture; empty for nothing.
   void SetNotice(const QString& notice);
   void SetActionSafe(bool shown);
+  void SwitchFullScreen();
+  /// What the player's keys do: Space, Home, End, comma and full stop for a frame, arrows for a
+  /// second, L, F11. False for other keys.
+  bool TakesKey(const QKeyEvent& event);
 
   QSize sizeHint() const override;
 
@@ -37,6 +41,8 @@ class PreviewView : public QWidget {
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   class Private;

@@ -43,7 +43,9 @@ struct TimelineScene {
 };
 
 /// Knows no document, as the canvas does not. Dragged edges move between what lies at both sides;
-/// with Ctrl all that follows moves along.
+/// with Ctrl all that follows moves along. Ctrl and the wheel zoom time. Keys: arrows go a frame on
+/// or back, with Shift a second; + and - hold the selected stop longer or shorter, with Ctrl its
+/// way; Delete, Ctrl+C and Ctrl+V work on the selected keys.
 class Timeline : public QWidget {
   Q_OBJECT
 

@@ -1,0 +1,25 @@
+// Draws the timeline.
+#pragma once
+
+#include <QPainter>
+#include <QPalette>
+#include <optional>
+
+#include "editor/rules/time_axis.h"
+#include "editor/widgets/timeline_layout.h"
+
+namespace kelto::editor {
+
+struct TimelineDrawing {
+  const TimelineScene& scene;
+  const TimelineRows& rows;
+  TimeAxis axis;
+  double seconds = 0.0;  ///< where the film stands
+  const std::vector<KeyPlace>& selected;
+  std::optional<QRectF> band;  ///< keys are being selected in
+  QPalette palette;
+};
+
+void DrawTimeline(QPainter& painter, const TimelineDrawing& drawing);
+
+}  // namespace kelto::editor
