@@ -1,0 +1,176 @@
+// bench_editor PHOTO: what a drag costs, from the event to the painted canvas and to the frame.
+#include <QApplication>
+#include <QMouseEvent>
+#include <QTest>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <vector>
+
+#include "editor/preview/preview.h"
+#include "editor/widgets/canvas.h"
+#include "editor/widgets/timeline.h"
+#include "host/plan/default_plan.h"
+
+namespace {
+
+using namespace kelto;
+using namespace kelto::editor;
+using Clock = std::chrono::steady_clock;
+
+constexpr int kPatience = 60000;
+
+double Since(Clock::time_point begin) {
+  return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+}
+
+void Report(const char* what, std::vector<double> times) {
+  std::sort(times.begin(), times.end());
+  std::printf("%-52s %8.2f %8.2f\n", what, times[times.size() / 2], times[times.size() * 95 / 100]);
+}
+
+void Send(QWidget& widget, QEvent::Type type, QPointF at) {
+  const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+  QMouseEvent event(type, at, widget.mapToGlobal(at), button, Qt::LeftButton, Qt::NoModifier);
+  QCoreApplication::sendEvent(&widget, &event);
+}
+
+/// Times of drags' moves from (x, y) on, each with what `painted` paints.
+std::vector<double> DragTimes(QWidget& widget, QPointF from, QPointF step) {
+  std::vector<double> times;
+  Send(widget, QEvent::MouseButtonPress, from);
+  for (int move = 1; move <= 200; ++move) {
+    const auto begin = Clock::now();
+    Send(widget, QEvent::MouseMove, from + step * (move % 100));
+    widget.repaint();
+    times.push_back(Since(begin));
+  }
+  Send(widget, QEvent::MouseButtonRelease, from);
+  return times;
+}
+
+CanvasScene SceneOf(const QImage& photo, int views) {
+  CanvasScene scene;
+  scene.limits.photoWidth = photo.width();
+  scene.limits.photoHeight = photo.height();
+  scene.limits.shape = 9.0 / 16.0;
+  scene.limits.narrowest = photo.width() / 20.0;
+  scene.limits.frameWidth = 1920.0;
+  for (int view = 0; view < views; ++view) {
+    scene.views.push_back(ViewAbout({photo.width() * (0.2 + 0.6 * view / views),
+                                     photo.height() * (0.3 + 0.4 * (view % 7) / 7.0)},
+                                    photo.width() / 3.0, scene.limits));
+    scene.way.push_back({view * 1.0, scene.views.back(), 1.0});
+  }
+  return scene;
+}
+
+void MeasureCanvas(const QImage& photo, int views, const char* what) {
+  Canvas canvas;
+  canvas.resize(1280, 720);
+  CanvasScene scene = SceneOf(photo, views);
+  canvas.SetPhoto(photo);
+  canvas.SetScene(scene);
+  canvas.show();
+  QCoreApplication::processEvents();
+  QObject::connect(&canvas, &Canvas::ViewChanged, &canvas,
+                   [&](int view, const host::PhotoRect& part, Gesture) {
+                     scene.views[view] = part;
+                     canvas.SetScene(scene);
+                   });
+  Report(what, DragTimes(canvas, {640, 360}, {1.0, 0.5}));
+}
+
+void MeasureTimeline() {
+  Timeline timeline;
+  timeline.resize(1280, 200);
+  TimelineScene scene;
+  scene.stops.assign(500, {2.0, 3.0});
+  scene.length = LengthOf(scene.stops);
+  timeline.SetScene(scene);
+  timeline.show();
+  QCoreApplication::processEvents();
+  QObject::connect(&timeline, &Timeline::StopTimesChanged, &timeline,
+                   [&](const StopTimes& times, Gesture) {
+                     scene.stops = times;
+                     timeline.SetScene(scene);
+                   });
+  Report("timeline, 500 stops: a step of a drag, painted",
+         DragTimes(timeline, {640.0, 45.0}, {0.3, 0.0}));
+}
+
+void MeasurePreview(const host::RenderPlan& first, const char* what) {
+  host::RenderPlan plan = first;
+  Preview preview(KELTO_PREVIEW, KELTO_MODULE);
+  int frames = 0;
+  bool exact = false;
+  QObject::connect(&preview, &Preview::FrameDrawn, &preview,
+                   [&](const QImage&, int32_t, bool isExact) {
+                     ++frames;
+                     exact = isExact;
+                   });
+  preview.SetBox({960, 540});
+  preview.SetPlan(plan);
+  if (!QTest::qWaitFor([&] { return exact; }, kPatience)) return;
+  std::vector<double> times;
+  for (int change = 0; change < 100; ++change) {
+    host::SetMove(plan, View{1.2 + change * 0.01, 0.0, 0.0}, View{2.5, 0.1, 0.1});
+    const int before = frames;
+    const auto begin = Clock::now();
+    preview.SetPlan(plan);
+    QTest::qWaitFor([&] { return frames > before; }, kPatience);
+    times.push_back(Since(begin));
+  }
+  Report(what, times);
+}
+
+int Measure(const char* path) {
+  std::printf("%-52s %8s %8s\n", "", "median", "95 %");
+  host::RenderPlan plan = host::DefaultPlan(path);
+  plan.format.size = {960, 540};
+  plan.motion = host::MotionLaw::kSteady;
+  host::SetMove(plan, View{1.2, 0.0, 0.0}, View{2.5, 0.1, 0.1});
+
+  QImage photo;
+  {
+    Preview preview(KELTO_PREVIEW, KELTO_MODULE);
+    bool drawn = false;
+    QObject::connect(&preview, &Preview::PhotoRead, &preview,
+                     [&](const QImage& read) { photo = read; });
+    QObject::connect(&preview, &Preview::FrameDrawn, &preview, [&] { drawn = true; });
+    QObject::connect(&preview, &Preview::Failed, &preview, [](const QString& reason) {
+      std::fprintf(stderr, "bench_editor: %s\n", qPrintable(reason));
+    });
+    const auto begin = Clock::now();
+    preview.SetPlan(plan);
+    if (!QTest::qWaitFor([&] { return !photo.isNull(); }, kPatience)) return 1;
+    Canvas canvas;
+    canvas.resize(1280, 720);
+    canvas.SetScene(SceneOf(photo, 2));
+    canvas.SetPhoto(photo);
+    canvas.show();
+    canvas.repaint();
+    Report("photo on the canvas, from its name on", {Since(begin)});
+    QTest::qWaitFor([&] { return drawn; }, kPatience);
+    Report("first frame, from its name on", {Since(begin)});
+  }
+  MeasureCanvas(photo, 3, "canvas, 3 views: a step of a drag, painted");
+  MeasureCanvas(photo, 500, "canvas, 500 views: a step of a drag, painted");
+  MeasureTimeline();
+  MeasurePreview(plan, "preview, 960x540, Hi Qual: change to frame");
+  plan.format.size = {1920, 1080};
+  MeasurePreview(plan, "preview, 1920x1080 film shown at 960x540");
+  return 0;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  QApplication application(count, arguments);
+  if (count != 2) {
+    std::fputs("bench_editor: give it a photo\n", stderr);
+    return 2;
+  }
+  return Measure(arguments[1]);
+}
