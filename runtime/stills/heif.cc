@@ -67,11 +67,17 @@ class Picture {
   uint32_t height() const { return static_cast<uint32_t>(heif_.image_handle_get_height(handle())); }
 
   /// Bytes that Decode takes: the codec's planes and the library's copy of them, R, G and B apart
-  /// and then together. As measured of 4:4:4, which takes most, since the library does not say.
+  /// and then together; and those of alpha, a picture of its own. As measured of 4:4:4, which takes
+  /// most, since the library does not say.
   uint64_t Scratch() const {
-    constexpr uint64_t kOfBytes = 10, kOfWords = 18;  // bytes a pixel
+    constexpr uint64_t kOfBytes = 12, kOfWords = 22;          // bytes a pixel
+    constexpr uint64_t kAlphaOfBytes = 4, kAlphaOfWords = 8;  // and where there is alpha
     const bool words = heif_.image_handle_get_luma_bits_per_pixel(handle()) > 8;
-    return uint64_t{width()} * height() * (words ? kOfWords : kOfBytes);
+    uint64_t bytes = words ? kOfWords : kOfBytes;
+    if (heif_.image_handle_has_alpha_channel(handle())) {
+      bytes += words ? kAlphaOfWords : kAlphaOfBytes;
+    }
+    return uint64_t{width()} * height() * bytes;
   }
 
   Alpha alpha() const {
