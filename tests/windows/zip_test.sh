@@ -43,6 +43,15 @@ cmp "$folder/kelto.zip" "$folder/again.zip" || fail "two packings of one build d
 for file in kelto.exe hfx.dll KeltoPanAndZoom.hfx; do
   i686-w64-mingw32-objdump -h "$file" | grep -q '\.rsrc' || fail "$file has no version"
 done
+# What keeps a fault in a decoder from becoming more: no fixed place in memory, no code in data.
+for file in kelto.exe ./*.dll KeltoPanAndZoom.hfx; do
+  i686-w64-mingw32-objdump -p "$file" >../headers
+  for mark in DYNAMIC_BASE NX_COMPAT; do
+    grep -q "^[[:space:]]*$mark\$" ../headers || fail "$file has no $mark"
+  done
+  i686-w64-mingw32-objdump -h "$file" | grep -q '\.reloc' || fail "$file cannot be moved in memory"
+done
+
 for file in share/kelto/project.schema.json docs/guide.md docs/guide/motion.png licences/boost.txt; do
   [ -s "$file" ] || fail "$file is not in the zip"
 done
