@@ -52,6 +52,15 @@ double Leg::LengthFrom(double from, double to) const {
   return sum * half;
 }
 
+double Leg::LengthTo(double e) const {
+  if (e <= 0.0) return 0.0;
+  if (e >= 1.0) return Length();
+  if (lengths_.size() == 1) return Length() * e;
+  size_t step = 0;
+  while (step + 1 < kSteps && StepAt(step + 1) <= e) ++step;
+  return lengths_[step] + LengthFrom(StepAt(step), e);
+}
+
 Window Leg::AtLength(double length) const {
   if (length <= 0.0) return At(0.0);
   if (length >= Length()) return At(1.0);

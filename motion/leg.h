@@ -19,6 +19,8 @@ class Leg {
   Window At(double e) const;
   /// The perceived length of all of it.
   double Length() const { return lengths_.back(); }
+  /// The part of it that is covered at `e`, 0..1.
+  double LengthTo(double e) const;
   /// The window at which a part of that length is covered.
   Window AtLength(double length) const;
 

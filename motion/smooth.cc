@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "motion/monotone_curve.h"
+#include "motion/slope.h"
 #include "motion/steady.h"
 
 namespace kelto::motion {
@@ -86,9 +86,8 @@ Change ChangeAt(const Window& window, const Chord& before, const Chord& after) {
   const auto mean = [&](double arriving, double leaving) {
     return (arriving * after.length + leaving * before.length) / sum;
   };
-  Change change{
-      mean(before.arriving.x, after.leaving.x), mean(before.arriving.y, after.leaving.y),
-      MonotoneSlope(before.length, before.arriving.width, after.length, after.leaving.width)};
+  Change change{mean(before.arriving.x, after.leaving.x), mean(before.arriving.y, after.leaving.y),
+                MeanSlope(before.length, before.arriving.width, after.length, after.leaving.width)};
   const double most = std::min(std::abs(before.growth) * before.endShare / in,
                                std::abs(after.growth) * after.startShare / out);
   change.width = std::clamp(change.width, -most, most);

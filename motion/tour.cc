@@ -5,7 +5,14 @@
 
 namespace kelto::motion {
 
-Tour::Tour(std::vector<Stop> stops, Law law, Path path, const Room& room)
+namespace {
+
+/// The part of its mean that the speed may gain or lose a second where nothing asks for haste.
+constexpr double kCalm = 0.9;
+
+}  // namespace
+
+Tour::Tour(std::vector<Stop> stops, Law law, Path path, const Room& room, double seconds)
     : stops_(std::move(stops)) {
   if (path == Path::kSpline) {
     MakeSmoothLegs(room);
@@ -15,7 +22,7 @@ Tour::Tour(std::vector<Stop> stops, Law law, Path path, const Room& room)
   lengths_.assign(stops_.size(), 0.0);
   for (size_t i = 0; i < legs_.size(); ++i) lengths_[i + 1] = lengths_[i] + legs_[i].Length();
   MakeRuns(path);
-  if (path == Path::kSpline) MakeCurves();
+  if (path == Path::kSpline) MakePaces(seconds);
 }
 
 void Tour::MakeLegs(Law law, const Room& room) {
@@ -72,24 +79,28 @@ void Tour::MakeRuns(Path path) {
   }
 }
 
-void Tour::MakeCurves() {
-  std::vector<CurveKnot> knots;
+void Tour::MakePaces(double seconds) {
+  std::vector<Milestone> milestones;
   const auto finish = [&] {
-    if (!knots.empty()) curves_.emplace_back(std::move(knots));
-    knots.clear();
+    if (!milestones.empty()) paces_.emplace_back(milestones, kCalm * seconds);
+    milestones.clear();
   };
   for (Run& run : runs_) {
     if (run.first == 0 || PiecesMeet(run.first)) finish();
-    if (knots.empty()) knots.push_back({stops_[run.first].time, lengths_[run.first], 1.0});
+    if (milestones.empty()) {
+      milestones.push_back({stops_[run.first].time, lengths_[run.first], 1.0});
+    }
     for (size_t i = run.first + 1; i <= run.last; ++i) {
       // Those passed at constant speed are met when their length is covered.
       if (i < run.last && stops_[i].arrival == Arrival::kConstant) continue;
       const double time = i < run.last ? EasedTime(run, stops_[i].time) : stops_[i].time;
       // Eased, two times may become one.
-      while (knots.size() > 1 && knots.back().x >= time) knots.pop_back();
-      if (time > knots.back().x) knots.push_back({time, lengths_[i], straightness_[i]});
+      while (milestones.size() > 1 && milestones.back().time >= time) milestones.pop_back();
+      if (time > milestones.back().time) {
+        milestones.push_back({time, lengths_[i], straightness_[i]});
+      }
     }
-    run.curve = curves_.size();
+    run.pace = paces_.size();
   }
   finish();
 }
@@ -107,22 +118,37 @@ Window Tour::AtLength(double length, size_t first, size_t last) const {
   return legs_[leg].AtLength(length - lengths_[leg]);
 }
 
+const Tour::Run& Tour::RunAt(double time) const {
+  return *std::partition_point(runs_.begin(), runs_.end(),
+                               [&](const Run& one) { return stops_[one.last].time < time; });
+}
+
+double Tour::ShareAt(const Run& run, double time) const {
+  const Stop &from = stops_[run.first], &to = stops_[run.last];
+  return (EasedTime(run, time) - from.time) / (to.time - from.time);
+}
+
 Window Tour::At(double time) const {
   if (time <= stops_.front().time) return stops_.front().window;
   if (time >= stops_.back().time) return stops_.back().window;
-  const auto run = std::partition_point(
-      runs_.begin(), runs_.end(), [&](const Run& one) { return stops_[one.last].time < time; });
-  const Stop &from = stops_[run->first], &to = stops_[run->last];
-  if (time == to.time) return to.window;
-  if (Jumps(run->first)) return from.window;
-  const double eased = EasedTime(*run, time);
-  if (!curves_.empty()) {
-    return AtLength(curves_[run->curve].At(eased), run->first, run->last);
-  }
-  const double share = (eased - from.time) / (to.time - from.time);
-  if (run->last == run->first + 1) return legs_[run->first].At(share);
-  const double start = lengths_[run->first];
-  return AtLength(start + share * (lengths_[run->last] - start), run->first, run->last);
+  const Run& run = RunAt(time);
+  if (time == stops_[run.last].time) return stops_[run.last].window;
+  if (Jumps(run.first)) return stops_[run.first].window;
+  if (paces_.empty() && run.last == run.first + 1) return legs_[run.first].At(ShareAt(run, time));
+  return AtLength(LengthAt(time), run.first, run.last);
+}
+
+double Tour::LengthAt(double time) const {
+  if (time <= stops_.front().time) return 0.0;
+  if (time >= stops_.back().time) return lengths_.back();
+  const Run& run = RunAt(time);
+  const double start = lengths_[run.first], end = lengths_[run.last];
+  if (time == stops_[run.last].time) return end;
+  if (Jumps(run.first)) return start;
+  if (!paces_.empty()) return std::clamp(paces_[run.pace].At(EasedTime(run, time)), start, end);
+  const double share = ShareAt(run, time);
+  if (run.last == run.first + 1) return start + legs_[run.first].LengthTo(share);
+  return start + share * (end - start);
 }
 
 }  // namespace kelto::motion

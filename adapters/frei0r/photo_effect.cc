@@ -1,5 +1,6 @@
 #include "adapters/frei0r/photo_effect.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <exception>
@@ -146,6 +147,9 @@ void PhotoEffect::SetUp(const FrameRequest& request) {
   plan.settings = scene.settings;
   plan.views = scene.views;
   plan.motion = scene.motion;
+  // How fast a smooth way is gone depends on how long it is; progress goes through a project's.
+  plan.frames =
+      scene.project && scene.frames == 0 ? scene.project->frames : std::max(1, scene.frames);
   plan = host::KeyedPlan(plan, size_);
   track_ = host::ViewTrack::For(plan, size_);
   // What this scene leaves to the effect, another one may have set, or a render.

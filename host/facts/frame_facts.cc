@@ -29,9 +29,9 @@ FrameFacts FrameInspector::Of(int32_t number, int32_t field) {
   facts.seconds = (number + 0.5 * field) / plan_.format.rate.PerSecond();
   facts.time = hfx::FrameTime(FieldState(plan_, number, field));
   facts.view = motion.view;
-  facts.speed = SpeedAt({number, field}, motion.view);
+  facts.speed = SpeedAt({number, field}, motion);
   lastMoment_ = {number, field};
-  lastView_ = motion.view;
+  lastMotion_ = motion;
   facts.area = Area(facts, motion.target ? motion.view : View{});
   facts.filter = motion.target && quality_ > kFastQuality ? motion.filter : kFastFilter;
   return facts;
@@ -41,23 +41,23 @@ DrawnArea FrameInspector::ViewArea(const FrameFacts& facts) const {
   return Area(facts, facts.view);
 }
 
-View FrameInspector::ViewAt(const Moment& moment) {
-  return moment == lastMoment_ ? lastView_ : motion_.At(moment.number, moment.field).view;
+FrameMotion FrameInspector::MotionAt(const Moment& moment) {
+  return moment == lastMoment_ ? lastMotion_ : motion_.At(moment.number, moment.field);
 }
 
-motion::Speed FrameInspector::SpeedAt(const Moment& moment, const View& view) {
+motion::Speed FrameInspector::SpeedAt(const Moment& moment, const FrameMotion& motion) {
   const int32_t fields = FieldsOf(plan_);
   const double seconds = 1.0 / (plan_.format.rate.PerSecond() * fields);
   const int64_t place = int64_t{moment.number} * fields + moment.field;
-  const auto at = [&](int64_t other) {
-    return WindowOf(
-        ViewAt({static_cast<int32_t>(other / fields), static_cast<int32_t>(other % fields)}),
-        shape_);
-  };
-  const motion::Window here = WindowOf(view, shape_);
-  if (place > 0) return motion::SpeedBetween(at(place - 1), here, seconds);
-  if (int64_t{plan_.frames} * fields < 2) return {};
-  return motion::SpeedBetween(here, at(1), seconds);
+  if (place == 0 && int64_t{plan_.frames} * fields < 2) return {};
+  const int64_t other = place > 0 ? place - 1 : 1;
+  const FrameMotion beside =
+      MotionAt({static_cast<int32_t>(other / fields), static_cast<int32_t>(other % fields)});
+  const FrameMotion &from = place > 0 ? beside : motion, &to = place > 0 ? motion : beside;
+  motion::Speed speed =
+      motion::SpeedBetween(WindowOf(from.view, shape_), WindowOf(to.view, shape_), seconds);
+  if (from.length && to.length) speed.perceived = (*to.length - *from.length) / seconds;
+  return speed;
 }
 
 DrawnArea FrameInspector::Area(const FrameFacts& facts, const View& view) const {

@@ -18,10 +18,12 @@ struct FrameFacts {
   int32_t field = 0;     ///< 0 or 1, the second in time of an interlaced film's frame
   double seconds = 0.0;  ///< from the beginning of the film
   double time = 0.0;     ///< on the scale of key times, 0..1
-  motion::Speed speed;   ///< of the view since the moment before; the first's is the second's
-  View view;             ///< where the keys look, whatever the display shows
-  DrawnArea area;        ///< of what the frame draws: the view, or in the source display the photo
-  std::string filter;    ///< in force: entry of the list "filter"
+  /// Of the view since the moment before; the first's is the second's. The perceived one is that
+  /// along the way, where a motion law of the host's leads it: also where it turns back in between.
+  motion::Speed speed;
+  View view;           ///< where the keys look, whatever the display shows
+  DrawnArea area;      ///< of what the frame draws: the view, or in the source display the photo
+  std::string filter;  ///< in force: entry of the list "filter"
 };
 
 /// Tells the facts of a plan's frames.
@@ -43,9 +45,9 @@ class FrameInspector {
     bool operator==(const Moment&) const = default;
   };
   DrawnArea Area(const FrameFacts& facts, const View& view) const;
-  /// The speed at `moment`, whose view is known.
-  motion::Speed SpeedAt(const Moment& moment, const View& view);
-  View ViewAt(const Moment& moment);
+  /// The speed at `moment`, whose motion is known.
+  motion::Speed SpeedAt(const Moment& moment, const FrameMotion& motion);
+  FrameMotion MotionAt(const Moment& moment);
 
   RenderPlan plan_;
   PixelSize photo_;
@@ -53,8 +55,8 @@ class FrameInspector {
   Motion motion_;
   bool squarePixels_ = true;  ///< the same in all frames
   double shape_;              ///< height over width of what zoom 1 shows
-  Moment lastMoment_{-1, 0};  ///< the one asked for last, and its view
-  View lastView_;
+  Moment lastMoment_{-1, 0};  ///< the one asked for last, and its motion
+  FrameMotion lastMotion_;
 };
 
 }  // namespace kelto::host

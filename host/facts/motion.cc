@@ -74,6 +74,7 @@ FrameMotion Motion::At(int32_t number, int32_t field) {
   FrameMotion motion;
   const auto centre = ReadField<std::array<double, 2>>(*effect_, "position");
   motion.view = {ReadField<double>(*effect_, "size"), centre[0], centre[1]};
+  if (track_) motion.length = track_->LengthAt(state);
   motion.target = ReadEntry(*effect_, "display") == "Display: Target";
   motion.squarePixels = ReadField<bool>(*effect_, "squarepixels");
   motion.filter = ReadEntry(*effect_, "filter");

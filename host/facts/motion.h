@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "host/options/view.h"
@@ -19,6 +20,8 @@ namespace kelto::host {
 /// What settles a frame's look.
 struct FrameMotion {
   View view;
+  /// The perceived length of the way up to there, where a motion law of the host's leads it.
+  std::optional<double> length;
   bool target = true;        ///< "Display: Target": the view, not what zoom 1 shows
   bool squarePixels = true;  ///< of the photo
   std::string filter;        ///< entry of the list "filter"

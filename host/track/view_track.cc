@@ -55,12 +55,21 @@ std::unique_ptr<const ViewTrack> ViewTrack::For(const RenderPlan& plan, PixelSiz
 ViewTrack::ViewTrack(const RenderPlan& plan, const motion::Room& room)
     : shape_(room.shape),
       wholeFrames_(SwitchedOn(plan, "progressive", false)),
-      tour_(StopsOf(plan, room.shape), LawOf(plan), PathOf(plan), room) {}
+      tour_(StopsOf(plan, room.shape), LawOf(plan), PathOf(plan), room,
+            (plan.frames - 1) / plan.format.rate.PerSecond()) {}
 
-View ViewTrack::At(const hfx::RenderState& state) const {
+double ViewTrack::TimeOf(const hfx::RenderState& state) const {
   hfx::RenderState moment = state;
   if (wholeFrames_) moment.field = 0;
-  return ViewOf(tour_.At(hfx::FrameTime(moment)), shape_);
+  return hfx::FrameTime(moment);
+}
+
+View ViewTrack::At(const hfx::RenderState& state) const {
+  return ViewOf(tour_.At(TimeOf(state)), shape_);
+}
+
+double ViewTrack::LengthAt(const hfx::RenderState& state) const {
+  return tour_.LengthAt(TimeOf(state));
 }
 
 }  // namespace kelto::host

@@ -27,8 +27,11 @@ class ViewTrack {
 
   /// The view of the frame or field that `state` is of.
   View At(const hfx::RenderState& state) const;
+  /// The perceived length of the way up to there, as motion::Tour::LengthAt has it.
+  double LengthAt(const hfx::RenderState& state) const;
 
  private:
+  double TimeOf(const hfx::RenderState& state) const;
   ViewTrack(const RenderPlan& plan, const motion::Room& room);
 
   double shape_;      ///< height over width of what zoom 1 shows
