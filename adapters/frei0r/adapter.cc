@@ -90,7 +90,18 @@ void Adapter::Render(double time, const uint32_t* in, uint32_t* out) noexcept {
   const std::lock_guard lock(mutex_);
   try {
     ReadParameters();
-    RenderOver(in, out, clock_.Next(time, scene_->format.rate.PerSecond()));
+    const double rate = scene_->format.rate.PerSecond();
+    const int64_t frame = clock_.Next(time, rate);
+    if (scene_->frames > 0 && clock_.MissesRate()) {
+      char text[160];
+      std::snprintf(
+          text, sizeof text,
+          "frames: the host's times are not those of %g fps, so frames are counted, which "
+          "is wrong on several threads; give the stream's rate in fps",
+          rate);
+      SayOnce(text);
+    }
+    RenderOver(in, out, frame);
   } catch (const std::exception& error) {
     // Beyond what RenderOver minds: memory.
     FillBackground(in, out);
@@ -136,6 +147,11 @@ void Adapter::RenderOver(const uint32_t* in, uint32_t* out, int64_t frame) {
     }
     behind = videoCopy_.data();
   }
+  // A frame drawn in place loses the video that it is to keep.
+  const bool keeps = !scene_->background && in != nullptr;
+  if (keeps && in == out) original_.assign(in, in + videoCopy_.size());
+  const hfxImage video = ImageOf(in == out ? original_.data() : in);
+  if (keeps) request.video = &video;
   hfxImage input = ImageOf(behind), output = ImageOf(out);
   request.input = &input;
   request.output = &output;

@@ -62,7 +62,7 @@ class KELTO_PLATFORM_API Adapter {
   std::unique_ptr<Scene> scene_;
   uint64_t sceneId_ = 0;
   std::shared_ptr<PhotoEffect> effect_;
-  std::vector<uint32_t> videoCopy_;
+  std::vector<uint32_t> videoCopy_, original_;
 };
 
 }  // namespace kelto::frei0r

@@ -67,4 +67,8 @@ int64_t FrameClock::Next(double time, double rate) {
   return last_;
 }
 
+bool FrameClock::MissesRate() const {
+  return unit_ == Unit::kNone && lastTime_ >= 0.0 && lastTime_ <= kMaxSeconds;
+}
+
 }  // namespace kelto::frei0r

@@ -30,6 +30,10 @@ class KELTO_PLATFORM_API FrameClock {
   /// neither, whether garbage or because the stream has another rate, the instance counts for good.
   int64_t Next(double time, double rate);
 
+  /// Whether the instance counts calls by now although the last time may well be one: the stream
+  /// then has another rate, and an instance that sees only some of its frames counts wrongly.
+  bool MissesRate() const;
+
  private:
   enum class Unit { kUnknown, kSeconds, kMilliseconds, kNone };
   int64_t Read(double time, double rate);

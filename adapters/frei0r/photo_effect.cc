@@ -10,10 +10,13 @@
 #include <utility>
 
 #include "adapters/frei0r/console.h"
+#include "adapters/frei0r/covered_pixels.h"
 #include "adapters/frei0r/effect_file.h"
 #include "host/base/error.h"
+#include "host/effect/drawn_state.h"
 #include "host/effect/effect_settings.h"
 #include "host/effect/render_state.h"
+#include "host/track/drawn_frame.h"
 #include "host/track/keyed_plan.h"
 
 namespace kelto::frei0r {
@@ -22,6 +25,9 @@ namespace {
 constexpr uint16_t kFirstModel = 1;
 /// Width and height of the frame that tells whether there is a picture.
 constexpr int32_t kProbeSize = 16;
+/// The effect draws by nearest neighbour at this quality and below, and by this filter.
+constexpr double kFastQuality = 0.5;
+constexpr const char* kNearestFilter = "Filter: Real Time";
 
 /// The lock around the module and the host library; see the head of photo_effect.h.
 std::mutex& ModuleLock() {
@@ -118,8 +124,9 @@ void PhotoEffect::Draw(const FrameRequest& request) {
   plan.format = request.scene->format;
   plan.format.size = {output.GetWidth(), output.GetHeight()};
   plan.frames = request.moment.frames;
+  plan.playMode = request.scene->playMode;
   std::string error;
-  if (!effect_->BeginRender(request.scene->playMode, &error)) {
+  if (!effect_->BeginRender(plan.playMode, &error)) {
     throw host::Error("the effect: " + error);
   }
   bool rendered = true;
@@ -133,9 +140,24 @@ void PhotoEffect::Draw(const FrameRequest& request) {
       from = hfx::FieldView(from, state.topField);
     }
     rendered = effect_->Render(state, &from, &to, &error);
+    if (rendered && request.video != nullptr) KeepVideo(request, plan, state, to);
   }
   const bool ended = effect_->EndRender(rendered ? &error : nullptr);
   if (!rendered || !ended) throw host::Error("the effect: " + error);
+}
+
+void PhotoEffect::KeepVideo(const FrameRequest& request, const host::RenderPlan& plan,
+                            const hfx::RenderState& state, hfxImage& output) {
+  // Outlines may lie anywhere, and a copy reduced for playing has its own edges.
+  if (request.scene->outlined || plan.playMode != hfxPlayModeRender) return;
+  const DrawnFrame frame = host::FrameToDraw(plan, size_, state, host::DrewSquarePixels(*effect_));
+  const bool nearest =
+      request.quality <= kFastQuality || host::DrawnEntry(*effect_, "filter") == kNearestFilter;
+  const CoveredPixels covered = CoveredBy(
+      frame, host::DrawnView(*effect_), {plan.format.size.width, plan.format.size.height}, nearest);
+  if (!plan.format.Interlaced()) return KeepVideoBeside(covered, *request.video, 0, 1, output);
+  KeepVideoBeside(covered, hfx::FieldView(*request.video, state.topField), state.topField ? 0 : 1,
+                  2, output);
 }
 
 void PhotoEffect::SetUp(const FrameRequest& request) {

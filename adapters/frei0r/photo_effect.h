@@ -32,8 +32,10 @@ struct FrameRequest {
   uint64_t sceneId = 0;  ///< differs between scenes that may differ
   Moment moment;
   double quality = 1.0;
-  hfxImage* input = nullptr;
+  hfxImage* input = nullptr;  ///< overwritten
   hfxImage* output = nullptr;
+  /// The host's video, kept to the bit where the photo does not touch it; null: a colour is behind.
+  const hfxImage* video = nullptr;
 };
 
 class PhotoEffect {
@@ -56,6 +58,8 @@ class PhotoEffect {
   void TryToLoad();
   void Load();
   void Draw(const FrameRequest& request);
+  void KeepVideo(const FrameRequest& request, const host::RenderPlan& plan,
+                 const hfx::RenderState& state, hfxImage& output);
   void SetUp(const FrameRequest& request);
 
   const std::string photo_, levels_;

@@ -1,8 +1,7 @@
 #include "host/facts/motion.h"
 
-#include <array>
-
 #include "host/base/error.h"
+#include "host/effect/drawn_state.h"
 #include "host/effect/effect_settings.h"
 #include "host/effect/render_state.h"
 #include "host/files/path_text.h"
@@ -14,32 +13,6 @@ namespace {
 constexpr uint16_t kFirstModel = 1;
 /// The smallest frame that the effect draws.
 constexpr int32_t kSide = 2;
-
-hfxParameter& Find(hfx::Effect& effect, const char* key) {
-  hfxParameter* parameter = effect.instance().FindParameter(key);
-  if (parameter == nullptr) throw Error("the effect has no parameter \"" + std::string(key) + "\"");
-  return *parameter;
-}
-
-/// What the effect left in a parameter's field.
-template <typename Value>
-Value ReadField(hfx::Effect& effect, const char* key) {
-  Value value{};
-  if (!hfx::BoundValueOf(Find(effect, key), &value, sizeof value)) {
-    throw Error("the effect's parameter \"" + std::string(key) + "\" is of another kind");
-  }
-  return value;
-}
-
-std::string ReadEntry(hfx::Effect& effect, const char* key) {
-  const auto index = ReadField<int32_t>(effect, key);
-  const auto* list = dynamic_cast<const hfxPList*>(&Find(effect, key));
-  if (list == nullptr || index < 0 || index >= list->GetNumEntries()) {
-    throw Error("the effect's list \"" + std::string(key) + "\" has no entry " +
-                std::to_string(index));
-  }
-  return list->GetEntry(index);
-}
 
 }  // namespace
 
@@ -72,12 +45,11 @@ FrameMotion Motion::At(int32_t number, int32_t field) {
     throw Error("the effect: " + error);
   }
   FrameMotion motion;
-  const auto centre = ReadField<std::array<double, 2>>(*effect_, "position");
-  motion.view = {ReadField<double>(*effect_, "size"), centre[0], centre[1]};
+  motion.view = DrawnView(*effect_);
   if (track_) motion.length = track_->LengthAt(state);
-  motion.target = ReadEntry(*effect_, "display") == "Display: Target";
-  motion.squarePixels = ReadField<bool>(*effect_, "squarepixels");
-  motion.filter = ReadEntry(*effect_, "filter");
+  motion.target = DrawnEntry(*effect_, "display") == "Display: Target";
+  motion.squarePixels = DrewSquarePixels(*effect_);
+  motion.filter = DrawnEntry(*effect_, "filter");
   return motion;
 }
 

@@ -82,6 +82,18 @@ TEST(FrameClock, AfterGarbageTheInstanceCountsForGood) {
   EXPECT_EQ(clock.Next(9.04, 25.0), 3);
 }
 
+TEST(FrameClock, MissesTheRateOfAnotherStreamButNotWhereTimesAreGarbage) {
+  FrameClock fits, other, garbage;
+  for (int64_t frame = 0; frame < 5; ++frame) {
+    fits.Next(frame / 25.0, 25.0);
+    EXPECT_FALSE(fits.MissesRate());
+    other.Next(frame / 50.0, 25.0);
+    EXPECT_EQ(other.MissesRate(), frame > 0) << frame;
+    garbage.Next(-3.68935e20, 25.0);
+    EXPECT_FALSE(garbage.MissesRate());
+  }
+}
+
 TEST(FrameClock, AStreamOfAnotherRateIsCounted) {
   for (const double rate : {30.0, 50.0, 24.0, 60.0, 23.976}) {
     FrameClock seconds, milliseconds;

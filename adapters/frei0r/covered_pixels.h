@@ -1,0 +1,27 @@
+// Which pixels of a frame the photo touches. The effect works in 4:2:2 inside, so it returns the
+// video beside the photo with half its chroma columns; the host's own pixels belong there.
+#pragma once
+
+#include <cstdint>
+
+#include "framing/drawn_area.h"
+#include "platform/hfx.h"
+
+namespace kelto::frei0r {
+
+/// Columns `left` to `right` - 1 and rows `top` to `bottom` - 1 of the whole frame; empty where the
+/// photo lies beside it.
+struct CoveredPixels {
+  int32_t left = 0, top = 0, right = 0, bottom = 0;
+};
+
+/// The pixels that the photo covers wholly or in part, of a frame of `size`; `nearest`: those whose
+/// centres it covers, which are all that the nearest-neighbour filter draws.
+CoveredPixels CoveredBy(const DrawnFrame& frame, const View& view, PixelSize size, bool nearest);
+
+/// Copies the pixels outside `covered` from `video` to `output`, opaque. Both are images of a
+/// frame, or of one of its fields: then row n is the frame's row `firstRow` + n * `rowStep`.
+void KeepVideoBeside(const CoveredPixels& covered, const hfxImage& video, int32_t firstRow,
+                     int32_t rowStep, hfxImage& output);
+
+}  // namespace kelto::frei0r
