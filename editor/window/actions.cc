@@ -107,9 +107,8 @@ void MainWindow::MakeActions() {
   QAction* safe = Add(show, tr("&Action-Safe Frame"), QKeySequence("Ctrl+T"), [] {});
   safe->setCheckable(true);
   connect(safe, &QAction::toggled, previewView_, &PreviewView::SetActionSafe);
-  QAction* full = Add(show, tr("F&ull Screen Preview"), QKeySequence("F11"), [] {});
-  full->setCheckable(true);
-  connect(full, &QAction::toggled, this, &MainWindow::FullScreenPreview);
+  Add(show, tr("F&ull Screen Preview"), QKeySequence("F11"),
+      [this] { previewView_->SwitchFullScreen(); });
   QAction* films = queueDock_->toggleViewAction();
   films->setText(tr("Fi&lms Being Made"));
   show->addAction(films);
@@ -233,21 +232,6 @@ void MainWindow::FitView() {
   const host::PhotoViews views(session_.Plan(), session_.Photo());
   const host::PhotoRect part = beyond_->isChecked() ? views.Whole() : views.Fill();
   emit canvas_->ViewChanged(std::max(selected_, 0), part, NewGesture());
-}
-
-void MainWindow::FullScreenPreview(bool on) {
-  // A window of its own while it lasts; its place in the column is kept.
-  auto* column = qobject_cast<QSplitter*>(previewView_->property("column").value<QWidget*>());
-  if (on) {
-    previewView_->setProperty("column", QVariant::fromValue(previewView_->parentWidget()));
-    previewView_->setWindowFlag(Qt::Window);
-    previewView_->addActions(menuBar()->actions());
-    previewView_->showFullScreen();
-  } else if (column != nullptr) {
-    previewView_->setWindowFlag(Qt::Window, false);
-    column->insertWidget(0, previewView_);
-    previewView_->showNormal();
-  }
 }
 
 QString MainWindow::CommandLine() const {

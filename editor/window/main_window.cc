@@ -22,7 +22,7 @@ MainWindow::MainWindow(const Programs& programs, QWidget* parent)
   ShowDocument();
   ShowTitle();
   ShowStates();
-  resize(1440, 900);
+  resize(QSize(1440, 900).boundedTo(screen()->availableSize() - QSize(8, 40)));
   const QSettings settings;
   restoreGeometry(settings.value("window/geometry").toByteArray());
 }
@@ -32,6 +32,7 @@ MainWindow::~MainWindow() = default;
 void MainWindow::MakeWidgets() {
   canvas_ = new Canvas;
   previewView_ = new PreviewView;
+  previewView_->setAccessibleName(tr("Film"));
   timeline_ = new Timeline;
   viewPanel_ = new ViewPanel;
   filmPanel_ = new FilmPanel;
@@ -128,6 +129,8 @@ void MainWindow::Connect() {
            [=](const Document& d) { return WithoutStop(d, static_cast<size_t>(view)); });
     Select(std::min(view, static_cast<int>(session_.Plan().views.size()) - 1));
   });
+  connect(canvas_, &Canvas::PlayAsked, this,
+          [this] { preview_.Playing() ? preview_.Pause() : preview_.Play(); });
   connect(canvas_, &Canvas::MenuAsked, this, &MainWindow::AskViewMenu);
 
   connect(timeline_, &Timeline::TimeAsked, this, [this](double seconds) {
@@ -284,10 +287,10 @@ void MainWindow::ShowTime() {
 }
 
 void MainWindow::ShowTitle() {
-  setWindowModified(session_.Modified());
   setWindowTitle(session_.IsOpen()
                      ? QFileInfo(session_.Path()).fileName() + "[*] – Kelto Pan & Zoom"
-                     : QString("Kelto Pan & Zoom"));
+                     : QString("Kelto Pan & Zoom[*]"));
+  setWindowModified(session_.Modified());
   setWindowFilePath(session_.IsOpen() ? session_.Path() : QString());
 }
 

@@ -79,7 +79,6 @@ class MainWindow : public QMainWindow {
   void CopyView();
   void PasteView();
   void FitView();
-  void FullScreenPreview(bool on);
 
   // main_window_files.cc: files and questions
   void AskOpen();

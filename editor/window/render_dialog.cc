@@ -45,6 +45,7 @@ RenderDialog::RenderDialog(QString command, const Document& document, QWidget* p
   name_->setAccessibleName(tr("Name"));
   name_->setMinimumWidth(360);
   auto* browse = new QPushButton(tr("Browse…"));
+  browse->setAutoDefault(false);  // Return makes the film
   auto* nameRow = new QHBoxLayout;
   nameRow->addWidget(name_, 1);
   nameRow->addWidget(browse);

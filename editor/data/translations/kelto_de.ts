@@ -202,6 +202,43 @@
     </message>
 </context>
 <context>
+    <name>Timeline</name>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+    <message>
+        <source>Perceived speed</source>
+        <translation>Empfundenes Tempo</translation>
+    </message>
+</context>
+<context>
+    <name>kelto::editor::Canvas</name>
+    <message>
+        <source>Photo with views</source>
+        <translation>Foto mit Ausschnitten</translation>
+    </message>
+    <message>
+        <source>View %1 of %2, %3 pixels wide</source>
+        <translation>Ausschnitt %1 von %2, %3 Pixel breit</translation>
+    </message>
+</context>
+<context>
+    <name>kelto::editor::DrawingProcess</name>
+    <message>
+        <source>%1: cannot be started: %2</source>
+        <translation>%1: lässt sich nicht starten: %2</translation>
+    </message>
+    <message>
+        <source>the preview stopped unexpectedly; the next change starts it again</source>
+        <translation>die Vorschau brach ab; die nächste Änderung startet sie neu</translation>
+    </message>
+    <message>
+        <source>the preview ended with code %1; the next change starts it again</source>
+        <translation>die Vorschau endete mit Code %1; die nächste Änderung startet sie neu</translation>
+    </message>
+</context>
+<context>
     <name>kelto::editor::FilmPanel</name>
     <message>
         <source>Film</source>
@@ -650,12 +687,82 @@ Macht aus Fotos Filme mit bewegtem Ausschnitt.</translation>
         <source>Films are still being made. Cancel them and quit?</source>
         <translation>Es sind noch Filme in Arbeit. Abbrechen und beenden?</translation>
     </message>
+    <message>
+        <source>Film</source>
+        <translation>Film</translation>
+    </message>
 </context>
 <context>
     <name>kelto::editor::MoveFinder</name>
     <message>
         <source>%1 cannot be started: %2</source>
         <translation>%1 lässt sich nicht starten: %2</translation>
+    </message>
+</context>
+<context>
+    <name>kelto::editor::PictureArea</name>
+    <message>
+        <source>Film</source>
+        <translation>Film</translation>
+    </message>
+</context>
+<context>
+    <name>kelto::editor::PreviewView</name>
+    <message>
+        <source>Place in the film</source>
+        <translation>Stelle im Film</translation>
+    </message>
+    <message>
+        <source>First frame</source>
+        <translation>Erstes Bild</translation>
+    </message>
+    <message>
+        <source>Home</source>
+        <translation>Pos1</translation>
+    </message>
+    <message>
+        <source>A frame back</source>
+        <translation>Ein Bild zurück</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Abspielen</translation>
+    </message>
+    <message>
+        <source>Space</source>
+        <translation>Leertaste</translation>
+    </message>
+    <message>
+        <source>A frame on</source>
+        <translation>Ein Bild weiter</translation>
+    </message>
+    <message>
+        <source>Last frame</source>
+        <translation>Letztes Bild</translation>
+    </message>
+    <message>
+        <source>End</source>
+        <translation>Ende</translation>
+    </message>
+    <message>
+        <source>Loop</source>
+        <translation>Schleife</translation>
+    </message>
+    <message>
+        <source>Action-safe area</source>
+        <translation>Sicherer Bildbereich</translation>
+    </message>
+    <message>
+        <source>Full screen</source>
+        <translation>Vollbild</translation>
+    </message>
+    <message>
+        <source>%1   frame %2 of %3</source>
+        <translation>%1   Bild %2 von %3</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Anhalten</translation>
     </message>
 </context>
 <context>
@@ -796,6 +903,21 @@ Macht aus Fotos Filme mit bewegtem Ausschnitt.</translation>
     <message>
         <source>Reload</source>
         <translation>Neu laden</translation>
+    </message>
+</context>
+<context>
+    <name>kelto::editor::Timeline</name>
+    <message>
+        <source>Timeline</source>
+        <translation>Zeitleiste</translation>
+    </message>
+    <message>
+        <source>View %1, looked at for %2</source>
+        <translation>Ausschnitt %1, zu sehen für %2</translation>
+    </message>
+    <message>
+        <source>From view %1 to view %2 in %3</source>
+        <translation>Von Ausschnitt %1 zu Ausschnitt %2 in %3</translation>
     </message>
 </context>
 <context>

@@ -12,7 +12,7 @@ import time
 
 PROGRAMS, MODULE = sys.argv[1:3]
 PHOTO = (1600, 1200)
-DETAIL = (1100, 780)  # the middle of the white mark
+DETAIL = (1000, 760)  # the middle of the white mark
 CORNER = 24  # pixels of the magenta marks in the photo's corners
 
 
