@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "host/base/error.h"
-#include "host/project/complaint.h"
+#include "host/project/diagnostic.h"
 
 namespace kelto::host {
 namespace {
@@ -47,7 +47,7 @@ class Strict {
         if (parsed.is_number_unsigned() && parsed.get<uint64_t>() > INT64_MAX) {
           parsed = parsed.get<double>();
         }
-        // The schema's whole numbers may be written 2.0; the validator's may not.
+        // The schema's integers may be written 2.0; the validator's may not.
         if (parsed.is_number_float() && IsWhole(parsed.get<double>())) {
           parsed = static_cast<int64_t>(parsed.get<double>());
         }

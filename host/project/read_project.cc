@@ -12,7 +12,7 @@
 #include "host/files/path_text.h"
 #include "host/options/rate.h"
 #include "host/plan/default_plan.h"
-#include "host/project/complaint.h"
+#include "host/project/diagnostic.h"
 #include "host/project/display_aspect.h"
 #include "host/project/json_text.h"
 #include "host/project/memory_reserve.h"
@@ -30,7 +30,7 @@ using nlohmann::json;
 /// Times of keys, on either side of the film; the schema's bounds of "time".
 constexpr double kMaxTime = 1000.0;
 
-/// What `read` makes of a field's text; its complaint is told with the field in front.
+/// What `read` makes of a field's text; its error gets the field in front.
 template <typename Read>
 auto ReadField(const FieldPath& path, Read read) {
   try {
@@ -115,7 +115,7 @@ Setting ReadKeys(const std::string& parameter, const json& keys, const RenderPla
   Setting setting{parameter, std::nullopt, {}, -1};
   setting.keys.reserve(keys.size());
   for (size_t i = 0; i < keys.size(); ++i) {
-    FieldPath path{"parameters", parameter, PlaceStep(i)};
+    FieldPath path{"parameters", parameter, IndexStep(i)};
     const double time = ReadTime(keys[i], plan, path);
     if (i > 0 && !(time > setting.keys.back().time)) {
       throw Error(ToString(path) + ": does not come after the key before it");
@@ -124,7 +124,7 @@ Setting ReadKeys(const std::string& parameter, const json& keys, const RenderPla
     if (!keys[i].value("active", false)) continue;
     if (setting.activeKey >= 0) {
       path.emplace_back("active");
-      throw Error(ToString(path) + ": key " + PlaceStep(static_cast<size_t>(setting.activeKey)) +
+      throw Error(ToString(path) + ": key " + IndexStep(static_cast<size_t>(setting.activeKey)) +
                   " is active already");
     }
     setting.activeKey = static_cast<int32_t>(i);

@@ -1,15 +1,10 @@
 #include "host/project/schema.h"
 
-#include <memory>
+#include <map>
 #include <nlohmann/json.hpp>
-#include <string_view>
-#include <valijson/adapters/nlohmann_json_adapter.hpp>
-#include <valijson/schema.hpp>
-#include <valijson/schema_parser.hpp>
-#include <valijson/validator.hpp>
 
 #include "host/base/error.h"
-#include "host/project/complaint.h"
+#include "host/project/validator.h"
 
 namespace kelto::host {
 namespace {
@@ -21,28 +16,12 @@ const json& SchemaDocument() {
   return document;
 }
 
-const valijson::Schema& CompiledSchema() {
-  // Whole or not there: a second try begins with an empty one.
-  static const std::unique_ptr<const valijson::Schema> compiled = [] {
-    auto schema = std::make_unique<valijson::Schema>();
-    valijson::SchemaParser(valijson::SchemaParser::kDraft7)
-        .populateSchema(valijson::adapters::NlohmannJsonAdapter(SchemaDocument()), *schema);
-    return schema;
-  }();
-  return *compiled;
-}
-
 }  // namespace
 
 void CheckProject(const json& document) {
-  valijson::Validator validator(valijson::Validator::kStrongTypes);
-  // Without a list of results it stops at the first fault; a list would hold each of millions.
-  if (validator.validate(CompiledSchema(), valijson::adapters::NlohmannJsonAdapter(document),
-                         nullptr)) {
-    return;
-  }
-  const std::string complaint = FirstComplaint(SchemaDocument(), document);
-  throw Error(complaint.empty() ? "the file: is no project" : complaint);
+  static const Validator validator(SchemaDocument());
+  const std::string diagnostic = validator.FirstDiagnostic(document);
+  if (!diagnostic.empty()) throw Error(diagnostic);
 }
 
 std::span<const std::string> ProjectParameters() {

@@ -5,7 +5,7 @@
 
 #include "host/base/error.h"
 #include "host/options/choices.h"
-#include "host/project/complaint.h"
+#include "host/project/diagnostic.h"
 
 namespace kelto::host {
 namespace {
@@ -39,12 +39,12 @@ std::vector<TourView> ReadTour(const json& views) {
     try {
       tour.push_back(ReadView(views[i]));
     } catch (const Error& error) {
-      throw Error(ToString({"views", PlaceStep(i), "view"}) + ": " + Shown(views[i]["view"]) +
+      throw Error(ToString({"views", IndexStep(i), "view"}) + ": " + Shown(views[i]["view"]) +
                   ": " + error.what());
     }
   }
   if (tour.back().go > 0.0) {
-    throw Error(ToString({"views", PlaceStep(tour.size() - 1), "go"}) +
+    throw Error(ToString({"views", IndexStep(tour.size() - 1), "go"}) +
                 ": there is no view after this one; leave \"go\" out");
   }
   return tour;

@@ -18,7 +18,6 @@ link_headers libboost1.74-dev boost version.hpp
 link_headers libcli11-dev CLI CLI.hpp
 link_headers libhwy-dev hwy highway.h
 link_headers nlohmann-json3-dev nlohmann json.hpp
-link_headers libvalijson-dev valijson validator.hpp
 
 echo "deb-src $(debian_mirror) $debian_release main" >"$work/sources.list"
 cd "$work"

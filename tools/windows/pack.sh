@@ -27,7 +27,7 @@ cp "$kelto_cache/libraries-i686/boost-licence.txt" "$to/licences/boost.txt"
 cp "$kelto_cache/libraries-i686/highway-licence.txt" "$to/licences/highway.txt"
 cp /usr/share/doc/gcc-mingw-w64-i686-posix-runtime/copyright "$to/licences/gcc-runtime.txt"
 cp /usr/share/doc/mingw-w64-i686-dev/copyright "$to/licences/mingw-w64.txt"
-for library in libcli11 nlohmann-json3 libvalijson; do
+for library in libcli11 nlohmann-json3; do
   cp "/usr/share/doc/$library-dev/copyright" "$to/licences/$library.txt"
 done
 
