@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "catalogue/parameters.h"
+
 namespace kelto {
 namespace {
 
@@ -21,12 +23,12 @@ std::optional<std::vector<MotionKey<Value>>> ReadKeys(const hfxParameter* parame
 }  // namespace
 
 MotionKeys ReadMotionKeys(const hfxInstance_v1& instance, int32_t pathType) {
-  const hfxParameter* size = instance.FindParameter("size");
+  const hfxParameter* size = instance.FindParameter(key::kSize);
   MotionKeys keys;
-  keys.position = ReadKeys<PathPoint>(instance.FindParameter("position"));
+  keys.position = ReadKeys<PathPoint>(instance.FindParameter(key::kPosition));
   keys.zoom = ReadKeys<double>(size && size->GetUserData() ? size : nullptr);
-  keys.in = ReadKeys<int32_t>(instance.FindParameter("invelocity"));
-  keys.out = ReadKeys<int32_t>(instance.FindParameter("outvelocity"));
+  keys.in = ReadKeys<int32_t>(instance.FindParameter(key::kInVelocity));
+  keys.out = ReadKeys<int32_t>(instance.FindParameter(key::kOutVelocity));
   keys.pathType = pathType;
   keys.totalFrames = instance.GetTotalFrames();
   return keys;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "catalogue/parameters.h"
 #include "image/cache.h"
 #include "keyframes/motion_keys.h"
 
@@ -53,8 +54,8 @@ void HoldConstant(const PanZoomState& state, const char* key) {
 /// A run of constant speed needs both sides of its keys Constant: an in key that is set to
 /// Constant, or taken from it, takes its out key along.
 void CoupleVelocities(const PanZoomState& state) {
-  const hfxParameter* ins = state.FindParameter("invelocity");
-  const hfxParameter* outs = state.FindParameter("outvelocity");
+  const hfxParameter* ins = state.FindParameter(key::kInVelocity);
+  const hfxParameter* outs = state.FindParameter(key::kOutVelocity);
   if (!ins || !outs) return;
   for (int32_t i = 0; i < ins->GetNumKeys(); ++i) {
     hfxParamKey* out = outs->GetKey(i);
@@ -78,7 +79,7 @@ void CommandEveryInstance(int32_t command) {
 }  // namespace
 
 bool ApplyCacheCommand(PanZoomState& state, bool read) {
-  auto* cache = dynamic_cast<hfxPList*>(state.FindParameter("cache"));
+  auto* cache = dynamic_cast<hfxPList*>(state.FindParameter(key::kCache));
   if (read && cache) {
     if (const hfxParamKey* active = ActiveKey(*cache)) {
       state.settings.cacheMode = cache->GetValue(active->GetTime());
@@ -104,15 +105,15 @@ bool ApplyCacheCommand(PanZoomState& state, bool read) {
 
 bool UpdateParams(hfxInstance_v1* instance) {
   auto& state = *static_cast<PanZoomState*>(instance);
-  HoldConstant<hfxPList>(state, "display");
-  HoldConstant<hfxPBoolean>(state, "showactionsafe");
-  HoldConstant<hfxPList>(state, "path");
-  HoldConstant<hfxPList>(state, "filter");
-  HoldConstant<hfxPBoolean>(state, "squarepixels");
-  HoldConstant<hfxPList>(state, "levels");
-  HoldConstant<hfxPList>(state, "compositeover");
-  HoldConstant<hfxPColorRGB>(state, "bgcolor");
-  HoldConstant<hfxPBoolean>(state, "progressive");
+  HoldConstant<hfxPList>(state, key::kDisplay);
+  HoldConstant<hfxPBoolean>(state, key::kShowActionSafe);
+  HoldConstant<hfxPList>(state, key::kPath);
+  HoldConstant<hfxPList>(state, key::kFilter);
+  HoldConstant<hfxPBoolean>(state, key::kSquarePixels);
+  HoldConstant<hfxPList>(state, key::kLevels);
+  HoldConstant<hfxPList>(state, key::kCompositeOver);
+  HoldConstant<hfxPColorRGB>(state, key::kBackgroundColor);
+  HoldConstant<hfxPBoolean>(state, key::kProgressive);
   ApplyCacheCommand(state, true);
   CoupleVelocities(state);
   state.paramsChanged = true;

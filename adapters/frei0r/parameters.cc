@@ -1,5 +1,6 @@
 #include "adapters/frei0r/parameters.h"
 
+#include "catalogue/parameters.h"
 #include "host/options/choices.h"
 #include "host/options/view.h"
 
@@ -10,8 +11,16 @@ Parameter Text(const char* name, const char* preset, const char* explanation) {
   return {name, true, explanation, nullptr, preset, 0.0, 0.0, 0.0};
 }
 
-Parameter Choice(const char* name, const char* list, const char* explanation) {
-  return {name, true, explanation, list, host::ListOf(list).preset, 0.0, 0.0, 0.0};
+Parameter Choice(const char* name, const char* list) {
+  const host::ChoiceList& choices = host::ListOf(list);
+  return {name,
+          true,
+          std::string(choices.help) + ": " + host::WordsOf(choices),
+          list,
+          choices.preset,
+          0.0,
+          0.0,
+          0.0};
 }
 
 Parameter Number(const char* name, double preset, double lower, double upper,
@@ -34,15 +43,14 @@ Table MakeTable(Role role) {
            "Length of the motion in frames, which then runs by itself; else progress says where, "
            "or a "
            "project runs as long as it says"),
-      Choice("filter", "filter",
-             "realtime, triangle, quadratic, cubic, catmull, gaussian, hiqual or ultra"),
+      Choice("filter", key::kFilter),
       filter ? Text("background", "video", "What the photograph does not cover: video or #rrggbb")
              : Text("background", "#000000", "What the photograph does not cover: #rrggbb"),
-      Choice("leave", "outvelocity", "How the first view is left: linear, ease, constant or hold"),
-      Choice("arrive", "invelocity", "How the last view is reached: linear, ease or constant"),
-      Choice("path", "path", "Path between the views: linear or spline"),
-      Choice("levels", "levels", "Levels of the photograph: rgb (full range) or 601 (studio)"),
-      Choice("display", "display", "target: the view; source: the photograph with it outlined"),
+      Choice("leave", key::kOutVelocity),
+      Choice("arrive", key::kInVelocity),
+      Choice("path", key::kPath),
+      Choice("levels", key::kLevels),
+      Choice("display", key::kDisplay),
       Text("fps", "",
            "The host's frames a second, by which its times are read: 29.97 ...; else 25, or as a "
            "project has it"),

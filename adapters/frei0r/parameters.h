@@ -49,7 +49,7 @@ enum ParameterIndex : int {
 struct Parameter {
   const char* name;
   bool isText;
-  const char* explanation;
+  std::string explanation;
   const char* list;  ///< the effect's list that a text chooses from, or null
   const char* text;  ///< default; an empty text stands for it too
   double number, lower, upper;

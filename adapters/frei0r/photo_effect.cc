@@ -12,6 +12,7 @@
 #include "adapters/frei0r/console.h"
 #include "adapters/frei0r/covered_pixels.h"
 #include "adapters/frei0r/effect_file.h"
+#include "catalogue/parameters.h"
 #include "host/base/error.h"
 #include "host/effect/drawn_state.h"
 #include "host/effect/effect_settings.h"
@@ -94,7 +95,7 @@ void PhotoEffect::Load() {
   effect_ = hfx::Effect::Create(*module_, kFirstModel, &error);
   if (!effect_) throw host::Error("the effect: " + error);
   host::SetPhoto(*effect_, photo);
-  host::Apply(*effect_, {"levels", levels_, {}, -1});
+  host::Apply(*effect_, {key::kLevels, levels_, {}, -1});
   hfx::ImageBuffer input(kProbeSize, kProbeSize, hfxColorspaceRGB);
   hfx::ImageBuffer output(kProbeSize, kProbeSize, hfxColorspaceRGB);
   if (host::HasPicture(*effect_, photo, {}, hfxPlayModeRender, *input.image(), output)) return;

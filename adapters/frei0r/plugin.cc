@@ -47,7 +47,7 @@ KELTO_FREI0R_EXPORT void f0r_get_param_info(ParameterInfo* info, int index) {
   const Parameter* parameter = ParameterAt(index);
   if (parameter == nullptr) return;
   *info = {parameter->name, parameter->isText ? kValueString : kValueDouble,
-           parameter->explanation};
+           parameter->explanation.c_str()};
 }
 
 KELTO_FREI0R_EXPORT void* f0r_construct(unsigned int width, unsigned int height) {

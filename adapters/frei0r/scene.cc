@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "adapters/frei0r/console.h"
+#include "catalogue/parameters.h"
 #include "host/base/error.h"
 #include "host/options/choices.h"
 #include "host/options/rate.h"
@@ -15,11 +16,6 @@ namespace kelto::frei0r {
 namespace {
 
 constexpr const char* kVideo = "video";
-// First entries of the effect's lists.
-constexpr const char* kDisplaySource = "Display: Source";
-constexpr const char* kFirstLevels = "Source Has RGB Levels";
-constexpr const char* kColourBehind = "Background: Color";
-constexpr const char* kVideoBehind = "Background: Video";
 
 /// What `parse` makes of a text; of the default, when that fails.
 template <typename Parse>
@@ -112,8 +108,8 @@ void ApplyParameters(const Values& values, Role role, bool all, host::RenderPlan
   }
   if (!all && IsUnset(values, role, kBackground)) return;
   const auto background = BackgroundAt(values, role);
-  plan.Set("compositeover", std::string(background ? kColourBehind : kVideoBehind));
-  if (background) plan.Set("bgcolor", host::BackgroundFor(*background));
+  plan.Set(key::kCompositeOver, std::string(background ? entry::kOverColor : entry::kOverVideo));
+  if (background) plan.Set(key::kBackgroundColor, host::BackgroundFor(*background));
 }
 
 /// The law of the parameter "motion"; else the plan's, but views that were given go steadily.
@@ -135,8 +131,9 @@ std::string HeldEntry(const host::RenderPlan& plan, const char* list, const char
 
 /// The colour that is seen beside the picture; none where the video is.
 std::optional<host::Colour> ColourBehind(const host::RenderPlan& plan) {
-  if (HeldEntry(plan, "compositeover", kColourBehind) == kVideoBehind) return std::nullopt;
-  const host::SettingValue* value = host::HeldValue(plan.FindSetting("bgcolor"));
+  if (HeldEntry(plan, key::kCompositeOver, entry::kOverColor) == entry::kOverVideo)
+    return std::nullopt;
+  const host::SettingValue* value = host::HeldValue(plan.FindSetting(key::kBackgroundColor));
   const auto* rgb = value == nullptr ? nullptr : std::get_if<std::array<double, 3>>(value);
   if (rgb == nullptr) return host::Colour{};
   // Back from the studio levels that the effect takes.
@@ -171,10 +168,10 @@ Scene SceneOf(const Values& values, Role role, const Scene& last) {
   scene.motion = MotionAt(values, role, plan);
   scene.playMode = plan.playMode;
   scene.format = plan.format;
-  scene.levels = HeldEntry(plan, "levels", kFirstLevels);
+  scene.levels = HeldEntry(plan, key::kLevels, entry::kLevelsRGB);
   const bool projectsBackground = scene.project && IsUnset(values, role, kBackground);
   scene.background = projectsBackground ? ColourBehind(plan) : BackgroundAt(values, role);
-  scene.outlined = HeldEntry(plan, "display", kDisplaySource) == kDisplaySource;
+  scene.outlined = HeldEntry(plan, key::kDisplay, entry::kDisplaySource) == entry::kDisplaySource;
   // A project runs by itself, too, unless the host leads it.
   if (scene.project && values.numbers[kProgress] == 0.0) scene.frames = plan.frames;
   scene.frames = Read(values, role, kFrames, [&](const std::string& text) {

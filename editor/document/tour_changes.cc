@@ -4,10 +4,10 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
+#include "catalogue/parameters.h"
 #include "host/base/error.h"
 #include "host/moves/presets.h"
 #include "host/options/choices.h"
-#include "host/project/schema.h"
 #include "host/project/tour_json.h"
 #include "host/track/photo_views.h"
 #include "host/track/planned_stops.h"
@@ -179,8 +179,8 @@ Document WithEasing(const Document& document, size_t index, const std::string& o
     return word.empty() ? "" : host::EntryOf(host::ListOf(parameter), word);
   };
   return WithChangedTour(document, false, [&](Tour& tour) {
-    tour.at(index).departure = entry("outvelocity", out);
-    if (index + 1 < tour.size()) tour[index + 1].arrival = entry("invelocity", in);
+    tour.at(index).departure = entry(key::kOutVelocity, out);
+    if (index + 1 < tour.size()) tour[index + 1].arrival = entry(key::kInVelocity, in);
   });
 }
 
@@ -188,16 +188,14 @@ Document WithKeysAsViews(const Document& document, PixelSize photo) {
   const RenderPlan plan = PlanOf(document);
   const double seconds = SecondsOfFilm(plan), shape = host::RoomOf(plan, photo).shape;
   const host::PhotoViews views(plan, photo);
-  const auto arrivals = host::ListEntries("invelocity");
-  const auto departures = host::ListEntries("outvelocity");
   Tour tour;
   double reached = 0.0;
   for (const motion::Stop& stop : host::StopsOf(plan, shape)) {
     const double before = (stop.time - reached) * seconds;
     reached = stop.time;
     TourView one{Rounded(views.PartOf(host::ViewOf(stop.window, shape)))};
-    one.arrival = arrivals.at(static_cast<size_t>(stop.arrival));
-    one.departure = departures.at(static_cast<size_t>(stop.departure));
+    one.arrival = catalogue::kInVelocity[static_cast<size_t>(stop.arrival)].text;
+    one.departure = catalogue::kOutVelocity[static_cast<size_t>(stop.departure)].text;
     if (tour.empty()) {
       one.hold = std::max(0.0, before);
     } else if (tour.back().view == one.view) {  // a pause
@@ -211,7 +209,7 @@ Document WithKeysAsViews(const Document& document, PixelSize photo) {
   }
   tour.back().hold += std::max(0.0, 1.0 - reached) * seconds;
   const Document cleared = Changed(document, [&](ordered_json& json) {
-    for (const char* key : {"size", "position", "invelocity", "outvelocity"}) {
+    for (const char* key : {key::kSize, key::kPosition, key::kInVelocity, key::kOutVelocity}) {
       if (json.contains("parameters")) json["parameters"].erase(key);
     }
     json["motion"] = host::WordOf(plan.motion);

@@ -78,8 +78,8 @@ FilmPanel::FilmPanel(QWidget* parent) : QWidget(parent) {
   path_->addItem(tr("Straight"), QString("Path: Linear"));
   path_->addItem(tr("Smooth"), QString("Path: Spline"));
   filter_ = AddChoice(form, tr("Filter"));
-  for (const host::Choice& choice : host::ListOf("filter").choices) {
-    filter_->addItem(ShortName(choice.entry), QString(choice.entry));
+  for (const catalogue::Entry& choice : host::ListOf("filter").choices) {
+    filter_->addItem(ShortName(choice.text), QString(choice.text));
   }
   fields_ = AddChoice(form, tr("Fields"));
   fields_->addItem(tr("Whole frames"), 0);

@@ -14,8 +14,8 @@ namespace {
 QString Text(const char* text) { return QCoreApplication::translate("Scenes", text); }
 
 std::string WordFor(const char* parameter, const std::string& entry) {
-  for (const host::Choice& choice : host::ListOf(parameter).choices) {
-    if (entry == choice.entry) return choice.word;
+  for (const catalogue::Entry& choice : host::ListOf(parameter).choices) {
+    if (entry == choice.text) return choice.word;
   }
   return "";
 }

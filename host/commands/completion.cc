@@ -18,7 +18,7 @@ std::vector<std::string> WordsFor(const std::string& name) {
   std::vector<std::string> words;
   for (const ChoiceList& list : ChoiceLists()) {
     if (name != list.option) continue;
-    for (const Choice& choice : list.choices) words.emplace_back(choice.word);
+    for (const catalogue::Entry& choice : list.choices) words.emplace_back(choice.word);
   }
   if (name == "--format") {
     for (const FilmKind& kind : FilmKinds()) words.emplace_back(kind.name);

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "catalogue/parameters.h"
 #include "host/base/error.h"
 #include "host/commands/option_text.h"
 #include "host/commands/sandbox_option.h"
@@ -20,9 +21,6 @@
 
 namespace kelto::host {
 namespace {
-
-constexpr const char* kArrival = "invelocity";
-constexpr const char* kDeparture = "outvelocity";
 
 /// An empty text would pass for an option that was not given.
 std::string GivenText(const std::string& text) { return text.empty() ? "nothing is given" : ""; }
@@ -56,7 +54,7 @@ void ApplyMedia(const PlanOptions& options, RenderPlan& plan) {
   plan.over = options.over;
   plan.format.rate = video.rate;
   plan.frames = video.frames;
-  plan.Set("compositeover", std::string("Background: Video"));
+  plan.Set(key::kCompositeOver, std::string(entry::kOverVideo));
   if (plan.audio.empty() && video.sound) plan.audio = options.over;
 #endif
 }
@@ -88,7 +86,8 @@ void ApplyFilm(const PlanOptions& options, RenderPlan& plan) {
 }
 
 bool IsVelocity(const ChoiceList& list) {
-  return list.parameter == std::string(kArrival) || list.parameter == std::string(kDeparture);
+  return list.parameter == std::string(key::kInVelocity) ||
+         list.parameter == std::string(key::kOutVelocity);
 }
 
 /// Hands each list that an option names to `use`, with the entry.
@@ -112,7 +111,7 @@ void ApplyLists(const PlanOptions& options, RenderPlan& plan) {
 /// A show's picture moves when it comes and while it goes, where no option says otherwise.
 void SetShowsVelocities(const PlanOptions& options, RenderPlan& plan) {
   if (plan.motion == MotionLaw::kLinear || !options.views.turn) return;
-  for (const char* velocity : {kArrival, kDeparture}) {
+  for (const char* velocity : {key::kInVelocity, key::kOutVelocity}) {
     plan.SetVelocity(velocity, EntryOf(ListOf(velocity), "linear"));
   }
 }
@@ -205,8 +204,9 @@ bool ApplyOptions(const PlanOptions& options, RenderPlan& plan) {
   ApplyFilm(options, plan);
   ApplyLists(options, plan);
   if (!options.background.empty()) {
-    plan.Set("bgcolor", BackgroundFor(ReadOption("--background", options.background, ParseColour)));
-    plan.Set("compositeover", std::string("Background: Color"));
+    plan.Set(key::kBackgroundColor,
+             BackgroundFor(ReadOption("--background", options.background, ParseColour)));
+    plan.Set(key::kCompositeOver, std::string(entry::kOverColor));
   }
   if (!options.playMode.empty()) {
     plan.playMode = ReadOption("--play-mode", options.playMode, ParsePlayMode);

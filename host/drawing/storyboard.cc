@@ -4,6 +4,7 @@
 #include <cmath>
 #include <filesystem>
 
+#include "catalogue/parameters.h"
 #include "host/base/error.h"
 #include "host/drawing/axis_ticks.h"
 #include "host/drawing/photo_map.h"
@@ -35,9 +36,9 @@ RenderPlan WholePhoto(const RenderPlan& plan, const Photo& photo) {
     return std::max(kMinFrameSide, static_cast<int32_t>(std::lround(pixels * scale / 2)) * 2);
   };
   whole.format.size = {side(photo.width), side(photo.height)};
-  whole.Set("display", std::string("Display: Target"));
-  whole.Set("filter", std::string("Filter: Kelto Hi Qual"));
-  if (const Setting* levels = plan.FindSetting("levels")) whole.settings.push_back(*levels);
+  whole.Set(key::kDisplay, std::string(entry::kDisplayTarget));
+  whole.Set(key::kFilter, std::string(entry::kFilterHiQual));
+  if (const Setting* levels = plan.FindSetting(key::kLevels)) whole.settings.push_back(*levels);
   return whole;
 }
 

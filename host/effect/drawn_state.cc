@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "catalogue/parameters.h"
 #include "host/base/error.h"
 
 namespace kelto::host {
@@ -25,11 +26,11 @@ Value ReadField(hfx::Effect& effect, const char* key) {
 }  // namespace
 
 View DrawnView(hfx::Effect& effect) {
-  const auto centre = ReadField<std::array<double, 2>>(effect, "position");
-  return {ReadField<double>(effect, "size"), centre[0], centre[1]};
+  const auto centre = ReadField<std::array<double, 2>>(effect, key::kPosition);
+  return {ReadField<double>(effect, key::kSize), centre[0], centre[1]};
 }
 
-bool DrewSquarePixels(hfx::Effect& effect) { return ReadField<bool>(effect, "squarepixels"); }
+bool DrewSquarePixels(hfx::Effect& effect) { return ReadField<bool>(effect, key::kSquarePixels); }
 
 std::string DrawnEntry(hfx::Effect& effect, const char* list) {
   const auto index = ReadField<int32_t>(effect, list);

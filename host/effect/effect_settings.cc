@@ -5,6 +5,7 @@
 #include <cstring>
 #include <type_traits>
 
+#include "catalogue/parameters.h"
 #include "host/base/error.h"
 
 namespace kelto::host {
@@ -129,14 +130,15 @@ void Apply(hfx::Effect& effect, const Setting& setting) {
 }
 
 void ApplyWithoutMove(hfx::Effect& effect, std::span<const Setting> settings) {
-  constexpr std::array kMoving = {"size", "position", "invelocity", "outvelocity", "path"};
+  constexpr std::array kMoving = {key::kSize, key::kPosition, key::kInVelocity, key::kOutVelocity,
+                                  key::kPath};
   for (const Setting& setting : settings) {
     if (std::find(kMoving.begin(), kMoving.end(), setting.parameter) == kMoving.end()) {
       Apply(effect, setting);
     }
   }
   // The effect measures smooth paths anew with every view, at as many points as the film is long.
-  Apply(effect, {"path", "Path: Linear", {}, -1});
+  Apply(effect, {key::kPath, entry::kPathLinear, {}, -1});
 }
 
 void ShowView(hfx::Effect& effect, const View& view) {
@@ -149,8 +151,8 @@ void ShowView(hfx::Effect& effect, const View& view) {
       }
     }
   };
-  hold("size", RawValue::Of(view.zoom));
-  hold("position", RawValue::Of(std::array{view.centreX, view.centreY}));
+  hold(key::kSize, RawValue::Of(view.zoom));
+  hold(key::kPosition, RawValue::Of(std::array{view.centreX, view.centreY}));
   effect.ParametersChanged();
 }
 
@@ -159,11 +161,12 @@ bool HasPicture(hfx::Effect& effect, const Photo& photo, hfx::RenderState state,
   // Without keys the effect fits the photo to the frame, and where the display has the photo's own
   // shape the frame holds nothing else: drawn over black and over white, a photo looks the same
   // twice, and no photo nowhere.
-  hfxParameter &display = Find(effect, "display"), &background = Find(effect, "bgcolor");
-  hfxParameter& over = Find(effect, "compositeover");
+  hfxParameter &display = Find(effect, key::kDisplay),
+               &background = Find(effect, key::kBackgroundColor);
+  hfxParameter& over = Find(effect, key::kCompositeOver);
   const KeptValue keptDisplay(display), keptBackground(background), keptOver(over);
-  Write(display, RawOf(display, std::string("Display: Target")));
-  Write(over, RawOf(over, std::string("Background: Color")));
+  Write(display, RawOf(display, std::string(entry::kDisplayTarget)));
+  Write(over, RawOf(over, std::string(entry::kOverColor)));
   state.displayAspect = static_cast<double>(photo.width) / photo.height;
   state.quality = 0.5;  // the fastest filter
   const auto draw = [&](const std::array<double, 3>& rgb) {

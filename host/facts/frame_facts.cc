@@ -1,5 +1,6 @@
 #include "host/facts/frame_facts.h"
 
+#include "catalogue/parameters.h"
 #include "host/effect/render_state.h"
 #include "host/track/drawn_frame.h"
 
@@ -8,7 +9,6 @@ namespace {
 
 /// At this quality and below, and in the source display, the effect draws with its fastest filter.
 constexpr double kFastQuality = 0.5;
-constexpr const char* kFastFilter = "Filter: Real Time";
 
 }  // namespace
 
@@ -33,7 +33,7 @@ FrameFacts FrameInspector::Of(int32_t number, int32_t field) {
   lastMoment_ = {number, field};
   lastMotion_ = motion;
   facts.area = Area(facts, motion.target ? motion.view : View{});
-  facts.filter = motion.target && quality_ > kFastQuality ? motion.filter : kFastFilter;
+  facts.filter = motion.target && quality_ > kFastQuality ? motion.filter : entry::kFilterRealTime;
   return facts;
 }
 

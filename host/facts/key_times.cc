@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "catalogue/parameters.h"
+
 namespace kelto::host {
 
 std::vector<KeyTime> KeyTimesOf(const RenderPlan& plan) {
@@ -13,7 +15,7 @@ std::vector<KeyTime> KeyTimesOf(const RenderPlan& plan) {
   if (!plan.views.empty()) {
     for (const TourTime& tourTime : TimesOf(plan.views)) add(tourTime.time);
   }
-  for (const char* parameter : {"size", "position"}) {
+  for (const char* parameter : {key::kSize, key::kPosition}) {
     const Setting* setting = plan.FindSetting(parameter);
     if (setting == nullptr) continue;
     for (const SettingKey& key : setting->keys) {

@@ -1,5 +1,6 @@
 #include "host/facts/motion.h"
 
+#include "catalogue/parameters.h"
 #include "host/base/error.h"
 #include "host/effect/drawn_state.h"
 #include "host/effect/effect_settings.h"
@@ -47,9 +48,9 @@ FrameMotion Motion::At(int32_t number, int32_t field) {
   FrameMotion motion;
   motion.view = DrawnView(*effect_);
   if (track_) motion.length = track_->LengthAt(state);
-  motion.target = DrawnEntry(*effect_, "display") == "Display: Target";
+  motion.target = DrawnEntry(*effect_, key::kDisplay) == entry::kDisplayTarget;
   motion.squarePixels = DrewSquarePixels(*effect_);
-  motion.filter = DrawnEntry(*effect_, "filter");
+  motion.filter = DrawnEntry(*effect_, key::kFilter);
   return motion;
 }
 

@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "catalogue/parameters.h"
 #include "host/base/error.h"
 #include "host/effect/effect_settings.h"
 #include "host/effect/render_state.h"
@@ -13,8 +14,6 @@ namespace kelto::host {
 namespace {
 
 constexpr uint16_t kFirstModel = 1;
-/// Settles how the photo is loaded, so it comes first.
-constexpr const char* kLevels = "levels";
 
 int32_t ColorspaceOf(PixelLayout layout) {
   return layout == PixelLayout::kBGRA ? hfxColorspaceRGB : hfxColorspaceYCbCr;
@@ -27,7 +26,7 @@ bool Replaces(const Setting& later, const Setting& earlier) {
 }
 
 bool SameLoading(const RenderPlan& a, const RenderPlan& b) {
-  const Setting *levels = a.FindSetting(kLevels), *others = b.FindSetting(kLevels);
+  const Setting *levels = a.FindSetting(key::kLevels), *others = b.FindSetting(key::kLevels);
   const bool same = levels == nullptr || others == nullptr ? levels == others : *levels == *others;
   return same && a.photo == b.photo && a.over == b.over && a.playMode == b.playMode &&
          a.format.fields == b.format.fields;
@@ -48,7 +47,8 @@ EffectSession::EffectSession(const std::string& modulePath, const RenderPlan& pl
   effect_ = hfx::Effect::Create(*module_, kFirstModel, &error);
   if (!effect_) throw Error(modulePath + ": " + error);
   SetPhoto(*effect_, photo);
-  if (const Setting* levels = plan_.FindSetting(kLevels)) Apply(*effect_, *levels);
+  // They settle how the photo is loaded.
+  if (const Setting* levels = plan_.FindSetting(key::kLevels)) Apply(*effect_, *levels);
   if (!HasPicture(*effect_, photo, FrameState(plan_, 0), plan_.playMode, *input_->image(),
                   *output_)) {
     const std::string reason = WhyNoPicture(photo);

@@ -1,4 +1,4 @@
-// The effect's lists as options: one table from which the command line, its help and its checks are
+// The effect's lists as options: from this table the command line, its help and its checks are
 // made.
 #pragma once
 
@@ -6,13 +6,9 @@
 #include <string>
 #include <string_view>
 
-namespace kelto::host {
+#include "catalogue/parameters.h"
 
-/// A word of the command line and the text of the effect's list entry that it stands for.
-struct Choice {
-  const char* word;
-  const char* entry;
-};
+namespace kelto::host {
 
 /// An option that sets one of the effect's list parameters.
 struct ChoiceList {
@@ -20,7 +16,7 @@ struct ChoiceList {
   const char* parameter;  ///< the effect's key, such as "filter"
   const char* help;       ///< what it sets, for the help text
   const char* preset;     ///< the word that holds when the option is not given
-  std::span<const Choice> choices;
+  std::span<const catalogue::Entry> choices;
 };
 
 /// Every list option, in the order of the help text.
@@ -29,7 +25,7 @@ std::span<const ChoiceList> ChoiceLists();
 /// The list that sets `parameter`, which must be one of ChoiceLists().
 const ChoiceList& ListOf(std::string_view parameter);
 
-/// The list entry that `word` stands for. Throws UsageError that says which words there are.
+/// The text of the list entry that `word` stands for. Throws UsageError that lists the words.
 std::string EntryOf(const ChoiceList& list, std::string_view word);
 
 /// The word that stands for a list entry; empty where none does.

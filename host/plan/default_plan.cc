@@ -3,14 +3,12 @@
 #include <array>
 #include <utility>
 
+#include "catalogue/parameters.h"
 #include "host/options/choices.h"
 #include "host/options/rate.h"
 
 namespace kelto::host {
 namespace {
-
-constexpr const char* kArrival = "invelocity";
-constexpr const char* kDeparture = "outvelocity";
 
 std::string Preset(const char* parameter) {
   const ChoiceList& list = ListOf(parameter);
@@ -25,12 +23,12 @@ RenderPlan DefaultPlan(const std::string& photo) {
   plan.frames = FramesOf(kUsualSeconds, plan.format.rate);
   for (const ChoiceList& list : ChoiceLists()) {
     const std::string parameter = list.parameter;
-    if (parameter == kArrival || parameter == kDeparture) continue;
+    if (parameter == key::kInVelocity || parameter == key::kOutVelocity) continue;
     plan.Set(parameter, EntryOf(list, list.preset));
   }
-  plan.Set("bgcolor", BackgroundFor({}));
+  plan.Set(key::kBackgroundColor, BackgroundFor({}));
   // Keys, so that a project may set single parameters of them.
-  const std::string arrival = Preset(kArrival), departure = Preset(kDeparture);
+  const std::string arrival = Preset(key::kInVelocity), departure = Preset(key::kOutVelocity);
   plan.SetViews(
       std::array{ViewKey{0.0, {}, arrival, departure}, ViewKey{1.0, {}, arrival, departure}});
   return plan;

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "catalogue/parameters.h"
+
 namespace kelto::host {
 
 bool MovesTheView(const std::string& parameter) {
-  return parameter == "size" || parameter == "position" || parameter == "invelocity" ||
-         parameter == "outvelocity";
+  return parameter == key::kSize || parameter == key::kPosition || parameter == key::kInVelocity ||
+         parameter == key::kOutVelocity;
 }
 
 Setting& RenderPlan::SettingOf(const std::string& parameter) {
@@ -32,8 +34,9 @@ void RenderPlan::Set(const std::string& parameter, const SettingValue& value) {
 }
 
 void RenderPlan::SetViews(std::span<const ViewKey> keys) {
-  Setting zoom{"size", std::nullopt, {}, -1}, position{"position", std::nullopt, {}, -1},
-      arrival{"invelocity", std::nullopt, {}, -1}, departure{"outvelocity", std::nullopt, {}, -1};
+  Setting zoom{key::kSize, std::nullopt, {}, -1}, position{key::kPosition, std::nullopt, {}, -1},
+      arrival{key::kInVelocity, std::nullopt, {}, -1},
+      departure{key::kOutVelocity, std::nullopt, {}, -1};
   for (const ViewKey& key : keys) {
     zoom.keys.push_back({key.time, key.view.zoom});
     position.keys.push_back({key.time, std::array{key.view.centreX, key.view.centreY}});
@@ -52,11 +55,11 @@ void RenderPlan::SetTour(std::vector<TourView> tour) {
 }
 
 void RenderPlan::SetVelocity(const std::string& parameter, const std::string& entry) {
-  const bool arrives = parameter == "invelocity";
+  const bool arrives = parameter == key::kInVelocity;
   for (TourView& view : views) (arrives ? view.arrival : view.departure) = entry;
   if (!views.empty()) return;
   Setting& velocity = SettingOf(parameter);
-  const Setting* zoom = FindSetting("size");
+  const Setting* zoom = FindSetting(key::kSize);
   if (velocity.keys.empty() && zoom != nullptr) velocity.keys = zoom->keys;
   for (SettingKey& key : velocity.keys) key.value = entry;
 }

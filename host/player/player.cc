@@ -7,6 +7,7 @@
 #include <optional>
 #include <utility>
 
+#include "catalogue/parameters.h"
 #include "host/base/error.h"
 #include "host/facts/key_times.h"
 #include "host/files/path_text.h"
@@ -20,8 +21,6 @@
 namespace kelto::host {
 namespace {
 
-constexpr const char* kSource = "Display: Source";
-constexpr const char* kTarget = "Display: Target";
 /// How long nothing but the user is waited for; Ctrl-C is noticed after that.
 constexpr double kPatience = 0.1;
 
@@ -43,8 +42,8 @@ std::vector<double> Times(const std::vector<KeyTime>& keys) {
 }
 
 bool ShowsTarget(const RenderPlan& plan) {
-  const SettingValue* display = HeldValue(plan.FindSetting("display"));
-  return display != nullptr && *display == SettingValue(std::string(kTarget));
+  const SettingValue* display = HeldValue(plan.FindSetting(key::kDisplay));
+  return display != nullptr && *display == SettingValue(std::string(entry::kDisplayTarget));
 }
 
 class Player {
@@ -142,7 +141,10 @@ void Player::Grant(const Wish& wish) {
     }
     case Wish::kDisplay:
       target_ = !target_;
-      session_.Change({"display", std::string(target_ ? kTarget : kSource), {}, -1});
+      session_.Change({key::kDisplay,
+                       std::string(target_ ? entry::kDisplayTarget : entry::kDisplaySource),
+                       {},
+                       -1});
       rerender_ = true;
       break;
     case Wish::kHelp:

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <system_error>
 
+#include "catalogue/parameters.h"
 #include "host/base/error.h"
 #include "host/files/input_file.h"
 #include "host/files/path_text.h"
@@ -82,19 +83,18 @@ void ReadFilm(const json& film, RenderPlan& plan) {
   }
 }
 
-SettingValue ReadValue(const std::string& parameter, const json& value) {
+SettingValue ReadValue(const catalogue::Parameter& parameter, const json& value) {
   if (value.is_boolean()) return value.get<bool>();
   if (value.is_array()) {
     if (value.size() == 2) return value.get<std::array<double, 2>>();
     return value.get<std::array<double, 3>>();
   }
-  const std::vector<std::string> entries = ListEntries(parameter);
-  if (entries.empty()) {
+  if (parameter.entries.empty()) {
     if (value.is_string()) return BackgroundFor(ParseColour(value.get<std::string>()));
     return value.get<double>();
   }
   if (value.is_string()) return value.get<std::string>();
-  return entries.at(value.get<size_t>());
+  return parameter.entries[value.get<size_t>()].text;  // the schema has looked at the index
 }
 
 /// A key's time, 0..1 over a film of this length and rate.
@@ -111,11 +111,11 @@ double ReadTime(const json& key, const RenderPlan& plan, FieldPath path) {
   return time;
 }
 
-Setting ReadKeys(const std::string& parameter, const json& keys, const RenderPlan& plan) {
-  Setting setting{parameter, std::nullopt, {}, -1};
+Setting ReadKeys(const catalogue::Parameter& parameter, const json& keys, const RenderPlan& plan) {
+  Setting setting{parameter.key, std::nullopt, {}, -1};
   setting.keys.reserve(keys.size());
   for (size_t i = 0; i < keys.size(); ++i) {
-    FieldPath path{"parameters", parameter, IndexStep(i)};
+    FieldPath path{"parameters", parameter.key, IndexStep(i)};
     const double time = ReadTime(keys[i], plan, path);
     if (i > 0 && !(time > setting.keys.back().time)) {
       throw Error(ToString(path) + ": does not come after the key before it");
@@ -133,15 +133,16 @@ Setting ReadKeys(const std::string& parameter, const json& keys, const RenderPla
 }
 
 void ReadParameters(const json& parameters, RenderPlan& plan) {
-  for (const std::string& name : ProjectParameters()) {
+  for (const catalogue::Parameter& parameter : catalogue::kParameters) {
+    const std::string name = parameter.key;
     if (!parameters.contains(name)) continue;
     const json& given = parameters[name];
     if (given.empty()) {
       std::erase_if(plan.settings, [&](const Setting& s) { return s.parameter == name; });
     } else if (given.is_array()) {
-      plan.SettingOf(name) = ReadKeys(name, given, plan);
+      plan.SettingOf(name) = ReadKeys(parameter, given, plan);
     } else {
-      plan.Set(name, ReadValue(name, given["value"]));
+      plan.Set(name, ReadValue(parameter, given["value"]));
     }
   }
 }

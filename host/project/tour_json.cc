@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "catalogue/parameters.h"
 #include "host/base/error.h"
 #include "host/options/choices.h"
 #include "host/project/diagnostic.h"
@@ -13,9 +14,6 @@ namespace {
 using nlohmann::json;
 using nlohmann::ordered_json;
 
-constexpr const char* kArrival = "invelocity";
-constexpr const char* kDeparture = "outvelocity";
-
 /// The entry that a word stands for; empty where there is none.
 std::string EntryAt(const json& view, const char* field, const char* parameter) {
   return view.contains(field) ? EntryOf(ListOf(parameter), view[field].get<std::string>()) : "";
@@ -25,8 +23,8 @@ TourView ReadView(const json& view) {
   TourView one{ParseGivenView(view["view"].get<std::string>())};
   one.hold = view.value("hold", 0.0);
   one.go = view.value("go", 0.0);
-  one.arrival = EntryAt(view, "in", kArrival);
-  one.departure = EntryAt(view, "out", kDeparture);
+  one.arrival = EntryAt(view, "in", key::kInVelocity);
+  one.departure = EntryAt(view, "out", key::kOutVelocity);
   return one;
 }
 
@@ -57,8 +55,8 @@ ordered_json JsonOf(const std::vector<TourView>& tour) {
     view["view"] = TextOf(one.view);
     if (one.hold > 0.0) view["hold"] = one.hold;
     if (one.go > 0.0) view["go"] = one.go;
-    if (!one.arrival.empty()) view["in"] = WordFor(ListOf(kArrival), one.arrival);
-    if (!one.departure.empty()) view["out"] = WordFor(ListOf(kDeparture), one.departure);
+    if (!one.arrival.empty()) view["in"] = WordFor(ListOf(key::kInVelocity), one.arrival);
+    if (!one.departure.empty()) view["out"] = WordFor(ListOf(key::kOutVelocity), one.departure);
     views.push_back(std::move(view));
   }
   return views;

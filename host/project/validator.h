@@ -16,7 +16,8 @@ struct SchemaNode;
 /// - of numbers: `minimum` and `maximum`, both;
 /// - of strings: `minLength` of 1, `pattern` with `examples`, which diagnostics show;
 /// - of arrays: `items` (one schema for all), `minItems`, `maxItems`;
-/// - of objects: `properties`, `additionalProperties` (true or false), `required`, and beside a `type`
+/// - of objects: `properties`, `additionalProperties` (true or false), `required`, and beside a
+/// `type`
 ///   of object `not` of `required`, and `oneOf` of schemas that require one field each.
 ///
 /// A number without fraction is an integer only if it was parsed as one.

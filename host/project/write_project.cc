@@ -2,6 +2,7 @@
 #include <nlohmann/json.hpp>
 #include <system_error>
 
+#include "catalogue/parameters.h"
 #include "host/base/error.h"
 #include "host/base/shown_text.h"
 #include "host/files/output_file.h"
@@ -73,7 +74,8 @@ ordered_json JsonOf(const Setting& setting) {
 
 ordered_json ParametersOf(const RenderPlan& plan) {
   ordered_json parameters = ordered_json::object();
-  for (const std::string& name : ProjectParameters()) {
+  for (const catalogue::Parameter& parameter : catalogue::kParameters) {
+    const std::string name = parameter.key;
     if (!plan.views.empty() && MovesTheView(name)) continue;
     const Setting* setting = plan.FindSetting(name);
     // Said outright, since a project that is silent means the usual value.

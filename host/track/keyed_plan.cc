@@ -4,6 +4,7 @@
 #include <variant>
 #include <vector>
 
+#include "catalogue/parameters.h"
 #include "host/base/error.h"
 #include "host/options/choices.h"
 #include "host/track/photo_views.h"
@@ -28,8 +29,8 @@ std::vector<View> ViewsOf(const std::vector<TourView>& tour, const PhotoViews& p
 /// Whether views that lie on the way are passed without a stop.
 bool PassesViews(const RenderPlan& plan) {
   if (plan.motion == MotionLaw::kLinear) return false;
-  const SettingValue* path = HeldValue(plan.FindSetting("path"));
-  return path != nullptr && *path == SettingValue(EntryOf(ListOf("path"), "spline"));
+  const SettingValue* path = HeldValue(plan.FindSetting(key::kPath));
+  return path != nullptr && *path == SettingValue(EntryOf(ListOf(key::kPath), "spline"));
 }
 
 }  // namespace
@@ -51,8 +52,8 @@ RenderPlan KeyedPlan(const RenderPlan& plan, PixelSize photo) {
       return !said.empty() ? said : EntryOf(list, passed ? "linear" : list.preset);
     };
     const TourView& view = plan.views[times[i].view];
-    keys.push_back({times[i].time, viewAt(i), word(view.arrival, "invelocity"),
-                    word(view.departure, "outvelocity")});
+    keys.push_back({times[i].time, viewAt(i), word(view.arrival, key::kInVelocity),
+                    word(view.departure, key::kOutVelocity)});
   }
   RenderPlan keyed = plan;
   keyed.SetViews(keys);

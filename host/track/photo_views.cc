@@ -5,6 +5,7 @@
 #include <string>
 #include <variant>
 
+#include "catalogue/parameters.h"
 #include "host/base/error.h"
 #include "host/effect/render_state.h"
 #include "host/track/drawn_frame.h"
@@ -31,7 +32,7 @@ double Moved(double begin, double length, double end) {
 
 PhotoViews::PhotoViews(const RenderPlan& plan, PixelSize photo)
     : frame_(FrameToDraw(plan, photo, FieldState(plan, 0, 0),
-                         SwitchedOn(plan, "squarepixels", true))) {
+                         SwitchedOn(plan, key::kSquarePixels, true))) {
   const DrawnArea base = AreaOf(frame_, View{});
   baseWidth_ = base.right - base.left;
   baseHeight_ = base.bottom - base.top;

@@ -2,15 +2,19 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <string>
 #include <variant>
+
+#include "catalogue/parameters.h"
 
 namespace kelto::host {
 namespace {
 
 using Keys = std::vector<SettingKey>;
-constexpr std::array kArrivals = {"In: Linear", "In: Ease In", "In: Constant"};
-constexpr std::array kDepartures = {"Out: Linear", "Out: Ease Out", "Out: Constant", "Out: Hold"};
+
+// The lists' indexes are values of motion::Arrival and motion::Departure.
+static_assert(std::size(catalogue::kInVelocity) == 3 && std::size(catalogue::kOutVelocity) == 4);
 
 const Keys& KeysOf(const RenderPlan& plan, const char* parameter) {
   static const Keys none;
@@ -48,21 +52,22 @@ double AxisOf(const SettingValue& value) {
 }
 
 View ViewAt(const RenderPlan& plan, double time) {
-  const Keys &zooms = KeysOf(plan, "size"), &centres = KeysOf(plan, "position");
+  const Keys &zooms = KeysOf(plan, key::kSize), &centres = KeysOf(plan, key::kPosition);
   return {NumberAt(zooms, time, 1.0, NumberOf), NumberAt(centres, time, 0.0, AxisOf<0>),
           NumberAt(centres, time, 0.0, AxisOf<1>)};
 }
 
-/// The place in a list of the entry that a velocity has at a time, 0 where it has none.
-template <size_t count>
-size_t WordAt(const RenderPlan& plan, const char* parameter, double time,
-              const std::array<const char*, count>& entries) {
+/// The index of the entry that a velocity has at a time, 0 where it has none.
+size_t EntryAt(const RenderPlan& plan, const char* parameter, double time) {
   const Keys& keys = KeysOf(plan, parameter);
   const auto key = KeyAfter(keys, time);
   if (key == keys.end() || key->time != time) return 0;
-  const auto* entry = std::get_if<std::string>(&key->value);
-  if (entry == nullptr) return 0;
-  const auto found = std::find(entries.begin(), entries.end(), *entry);
+  const auto* text = std::get_if<std::string>(&key->value);
+  if (text == nullptr) return 0;
+  const auto entries = catalogue::Find(parameter)->entries;
+  const auto found =
+      std::find_if(entries.begin(), entries.end(),
+                   [&](const catalogue::Entry& entry) { return entry.text == *text; });
   return found == entries.end() ? 0 : static_cast<size_t>(found - entries.begin());
 }
 
@@ -82,7 +87,7 @@ View ViewOf(const motion::Window& window, double shape) {
 
 std::vector<motion::Stop> StopsOf(const RenderPlan& plan, double shape) {
   std::vector<double> times;
-  for (const char* parameter : {"size", "position"}) {
+  for (const char* parameter : {key::kSize, key::kPosition}) {
     const Keys& keys = KeysOf(plan, parameter);
     if (keys.size() < 2) continue;
     for (const SettingKey& key : keys) times.push_back(key.time);
@@ -93,10 +98,9 @@ std::vector<motion::Stop> StopsOf(const RenderPlan& plan, double shape) {
   std::vector<motion::Stop> stops;
   stops.reserve(times.size());
   for (const double time : times) {
-    stops.push_back(
-        {time, WindowOf(ViewAt(plan, time), shape),
-         static_cast<motion::Arrival>(WordAt(plan, "invelocity", time, kArrivals)),
-         static_cast<motion::Departure>(WordAt(plan, "outvelocity", time, kDepartures))});
+    stops.push_back({time, WindowOf(ViewAt(plan, time), shape),
+                     static_cast<motion::Arrival>(EntryAt(plan, key::kInVelocity, time)),
+                     static_cast<motion::Departure>(EntryAt(plan, key::kOutVelocity, time))});
   }
   return stops;
 }

@@ -3,6 +3,7 @@
 #include <string>
 #include <variant>
 
+#include "catalogue/parameters.h"
 #include "framing/frame_rects.h"
 #include "host/effect/render_state.h"
 #include "host/track/keyed_plan.h"
@@ -21,10 +22,10 @@ bool SwitchedOn(const RenderPlan& plan, const char* parameter, bool usual) {
 }
 
 motion::Path PathOf(const RenderPlan& plan) {
-  const SettingValue* value = HeldValue(plan.FindSetting("path"));
+  const SettingValue* value = HeldValue(plan.FindSetting(key::kPath));
   const auto* entry = value == nullptr ? nullptr : std::get_if<std::string>(value);
-  return entry != nullptr && *entry == "Path: Spline" ? motion::Path::kSpline
-                                                      : motion::Path::kLinear;
+  return entry != nullptr && *entry == entry::kPathSpline ? motion::Path::kSpline
+                                                          : motion::Path::kLinear;
 }
 
 motion::Law LawOf(const RenderPlan& plan) {
@@ -39,7 +40,7 @@ motion::Room RoomOf(const RenderPlan& plan, PixelSize photo) {
   frame.output = {plan.format.size.width, plan.format.size.height};
   frame.displayAspect = state.displayAspect;
   frame.videoType = state.videoType;
-  frame.squarePixels = SwitchedOn(plan, "squarepixels", true);
+  frame.squarePixels = SwitchedOn(plan, key::kSquarePixels, true);
   const RectF base = ComputeFrameRects(frame, photo, View{}).source;
   const double width = 1.0 + base.right - base.left, height = 1.0 + base.bottom - base.top;
   const double across = photo.width / width / 2, down = photo.height / width / 2;
@@ -54,7 +55,7 @@ std::unique_ptr<const ViewTrack> ViewTrack::For(const RenderPlan& plan, PixelSiz
 
 ViewTrack::ViewTrack(const RenderPlan& plan, const motion::Room& room)
     : shape_(room.shape),
-      wholeFrames_(SwitchedOn(plan, "progressive", false)),
+      wholeFrames_(SwitchedOn(plan, key::kProgressive, false)),
       tour_(StopsOf(plan, room.shape), LawOf(plan), PathOf(plan), room,
             (plan.frames - 1) / plan.format.rate.PerSecond()) {}
 

@@ -19,9 +19,9 @@ TEST(Choices, EachPresetIsOneOfItsWords) {
 TEST(Choices, WordsAndEntriesAreUniqueInTheirList) {
   for (const ChoiceList& list : ChoiceLists()) {
     std::set<std::string> words, entries;
-    for (const Choice& choice : list.choices) {
+    for (const catalogue::Entry& choice : list.choices) {
       EXPECT_TRUE(words.insert(choice.word).second) << list.option << " " << choice.word;
-      EXPECT_TRUE(entries.insert(choice.entry).second) << list.option << " " << choice.entry;
+      EXPECT_TRUE(entries.insert(choice.text).second) << list.option << " " << choice.text;
     }
   }
 }
@@ -32,7 +32,7 @@ TEST(Choices, AWordStandsForTheEffectsText) {
   EXPECT_EQ(EntryOf(ListOf("levels"), "601"), "Source Has 601 Levels");
 }
 
-TEST(Choices, AWrongWordIsToldTheRightOnes) {
+TEST(Choices, AWrongWordIsAnsweredWithTheRightOnes) {
   try {
     EntryOf(ListOf("invelocity"), "hold");
     FAIL() << "not refused";

@@ -5,8 +5,8 @@
 #include <random>
 #include <string>
 
+#include "catalogue/parameters.h"
 #include "host/plan/default_plan.h"
-#include "host/project/schema.h"
 
 namespace kelto::test {
 
@@ -28,8 +28,8 @@ class RandomPlan {
     plan.playMode = Whole(255);
     if (Whole(1) == 1) plan.over = "clips/street.mp4";
     if (Whole(1) == 1) plan.audio = "music.flac";
-    for (const std::string& parameter : host::ProjectParameters()) {
-      plan.SettingOf(parameter) = SettingOf(parameter);
+    for (const catalogue::Parameter& parameter : catalogue::kParameters) {
+      plan.SettingOf(parameter.key) = SettingOf(parameter);
     }
     plan.motion = Pick<host::MotionLaw>(
         {host::MotionLaw::kLinear, host::MotionLaw::kSteady, host::MotionLaw::kFly});
@@ -72,24 +72,32 @@ class RandomPlan {
       one.view = GivenView();
       if (Whole(1) == 1) one.hold = Real(0, 100);
       if (Whole(1) == 1) one.go = host::kShortestGo + Real(0, 100);
-      if (Whole(1) == 1) one.arrival = std::get<std::string>(Value("invelocity"));
-      if (Whole(1) == 1) one.departure = std::get<std::string>(Value("outvelocity"));
+      if (Whole(1) == 1)
+        one.arrival = std::get<std::string>(Value(*catalogue::Find(key::kInVelocity)));
+      if (Whole(1) == 1)
+        one.departure = std::get<std::string>(Value(*catalogue::Find(key::kOutVelocity)));
     }
     tour.back().go = 0.0;
     return tour;
   }
 
-  host::SettingValue Value(const std::string& parameter) {
-    const std::vector<std::string> entries = host::ListEntries(parameter);
-    if (!entries.empty()) return entries[Whole(static_cast<int32_t>(entries.size()) - 1)];
-    if (parameter == "size") return Real(0.1, 20);
-    if (parameter == "position") return std::array{Real(-100, 100), Real(-100, 100)};
-    if (parameter == "bgcolor") return std::array{Real(0, 1), Real(0, 1), Real(0, 1)};
-    return Whole(1) == 1;
+  host::SettingValue Value(const catalogue::Parameter& parameter) {
+    switch (parameter.kind) {
+      case catalogue::Kind::kList:
+        return parameter.entries[Whole(static_cast<int32_t>(parameter.entries.size()) - 1)].text;
+      case catalogue::Kind::kNumber:
+        return Real(parameter.least, parameter.most);
+      case catalogue::Kind::kPoint:
+        return std::array{Real(-100, 100), Real(-100, 100)};
+      case catalogue::Kind::kColour:
+        return std::array{Real(0, 1), Real(0, 1), Real(0, 1)};
+      default:
+        return Whole(1) == 1;
+    }
   }
 
-  host::Setting SettingOf(const std::string& parameter) {
-    host::Setting setting{parameter, std::nullopt, {}, -1};
+  host::Setting SettingOf(const catalogue::Parameter& parameter) {
+    host::Setting setting{parameter.key, std::nullopt, {}, -1};
     const int32_t keys = Whole(3) == 0 ? 0 : Whole(maxKeys_);
     if (keys == 0) {
       setting.value = Value(parameter);

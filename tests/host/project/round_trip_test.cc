@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "catalogue/parameters.h"
 #include "host/base/error.h"
 #include "host/project/project_file.h"
 #include "tests/host/project/random_plan.h"
@@ -30,7 +31,8 @@ void ExpectSame(const RenderPlan& a, const RenderPlan& b) {
   EXPECT_EQ(a.playMode, b.playMode);
   EXPECT_EQ(a.motion, b.motion);
   EXPECT_EQ(a.views, b.views);
-  for (const std::string& parameter : ProjectParameters()) {
+  for (const catalogue::Parameter& entry : catalogue::kParameters) {
+    const std::string parameter = entry.key;
     const Setting *first = a.FindSetting(parameter), *second = b.FindSetting(parameter);
     ASSERT_EQ(first == nullptr, second == nullptr) << parameter;
     // Values and times to the last bit: == of doubles.

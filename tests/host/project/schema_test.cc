@@ -1,16 +1,14 @@
-// The schema as editors get it, and the effect that it speaks of.
+// The schema as editors get it.
 #include "host/project/schema.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "catalogue/parameters.h"
 #include "host/base/error.h"
-#include "host/options/choices.h"
 #include "host/project/project_file.h"
-#include "runtime/hfx/host.h"
 #include "tests/host/project/random_plan.h"
 
 namespace kelto::host {
@@ -24,31 +22,38 @@ TEST(Schema, TheInstalledFileIsTheOneInTheProgram) {
   EXPECT_EQ(text, ProjectSchemaText());
 }
 
-TEST(Schema, HoldsTheEffectsParametersInTheOrderOfItsPanel) {
-  std::string error;
-  const auto module = hfx::Module::Load(KELTO_MODULE, &error);
-  ASSERT_NE(module, nullptr) << error;
-  const auto effect = hfx::Effect::Create(*module, 1, &error);
-  ASSERT_NE(effect, nullptr) << error;
-  std::vector<std::string> keys;
-  for (const hfxParameter* parameter : hfx::ParametersOf(effect->instance())) {
-    if (hfx::KindOf(*parameter) == hfx::ParamKind::Group) continue;
-    keys.emplace_back(parameter->GetKeyName());
-    std::vector<std::string> entries;
-    if (const auto* list = dynamic_cast<const hfxPList*>(parameter)) {
-      for (int32_t i = 0; i < list->GetNumEntries(); ++i) entries.emplace_back(list->GetEntry(i));
-    }
-    EXPECT_EQ(ListEntries(keys.back()), entries) << keys.back();
-  }
-  EXPECT_THAT(ProjectParameters(), testing::ElementsAreArray(keys));
+/// A list's entries as the schema has them: texts, then indexes.
+json EntriesOf(const catalogue::Parameter& parameter) {
+  json entries = json::array();
+  for (const catalogue::Entry& entry : parameter.entries) entries.push_back(entry.text);
+  for (size_t i = 0; i < parameter.entries.size(); ++i) entries.push_back(i);
+  return entries;
 }
 
-TEST(Schema, HoldsTheListsOfTheCommandLine) {
-  for (const ChoiceList& list : ChoiceLists()) {
-    for (const Choice& choice : list.choices) {
-      EXPECT_THAT(ListEntries(list.parameter), testing::Contains(choice.entry));
+TEST(Schema, DescribesTheParametersAsTheCatalogueDoes) {
+  const auto schema = nlohmann::ordered_json::parse(ProjectSchemaText());
+  std::vector<std::string> keys, expected;
+  for (const auto& [key, field] : schema["properties"]["parameters"]["properties"].items()) {
+    keys.push_back(key);
+    ASSERT_NE(catalogue::Find(key), nullptr) << key;
+    EXPECT_EQ(field["description"], catalogue::Find(key)->description) << key;
+  }
+  for (const catalogue::Parameter& parameter : catalogue::kParameters) {
+    const std::string key = parameter.key;
+    expected.push_back(key);
+    const json value = schema["definitions"]["value-" + key];
+    if (parameter.kind == catalogue::Kind::kList) {
+      EXPECT_EQ(value, json({{"enum", EntriesOf(parameter)}})) << key;
+    } else if (parameter.kind == catalogue::Kind::kSwitch) {
+      EXPECT_EQ(value, json({{"type", "boolean"}})) << key;
+    } else if (parameter.kind == catalogue::Kind::kNumber) {
+      EXPECT_EQ(
+          value,
+          json({{"type", "number"}, {"minimum", parameter.least}, {"maximum", parameter.most}}))
+          << key;
     }
   }
+  EXPECT_EQ(keys, expected);
 }
 
 TEST(Schema, AcceptsWhatIsWritten) {

@@ -63,7 +63,7 @@ TEST(ValidatorAgreement, OfDamagedProjects) {
   for (int i = 0; i < 20; ++i) texts.push_back(host::ProjectText("some.json", random.Make()));
   Mutator mutator(20261122);
   int valid = 0, invalid = 0;
-  for (int i = 0; i < 10000; ++i) {
+  for (int i = 0; i < 4000; ++i) {
     const std::string text = mutator.Mutate(texts[i % texts.size()]);
     const std::optional<json> document = Parsed(text);
     if (!document) continue;
@@ -71,8 +71,8 @@ TEST(ValidatorAgreement, OfDamagedProjects) {
     ASSERT_EQ(validators.Ours(*document), theirs) << text;
     ++(theirs ? valid : invalid);
   }
-  EXPECT_GT(valid, 500);
-  EXPECT_GT(invalid, 2000);
+  EXPECT_GT(valid, 200);
+  EXPECT_GT(invalid, 800);
 }
 
 TEST(ValidatorAgreement, OfEachKeyword) {
