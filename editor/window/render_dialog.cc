@@ -77,12 +77,12 @@ RenderDialog::RenderDialog(QString command, const Document& document, QWidget* p
   form->addRow(tr("Estimate"), estimate_);
   buttons_ = new QDialogButtonBox(QDialogButtonBox::Cancel);
   auto* make = buttons_->addButton(tr("Make Film"), QDialogButtonBox::AcceptRole);
-  make->setDefault(true);
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(20, 20, 20, 16);
   column->setSpacing(16);
   column->addLayout(form);
   column->addWidget(buttons_);
+  make->setDefault(true);  // of this dialog, which it is in by now
 
   connect(browse, &QPushButton::clicked, this, &RenderDialog::AskName);
   connect(kind_, &QComboBox::activated, this, [this] {

@@ -153,7 +153,7 @@ def use(folder):
     time.sleep(1.0)
     editor.keys("Return")
     film = os.path.join(folder, "photo.mp4")
-    wait_for("the film", lambda: os.path.exists(film), 240)
+    wait_for("the film", lambda: os.path.exists(film), 120)
     editor.keys("ctrl+q")
     editor.process.wait(30)
 
@@ -180,6 +180,10 @@ def main():
         try:
             time.sleep(1)
             use(folder)
+        except BaseException:
+            subprocess.run(["import", "-window", "root", "desktop_test.png"], check=False)
+            print("desktop_test: the screen as it was: " + os.path.abspath("desktop_test.png"))
+            raise
         finally:
             for process in (manager, screen):
                 process.terminate()

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QFileInfo>
+#include <QLabel>
 
 #include "editor/document/settings.h"
 #include "editor/window/render_dialog.h"
@@ -56,6 +57,29 @@ TEST(RenderQueue, ACancelledFilmLeavesNoFile) {
   EXPECT_EQ(job->TheState(), RenderJob::State::kCancelled);
   EXPECT_EQ(queue.Unfinished(), 0);
   EXPECT_FALSE(QFileInfo::exists(folder.File("long.y4m")));
+}
+
+TEST(RenderDialog, ReturnMakesTheFilmAsItStands) {
+  const PhotoFolder folder;
+  RenderDialog dialog(KELTO_COMMAND, SmallFilm(folder));
+  dialog.show();
+  QTest::keyClick(&dialog, Qt::Key_Return);
+  EXPECT_EQ(dialog.result(), QDialog::Accepted);
+  EXPECT_EQ(dialog.Film(), folder.File("photo.mp4"));
+  EXPECT_EQ(dialog.Options(), (QStringList{"--codec", "h264"}));
+}
+
+TEST(RenderDialog, SaysHowLargeTheFilmWillBe) {
+  const PhotoFolder folder;
+  const RenderDialog dialog(KELTO_COMMAND, SmallFilm(folder));
+  const auto says = [&](const QString& text) {
+    for (const QLabel* label : dialog.findChildren<QLabel*>()) {
+      if (label->text().startsWith(text)) return true;
+    }
+    return false;
+  };
+  EXPECT_TRUE(says("Making a sample"));
+  EXPECT_TRUE(WaitFor([&] { return says("About "); }));
 }
 
 TEST(RenderQueue, ACommandThatIsNotThereIsAFailure) {
