@@ -220,7 +220,7 @@ TEST(ReadProject, EveryFaultNamesItsField) {
       {Fault(R"({"image": "a", "views": []})"), "views", "has 0 entries, not at least 1"},
       {Fault(R"({"image": "a", "views": [{"hold": 1}]})"), "views[0]", "has no \"view\""},
       {Fault(R"({"image": "a", "views": [{"view": "1"}, {"view": 2}]})"), "views[1].view",
-       "2 is not a text"},
+       "2 is not a string"},
       {Fault(R"({"image": "a", "views": [{"view": "1"}, {"view": "x"}]})"), "views[1].view",
        "\"x\": a view is ZOOM or ZOOM@X,Y"},
       {Fault(R"({"image": "a", "views": [{"view": "1,2,3"}]})"), "views[0].view",
