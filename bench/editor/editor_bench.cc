@@ -36,7 +36,7 @@ void Send(QWidget& widget, QEvent::Type type, QPointF at) {
   QCoreApplication::sendEvent(&widget, &event);
 }
 
-/// Times of drags' moves from (x, y) on, each with what `painted` paints.
+/// What each move of a drag takes until `widget` is painted.
 std::vector<double> DragTimes(QWidget& widget, QPointF from, QPointF step) {
   std::vector<double> times;
   Send(widget, QEvent::MouseButtonPress, from);
@@ -119,7 +119,7 @@ void MeasurePreview(const host::RenderPlan& first, const char* what) {
     const int before = frames;
     const auto begin = Clock::now();
     preview.SetPlan(plan);
-    QTest::qWaitFor([&] { return frames > before; }, kPatience);
+    if (!QTest::qWaitFor([&] { return frames > before; }, kPatience)) return;
     times.push_back(Since(begin));
   }
   Report(what, times);
@@ -152,7 +152,7 @@ int Measure(const char* path) {
     canvas.show();
     canvas.repaint();
     Report("photo on the canvas, from its name on", {Since(begin)});
-    QTest::qWaitFor([&] { return drawn; }, kPatience);
+    if (!QTest::qWaitFor([&] { return drawn; }, kPatience)) return 1;
     Report("first frame, from its name on", {Since(begin)});
   }
   MeasureCanvas(photo, 3, "canvas, 3 views: a step of a drag, painted");

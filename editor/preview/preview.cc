@@ -22,7 +22,7 @@ namespace {
 /// How long nothing has to change for the frame to be drawn in the film's own size.
 constexpr auto kRest = std::chrono::milliseconds(120);
 /// Samples of the way while it changes, and at rest: more than a screen has columns.
-constexpr int32_t kQuickWay = 300, kFullWay = 2000;
+constexpr int32_t kQuickWay = 100, kFullWay = 2000;
 
 double Now() {
   using Seconds = std::chrono::duration<double>;

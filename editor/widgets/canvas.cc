@@ -41,6 +41,7 @@ void Canvas::SetTime(double seconds) {
 }
 
 void Canvas::SetNotice(const QString& notice) {
+  if (notice == p_->notice_) return;
   p_->notice_ = notice;
   p_->background_ = {};
   update();

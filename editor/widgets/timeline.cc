@@ -189,8 +189,12 @@ void Timeline::Private::Release() {
     gesture_.reset();
     gesture.finished = true;
     if (done == Doing::kEdge) emit owner_->StopTimesChanged(scene_.stops, gesture);
+    std::vector<size_t> lanes;
     for (size_t lane = 0; done == Doing::kKeys && lane < scene_.lanes.size(); ++lane) {
-      if (SelectedOf(lane).empty()) continue;
+      if (!SelectedOf(lane).empty()) lanes.push_back(lane);
+    }
+    for (const size_t lane : lanes) {
+      gesture.finished = lane == lanes.back();
       emit owner_->KeysMoved(lane, scene_.lanes[lane].times, gesture);
     }
   }
