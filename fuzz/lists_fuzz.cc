@@ -9,7 +9,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   using kelto::fuzz::Require;
   const kelto::fuzz::MemoryFile file(data, size);
   kelto::fuzz::RunOrRefuse(file.path(), [&] {
-    const auto pictures = kelto::host::PicturesOf(file.path());
+    const auto pictures = kelto::host::PathsOf(kelto::host::PicturesOf({file.path()}));
     Require(!pictures.empty(), "a list that is read names a picture");
     const auto names = kelto::host::FilmNames(pictures, "mp4");
     Require(names.size() == pictures.size(), "each picture has a film");

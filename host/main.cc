@@ -11,6 +11,8 @@
 
 #include "host/base/error.h"
 #include "host/commands/commands.h"
+#include "host/commands/help_text.h"
+#include "host/commands/hints.h"
 #include "host/effect/effect_name.h"
 #include "host/files/start.h"
 #include "host/terminal/interrupt.h"
@@ -84,7 +86,9 @@ int Run(int argc, char** argv) {
   app.footer(kExitCodes);
 
   for (const Command& command : Commands()) {
-    if (CLI::App* const added = command.add(app)) added->footer(kExitCodes);
+    if (CLI::App* const added = command.add(app)) {
+      added->footer(std::string("Examples:\n") + command.examples + "\n" + kExitCodes);
+    }
   }
 
   CheckCommandName(app, argc, argv);
@@ -94,15 +98,11 @@ int Run(int argc, char** argv) {
   } catch (const CLI::Success& request) {
     std::ostringstream text;  // help or version
     const int code = app.exit(request, text);
-    PrintResult(text.str());
+    const bool version = dynamic_cast<const CLI::CallForVersion*>(&request) != nullptr;
+    PrintResult(version ? text.str() : Wrapped(text.str(), HelpColumns()));
     return code;
-  } catch (const CLI::ExtrasError&) {
-    // The parser's own text has them in reverse order.
-    std::string extras;
-    for (const std::string& extra : app.remaining(true)) extras += ' ' + extra;
-    throw UsageError("not expected:" + extras + "; see kelto --help");
   } catch (const CLI::ParseError& error) {
-    throw UsageError(std::string(error.what()) + "; see kelto --help");
+    throw UsageError(FaultText(app, {argv + 1, argv + argc}, error));
   }
   return kDone;
 }

@@ -9,6 +9,8 @@
 
 #include "host/base/error.h"
 #include "host/commands/film_options.h"
+#include "host/commands/line_options.h"
+#include "host/commands/picture_options.h"
 #include "host/commands/plan_options.h"
 #include "host/commands/sandbox_option.h"
 #include "host/effect/module_file.h"
@@ -24,6 +26,7 @@
 #include "host/plan/default_plan.h"
 #include "host/processes/task_processes.h"
 #include "host/terminal/events.h"
+#include "host/terminal/interrupt.h"
 #include "host/terminal/progress.h"
 #include "host/terminal/standard_output.h"
 #include "host/terminal/terminal.h"
@@ -44,7 +47,8 @@ constexpr const char* kUsualKind = "y4m";
 
 /// The options as they were typed; empty where nothing was.
 struct BatchOptions {
-  std::string input, folder;
+  std::vector<std::string> inputs;
+  std::string folder, order;
   bool resume = false, list = false;
   FilmOptions film;
   PlanOptions plan;
@@ -53,13 +57,15 @@ struct BatchOptions {
 /// A picture and its film.
 struct Item {
   std::string picture, film, record;
+  std::string place;  ///< of the options that a list has for the picture
+  std::shared_ptr<const PictureOptions> options;
 };
 
 class Batch {
  public:
   Batch(const BatchOptions& options, std::vector<std::string> words)
       : options_(options),
-        words_(std::move(words)),
+        common_(std::make_shared<PictureOptions>(PictureOptions{options.plan, std::move(words)})),
         kind_(KindFor("", options.film.format.empty() ? kUsualKind : options.film.format)) {
     if (options.folder.empty()) throw UsageError("-o is empty; name the folder for the films");
     if (kind_.pictures) {
@@ -95,20 +101,7 @@ class Batch {
                            {"kept", kept_},
                            {"jobs", int64_t{jobs}}});
     }
-    {
-      Progress progress("film", std::max<int64_t>(1, static_cast<int64_t>(items_.size())));
-      RunTasks({items_.size(), PictureMemory(),
-                [&](size_t index, const AwaitMemory& await) { Make(items_[index], await); },
-                [&](size_t index, const std::string& failure) {
-                  Tell(items_[index], failure);
-                  progress.Show(++over_);
-                },
-                [&](size_t index, const std::string& text) {
-                  const std::string& picture = items_[index].picture;
-                  PrintMessage(text.starts_with(picture) ? text : picture + ": " + text);
-                }},
-               jobs);
-    }
+    MakeFilms(jobs);
     if (Events()) {
       PrintEvent("done",
                  {{"output", options_.folder}, {"films", over_ - failed_}, {"failed", failed_}});
@@ -137,21 +130,54 @@ class Batch {
 #endif
   }
 
+  void MakeFilms(int32_t jobs) {
+    Progress progress("film", std::max<int64_t>(1, static_cast<int64_t>(items_.size())));
+    const TaskList tasks{
+        items_.size(), PictureMemory(),
+        [&](size_t index, const AwaitMemory& await) { Make(items_[index], await); },
+        [&](size_t index, const std::string& failure) {
+          Tell(items_[index], failure);
+          progress.Show(++over_);
+        },
+        [&](size_t index, const std::string& text) {
+          const std::string& picture = items_[index].picture;
+          PrintMessage(text.starts_with(picture) ? text : picture + ": " + text);
+        }};
+    try {
+      RunTasks(tasks, jobs);
+    } catch (const Error&) {
+      if (InterruptSignal() != 0) {
+        PrintMessage("interrupted after " + std::to_string(over_) + " of " +
+                     std::to_string(items_.size()) + " films; use --resume to go on");
+      }
+      throw;
+    }
+  }
+
   static bool Events() { return CurrentReporting() == Reporting::kJson; }
 
   FilmRequest RequestFor(const std::string& film, const RenderPlan& plan) const {
-    return {film, plan.format, plan.frames, options_.film.codec, SoundFor(plan, kind_)};
+    FilmRequest request;
+    request.output = film;
+    request.format = plan.format;
+    request.frames = plan.frames;
+    request.audio = SoundFor(plan, kind_);
+    ApplyToRequest(options_.film, request);
+    return request;
   }
 
   /// The pictures whose films are to be made; with --resume those that have none yet.
   void CollectItems() {
-    const std::vector<std::string> pictures = PicturesOf(options_.input);
-    const std::vector<std::string> names = FilmNames(pictures, kind_.name);
+    const std::vector<ListedPicture> pictures =
+        PicturesOf(options_.inputs, OrderAsked(options_.order));
+    const std::vector<std::string> names = FilmNames(PathsOf(pictures), kind_.name);
     std::vector<std::string> others;
     for (size_t i = 0; i < pictures.size(); ++i) {
+      const ListedPicture& picture = pictures[i];
       const fs::path folder = PathOf(options_.folder);
-      const Item item{pictures[i], TextOf(folder / PathOf(names[i])),
-                      TextOf(PathOf(RecordFolderOf(options_.folder)) / PathOf(names[i] + ".json"))};
+      const Item item{picture.path, TextOf(folder / PathOf(names[i])),
+                      TextOf(PathOf(RecordFolderOf(options_.folder)) / PathOf(names[i] + ".json")),
+                      picture.place, OptionsOf(picture)};
       if (options_.resume && IsMade(item, others)) {
         ++kept_;
       } else {
@@ -165,6 +191,11 @@ class Batch {
                      "choose another folder");
   }
 
+  std::shared_ptr<const PictureOptions> OptionsOf(const ListedPicture& picture) const {
+    if (picture.options.empty()) return common_;
+    return std::make_shared<PictureOptions>(ReadLineOptions(picture, *common_, LineUse::kFilm));
+  }
+
   /// Whether the film is there as it was made, of the picture as it is now and of all else that
   /// went into it. A film has its name only when it is whole, and its record only after that. One
   /// made with other options is added to `others`.
@@ -173,26 +204,32 @@ class Batch {
     const auto record = ReadRecord(item.record);
     if (!record) return false;
     if (!IsOf(*record, item.picture)) return false;
-    if (record->options != words_) others.push_back(item.film);
-    return record->options == words_ && IsTheFilm(*record, item.film) && IsCurrent(*record);
+    const bool asAsked = record->options == item.options->words;
+    if (!asAsked) others.push_back(item.film);
+    return asAsked && IsTheFilm(*record, item.film) && IsCurrent(*record);
   }
 
   void Make(const Item& item, const AwaitMemory& await) const {
     FilmJob job;
-    const RenderPlan plan = PlanFor(item.picture, options_.plan,
-                                    AccessFor(options_.film.module, {item.film, item.record}));
+    const RenderPlan plan = AtPlaceOf({item.picture, "", item.place}, [&] {
+      return PlanFor(item.picture, item.options->plan,
+                     AccessFor(options_.film.module, {item.film, item.record}));
+    });
     job.module = module_;
-    job.scene = {plan, {0, plan.frames}};
+    job.scene = WholeScene(plan, item.options->plan);
     job.kind = &kind_;
     job.request = RequestFor(item.film, plan);
+    job.ends = EndsAsked(options_.film, plan.format, plan.frames);
     CheckJob(job);
     await(job.memory);
-    MakeOnRecord(item.record, RecordOf({item.picture, plan.photo, plan.over, plan.audio}, words_),
+    MakeOnRecord(item.record,
+                 RecordOf({item.picture, plan.photo, plan.over, plan.audio}, item.options->words),
                  item.film, [&] { MakeFilm(job, [](int32_t) {}); });
   }
 
   void Tell(const Item& item, const std::string& failure) {
-    const bool named = failure.starts_with(item.picture) || failure.starts_with(item.film);
+    const bool named = failure.starts_with(item.picture) || failure.starts_with(item.film) ||
+                       (!item.place.empty() && failure.starts_with(item.place));
     const std::string text = named ? failure : item.picture + ": " + failure;
     if (!failure.empty()) ++failed_;
     if (!Events()) {
@@ -225,12 +262,12 @@ class Batch {
       const bool none = CurrentSandboxUse() == SandboxUse::kNone;
       task.emplace_back(none ? "--no-sandbox" : "--sandbox");
     }
-    task.insert(task.end(), words_.begin(), words_.end());
+    task.insert(task.end(), item.options->words.begin(), item.options->words.end());
     return task;
   }
 
   const BatchOptions& options_;
-  std::vector<std::string> words_;
+  std::shared_ptr<const PictureOptions> common_;
   const FilmKind& kind_;
   std::string module_;
   std::vector<Item> items_;
@@ -252,12 +289,7 @@ void Run(const BatchOptions& options, const CLI::App& command) {
 CLI::App* AddBatch(CLI::App& app) {
   CLI::App* command = app.add_subcommand("batch", "Make a film of each of many photographs");
   const auto options = std::make_shared<BatchOptions>();
-  command
-      ->add_option("INPUT", options->input,
-                   "A folder of photographs, without the folders in it, or a text file with the "
-                   "path of one on each line, relative to that file")
-      ->required()
-      ->type_name("");
+  DeclarePictures(*command, options->inputs, options->order);
   constexpr const char* kFiles = "Files";
   command
       ->add_option("-o,--output", options->folder,

@@ -17,7 +17,8 @@ using AddCommand = CLI::App* (*)(CLI::App& app);
 struct Command {
   const char* name;
   AddCommand add;
-  bool reportsEvents;  ///< whether --json has it report what it does as events
+  bool reportsEvents;         ///< whether --json has it report what it does as events
+  const char* examples = "";  ///< lines for the end of its help, each with its break
 };
 
 /// All of them, in the order of --help.
@@ -26,6 +27,7 @@ std::span<const Command> Commands();
 CLI::App* AddBatch(CLI::App& app);
 CLI::App* AddCompletion(CLI::App& app);
 CLI::App* AddDoctor(CLI::App& app);
+CLI::App* AddHelp(CLI::App& app);
 CLI::App* AddEdit(CLI::App& app);
 CLI::App* AddInspect(CLI::App& app);
 CLI::App* AddNew(CLI::App& app);

@@ -9,6 +9,7 @@
 #include "host/film/formats.h"
 #include "host/moves/presets.h"
 #include "host/options/choices.h"
+#include "host/options/size.h"
 #include "host/terminal/standard_output.h"
 
 namespace kelto::host {
@@ -27,6 +28,13 @@ std::vector<std::string> WordsFor(const std::string& name) {
     for (const FilmCodec& codec : FilmCodecs()) words.emplace_back(codec.name);
   }
   if (name == "--fields") words = {"top", "bottom", "progressive"};
+  if (name == "--size") {
+    for (const NamedSize& named : NamedSizes()) words.emplace_back(named.name);
+  }
+  if (name == "--quality") words.assign(QualityWords().begin(), QualityWords().end());
+  if (name == "--speed") words.assign(SpeedWords().begin(), SpeedWords().end());
+  if (name == "--ease") words = {"smooth", "linear", "in", "out"};
+  if (name == "--order") words = {"natural", "given"};
   if (name == "--fit") words = {"fill", "whole"};
   if (name == "--move") {
     words = MoveWords();
@@ -94,8 +102,6 @@ std::vector<CommandFacts> CommandsOf(const CLI::App& app) {
 CLI::App* AddCompletion(CLI::App& app) {
   CLI::App* command = app.add_subcommand(
       "completion", "Print the script that completes this command line in a shell");
-  // Packages put the scripts where shells look; people need not see this.
-  command->group("");
   const auto shell = std::make_shared<std::string>();
   command->add_option("SHELL", *shell, "bash, zsh or fish; man for the manual page")
       ->required()

@@ -10,7 +10,9 @@
 #include "host/effect/module_file.h"
 #include "host/files/path_text.h"
 #include "host/film/codecs.h"
+#include "host/options/colour.h"
 #include "host/options/number.h"
+#include "host/options/rate.h"
 #include "host/terminal/terminal.h"
 
 namespace kelto::host {
@@ -20,9 +22,9 @@ constexpr const char* kFiles = "Files";
 constexpr int64_t kMaxJobs = 256;
 
 /// Options that leave a film as it is.
-constexpr std::array kSettleNoPicture = {"output", "format", "module",   "jobs",         "quiet",
-                                         "json",   "record", "resume",   "save-project", "strict",
-                                         "plan",   "help",   "help-all", "sandbox"};
+constexpr std::array kSettleNoPicture = {
+    "output",       "format", "module", "jobs", "quiet",    "json",    "record", "resume",
+    "save-project", "strict", "plan",   "help", "help-all", "sandbox", "order",  "force"};
 
 bool NamesFile(const std::string& option) { return option == "audio" || option == "over"; }
 
@@ -80,10 +82,31 @@ void DeclareFilm(CLI::App& command, FilmOptions& options, const std::string& job
   declare(kFiles, "--format", "KIND", options.format, FormatHelp());
 #if defined(KELTO_FFMPEG)
   declare(kFiles, "--codec", "NAME", options.codec, CodecHelp());
+  declare(
+      kFiles, "--quality", "WORD", options.quality,
+      "How good the film looks: low, medium, high, best; or the codec's own number, where less is "
+      "better [high]");
+  declare(kFiles, "--speed", "WORD", options.speed,
+          "How quickly the film is coded: slow, medium, fast, fastest; the quicker, the larger the "
+          "file [medium]");
 #endif
   declare(kFiles, "--module", "FILE", options.module,
           std::string("The effect's module; else the environment variable ") + kModuleVariable +
               ", else the installed " + kModuleName);
+  constexpr const char* kFilm = "Film";
+  declare(kFilm, "--fade-in", "TIME", options.fadeIn,
+          "Seconds in which the film comes out of a colour at its beginning [0]");
+  declare(kFilm, "--fade-out", "TIME", options.fadeOut,
+          "Seconds in which it goes into the colour at its end [0]");
+  declare(kFilm, "--fade-colour", "COLOUR", options.fadeColour, "That colour, '#rrggbb' [#000000]");
+#if defined(KELTO_FFMPEG)
+  declare(kFilm, "--audio-fade", "TIME", options.audioFade,
+          "Seconds in which the sound fades out at the film's end [0]");
+  command
+      .add_flag("--audio-loop", options.audioLoop,
+                "Begin the sound again where it ends before the film")
+      ->group(kFilm);
+#endif
   constexpr const char* kWork = "Work";
   declare(kWork, "--jobs", "N", options.jobs, jobs);
   command.add_flag("--quiet", options.quiet, "Print failures only")->group(kWork);
@@ -105,6 +128,36 @@ void ApplyReporting(const FilmOptions& options) {
   if (options.quiet) SetReporting(Reporting::kQuiet);
   if (options.json) SetReporting(Reporting::kJson);
   SetStrict(options.strict);
+}
+
+EndFadeLengths EndsAsked(const FilmOptions& options, const FilmFormat& format, int32_t frames) {
+  EndFadeLengths ends;
+  const auto length = [&](const char* option, const std::string& text) {
+    if (text.empty() || ParseNumber(text) == 0.0) return 0;
+    return ReadOption(option, text, [&](const std::string& seconds) {
+      return FramesOf(ParseSeconds(seconds), format.rate);
+    });
+  };
+  ends.in = length("--fade-in", options.fadeIn);
+  ends.out = length("--fade-out", options.fadeOut);
+  if (!options.fadeColour.empty()) {
+    ends.colour = ReadOption("--fade-colour", options.fadeColour, ParseColour);
+  }
+  if (int64_t{ends.in} + ends.out > frames) {
+    throw UsageError("--fade-in and --fade-out take " +
+                     std::to_string(int64_t{ends.in} + ends.out) +
+                     " frames together, and the film has " + std::to_string(frames));
+  }
+  return ends;
+}
+
+void ApplyToRequest(const FilmOptions& options, FilmRequest& request) {
+  request.codec = options.codec;
+  request.quality = options.quality;
+  request.speed = options.speed;
+  request.repeatSound = options.audioLoop;
+  if (options.audioFade.empty() || ParseNumber(options.audioFade) == 0.0) return;
+  request.soundFade = ReadOption("--audio-fade", options.audioFade, ParseSeconds);
 }
 
 int32_t JobsAsked(const FilmOptions& options, int32_t usual) {

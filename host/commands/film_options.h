@@ -15,7 +15,8 @@ namespace kelto::host {
 
 /// The options as they were typed; empty where nothing was.
 struct FilmOptions {
-  std::string format, codec, module, jobs;
+  std::string format, codec, quality, speed, fadeIn, fadeOut, fadeColour, audioFade, module, jobs;
+  bool audioLoop = false;
   bool quiet = false, json = false, strict = false;
 };
 
@@ -29,6 +30,12 @@ void DeclareFilm(CLI::App& command, FilmOptions& options, const std::string& job
 
 /// Sets how the command reports from now on, and whether warnings are errors.
 void ApplyReporting(const FilmOptions& options);
+
+/// The fades at the ends of a film of so many frames. Throws UsageError.
+EndFadeLengths EndsAsked(const FilmOptions& options, const FilmFormat& format, int32_t frames);
+
+/// Sets what the options say of the film's coding and sound. Throws UsageError.
+void ApplyToRequest(const FilmOptions& options, FilmRequest& request);
 
 /// The number of --jobs, or `usual` when it was not given. Throws UsageError.
 int32_t JobsAsked(const FilmOptions& options, int32_t usual);

@@ -8,6 +8,7 @@
 #include "host/commands/plan_options.h"
 #include "host/commands/sandbox_option.h"
 #include "host/effect/module_file.h"
+#include "host/facts/film_summary.h"
 #include "host/facts/frame_list.h"
 #include "host/files/output_file.h"
 #include "host/options/number.h"
@@ -24,7 +25,7 @@ namespace {
 /// The options as they were typed; empty where nothing was.
 struct InspectOptions {
   std::string input, quality, plot, module;
-  bool csv = false, json = false;
+  bool csv = false, json = false, table = false;
   PlanOptions plan;
 };
 
@@ -53,23 +54,30 @@ void Run(const InspectOptions& options) {
     WriteFrameList(inspector, photo, ListForm::kCsv, PrintResult);
   } else if (options.json) {
     WriteFrameList(inspector, photo, ListForm::kJson, PrintResult);
-  } else if (options.plot.empty()) {
+  } else if (options.table) {
     WriteFrameList(inspector, photo, ListForm::kTable, PrintResult);
+  } else if (options.plot.empty()) {
+    PrintResult(SummaryText(inspector, photo));
   }
 }
 
 }  // namespace
 
 CLI::App* AddInspect(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("inspect", "List what each frame of a film will show");
+  CLI::App* command =
+      app.add_subcommand("inspect", "Say what a film will show: in a few lines, or frame by frame");
   const auto options = std::make_shared<InspectOptions>();
   command->add_option("INPUT", options->input, "The photograph or project")
       ->required()
       ->type_name("");
   constexpr const char* kList = "List";
-  CLI::Option* csv = command->add_flag("--csv", options->csv, "As comma-separated values");
-  csv->group(kList);
-  command->add_flag("--json", options->json, "As JSON")->group(kList)->excludes(csv);
+  CLI::Option* table = command->add_flag("--frames-table", options->table, "A table of all frames");
+  CLI::Option* csv =
+      command->add_flag("--csv", options->csv, "All frames as comma-separated values");
+  CLI::Option* json = command->add_flag("--json", options->json, "All frames as JSON");
+  for (CLI::Option* form : {table, csv, json}) form->group(kList);
+  json->excludes(csv)->excludes(table);
+  csv->excludes(table);
   command
       ->add_option("--quality", options->quality,
                    "What the effect is told in renders: 1 for all of it, 0.5 and less for its "
@@ -79,8 +87,8 @@ CLI::App* AddInspect(CLI::App& app) {
 #if defined(KELTO_CAIRO)
   command
       ->add_option("--plot", options->plot,
-                   "Draw position, zoom and speed over time into this file, .svg or .png; no table "
-                   "is printed then unless --csv or --json asks for it")
+                   "Draw position, zoom and speed over time into this file, .svg or .png; no text "
+                   "is printed then unless another option asks for it")
       ->group(kList)
       ->type_name("FILE");
 #endif

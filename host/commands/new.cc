@@ -1,7 +1,6 @@
 #include "host/commands/commands.h"
 
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <memory>
 
 #include "host/base/error.h"
@@ -26,12 +25,7 @@ void Run(const NewOptions& options) {
   if (options.photo.empty()) throw UsageError("PHOTO is empty; name the photograph");
   const std::string output =
       !options.output.empty() ? options.output : TextOf(PathOf(options.photo).stem()) + ".json";
-  const auto status = StatusOf(PathOf(output));
-  // That a folder is none is told by what would write there.
-  if (!options.force && output != kStandardOutput && std::filesystem::exists(status) &&
-      !std::filesystem::is_directory(status)) {
-    throw UsageError(output + ": is there already; --force replaces it");
-  }
+  if (!options.force) CheckIsNew(output);
   PlanOptions plan = options.plan;
   // Without a word about the view, a project begins with a move that is worth looking at.
   const ViewOptions& views = plan.views;

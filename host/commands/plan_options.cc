@@ -1,6 +1,7 @@
 #include "host/commands/plan_options.h"
 
 #include <CLI/CLI.hpp>
+#include <utility>
 
 #include "catalogue/parameters.h"
 #include "host/base/error.h"
@@ -90,14 +91,29 @@ bool IsVelocity(const ChoiceList& list) {
          list.parameter == std::string(key::kOutVelocity);
 }
 
+/// The word for a velocity that --ease stands for; empty where it says nothing of this list.
+std::string EaseWord(const ChoiceList& list, const std::string& ease) {
+  if (ease.empty() || !IsVelocity(list)) return "";
+  const bool arrives = list.parameter == std::string(key::kInVelocity);
+  return ReadOption("--ease", ease, [&](const std::string& word) {
+    if (word == "smooth") return "ease";
+    if (word == "linear") return "linear";
+    if (word == "in") return arrives ? "linear" : "ease";
+    if (word == "out") return arrives ? "ease" : "linear";
+    throw UsageError("choose one of smooth, linear, in, out");
+  });
+}
+
 /// Hands each list that an option names to `use`, with the entry.
 template <typename Use>
 void ForEachEntry(const PlanOptions& options, Use use) {
   for (size_t i = 0; i < options.words.size(); ++i) {
-    if (options.words[i].empty()) continue;
     const ChoiceList& list = ChoiceLists()[i];
-    use(list, ReadOption(list.option, options.words[i],
-                         [&](const std::string& word) { return EntryOf(list, word); }));
+    const std::string word =
+        options.words[i].empty() ? EaseWord(list, options.ease) : options.words[i];
+    if (word.empty()) continue;
+    use(list, ReadOption(list.option, word,
+                         [&](const std::string& text) { return EntryOf(list, text); }));
   }
 }
 
@@ -122,44 +138,74 @@ void ApplyVelocities(const PlanOptions& options, RenderPlan& plan) {
   });
 }
 
+/// Declares options of one group, each into a text.
+class TextOptions {
+ public:
+  TextOptions(CLI::App& command, const char* group) : command_(command), group_(group) {}
+  CLI::Option* operator()(const char* option, const char* type, std::string& text,
+                          const std::string& help) const {
+    return command_.add_option(option, text, help)
+        ->group(group_)
+        ->type_name(type)
+        ->check(GivenText);
+  }
+
+ private:
+  CLI::App& command_;
+  const char* group_;
+};
+
 }  // namespace
 
 void DeclarePlan(CLI::App& command, PlanOptions& options) {
-  const auto declare = [&](const char* group, const char* option, const char* type,
-                           std::string& text, const std::string& help) {
-    return command.add_option(option, text, help)->group(group)->type_name(type)->check(GivenText);
-  };
-
-  constexpr const char* kFilm = "Film";
-  declare(kFilm, "--size", "WxH", options.size, "Frame size in pixels [1920x1080]");
-  declare(kFilm, "--fps", "RATE", options.rate, "Frames a second: 25, 29.97, 30000/1001 ... [25]");
-  declare(kFilm, "--seconds", "TIME", options.seconds, "Length in seconds [5]");
-  declare(kFilm, "--frames", "N", options.frames, "Length in frames");
+  const TextOptions declare(command, "Film");
+  declare("--size", "WxH", options.size,
+          "Frame size in pixels, or one of " + SizeNames() + " [1920x1080]");
+  declare("--fps", "RATE", options.rate, "Frames a second: 25, 29.97, 30000/1001 ... [25]");
+  declare("--seconds", "TIME", options.seconds, "Length in seconds [5]");
+  declare("--frames", "N", options.frames, "Length in frames");
 #if defined(KELTO_FFMPEG)
-  declare(kFilm, "--audio", "FILE", options.audio,
+  declare("--audio", "FILE", options.audio,
           "Sound for the film: that of this file, from its beginning");
-  declare(kFilm, "--over", "FILE", options.over,
+  declare("--over", "FILE", options.over,
           "Lay the photo over this video: its rate, length and sound become the film's unless "
           "other options say otherwise");
 #endif
-  declare(kFilm, "--fields", "ORDER", options.fields,
+  declare("--fields", "ORDER", options.fields,
           "Interlaced, with this field first: top, bottom; or progressive, whole frames "
           "[progressive]");
+  // The player has one of its own.
+  if (command.get_option_no_throw("--loop") == nullptr) {
+    command
+        .add_flag("--loop", options.views.loop,
+                  "Come back to the beginning, so that the film may be played over and over "
+                  "without a seam")
+        ->group("Film");
+  }
+  DeclarePicture(command, options);
+  DeclareSandbox(command);
+}
 
+void DeclarePicture(CLI::App& command, PlanOptions& options) {
   constexpr const char* kPicture = "Picture";
   options.views.movesByItself = true;
   DeclareViews(command, kPicture, options.views);
+  const TextOptions declare(command, kPicture);
   options.words.resize(ChoiceLists().size());
   for (size_t i = 0; i < ChoiceLists().size(); ++i) {
     const ChoiceList& list = ChoiceLists()[i];
-    declare(kPicture, list.option, "WORD", options.words[i],
+    declare(list.option, "WORD", options.words[i],
             std::string(list.help) + ": " + WordsOf(list) + " [" + list.preset + "]");
   }
-  declare(kPicture, "--background", "COLOUR", options.background,
+  CLI::Option* ease = declare(
+      "--ease", "WORD", options.ease,
+      "Both ends of the move: smooth, which starts and ends softly; linear, at one speed; in, "
+      "a soft start; out, a soft end [smooth]");
+  ease->excludes("--in")->excludes("--out");
+  declare("--background", "COLOUR", options.background,
           "Colour beside the photo, '#rrggbb' [#000000]");
-  declare(kPicture, "--play-mode", "N", options.playMode,
+  declare("--play-mode", "N", options.playMode,
           "What the effect is told it renders for: 0 final quality, 1 preview [0]");
-  DeclareSandbox(command);
 }
 
 RenderPlan PlanOf(const std::string& input) {
@@ -193,6 +239,12 @@ RenderPlan PlanFor(const std::string& input, const PlanOptions& options, Sandbox
   AddSources(plan, options, others);
   EnterSandbox(others);
   return Changed(std::move(plan), input, options);
+}
+
+Scene WholeScene(RenderPlan plan, const PlanOptions& options) {
+  const FrameRange whole{0, plan.frames};
+  if (options.views.loop) ++plan.frames;
+  return {std::move(plan), whole};
 }
 
 RenderPlan ChangedPlan(const std::string& input, const PlanOptions& options) {

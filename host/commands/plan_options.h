@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/commands/view_options.h"
+#include "host/jobs/frame_source.h"
 #include "host/plan/render_plan.h"
 #include "host/sandbox/sandbox.h"
 
@@ -18,7 +19,7 @@ namespace kelto::host {
 struct PlanOptions {
   std::string size, rate, seconds, frames, fields;
   ViewOptions views;
-  std::string background, playMode;
+  std::string background, playMode, ease;
   std::string over, audio;
   /// A word for each of ChoiceLists(), in its order.
   std::vector<std::string> words;
@@ -28,6 +29,9 @@ struct PlanOptions {
 /// `options`, which must outlive the parsing.
 void DeclarePlan(CLI::App& command, PlanOptions& options);
 
+/// Those of them alone that concern one picture: views, and how it is drawn.
+void DeclarePicture(CLI::App& command, PlanOptions& options);
+
 /// The plan of `input`, the path of a photograph or of a project file, without options. Throws
 /// Error for the project. Decodes nothing.
 RenderPlan PlanOf(const std::string& input);
@@ -36,6 +40,10 @@ RenderPlan PlanOf(const std::string& input);
 /// this process enters the sandbox first, where it touches the plan's files and `others`. Throws
 /// UsageError that names the option, and Error.
 RenderPlan PlanFor(const std::string& input, const PlanOptions& options, SandboxAccess others);
+
+/// All frames of a plan with these options. One more frame of a film that comes back to its
+/// beginning would be the first one again: it is left out.
+Scene WholeScene(RenderPlan plan, const PlanOptions& options);
 
 /// PlanFor in a process that is in a sandbox already, one that allows AddSources.
 RenderPlan ChangedPlan(const std::string& input, const PlanOptions& options);

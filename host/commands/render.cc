@@ -6,6 +6,7 @@
 
 #include "host/base/error.h"
 #include "host/commands/film_options.h"
+#include "host/commands/film_report.h"
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
 #include "host/commands/sandbox_option.h"
@@ -25,6 +26,7 @@ namespace {
 /// The options as they were typed; empty where nothing was.
 struct RenderOptions {
   std::string photo, output, project, record;
+  bool force = false;
   FilmOptions film;
   PlanOptions plan;
 };
@@ -35,15 +37,15 @@ Scene SceneFor(const RenderOptions& options) {
   const SandboxAccess access =
       AccessFor(options.film.module, {options.output, options.project, options.record});
   if (!IsFrameRange(frames)) {
-    const RenderPlan plan = PlanFor(options.photo, options.plan, access);
-    return {plan, {0, plan.frames}};
+    return WholeScene(PlanFor(options.photo, options.plan, access), options.plan);
   }
   PlanOptions others = options.plan;
   others.frames.clear();
-  const RenderPlan plan = PlanFor(options.photo, others, access);
-  return {plan, ReadOption("--frames", frames, [&](const std::string& text) {
-            return ParseFrameRange(text, plan.frames);
-          })};
+  Scene scene = WholeScene(PlanFor(options.photo, others, access), options.plan);
+  scene.part = ReadOption("--frames", frames, [&](const std::string& text) {
+    return ParseFrameRange(text, scene.part.Count());
+  });
+  return scene;
 }
 
 FilmJob JobFor(const RenderOptions& options) {
@@ -54,12 +56,16 @@ FilmJob JobFor(const RenderOptions& options) {
   const FrameRange& part = job.scene.part;
   const bool whole = !IsFrameRange(options.plan.frames);
   job.kind = &KindFor(options.output, options.film.format);
-  job.request = {options.output,
-                 job.scene.plan.format,
-                 part.Count(),
-                 options.film.codec,
-                 whole ? SoundFor(job.scene.plan, *job.kind) : "",
-                 part.first};
+  job.request.output = options.output;
+  job.request.format = job.scene.plan.format;
+  job.request.frames = part.Count();
+  if (whole) job.request.audio = SoundFor(job.scene.plan, *job.kind);
+  job.request.firstNumber = part.first;
+  ApplyToRequest(options.film, job.request);
+  job.ends = EndsAsked(options.film, job.request.format, part.Count());
+  if (!whole && job.ends.in + job.ends.out > 0) {
+    throw UsageError("--fade-in and --fade-out are for whole films, not for parts of one");
+  }
   if (!whole && !options.plan.audio.empty()) {
     throw UsageError("--audio: parts of a film are silent; add the sound when they are joined");
   }
@@ -80,6 +86,7 @@ void CheckFiles(const RenderOptions& options, const FilmJob& job) {
   for (const std::string& other : {options.photo, options.project, options.record}) {
     if (WouldReplace(*job.kind, job.request, other)) throw NameUsedTwice(options.output);
   }
+  if (!options.force) CheckIsNew(options.project);
   CheckNameIsFree(options.record,
                   {options.photo, options.project, plan.photo, plan.over, plan.audio});
 }
@@ -107,7 +114,13 @@ void Run(const RenderOptions& options, const CLI::App& command) {
   job.module = FindModule(options.film.module);
   CheckJobOf(options, job, command);
   CheckFiles(options, job);
-  if (!options.project.empty()) WriteProject(options.project, job.scene.plan);
+  if (!options.project.empty()) {
+    RenderPlan saved = job.scene.plan;
+    // Without the frame that a loop ends before.
+    if (options.plan.views.loop) --saved.frames;
+    WriteProject(options.project, saved);
+  }
+  const FilmClock clock;
   const bool events = CurrentReporting() == Reporting::kJson;
   if (events) {
     PrintEvent("start", {{"output", options.output},
@@ -129,6 +142,7 @@ void Run(const RenderOptions& options, const CLI::App& command) {
                  film, make);
   }
   if (events) PrintEvent("done", {{"output", options.output}});
+  clock.Report(*job.kind, job.request);
 }
 
 }  // namespace
@@ -153,6 +167,8 @@ CLI::App* AddRender(CLI::App& app) {
                    "Write what the film shows, with all options, into this project file, .json")
       ->group("Files")
       ->type_name("FILE");
+  command->add_flag("--force", options->force, "Replace the project that --save-project names")
+      ->group("Files");
   DeclarePlan(*command, options->plan);
   command->get_option("--frames")
       ->description("Length in frames; or A..B, frames A to B - 1 of the film, the first being 0");

@@ -2,13 +2,17 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <set>
 #include <utility>
 
 #include "host/base/error.h"
 #include "host/commands/film_options.h"
+#include "host/commands/film_report.h"
+#include "host/commands/line_options.h"
 #include "host/commands/option_text.h"
+#include "host/commands/picture_options.h"
 #include "host/commands/plan_options.h"
 #include "host/commands/sandbox_option.h"
 #include "host/effect/module_file.h"
@@ -35,11 +39,20 @@ constexpr const char* kUsualFade = "1";
 
 /// The options as they were typed; empty where nothing was.
 struct SlideshowOptions {
-  std::string input, output;
+  std::vector<std::string> inputs;
+  std::string output, order;
   std::string each = kUsualEach, fade = kUsualFade;
   bool fadeGiven = false;
   FilmOptions film;
   PlanOptions plan;
+};
+
+/// A picture of the show, and how long it is seen, as text.
+struct ShowPicture {
+  ListedPicture listed;
+  PictureOptions options;
+  std::string each, fade;  ///< the line's own or the command line's
+  bool fadeGiven = false;
 };
 
 /// Whole frames of a fade; none for 0.
@@ -47,32 +60,75 @@ int32_t ParseFade(const std::string& text, FrameRate rate) {
   return ParseNumber(text) == 0.0 ? 0 : FramesOf(ParseSeconds(text), rate);
 }
 
-/// Whole frames of a fade between pictures of `each` frames.
-int32_t FadeFor(const SlideshowOptions& options, FrameRate rate, int32_t each) {
-  const int32_t fade = ReadOption("--fade", options.fade,
+/// Whole frames of the fade from `picture` to the next one, of as many frames as `frames` says.
+int32_t FadeFor(const ShowPicture& picture, const ShowPicture& next,
+                std::pair<int32_t, int32_t> frames, FrameRate rate) {
+  const int32_t fade = ReadOption("--fade", picture.fade,
                                   [&](const std::string& text) { return ParseFade(text, rate); });
-  const double longest = ParseSeconds(options.each) / 2;
+  const auto [here, there] = frames;
+  const ShowPicture& shorter = there < here ? next : picture;
+  const double longest = ParseSeconds(shorter.each) / 2;
   // Half of a photograph's time may end within a frame: rounded up, two of it would not fit.
-  const bool fits = ParseNumber(options.fade).value_or(0.0) <= longest;
-  if (fits || !options.fadeGiven) return std::min(fade, each / 2);
-  if (2 * int64_t{fade} <= each) return fade;
-  throw UsageError("--fade " + options.fade + ": two fades do not fit into --each " + options.each +
+  const bool fits = ParseNumber(picture.fade).value_or(0.0) <= longest;
+  const int32_t least = std::min(here, there);
+  if (fits || !picture.fadeGiven) return std::min(fade, least / 2);
+  if (2 * int64_t{fade} <= least) return fade;
+  throw UsageError("--fade " + picture.fade + ": two fades do not fit into --each " + shorter.each +
                    "; --fade " + NumberText(longest) + " is the longest");
 }
 
-/// Looks at each photograph, which takes long where they are decoded for it.
-template <typename Items, typename Look>
-void ForEachPhoto(const Items& photos, const Look& look) {
-  Progress progress("photo", static_cast<int64_t>(photos.size()));
-  int64_t done = 0;
-  for (const auto& photo : photos) {
-    const InterruptsEndAtOnce whileItLooks;
-    look(photo);
-    progress.Show(++done);
+std::vector<ShowPicture> PicturesFor(const SlideshowOptions& options,
+                                     const std::vector<std::string>& words) {
+  const PictureOptions common{options.plan, words};
+  std::vector<ShowPicture> pictures;
+  // A list may come through a pipe, which gives it once.
+  for (ListedPicture& listed : PicturesOf(options.inputs, OrderAsked(options.order))) {
+    ShowPicture picture{std::move(listed), {}, options.each, options.fade, options.fadeGiven};
+    picture.options = ReadLineOptions(picture.listed, common, LineUse::kShow);
+    if (!picture.options.each.empty()) picture.each = picture.options.each;
+    if (!picture.options.fade.empty()) {
+      picture.fade = picture.options.fade;
+      picture.fadeGiven = true;
+    }
+    PlanOptions& plan = picture.options.plan;
+    plan.seconds = AtPlaceOf(picture.listed, [&] {
+      return ReadOption("--each", picture.each, [](const std::string& text) {
+        ParseSeconds(text);  // so that a complaint names this option
+        return text;
+      });
+    });
+    pictures.push_back(std::move(picture));
+  }
+  return pictures;
+}
+
+/// Does `work` for a picture. One that cannot be read is left out, with a message: false then.
+bool Succeeds(const std::string& picture, const std::function<void()>& work) {
+  try {
+    work();
+    return true;
+  } catch (const UsageError&) {
+    throw;
+  } catch (const Error& error) {
+    if (InterruptSignal() != 0) throw;
+    const std::string text = error.what();
+    const std::string named = text.starts_with(picture) ? text : picture + ": " + text;
+    if (IsStrict()) throw Error(named);
+    PrintMessage(named + "; it is left out");
+    return false;
   }
 }
 
-Slideshow ShowFor(const SlideshowOptions& options, const std::vector<std::string>& pictures) {
+/// Leaves out the pictures that `work` fails for. Throws Error where none remains.
+void KeepThose(std::vector<ShowPicture>& pictures,
+               const std::function<void(const ShowPicture&)>& work) {
+  std::erase_if(pictures, [&](const ShowPicture& picture) {
+    return !Succeeds(picture.listed.path, [&] { work(picture); });
+  });
+  if (pictures.empty()) throw Error("none of the pictures can be shown");
+}
+
+Slideshow ShowFor(const SlideshowOptions& options, std::vector<ShowPicture>& pictures) {
   if (options.output.empty()) throw UsageError("-o is empty; name the film");
   // What is quickly found wrong goes before the looking.
   Slideshow show;
@@ -80,66 +136,75 @@ Slideshow ShowFor(const SlideshowOptions& options, const std::vector<std::string
   // One for each of two pictures at the least.
   show.workers = std::max(2, JobsAsked(options.film, CoreCount()));
   show.module = FindModule(options.film.module);
-  PlanOptions each = options.plan;
-  each.seconds = ReadOption("--each", options.each, [](const std::string& text) {
-    ParseSeconds(text);  // so that a complaint names this option
-    return text;
-  });
   SandboxAccess access = AccessFor(options.film.module, {options.output});
-  for (const std::string& picture : pictures) {
+  KeepThose(pictures, [&](const ShowPicture& picture) {
     const InterruptsEndAtOnce whileItReads;
-    AddSources(picture, each, access);
-  }
-  EnterSandbox(access);
-  ForEachPhoto(pictures, [&](const std::string& picture) {
-    each.views.turn = static_cast<int32_t>(show.plans.size());
-    show.plans.push_back(ChangedPlan(picture, each));
+    AddSources(picture.listed.path, picture.options.plan, access);
   });
-  const RenderPlan& first = show.plans.front();
-  show.each = first.frames;
-  show.fade = FadeFor(options, first.format.rate, show.each);
-  show.request = {options.output, first.format,
-                  SlideshowFrames(show.plans.size(), show.each, show.fade), options.film.codec,
-                  options.plan.audio};
-  return show;
-}
-
-/// Throws what can be known to go wrong before any work, and leaves the show no more workers
-/// than may have its pictures in memory at a time.
-void Check(const SlideshowOptions& options, const std::vector<std::string>& pictures,
-           Slideshow& show) {
-  // Most pictures are their plans' photos.
-  std::set<std::string> sources(pictures.begin(), pictures.end());
-  sources.insert({options.input, show.request.audio});
-  for (const RenderPlan& plan : show.plans) sources.insert({plan.photo, plan.over});
-  CheckFilm(*show.kind, show.request, {sources.begin(), sources.end()});
-  ForEachPhoto(show.plans, [&](const RenderPlan& plan) {
+  EnterSandbox(access);
+  Progress progress("photo", static_cast<int64_t>(pictures.size()));
+  int64_t looked = 0;
+  KeepThose(pictures, [&](const ShowPicture& picture) {
+    const InterruptsEndAtOnce whileItLooks;
+    progress.Show(looked++);
+    PlanOptions asked = picture.options.plan;
+    asked.views.turn = static_cast<int32_t>(show.plans.size());
+    RenderPlan plan =
+        AtPlaceOf(picture.listed, [&] { return ChangedPlan(picture.listed.path, asked); });
     const Photo photo = CheckPhoto(plan.photo);
     show.workers = WorkersFor(photo, show.workers);
-    if (show.workers < 2 && show.plans.size() > 1) {
+    if (show.workers < 2 && pictures.size() > 1) {
       throw Error(plan.photo +
                   ": is too large for a slideshow, which has two pictures in memory at "
                   "a time; the limit for both is " +
                   std::to_string(PictureMemory() >> 20) + " MiB");
     }
+    show.plans.push_back(std::move(plan));
+  });
+  const RenderPlan& first = show.plans.front();
+  for (size_t i = 0; i + 1 < pictures.size(); ++i) {
+    show.fades.push_back(AtPlaceOf(pictures[i].listed, [&] {
+      return FadeFor(pictures[i], pictures[i + 1], {show.plans[i].frames, show.plans[i + 1].frames},
+                     first.format.rate);
+    }));
+  }
+  show.request.output = options.output;
+  show.request.format = first.format;
+  show.request.frames = SlideshowFrames(show);
+  show.request.audio = options.plan.audio;
+  ApplyToRequest(options.film, show.request);
+  show.ends = EndsAsked(options.film, show.request.format, show.request.frames);
+  return show;
+}
+
+/// Throws what can be known to go wrong before any work.
+void Check(const SlideshowOptions& options, const std::vector<ShowPicture>& pictures,
+           const Slideshow& show) {
+  // Most pictures are their plans' photos.
+  std::set<std::string> sources(options.inputs.begin(), options.inputs.end());
+  for (const ShowPicture& picture : pictures) sources.insert(picture.listed.path);
+  sources.insert(show.request.audio);
+  for (const RenderPlan& plan : show.plans) sources.insert({plan.photo, plan.over});
+  CheckFilm(*show.kind, show.request, {sources.begin(), sources.end()});
+  for (const RenderPlan& plan : show.plans) {
     const FilmFormat &format = plan.format, &film = show.request.format;
     if (format.size != film.size || format.rate != film.rate || format.fields != film.fields ||
-        format.DisplayAspect() != film.DisplayAspect() || plan.frames != show.each) {
+        format.DisplayAspect() != film.DisplayAspect()) {
       throw UsageError(
           plan.photo +
           ": would be another kind of film than the first, by its project or the "
           "first's; say --size, --fps and --fields for all, and give projects one displayAspect");
     }
-  });
+  }
 }
 
 /// Says which projects have sound that the film will not have.
-void TellOfLostSound(const SlideshowOptions& options, const std::vector<std::string>& pictures,
+void TellOfLostSound(const SlideshowOptions& options, const std::vector<ShowPicture>& pictures,
                      const Slideshow& show) {
   if (!options.plan.audio.empty() || !IsContainer(show.kind->name)) return;
   std::set<std::string> projects;
   for (size_t i = 0; i < pictures.size(); ++i) {
-    if (!show.plans[i].audio.empty()) projects.insert(pictures[i]);
+    if (!show.plans[i].audio.empty()) projects.insert(pictures[i].listed.path);
   }
   if (projects.empty()) return;
   const size_t others = projects.size() - 1;
@@ -150,13 +215,13 @@ void TellOfLostSound(const SlideshowOptions& options, const std::vector<std::str
   Warn(*projects.begin() + whose + " left out; give the show its sound with --audio");
 }
 
-void Run(const SlideshowOptions& options) {
+void Run(const SlideshowOptions& options, const CLI::App& command) {
   ApplyReporting(options.film);
-  // A list may come through a pipe, which gives it once.
-  const std::vector<std::string> pictures = PicturesOf(options.input);
-  Slideshow show = ShowFor(options, pictures);
+  std::vector<ShowPicture> pictures = PicturesFor(options, WordsGiven(command));
+  const Slideshow show = ShowFor(options, pictures);
   Check(options, pictures, show);
   TellOfLostSound(options, pictures, show);
+  const FilmClock clock;
   const bool events = CurrentReporting() == Reporting::kJson;
   if (events) {
     PrintEvent("start", {{"output", options.output}, {"frames", int64_t{show.request.frames}}});
@@ -166,6 +231,7 @@ void Run(const SlideshowOptions& options) {
     MakeSlideshow(show, [&](int32_t done) { progress.Show(done); });
   }
   if (events) PrintEvent("done", {{"output", options.output}});
+  clock.Report(*show.kind, show.request);
 }
 
 }  // namespace
@@ -174,12 +240,7 @@ CLI::App* AddSlideshow(CLI::App& app) {
   CLI::App* command =
       app.add_subcommand("slideshow", "Make one film of many photographs, with cross-fades");
   const auto options = std::make_shared<SlideshowOptions>();
-  command
-      ->add_option("INPUT", options->input,
-                   "A folder of photographs, without the folders in it, or a text file with the "
-                   "path of one on each line, relative to that file")
-      ->required()
-      ->type_name("");
+  DeclarePictures(*command, options->inputs, options->order);
   DeclareOutput(*command, options->output);
   DeclareFilm(*command, options->film,
               "Processes that render, at least two, each with a photograph in memory; the film is "
@@ -202,15 +263,15 @@ CLI::App* AddSlideshow(CLI::App& app) {
   CLI::Option* move = command->get_option("--move");
   move->description(move->get_description() +
                     "; or mixed, which alternates in, out and pans from picture to picture");
-  for (const char* replaced : {"--seconds", "--frames", "--over"}) {
+  for (const char* replaced : {"--seconds", "--frames", "--over", "--loop"}) {
     // Not every build has all of them.
     if (CLI::Option* option = command->get_option_no_throw(replaced); option != nullptr) {
       command->remove_option(option);
     }
   }
-  command->final_callback([options, fade] {
+  command->final_callback([options, fade, command] {
     options->fadeGiven = fade->count() > 0;
-    Run(*options);
+    Run(*options, *command);
   });
   return command;
 }

@@ -157,8 +157,10 @@ std::vector<View> EndsGiven(const ViewOptions& options, ViewReader& reader) {
 
 /// Sets the views of --view, and the film's length where they say it.
 void SetTour(const ViewOptions& options, ViewReader& reader, RenderPlan& plan) {
-  plan.SetTour(TourOf(options.tour,
-                      [&](const std::string& text) { return reader.ReadGiven("--view", text); }));
+  std::vector<TourView> given = TourOf(
+      options.tour, [&](const std::string& text) { return reader.ReadGiven("--view", text); });
+  if (options.loop) CloseTour(given);
+  plan.SetTour(std::move(given));
   if (HasTimes(plan.views) && !options.lengthGiven) {
     plan.frames = FramesOf(SecondsOf(plan.views), plan.format.rate);
   }
@@ -227,6 +229,10 @@ bool ApplyViews(const ViewOptions& options, RenderPlan& plan) {
     SetMove(plan, ViewsOfMove(options, reader));
   }
   const bool views = tour || ends || move;
+  if (options.loop && plan.views.empty()) {
+    throw UsageError("--loop: the project has keys of its own; give it a list of views, or --view");
+  }
+  if (options.loop) CloseTour(plan.views);
   if (views) {
     if (plan.motion == MotionLaw::kLinear) plan.motion = MotionLaw::kSteady;
   }

@@ -25,6 +25,8 @@ struct ViewOptions {
   bool movesByItself = false;
   /// The picture's place in a show, 0-based, where it is in one.
   std::optional<int32_t> turn;
+  /// Whether the film comes back to its beginning.
+  bool loop = false;
   /// Whether something else says how long the film is.
   bool lengthGiven = false;
 };

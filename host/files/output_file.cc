@@ -78,6 +78,13 @@ void CheckNameIsFree(const std::string& output, const std::vector<std::string>& 
   }
 }
 
+void CheckIsNew(const std::string& name) {
+  if (name.empty() || name == kStandardOutput) return;
+  const fs::file_status status = StatusOf(PathOf(name));
+  if (!fs::exists(status) || fs::is_directory(status)) return;
+  throw UsageError(name + ": already exists; --force overwrites it");
+}
+
 OutputFile::OutputFile(const std::string& name, FolderLink link) {
   if (name != kStandardOutput) work_ = std::make_unique<WorkFile>(name, link);
 }

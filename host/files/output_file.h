@@ -25,6 +25,10 @@ UsageError NameUsedTwice(const std::string& name);
 /// Throws NameUsedTwice when `output` is one of `others`; empty names are none's.
 void CheckNameIsFree(const std::string& output, const std::vector<std::string>& others);
 
+/// Throws UsageError where there is a file `name`, to which something was added by hand perhaps, so
+/// that it is replaced with --force alone. A folder is left to what would write there.
+void CheckIsNew(const std::string& name);
+
 /// A WorkFile, or the standard output, to which bytes go at once. Errors are thrown as Error and
 /// name the file.
 class OutputFile {

@@ -11,8 +11,4 @@ std::filesystem::path ProgramFile();
 /// The folder that it is in; empty, too, then.
 std::filesystem::path ProgramFolder();
 
-/// The schema of project files beside a program in `programFolder`, as a URL for editors; empty
-/// when it is not there.
-std::string SchemaUrl(const std::filesystem::path& programFolder);
-
 }  // namespace kelto::host

@@ -1,8 +1,10 @@
 #include "host/film/codecs.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "host/base/error.h"
+#include "host/options/number.h"
 #include "host/options/size.h"
 
 namespace kelto::host {
@@ -15,16 +17,24 @@ const std::vector<FilmCodec> kCodecs = {
      CodedForm::k420,
      true,
      {"mp4", "mkv", "mov"},
-     {{"libx264", 2, "crf=18 threads=8"}}},
+     {{"libx264",
+       2,
+       "threads=8",
+       {28, 23, 18, 12},
+       51,
+       {"preset=slow", "", "preset=veryfast", "preset=ultrafast"}}}},
     {"h265",
      "H.265",
      CodedForm::k420,
      false,
      {"mp4", "mkv", "mov"},
      // Without info the film does not tell the processor it was made on.
-     {{"libx265", 16,
-       "crf=18 threads=2 "
-       "x265-params=log-level=none:info=0:lookahead-slices=0:lookahead-threads=0"}}},
+     {{"libx265",
+       16,
+       "threads=2 x265-params=log-level=none:info=0:lookahead-slices=0:lookahead-threads=0",
+       {28, 23, 18, 12},
+       51,
+       {"preset=slow", "", "preset=veryfast", "preset=ultrafast"}}}},
     {"prores",
      "ProRes 4:2:2 HQ",
      CodedForm::k422TenBit,
@@ -42,15 +52,36 @@ const std::vector<FilmCodec> kCodecs = {
      CodedForm::k420,
      false,
      {"webm", "mkv", "mp4"},
-     {{"libvpx-vp9", 2, "b=0 crf=15 deadline=good cpu-used=3 threads=4 row-mt=0 tile-columns=2"}}},
+     {{"libvpx-vp9",
+       2,
+       "b=0 threads=4 row-mt=0 tile-columns=2",
+       {38, 28, 15, 6},
+       63,
+       {"deadline=good cpu-used=1", "deadline=good cpu-used=3", "deadline=good cpu-used=5",
+        "deadline=realtime cpu-used=8"}}}},
     {"av1",
      "AV1",
      CodedForm::k420,
      false,
      {"mp4", "mkv", "webm"},
-     {{"libsvtav1", 64, "crf=22 preset=8"},
-      {"libaom-av1", 2, "b=0 crf=20 cpu-used=6 threads=4 row-mt=0"}}},
+     {{"libsvtav1",
+       64,
+       "",
+       {42, 32, 22, 12},
+       63,
+       {"preset=5", "preset=8", "preset=10", "preset=12"}},
+      {"libaom-av1",
+       2,
+       "b=0 threads=4 row-mt=0",
+       {40, 30, 20, 10},
+       63,
+       {"cpu-used=4", "cpu-used=6", "cpu-used=8", "usage=realtime cpu-used=9"}}}},
 };
+
+constexpr const char* kQualityWords[] = {"low", "medium", "high", "best"};
+constexpr size_t kUsualQuality = 2;
+constexpr const char* kSpeedWords[] = {"slow", "medium", "fast", "fastest"};
+constexpr size_t kUsualSpeed = 1;
 
 /// The codec of a film whose codec nobody named.
 struct Usual {
@@ -81,6 +112,27 @@ std::string KindsOf(const FilmCodec& codec) {
   return (codec.kinds.size() == 1 ? "use " : "use one of ") + Listed(codec.kinds);
 }
 
+/// The place of `word`, or of the usual one where it is empty; nothing when it is none of `words`.
+std::optional<size_t> PlaceOf(std::span<const char* const> words, const std::string& word,
+                              size_t usual) {
+  if (word.empty()) return usual;
+  const auto found = std::find(words.begin(), words.end(), word);
+  if (found == words.end()) return std::nullopt;
+  return static_cast<size_t>(found - words.begin());
+}
+
+int32_t QualityOf(const FilmCodec& codec, const FilmEncoder& encoder, const std::string& quality) {
+  const std::string option = "--quality " + quality + ": ";
+  if (encoder.worst == 0) throw UsageError(option + codec.title + " has no choice of qualities");
+  if (const auto place = PlaceOf(kQualityWords, quality, kUsualQuality)) {
+    return encoder.qualities[*place];
+  }
+  const auto number = ParseWhole(quality);
+  if (number && *number >= 0 && *number <= encoder.worst) return static_cast<int32_t>(*number);
+  throw UsageError(option + "choose one of " + Listed(kQualityWords) + ", or " + codec.name +
+                   "'s own number from 0, the best, to " + std::to_string(encoder.worst));
+}
+
 bool Holds(const FilmCodec& codec, const std::string& kind) {
   return std::any_of(codec.kinds.begin(), codec.kinds.end(),
                      [&](const char* each) { return kind == each; });
@@ -96,6 +148,29 @@ int32_t FilmCodec::MinimumSide() const {
 }
 
 std::span<const FilmCodec> FilmCodecs() { return kCodecs; }
+
+std::span<const char* const> QualityWords() { return kQualityWords; }
+std::span<const char* const> SpeedWords() { return kSpeedWords; }
+
+std::string EncoderOptions(const FilmCodec& codec, const FilmEncoder& encoder,
+                           const std::string& quality, const std::string& speed) {
+  std::string options = encoder.options;
+  const auto add = [&](const std::string& more) {
+    if (!options.empty() && !more.empty()) options += ' ';
+    options += more;
+  };
+  if (encoder.worst > 0 || !quality.empty()) {
+    add("crf=" + std::to_string(QualityOf(codec, encoder, quality)));
+  }
+  const auto place = PlaceOf(kSpeedWords, speed, kUsualSpeed);
+  if (!place) throw UsageError("--speed " + speed + ": choose one of " + Listed(kSpeedWords));
+  const char* more = encoder.speeds[*place];
+  if (more == nullptr && !speed.empty()) {
+    throw UsageError("--speed " + speed + ": " + codec.title + " has one speed");
+  }
+  if (more != nullptr) add(more);
+  return options;
+}
 
 bool IsContainer(const std::string& kind) {
   return std::any_of(std::begin(kUsual), std::end(kUsual),

@@ -1,6 +1,7 @@
 // The ways to code a film's pictures, as one table: names, rules and settings.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -21,6 +22,12 @@ struct FilmEncoder {
   /// "key=value" pairs with spaces between. Counts of threads are fixed because the bytes of some
   /// encoders depend on them.
   const char* options;
+  /// Constant qualities for QualityWords, and the worst that there is; 0 where films have no
+  /// choice of qualities.
+  std::array<int32_t, 4> qualities{};
+  int32_t worst = 0;
+  /// More options for each of SpeedWords; null where the encoder has one speed.
+  std::array<const char*, 4> speeds{};
 };
 
 struct FilmCodec {
@@ -41,6 +48,17 @@ struct FilmCodec {
 };
 
 std::span<const FilmCodec> FilmCodecs();
+
+/// Words for how good a film looks, the least first, and how quickly it is coded, the slowest
+/// first.
+std::span<const char* const> QualityWords();
+std::span<const char* const> SpeedWords();
+
+/// The options of an encoder for a film of this quality, one of QualityWords or a constant quality
+/// of the encoder's own scale, and this speed; empty texts ask for the usual ones. Throws
+/// UsageError that names --quality or --speed.
+std::string EncoderOptions(const FilmCodec& codec, const FilmEncoder& encoder,
+                           const std::string& quality, const std::string& speed);
 
 /// Whether films of this kind hold a codec's pictures, and may have sound.
 bool IsContainer(const std::string& kind);

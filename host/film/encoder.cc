@@ -76,7 +76,7 @@ class Encoder : public FrameSink {
     OpenContainer(container);
     // Before the encoder, which has threads.
     if (!request.audio.empty()) OpenSoundOf(request, container);
-    OpenCodec();
+    OpenCodec(request);
     PrepareFrame();
     AddPictures(container);
     if (packets_) sound_ = AddSoundTrack(soundRequest_, *container_, std::move(packets_));
@@ -125,7 +125,7 @@ class Encoder : public FrameSink {
     if (container_->url == nullptr) throw std::bad_alloc();
   }
 
-  void OpenCodec() {
+  void OpenCodec(const FilmRequest& request) {
     const FilmEncoder* chosen = FindEncoder(choice_, format_.size);
     if (chosen == nullptr) {
       throw Error(name_ + ": the installed FFmpeg has no " + choice_.encoders.back().name +
@@ -146,7 +146,9 @@ class Encoder : public FrameSink {
     }
     codec_->flags |= AV_CODEC_FLAG_BITEXACT;
     AVDictionary* options = nullptr;
-    int code = av_dict_parse_string(&options, chosen->options, "=", " ", 0);
+    int code = av_dict_parse_string(
+        &options, EncoderOptions(choice_, *chosen, request.quality, request.speed).c_str(), "=",
+        " ", 0);
     // The order of the frames alone comes too late for what the encoder says of the film.
     if (chosen->name == std::string("libx264") && format_.fields == FieldOrder::kBottomFirst) {
       av_dict_set(&options, "x264-params", "bff=1", 0);
@@ -209,8 +211,10 @@ class Encoder : public FrameSink {
   void OpenSoundOf(const FilmRequest& request, const Container& kind) {
     const bool editList = kind.fragments && output_.File().CanSeek();
     const FrameRate rate = request.format.rate;
-    soundRequest_ = {
-        request.audio, kind.kind, editList, {rate.denominator, rate.numerator}, request.frames};
+    soundRequest_ = {request.audio,     kind.kind,
+                     editList,          {rate.denominator, rate.numerator},
+                     request.frames,    request.repeatSound,
+                     request.soundFade};
     packets_ = OpenSoundApart(soundRequest_, *container_);
   }
 

@@ -16,6 +16,7 @@
 #include "host/film/picture_sequence.h"
 #include "host/film/raw_video.h"
 #if defined(KELTO_FFMPEG)
+#include "host/film/animation.h"
 #include "host/film/sound_source.h"
 #endif
 #include "host/film/y4m.h"
@@ -37,6 +38,12 @@ constexpr FilmKind kKinds[] = {
      OpenMkv},
     {"mov", nullptr, "MOV; H.264 unless --codec says otherwise", kYCbYCr, 2, 1, 2, false, OpenMov},
     {"webm", nullptr, "WebM; VP9 unless --codec says otherwise", kYCbYCr, 2, 1, 2, false, OpenWebm},
+    {"gif", nullptr, "animation of 256 colours, which plays over and over", kBGRA, 1, 1, 2, false,
+     OpenGif},
+    {"webp", nullptr, "animation in good quality, which plays over and over", kBGRA, 1, 1, 2, false,
+     OpenWebp},
+    {"apng", nullptr, "animation without loss, which plays over and over", kBGRA, 1, 1, 2, false,
+     OpenApng},
 #endif
     {"png", nullptr, "numbered pictures, as in frame-%04d.png, the first one 0", kBGRA, 1, 1, 2,
      true, OpenPngSequence},
@@ -79,7 +86,8 @@ std::string EndingOf(const std::string& output) {
 
 /// Whether films end so that only the command of Linux writes.
 bool IsKindElsewhere(const std::string& ending) {
-  constexpr const char* kElsewhere[] = {"mp4", "mkv", "mov", "webm", "tif", "tiff", "jpg", "jpeg"};
+  constexpr const char* kElsewhere[] = {"mp4",  "mkv", "mov",  "webm", "gif", "webp",
+                                        "apng", "tif", "tiff", "jpg",  "jpeg"};
   return std::find(std::begin(kElsewhere), std::end(kElsewhere), ending) != std::end(kElsewhere);
 }
 
@@ -103,6 +111,12 @@ void CheckSize(const FilmKind& kind, FrameSize size, int32_t heightStep, bool in
   throw UsageError("--size " + ToString(size) + ": " + (interlaced ? "interlaced " : "") +
                    kind.name + " needs " + need + ", such as " + ToString(fitted));
 }
+
+#if defined(KELTO_FFMPEG)
+bool IsAnimation(const FilmKind& kind) {
+  return kind.open == OpenGif || kind.open == OpenApng || kind.open == OpenWebp;
+}
+#endif
 
 /// Only files of one size can be one and the same, which saves comparing each with each.
 using FilesBySize = std::multimap<uintmax_t, std::string>;
@@ -178,11 +192,18 @@ const FilmKind& KindFor(const std::string& output, const std::string& format) {
 }
 
 void CheckRequest(const FilmKind& kind, const FilmRequest& request) {
+  if (request.audio.empty() && (request.repeatSound || request.soundFade > 0.0)) {
+    throw UsageError(
+        "--audio-loop and --audio-fade are for films with sound; name it with --audio");
+  }
   const bool interlaced = request.format.Interlaced();
   int32_t heightStep = interlaced ? kind.interlacedHeightStep : kind.heightStep;
   if (IsContainer(kind.name)) {
     const FilmCodec& codec = CodecFor(kind.name, request.codec);
     CheckFormat(codec, request.format);
+    for (const FilmEncoder& encoder : codec.encoders) {
+      EncoderOptions(codec, encoder, request.quality, request.speed);
+    }
     heightStep = codec.HeightStep(interlaced);
   } else {
     const auto refuse = [&](const std::string& option, const std::string& lack) {
@@ -192,9 +213,14 @@ void CheckRequest(const FilmKind& kind, const FilmRequest& request) {
                                        : "; use one of " + others));
     };
     if (!request.codec.empty()) refuse("--codec " + request.codec, "codec");
+    if (!request.quality.empty()) refuse("--quality " + request.quality, "codec");
+    if (!request.speed.empty()) refuse("--speed " + request.speed, "codec");
     if (!request.audio.empty()) refuse("--audio " + request.audio, "sound");
   }
   CheckSize(kind, request.format.size, heightStep, interlaced);
+#if defined(KELTO_FFMPEG)
+  if (IsAnimation(kind)) CheckAnimation(kind.name, request);
+#endif
   if (kind.pictures && request.output != kStandardOutput) {
     const FramePattern pattern(request.output);
     if (request.frames > 1 && !pattern.Numbered()) {

@@ -15,9 +15,13 @@ struct FilmRequest {
   std::string output;  ///< path, path with a place for numbers, or kStandardOutput
   FilmFormat format;
   int32_t frames = 1;
-  std::string codec{};      ///< name of a FilmCodec; empty for the one usual in films of the kind
-  std::string audio{};      ///< file whose sound goes into the film; empty for a silent one
-  int32_t firstNumber = 0;  ///< of numbered pictures
+  std::string codec{};       ///< name of a FilmCodec; empty for the one usual in films of the kind
+  std::string audio{};       ///< file whose sound goes into the film; empty for a silent one
+  int32_t firstNumber = 0;   ///< of numbered pictures
+  std::string quality{};     ///< how good it looks, and how quickly it is coded, as EncoderOptions
+  std::string speed{};       ///< takes them
+  bool repeatSound = false;  ///< whether the sound begins again where it ends before the film
+  double soundFade = 0.0;    ///< seconds in which it fades out at the film's end
 };
 
 struct FilmKind {

@@ -1,6 +1,7 @@
 #include "host/film/sound_encoder.h"
 
 #include <algorithm>
+#include <type_traits>
 #include <utility>
 
 #include "host/base/error.h"
@@ -27,7 +28,7 @@ int RateFor(const AVCodec& encoder, int rate) {
 }  // namespace
 
 SoundEncoder::SoundEncoder(std::unique_ptr<SoundSource> source, const std::string& encoder,
-                           bool globalHeader, int64_t length, AVRational unit)
+                           bool globalHeader, const SoundLength& length)
     : source_(std::move(source)),
       decoder_(OpenDecoder(source_->Stream(), source_->Path())),
       decoded_(Own(av_frame_alloc())),
@@ -36,7 +37,9 @@ SoundEncoder::SoundEncoder(std::unique_ptr<SoundSource> source, const std::strin
   queue_.reset(
       av_audio_fifo_alloc(codec_->sample_fmt, codec_->ch_layout.nb_channels, codec_->sample_rate));
   if (!queue_) throw std::bad_alloc();
-  end_ = av_rescale_q(length, unit, codec_->time_base);
+  end_ = av_rescale_q(length.length, length.unit, codec_->time_base);
+  repeat_ = length.repeat;
+  fade_ = std::min(end_, static_cast<int64_t>(length.fade * codec_->sample_rate));
 }
 
 void SoundEncoder::Check(int code, const char* doing) const {
@@ -90,6 +93,7 @@ bool SoundEncoder::Feed() {
   const auto frame = MakeFrame(samples);
   av_audio_fifo_read(queue_.get(), reinterpret_cast<void**>(frame->extended_data), samples);
   frame->pts = fed_;
+  Fade(*frame);
   fed_ += samples;
   Check(avcodec_send_frame(codec_.get(), frame.get()), "coded");
   return true;
@@ -98,8 +102,8 @@ bool SoundEncoder::Feed() {
 bool SoundEncoder::FillQueue() {
   if (sourceEnded_ || fed_ >= end_) return false;
   if (!holdsFrame_ && !Decode()) {
-    sourceEnded_ = true;
     if (resampler_) Queue(nullptr);
+    sourceEnded_ = !Repeat();
     return true;
   }
   if (!holdsFrame_) {
@@ -116,6 +120,47 @@ bool SoundEncoder::FillQueue() {
     holdsFrame_ = false;
   }
   return true;
+}
+
+bool SoundEncoder::Repeat() {
+  if (!repeat_ || queued_ <= begin_) return false;
+  const std::string path = source_->Path();
+  source_ = std::make_unique<SoundSource>(path);
+  decoder_ = OpenDecoder(source_->Stream(), path);
+  resampler_.reset();
+  begin_ = queued_;
+  begun_ = false;
+  return true;
+}
+
+void SoundEncoder::Fade(AVFrame& frame) const {
+  if (fade_ == 0 || fed_ + frame.nb_samples <= end_ - fade_) return;
+  const auto format = static_cast<AVSampleFormat>(frame.format);
+  const bool planar = av_sample_fmt_is_planar(format) != 0;
+  const int channels = frame.ch_layout.nb_channels;
+  // Of a plane, in which `step` samples sound at a time.
+  const auto scale = [&](auto* samples, int step) {
+    using Sample = std::remove_pointer_t<decltype(samples)>;
+    for (int i = 0; i < frame.nb_samples; ++i) {
+      const int64_t left = end_ - (fed_ + i);
+      if (left >= fade_) continue;
+      const double gain = static_cast<double>(left) / static_cast<double>(fade_);
+      for (int k = 0; k < step; ++k) {
+        Sample& sample = samples[i * step + k];
+        sample = static_cast<Sample>(sample * gain);
+      }
+    }
+  };
+  for (int plane = 0; plane < (planar ? channels : 1); ++plane) {
+    const int step = planar ? 1 : channels;
+    if (av_get_packed_sample_fmt(format) == AV_SAMPLE_FMT_FLT) {
+      scale(reinterpret_cast<float*>(frame.extended_data[plane]), step);
+    } else if (av_get_packed_sample_fmt(format) == AV_SAMPLE_FMT_S16) {
+      scale(reinterpret_cast<int16_t*>(frame.extended_data[plane]), step);
+    } else {
+      throw Error(source_->Path() + ": its sound cannot be faded for this codec");
+    }
+  }
 }
 
 bool SoundEncoder::Decode() {
@@ -137,7 +182,7 @@ int64_t SoundEncoder::HoleBefore(const AVFrame& frame) const {
   if (frame.pts == AV_NOPTS_VALUE) return 0;
   const int64_t held = resampler_ ? swr_get_delay(resampler_.get(), codec_->sample_rate) : 0;
   const int64_t hole =
-      av_rescale_q(frame.pts, source_->TimeBase(), codec_->time_base) - queued_ - held;
+      begin_ + av_rescale_q(frame.pts, source_->TimeBase(), codec_->time_base) - queued_ - held;
   // Files may round the times of packets to milliseconds.
   return begun_ && hole < codec_->sample_rate / 20 ? 0 : hole;
 }

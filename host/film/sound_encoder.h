@@ -15,15 +15,22 @@ extern "C" {
 
 namespace kelto::host {
 
+/// How long sound is to be, and how it gets there.
+struct SoundLength {
+  int64_t length = 0;  ///< where it is cut, in units of `unit` seconds
+  AVRational unit{};
+  bool repeat = false;  ///< whether it begins again where it ends before that
+  double fade = 0.0;    ///< seconds before that in which it fades out
+};
+
 /// Decodes a source's sound and codes it anew, mono or stereo (more channels are mixed into two),
 /// at the source's rate where the encoder takes it, else at 48 kHz. Where the source has a hole,
 /// there is silence.
 class SoundEncoder : public SoundPackets {
  public:
-  /// `encoder` is FFmpeg's name; `globalHeader` as the container wants it; the sound ends after
-  /// `length` units of `unit` seconds. Throws Error.
+  /// `encoder` is FFmpeg's name; `globalHeader` as the container wants it. Throws Error.
   SoundEncoder(std::unique_ptr<SoundSource> source, const std::string& encoder, bool globalHeader,
-               int64_t length, AVRational unit);
+               const SoundLength& length);
 
   bool Read(AVPacket& packet) override;
   AVRational TimeBase() const override { return codec_->time_base; }
@@ -41,6 +48,10 @@ class SoundEncoder : public SoundPackets {
   void Check(int code, const char* doing) const;
   /// Puts more samples into the queue; false at the end of the source.
   bool FillQueue();
+  /// Begins the source again; false where that is not asked for, or gives no sound.
+  bool Repeat();
+  /// Fades samples that go to the encoder from sample `fed_` on.
+  void Fade(AVFrame& frame) const;
   /// Decodes a frame; false at the end of the source.
   bool Decode();
   /// Samples missing between what is queued and the frame decoded; negative when it is early.
@@ -59,7 +70,10 @@ class SoundEncoder : public SoundPackets {
   std::unique_ptr<SwrContext, FreeSound> resampler_;
   int format_ = 0, rate_ = 0, channels_ = 0;  ///< that the resampler was opened for
   std::unique_ptr<AVAudioFifo, FreeSound> queue_;
+  bool repeat_ = false;
   int64_t end_ = 0;      ///< samples of sound at the most
+  int64_t fade_ = 0;     ///< of them, those at the end that fade
+  int64_t begin_ = 0;    ///< samples before the source began the last time
   int64_t queued_ = 0;   ///< samples that have gone into the queue: the time of the next one
   int64_t fed_ = 0;      ///< samples that have gone into the encoder
   int64_t silence_ = 0;  ///< samples of silence to queue before the frame decoded

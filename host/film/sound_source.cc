@@ -17,6 +17,11 @@ SoundSource::SoundSource(const std::string& path) : path_(path), file_(OpenMedia
   }
 }
 
+double SoundSource::Seconds() const {
+  if (file_->duration == AV_NOPTS_VALUE) return 0.0;
+  return static_cast<double>(file_->duration) / AV_TIME_BASE;
+}
+
 bool SoundSource::Read(AVPacket& packet) {
   for (;;) {
     av_packet_unref(&packet);

@@ -18,6 +18,8 @@ class SoundSource : public SoundPackets {
 
   const std::string& Path() const { return path_; }
   const AVStream& Stream() const { return *file_->streams[stream_]; }
+  /// The file's length by its own account; 0 where it does not say.
+  double Seconds() const;
   bool Read(AVPacket& packet) override;
   AVRational TimeBase() const override { return Stream().time_base; }
   void Describe(AVCodecParameters& sound) const override;

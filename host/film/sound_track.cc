@@ -124,15 +124,30 @@ bool CanCopy(const std::string& kind, const AVFormatContext& container,
   return avformat_query_codec(container.oformat, sound.codec_id, FF_COMPLIANCE_NORMAL) == 1;
 }
 
+/// Says of sound that is cut in its midst, where nobody asked for a fade.
+void TellIfLonger(const SoundRequest& request, const SoundSource& source) {
+  constexpr double kNoMatter = 0.5;
+  const double film = static_cast<double>(request.frames) * av_q2d(request.frameTime);
+  if (request.fade > 0.0 || source.Seconds() < film + kNoMatter) return;
+  char text[80];
+  std::snprintf(text, sizeof text, ": its sound is cut after %.2f of %.2f seconds", film,
+                source.Seconds());
+  PrintMessage(request.file + text + "; --audio-fade 2 fades it out");
+}
+
 }  // namespace
 
 std::unique_ptr<SoundPackets> OpenSound(const SoundRequest& request,
                                         const AVFormatContext& container) {
   auto source = std::make_unique<SoundSource>(request.file);
-  if (CanCopy(request.kind, container, *source->Stream().codecpar)) return source;
+  TellIfLonger(request, *source);
+  // What is faded or joined has to be decoded.
+  const bool asItIs = !request.repeat && request.fade == 0.0;
+  if (asItIs && CanCopy(request.kind, container, *source->Stream().codecpar)) return source;
   return std::make_unique<SoundEncoder>(
       std::move(source), request.kind == "webm" ? "libopus" : "aac",
-      (container.oformat->flags & AVFMT_GLOBALHEADER) != 0, request.frames, request.frameTime);
+      (container.oformat->flags & AVFMT_GLOBALHEADER) != 0,
+      SoundLength{request.frames, request.frameTime, request.repeat, request.fade});
 }
 
 std::unique_ptr<SoundTrack> AddSoundTrack(const SoundRequest& request, AVFormatContext& container,

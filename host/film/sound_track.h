@@ -17,6 +17,8 @@ struct SoundRequest {
   bool editList = false;   ///< whether the container can hide what a decoder needs before time 0
   AVRational frameTime{};  ///< seconds a frame
   int64_t frames = 0;      ///< of the whole film, where the sound is cut
+  bool repeat = false;     ///< whether it begins again where it ends before the film
+  double fade = 0.0;       ///< seconds in which it fades out at the film's end
 };
 
 class SoundTrack {

@@ -67,9 +67,10 @@ void MakeFilm(const FilmJob& job, const std::function<void(int32_t done)>& shown
   const std::unique_ptr<FrameSource> frames = RenderInWorkers(std::move(list), job.workers);
   const std::unique_ptr<FrameSink> film = job.kind->open(job.request);
   const int32_t count = job.scene.part.Count();
-  for (int32_t done = 1; done <= count; ++done) {
-    film->Write(frames->Next());
-    shown(done);
+  EndFades ends(job.ends, job.request.format, job.kind->layout, count);
+  for (int32_t done = 0; done < count;) {
+    film->Write(ends.Of(frames->Next(), done));
+    shown(++done);
   }
   film->Finish();
 }

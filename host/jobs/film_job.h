@@ -8,6 +8,7 @@
 
 #include "host/effect/photo.h"
 #include "host/film/formats.h"
+#include "host/jobs/end_fades.h"
 #include "host/jobs/frame_source.h"
 
 namespace kelto::host {
@@ -17,6 +18,7 @@ struct FilmJob {
   Scene scene;
   const FilmKind* kind = nullptr;
   FilmRequest request;
+  EndFadeLengths ends{};
   int32_t workers = 1;  ///< processes that render
   uint64_t memory = 0;  ///< bytes that the photograph takes in all of them, as CheckJob found
 };

@@ -4,13 +4,14 @@
 #include <array>
 #include <cctype>
 #include <filesystem>
-#include <fstream>
+#include <locale>
 #include <map>
 #include <set>
-#include <string_view>
+#include <stdexcept>
 #include <system_error>
 
 #include "host/base/error.h"
+#include "host/base/natural_order.h"
 #include "host/files/path_text.h"
 #include "host/project/project_file.h"
 
@@ -21,11 +22,6 @@ namespace fs = std::filesystem;
 
 constexpr std::array kEndings = {".jpg", ".jpeg", ".jpe", ".png", ".tif",  ".tiff", ".webp",
                                  ".gif", ".bmp",  ".dib", ".tga", ".heic", ".heif"};
-
-/// Of a list, which may come from a pipe without end.
-constexpr size_t kMostPictures = 1000000;
-/// Bytes of their paths altogether.
-constexpr size_t kMostBytes = size_t{256} << 20;
 
 std::string Lowered(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(),
@@ -46,73 +42,78 @@ std::vector<std::string> InFolder(const std::string& folder) {
     if (!fs::is_directory(StatusOf(path))) pictures.push_back(TextOf(path));
   }
   if (error) throw Error(folder + ": cannot be read: " + ReasonOf(error));
-  std::sort(pictures.begin(), pictures.end());
+  std::sort(pictures.begin(), pictures.end(), &NaturallyBefore);
   if (pictures.empty()) throw Error(folder + ": there are no pictures in this folder");
   return pictures;
 }
 
-Error NoList(const std::string& list) {
-  return Error(list + ": is no list; write a file with the path of a picture on each line");
+/// Whether a shell would put the operands in this order for a pattern such as "*.jpg": by their
+/// bytes, or as the user's language orders them.
+template <typename Operands>
+bool AreInAShellsOrder(const Operands& operands) {
+  if (std::is_sorted(operands.begin(), operands.end())) return true;
+  try {
+    return std::is_sorted(operands.begin(), operands.end(), std::locale(""));
+  } catch (const std::runtime_error&) {
+    return false;  // the environment names a language that the system does not have
+  }
 }
 
-/// The next line of a list into `line`; false at the end. What is no list may have no lines at all,
-/// so that no line is read beyond what the longest path needs.
-bool ReadLine(std::istream& file, const std::string& list, std::string& line) {
-  constexpr size_t kLongest = 65536;
-  line.resize(kLongest);
-  file.getline(line.data(), static_cast<std::streamsize>(kLongest));
-  if (file.bad()) throw Error(list + ": cannot be read to its end");
-  const auto count = static_cast<size_t>(file.gcount());
-  if (file.eof()) {
-    line.resize(count);
-    return count > 0;
+/// Puts runs of operands that a shell made of patterns in their natural order. A pattern's names
+/// share their folder.
+void OrderNaturally(std::vector<std::string>& inputs) {
+  const auto folderOf = [](const std::string& input) { return PathOf(input).parent_path(); };
+  for (auto first = inputs.begin(); first != inputs.end();) {
+    const auto last = std::find_if(first, inputs.end(), [&](const std::string& input) {
+      return folderOf(input) != folderOf(*first);
+    });
+    if (AreInAShellsOrder(std::vector<std::string>(first, last))) {
+      std::stable_sort(first, last, &NaturallyBefore);
+    }
+    first = last;
   }
-  if (file.fail()) throw NoList(list);
-  line.resize(count - 1);
-  return true;
 }
 
-std::vector<std::string> InList(const std::string& list) {
-  std::ifstream file(ForCalls(PathOf(list)));
-  if (!file) throw Error(list + ": cannot be read as a list of pictures");
-  const fs::path folder = PathOf(list).parent_path();
-  std::vector<std::string> pictures;
-  size_t bytes = 0;
-  bool first = true;
-  for (std::string line; ReadLine(file, list, line);) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    // Some editors begin a text so.
-    constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
-    if (first && line.starts_with(kByteOrderMark)) line.erase(0, kByteOrderMark.size());
-    first = false;
-    if (line.find('\0') != line.npos) throw NoList(list);
-    if (pictures.size() == kMostPictures) {
-      throw Error(list + ": names more than " + std::to_string(kMostPictures) +
-                  " pictures; give them in several lists");
-    }
-    if (line.empty()) continue;
-    pictures.push_back(TextOf(folder / PathOf(line)));
-    bytes += pictures.back().size();
-    if (bytes > kMostBytes) {
-      throw Error(list + ": has paths of more than " + std::to_string(kMostBytes >> 20) +
-                  " MiB; give them in several lists");
-    }
+std::vector<ListedPicture> OfInput(const std::string& input, bool alone) {
+  if (EndsLikeAPicture(PathOf(input)) && !fs::is_directory(StatusOf(PathOf(input)))) {
+    return {{input}};
   }
-  if (pictures.empty()) throw Error(list + ": names no pictures");
-  return pictures;
+  const fs::file_status status = StatusOf(PathOf(input));
+  if (!fs::exists(status)) {
+    throw Error(input + ": there is no such " + (alone ? "folder or list" : "picture or list"));
+  }
+  if (fs::is_directory(status)) {
+    std::vector<ListedPicture> pictures;
+    for (const std::string& path : InFolder(input)) pictures.push_back({path});
+    return pictures;
+  }
+  if (!IsProjectName(input)) return ReadList(input);
+  // Its lines would pass for names of pictures.
+  if (alone) {
+    throw Error(input + ": is a project, not a list; render it, or write its path into a list");
+  }
+  return {{input}};
 }
 
 }  // namespace
 
-std::vector<std::string> PicturesOf(const std::string& input) {
-  const fs::file_status status = StatusOf(PathOf(input));
-  if (!fs::exists(status)) throw Error(input + ": there is no such folder or list");
-  if (fs::is_directory(status)) return InFolder(input);
-  // Its lines would pass for names of pictures.
-  if (IsProjectName(input)) {
-    throw Error(input + ": is a project, not a list; render it, or write its path into a list");
+std::vector<ListedPicture> PicturesOf(const std::vector<std::string>& inputs, PictureOrder order) {
+  std::vector<std::string> ordered = inputs;
+  if (order == PictureOrder::kNatural) OrderNaturally(ordered);
+  std::vector<ListedPicture> pictures;
+  for (const std::string& input : ordered) {
+    for (ListedPicture& picture : OfInput(input, inputs.size() == 1)) {
+      pictures.push_back(std::move(picture));
+    }
   }
-  return InList(input);
+  return pictures;
+}
+
+std::vector<std::string> PathsOf(const std::vector<ListedPicture>& pictures) {
+  std::vector<std::string> paths;
+  paths.reserve(pictures.size());
+  for (const ListedPicture& picture : pictures) paths.push_back(picture.path);
+  return paths;
 }
 
 std::vector<std::string> FilmNames(const std::vector<std::string>& pictures,

@@ -18,7 +18,7 @@ namespace {
 std::unique_ptr<FrameSource> OpenTurns(const Slideshow& show, size_t first) {
   SceneList list{show.module, show.kind->layout, {}};
   for (size_t i = first; i < show.plans.size(); i += 2) {
-    list.scenes.push_back({show.plans[i], {0, show.each}});
+    list.scenes.push_back({show.plans[i], {0, show.plans[i].frames}});
   }
   if (list.scenes.empty()) return nullptr;
   return RenderInWorkers(std::move(list), std::max(1, show.workers / 2));
@@ -26,9 +26,10 @@ std::unique_ptr<FrameSource> OpenTurns(const Slideshow& show, size_t first) {
 
 }  // namespace
 
-int32_t SlideshowFrames(size_t pictures, int32_t each, int32_t fade) {
-  const int64_t count = static_cast<int64_t>(pictures);
-  const int64_t frames = count * each - (count - 1) * fade;
+int32_t SlideshowFrames(const Slideshow& show) {
+  int64_t frames = 0;
+  for (const RenderPlan& plan : show.plans) frames += plan.frames;
+  for (const int32_t fade : show.fades) frames -= fade;
   if (frames > kMaxFrames) {
     throw UsageError("a film of " + std::to_string(frames) + " frames is too long; " +
                      std::to_string(kMaxFrames) + " are the most");
@@ -40,18 +41,20 @@ void MakeSlideshow(const Slideshow& show, const std::function<void(int32_t done)
   const std::array turns = {OpenTurns(show, 0), OpenTurns(show, 1)};
   const std::unique_ptr<FrameSink> film = show.kind->open(show.request);
   CrossFade fade(show.request.format, show.kind->layout);
+  EndFades ends(show.ends, show.request.format, show.kind->layout, show.request.frames);
   int32_t done = 0;
   const auto write = [&](const FrameView& frame) {
-    film->Write(frame);
+    film->Write(ends.Of(frame, done));
     shown(++done);
   };
   for (size_t i = 0; i < show.plans.size(); ++i) {
-    const bool last = i + 1 == show.plans.size();
-    const int32_t alone = show.each - (i == 0 ? 0 : show.fade) - (last ? 0 : show.fade);
+    const int32_t before = i > 0 ? show.fades[i - 1] : 0;
+    const int32_t after = i + 1 < show.plans.size() ? show.fades[i] : 0;
+    const int32_t alone = show.plans[i].frames - before - after;
     for (int32_t frame = 0; frame < alone; ++frame) write(turns[i % 2]->Next());
-    for (int32_t step = 0; !last && step < show.fade; ++step) {
+    for (int32_t step = 0; step < after; ++step) {
       const FrameView from = turns[i % 2]->Next();
-      write(fade.Blend(from, turns[(i + 1) % 2]->Next(), step, show.fade));
+      write(fade.Blend(from, turns[(i + 1) % 2]->Next(), step, after));
     }
   }
   film->Finish();

@@ -7,23 +7,26 @@
 #include <vector>
 
 #include "host/film/formats.h"
+#include "host/jobs/end_fades.h"
 #include "host/plan/render_plan.h"
 
 namespace kelto::host {
 
 struct Slideshow {
   std::string module;  ///< path of the effect's module
-  /// Of one film format, all of `each` frames.
+  /// Of one film format; each as long as its picture is seen, fades included.
   std::vector<RenderPlan> plans;
+  /// Frames of the fade from each picture to the next one. Of a picture's frames, no two fades take
+  /// the same.
+  std::vector<int32_t> fades;
   const FilmKind* kind = nullptr;
   FilmRequest request;  ///< of SlideshowFrames frames
-  int32_t each = 1;     ///< frames for which a picture is seen, fades included
-  int32_t fade = 0;     ///< frames of a fade, at most half of `each`
+  EndFadeLengths ends{};
   int32_t workers = 2;  ///< processes that render, two at the least
 };
 
-/// Length of the film: neighbours overlap while they fade.
-int32_t SlideshowFrames(size_t pictures, int32_t each, int32_t fade);
+/// Length of the film: neighbours overlap while they fade. Throws UsageError for one too long.
+int32_t SlideshowFrames(const Slideshow& show);
 
 /// Makes the film; `shown` is told how many frames are done. Two pictures are in memory at a time,
 /// however many there are. Throws Error.

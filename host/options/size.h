@@ -1,6 +1,7 @@
 // Frame sizes.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -13,8 +14,19 @@ constexpr int32_t kMinFrameSide = 2;
 /// The limit of the H.264 encoder.
 constexpr int32_t kMaxFrameSide = 16384;
 
-/// Reads "1920x1080". Throws UsageError for anything else and for sides outside
-/// kMinFrameSide..kMaxFrameSide.
+/// A size that films often have, by its name.
+struct NamedSize {
+  const char* name;
+  FrameSize size;
+};
+
+std::span<const NamedSize> NamedSizes();
+
+/// The names as a text, "720p, 1080p, ...".
+std::string SizeNames();
+
+/// Reads a name of NamedSizes, or "1920x1080". Throws UsageError for anything else and for sides
+/// outside kMinFrameSide..kMaxFrameSide.
 FrameSize ParseSize(std::string_view text);
 
 /// "1920x1080".

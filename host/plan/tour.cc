@@ -1,6 +1,7 @@
 #include "host/plan/tour.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kelto::host {
 namespace {
@@ -10,6 +11,14 @@ constexpr double kUsualGo = 2.0;
 double WayOf(const TourView& view) { return view.go > 0.0 ? view.go : kUsualGo; }
 
 }  // namespace
+
+void CloseTour(std::vector<TourView>& tour) {
+  if (tour.size() < 2 || tour.front().view == tour.back().view) return;
+  TourView again = tour.front();
+  // Where it begins is looked at there.
+  again.hold = again.go = 0.0;
+  tour.push_back(std::move(again));
+}
 
 bool HasTimes(const std::vector<TourView>& tour) {
   return std::any_of(tour.begin(), tour.end(),

@@ -24,6 +24,10 @@ struct TourView {
   bool operator==(const TourView&) const = default;
 };
 
+/// Makes a tour come back to its first view, where it does not yet: the way back is as long as
+/// others are. A single view stays alone.
+void CloseTour(std::vector<TourView>& tour);
+
 /// Whether any of them says how long it takes.
 bool HasTimes(const std::vector<TourView>& tour);
 

@@ -7,7 +7,6 @@
 #include "host/base/shown_text.h"
 #include "host/files/output_file.h"
 #include "host/files/path_text.h"
-#include "host/files/program_folder.h"
 #include "host/options/rate.h"
 #include "host/plan/default_plan.h"
 #include "host/project/display_aspect.h"
@@ -92,8 +91,8 @@ ordered_json ParametersOf(const RenderPlan& plan) {
 std::string TextOf(const std::string& path, const RenderPlan& plan) {
   const MemoryReserve reserve(0);
   ordered_json document;
-  const std::string schema = SchemaUrl(ProgramFolder());
-  if (!schema.empty()) document["$schema"] = schema;
+  // A name that means the same on every machine; editors look for it beside the project.
+  document["$schema"] = "project.schema.json";
   document["image"] = ForProject(path, plan.photo);
   if (!plan.over.empty()) document["over"] = ForProject(path, plan.over);
   if (!plan.audio.empty()) document["audio"] = ForProject(path, plan.audio);

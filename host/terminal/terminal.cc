@@ -72,6 +72,8 @@ void PrintFailure(const std::string& text) { PrintLine("error", text); }
 
 void SetStrict(bool wanted) { strict = wanted; }
 
+bool IsStrict() { return strict; }
+
 void Warn(const std::string& text) {
   if (strict) throw Error(text);
   PrintMessage(text);

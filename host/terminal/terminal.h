@@ -31,6 +31,7 @@ void PrintFailure(const std::string& text);
 /// made. Throws it as Error instead after SetStrict(true).
 void Warn(const std::string& text);
 void SetStrict(bool strict);
+bool IsStrict();
 
 /// Where PrintMessage sends its texts instead; an empty function restores it.
 void SetMessageSink(std::function<void(const std::string&)> sink);

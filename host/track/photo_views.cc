@@ -62,13 +62,14 @@ PhotoRect PhotoViews::Fill() const {
 }
 
 PhotoRect PhotoViews::Around(const PhotoRect& part) const {
-  const PhotoRect view = About(part.CentreX(), part.CentreY(),
-                               std::max(part.width, part.height * baseWidth_ / baseHeight_));
-  const PhotoRect photo = Photo(), moved = Inside(view);
-  PhotoRect around = view;
-  if (part.x >= 0.0 && part.Right() <= photo.width) around.x = moved.x;
-  if (part.y >= 0.0 && part.Bottom() <= photo.height) around.y = moved.y;
-  return around;
+  const PhotoRect photo = Photo();
+  if (part.x >= photo.width || part.y >= photo.height || part.Right() <= 0.0 ||
+      part.Bottom() <= 0.0) {
+    throw UsageError("lies outside the photo, which is " + std::to_string(frame_.photo.width) +
+                     "x" + std::to_string(frame_.photo.height) + " pixels");
+  }
+  return Inside(About(part.CentreX(), part.CentreY(),
+                      std::max(part.width, part.height * baseWidth_ / baseHeight_)));
 }
 
 PhotoRect PhotoViews::Inside(PhotoRect view) const {

@@ -23,8 +23,9 @@ class PhotoViews {
   PhotoRect Whole() const;
   /// The largest view that shows nothing but photo, in its middle.
   PhotoRect Fill() const;
-  /// The smallest view that shows all of `part`. It stays within the photo as far as it can and as
-  /// `part` does: it is moved rather than showing what lies beside the photo.
+  /// The smallest view that shows all of `part`, moved into the photo where it reaches beyond it;
+  /// in the middle along a side where it is longer than the photo. Throws UsageError, with the
+  /// photo's size, for a part that lies outside.
   PhotoRect Around(const PhotoRect& part) const;
   /// `view` moved into the photo; in the middle along a side where it is longer than the photo.
   PhotoRect Inside(PhotoRect view) const;

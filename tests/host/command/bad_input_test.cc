@@ -221,8 +221,30 @@ TEST_F(BadInput, NoArgumentsOrTooFew) {
   }
 }
 
-TEST_F(BadInput, WordsTooManyAreNamedInTheirOrder) {
-  ExpectMisuse("not expected: --bogus 3 other.jpg;", {"--bogus", "3", "other.jpg"});
+TEST_F(BadInput, WordsTooManyAreNamedWithThePageToRead) {
+  ExpectMisuse("unknown option --zoom; see kelto render --help", {"--zoom", "3", "other.jpg"});
+  ExpectMisuse("unknown option --sise; did you mean --size?; see kelto render --help",
+               {"--sise=3x3"});
+  ExpectMisuse("unknown option -dash.jpg; if it is a file, write ./-dash.jpg; see", {"-dash.jpg"});
+  EXPECT_EQ(RunKelto({"render", "-dash.jpg", "-o", "f.mp4"}).err,
+            "kelto: unknown option -dash.jpg; if it is a file, write ./-dash.jpg; see kelto render "
+            "--help\n");
+  ExpectMisuse(
+      "not expected: other.jpg; a film is made of one photo; kelto slideshow and kelto "
+      "batch take many",
+      {"other.jpg"});
+  const Outcome none = RunKelto({"doctor", "--frames", "2"});
+  EXPECT_EQ(none.err, "kelto: unknown option --frames; see kelto doctor --help\n");
+  EXPECT_THAT(RunKelto({"render"}).err, HasSubstr("; see kelto render --help\n"));
+  EXPECT_THAT(RunKelto({"--bogus"}).err, HasSubstr("unknown option --bogus; see kelto --help\n"));
+}
+
+TEST_F(BadInput, TheFilmBehindTheOptionOfMotionIsUnderstood) {
+  const std::string hint =
+      "kelto: --out film.mp4: --out says how the move leaves the first view; name the film with "
+      "-o film.mp4\n";
+  EXPECT_EQ(RunKelto({"render", photo_, "--out", "film.mp4"}).err, hint);
+  EXPECT_EQ(RunKelto({"slideshow", photo_, "--out=film.mp4"}).err, hint);
 }
 
 TEST_F(BadInput, AnOptionWhereAFileShouldBe) {

@@ -177,6 +177,18 @@ TEST_F(BatchCommand, GoesOnAfterAKillWithoutDoingWorkAgain) {
   EXPECT_LE(again, 2);
 }
 
+TEST_F(BatchCommand, InterruptedSaysHowToGoOn) {
+  WritePictures(200);
+  Command command(Line({"--jobs", "2", "--frames", "25"}));
+  for (int i = 0; i < 10000 && Films().size() < 5; ++i) std::this_thread::sleep_for(20ms);
+  command.Signal(SIGINT);
+  const Outcome outcome = command.Wait();
+  EXPECT_EQ(outcome.signal, SIGINT);
+  EXPECT_THAT(outcome.err,
+              testing::ContainsRegex("kelto: interrupted after [0-9]+ of 200 films; use "
+                                     "--resume to go on\n$"));
+}
+
 TEST_F(BatchCommand, ResumedWhenAllIsDoneDoesNothing) {
   WritePictures(6);
   EXPECT_EQ(RunKelto(Line()).code, 0);

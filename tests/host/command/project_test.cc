@@ -55,11 +55,27 @@ const Words kMany{"--size",      "64x36",  "--fps",        "30000/1001", "--seco
 TEST_F(Projects, ASavedProjectRendersTheSameFilmAsTheOptions) {
   for (const Words& options : {kSmall, kMany}) {
     Words saving = options;
-    saving.insert(saving.end(), {"--save-project", folder_ / "p.json"});
+    saving.insert(saving.end(), {"--save-project", folder_ / "p.json", "--force"});
     const std::string film = FilmOf(photo_, saving);
     EXPECT_FALSE(film.empty());
     EXPECT_EQ(FilmOf(folder_ / "p.json"), film);
   }
+}
+
+TEST_F(Projects, AProjectThatIsThereIsReplacedWithForceAlone) {
+  const std::string project = folder_ / "p.json";
+  std::ofstream(project) << "by hand";
+  Words words{"render", photo_,           "-o",   folder_ / "f.y4m", "--frames",
+              "2",      "--save-project", project};
+  const Outcome outcome = RunKelto(words);
+  EXPECT_EQ(outcome.code, 2);
+  EXPECT_EQ(outcome.err, "kelto: " + project + ": already exists; --force overwrites it\n");
+  EXPECT_EQ(BytesOf(project), "by hand");
+  EXPECT_EQ(NamesIn(folder_), (std::vector<std::string>{"p.json", "photo.png"})) << "no film";
+  words.emplace_back("--force");
+  EXPECT_EQ(RunKelto(words).code, 0);
+  EXPECT_NE(BytesOf(project).find("\"$schema\": \"project.schema.json\""), std::string::npos)
+      << "the same text on every machine";
 }
 
 TEST_F(Projects, OptionsOverruleTheProject) {

@@ -124,6 +124,24 @@ TEST_F(Report, OnATerminalThatCannotDrawIsPlain) {
   EXPECT_EQ(SeenOfAFilm(Terminal()).find('\x1b'), std::string::npos);
 }
 
+TEST_F(Report, OnATerminalIsWhatWasMadeAtTheEnd) {
+  setenv("TERM", "xterm", 1);
+  const Terminal terminal;
+  const auto seen = [&](const Words& words) {
+    EXPECT_EQ(Command(words, "", terminal.Name()).Wait().code, 0);
+    return terminal.Seen();
+  };
+  EXPECT_THAT(seen({"render", photo_, "-o", films_ / "f.mp4", "--size", "96x64", "--frames", "30"}),
+              testing::ContainsRegex("kelto: " + (films_ / "f.mp4") +
+                                     ": 1.2 s, 96x64, [0-9.]+ kB, in [0-9.]+ s"));
+  EXPECT_THAT(
+      seen({"render", photo_, "-o", films_ / "f%d.png", "--size", "96x64", "--frames", "3"}),
+      testing::ContainsRegex("f%d.png: 3 pictures, 96x64, in [0-9.]+ s"));
+  EXPECT_THAT(seen({"slideshow", photo_, photo_, "-o", films_ / "s.yuyv", "--size", "96x64",
+                    "--each", "0.2", "--fade", "0"}),
+              testing::ContainsRegex("s.yuyv: 0.4 s, 96x64, 122.9 kB, in [0-9.]+ s"));
+}
+
 TEST_F(Report, ElsewhereShortWorkIsSilent) { EXPECT_EQ(Render(photo_, films_ / "f.mp4").err, ""); }
 
 TEST_F(Report, InJsonIsAnObjectALine) {

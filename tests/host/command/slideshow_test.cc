@@ -202,15 +202,6 @@ TEST_F(SlideshowCommand, OfOnePictureIsItsFilm) {
   EXPECT_EQ(BytesOf(films_ / "a.yuyv"), BytesOf(films_ / "b.yuyv"));
 }
 
-TEST_F(SlideshowCommand, ABadPictureIsNamedAndNoFilmLeft) {
-  std::ofstream(photos_ / "p4.jpg") << "not a picture";
-  const Outcome outcome = Show(films_ / "f.mp4", {"--each", "0.4", "--fade", "0.2"});
-  EXPECT_EQ(outcome.code, 1);
-  EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
-  EXPECT_THAT(outcome.err, HasSubstr("p4.jpg"));
-  EXPECT_THAT(NamesIn(films_), testing::IsEmpty());
-}
-
 TEST_F(SlideshowCommand, ReplacesNothingThatItIsMadeOf) {
   const std::string tone = films_ / "tone.mkv";
   std::ofstream(tone) << "dear";

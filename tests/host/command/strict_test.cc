@@ -133,7 +133,7 @@ TEST_F(Strict, SoundThatEndsBeforeTheFilmIsSaid) {
   ExpectWarning(photo_, {"--audio", sound, "--seconds", "2"},
                 sound + ": its sound ends after 0.50 of the film's 2.00 seconds");
   ExpectSilence(photo_, {"--audio", sound, "--frames", "13"});
-  ExpectSilence(photo_, {"--audio", Sound("long.wav", 3), "--seconds", "2"});
+  ExpectSilence(photo_, {"--audio", Sound("long.wav", 2.4), "--seconds", "2"});
 }
 
 TEST_F(Strict, SoundThatIsCutShortIsSaid) {

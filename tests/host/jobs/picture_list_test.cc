@@ -16,6 +16,8 @@ namespace {
 using test::TempFolder;
 using testing::ElementsAre;
 
+std::vector<std::string> Pictures(const std::string& input) { return PathsOf(PicturesOf({input})); }
+
 void Touch(const std::string& path) { std::ofstream(path) << "x"; }
 
 TEST(PictureList, OfAFolderHasTheFilesThatEndAsPicturesDoInOrder) {
@@ -24,7 +26,7 @@ TEST(PictureList, OfAFolderHasTheFilesThatEndAsPicturesDoInOrder) {
     Touch(folder / name);
   }
   std::filesystem::create_directory(folder / "d.png");
-  EXPECT_THAT(PicturesOf(folder / ""),
+  EXPECT_THAT(Pictures(folder / ""),
               ElementsAre(folder / "a.tiff", folder / "b.JPG", folder / "c.heic"));
 }
 
@@ -33,7 +35,7 @@ TEST(PictureList, OfAListHasItsLinesFromTheListsFolder) {
   std::ofstream(folder / "list.txt") << "x/1.jpg\r\n\n/else/where 2.png\nlast.tif";
   // On Windows a path may be absolute but for its drive: the list's.
   const std::string drive = std::filesystem::path(folder / "").root_name().string();
-  EXPECT_THAT(PicturesOf(folder / "list.txt"),
+  EXPECT_THAT(Pictures(folder / "list.txt"),
               ElementsAre(folder / "x/1.jpg", drive + "/else/where 2.png", folder / "last.tif"));
 }
 
@@ -41,30 +43,29 @@ TEST(PictureList, OfAListThatBeginsWithAByteOrderMarkHasItsFirstLine) {
   const TempFolder folder;
   std::ofstream(folder / "list.txt") << "\xef\xbb\xbf"
                                      << "a.jpg\n";
-  EXPECT_THAT(PicturesOf(folder / "list.txt"), ElementsAre(folder / "a.jpg"));
+  EXPECT_THAT(Pictures(folder / "list.txt"), ElementsAre(folder / "a.jpg"));
 }
 
 TEST(PictureList, WithoutPicturesIsAnError) {
   const TempFolder folder;
-  EXPECT_THROW(PicturesOf(folder / ""), Error) << "an empty folder";
-  EXPECT_THROW(PicturesOf(folder / "none"), Error) << "nothing there";
-  Touch(folder / "photo.jpg");
-  std::ofstream(folder / "photo.jpg") << std::string("\xff\xd8\0\0", 4);
-  EXPECT_THROW(PicturesOf(folder / "photo.jpg"), Error) << "a picture is no list";
+  EXPECT_THROW(Pictures(folder / ""), Error) << "an empty folder";
+  EXPECT_THROW(Pictures(folder / "none"), Error) << "nothing there";
+  std::ofstream(folder / "photo") << std::string("\xff\xd8\0\0", 4);
+  EXPECT_THROW(Pictures(folder / "photo"), Error) << "a picture is no list";
   std::ofstream(folder / "blank.txt") << "\n\n";
-  EXPECT_THROW(PicturesOf(folder / "blank.txt"), Error);
+  EXPECT_THROW(Pictures(folder / "blank.txt"), Error);
 }
 
 TEST(PictureList, WithoutEndOrThatCannotBeReadIsAnError) {
   const TempFolder folder;
   std::ofstream(folder / "long.txt") << std::string(100000, 'a') << "\n";
-  EXPECT_THAT([&] { PicturesOf(folder / "long.txt"); },
+  EXPECT_THAT([&] { Pictures(folder / "long.txt"); },
               testing::ThrowsMessage<Error>(testing::HasSubstr("is no list")));
 #if defined(__linux__)
-  EXPECT_THAT([] { PicturesOf("/dev/zero"); },
+  EXPECT_THAT([] { Pictures("/dev/zero"); },
               testing::ThrowsMessage<Error>(testing::HasSubstr("is no list")));
   // Opens, and cannot be read.
-  EXPECT_THAT([] { PicturesOf("/proc/self/mem"); },
+  EXPECT_THAT([] { Pictures("/proc/self/mem"); },
               testing::ThrowsMessage<Error>(testing::HasSubstr("cannot be read to its end")));
 #endif
 }
@@ -73,7 +74,7 @@ TEST(PictureList, OfAProjectIsAnErrorThatSaysWhatToDo) {
   const TempFolder folder;
   std::ofstream(folder / "p.JSON") << "{\n\"image\": \"a.jpg\"\n}\n";
   try {
-    PicturesOf(folder / "p.JSON");
+    Pictures(folder / "p.JSON");
     FAIL() << "read as a list";
   } catch (const Error& error) {
     EXPECT_EQ(error.what(), (folder / "p.JSON") +
@@ -82,7 +83,72 @@ TEST(PictureList, OfAProjectIsAnErrorThatSaysWhatToDo) {
   }
   std::filesystem::create_directory(folder / "folder.json");
   Touch(folder / "folder.json/a.jpg");
-  EXPECT_THAT(PicturesOf(folder / "folder.json/"), ElementsAre(folder / "folder.json/a.jpg"));
+  EXPECT_THAT(Pictures(folder / "folder.json/"), ElementsAre(folder / "folder.json/a.jpg"));
+}
+
+TEST(PictureList, OfAFolderCountsAsPeopleDo) {
+  const TempFolder folder;
+  for (const char* name : {"IMG_10.jpg", "IMG_2.jpg", "IMG_1.jpg"}) Touch(folder / name);
+  EXPECT_THAT(Pictures(folder / ""),
+              ElementsAre(folder / "IMG_1.jpg", folder / "IMG_2.jpg", folder / "IMG_10.jpg"));
+}
+
+TEST(PictureList, OfOperandsHasPhotographsProjectsFoldersAndLists) {
+  const TempFolder folder;
+  std::filesystem::create_directory(folder / "more");
+  Touch(folder / "more/x.png");
+  std::ofstream(folder / "list.txt") << "y.jpg\n";
+  std::ofstream(folder / "p.json") << "{}";
+  EXPECT_THAT(
+      PathsOf(PicturesOf({folder / "p.json", "b.JPG", folder / "more", folder / "list.txt"})),
+      ElementsAre(folder / "p.json", "b.JPG", folder / "more/x.png", folder / "y.jpg"));
+}
+
+TEST(PictureList, OfOperandsThatAShellPutInOrderCountsAsPeopleDo) {
+  EXPECT_THAT(PathsOf(PicturesOf({"f10.jpg", "f2.jpg", "d/a.jpg", "d/a10.jpg", "d/a9.jpg"})),
+              ElementsAre("f2.jpg", "f10.jpg", "d/a.jpg", "d/a9.jpg", "d/a10.jpg"));
+  EXPECT_THAT(PathsOf(PicturesOf({"f3.jpg", "f10.jpg", "f2.jpg"})),
+              ElementsAre("f3.jpg", "f10.jpg", "f2.jpg"))
+      << "somebody's own order";
+  EXPECT_THAT(PathsOf(PicturesOf({"f10.jpg", "f2.jpg"}, PictureOrder::kGiven)),
+              ElementsAre("f10.jpg", "f2.jpg"));
+}
+
+TEST(PictureList, HasCommentsAndOptionsInItsLines) {
+  const TempFolder folder;
+  std::ofstream(folder / "list.txt") << "# summer\n"
+                                     << "  a b.jpg   --move left --amount 1.2 \n"
+                                     << "\t# --move in\n"
+                                     << "c--d e.jpg\n"
+                                     << "\"#1 --x.jpg\" --to 2\n"
+                                     << "'f.jpg'\n";
+  const std::vector<ListedPicture> pictures = PicturesOf({folder / "list.txt"});
+  EXPECT_THAT(PathsOf(pictures), ElementsAre(folder / "a b.jpg", folder / "c--d e.jpg",
+                                             folder / "#1 --x.jpg", folder / "f.jpg"));
+  ASSERT_EQ(pictures.size(), 4u);
+  EXPECT_EQ(pictures[0].options, "--move left --amount 1.2");
+  EXPECT_EQ(pictures[0].place, (folder / "list.txt") + ": line 2");
+  EXPECT_EQ(pictures[1].options, "");
+  EXPECT_EQ(pictures[2].options, "--to 2");
+  EXPECT_EQ(pictures[3].options, "");
+}
+
+TEST(PictureList, WithALineThatCannotBeReadNamesTheLine) {
+  const TempFolder folder;
+  const auto fault = [&](const std::string& line) -> std::string {
+    std::ofstream(folder / "list.txt") << "a.jpg\n" << line << "\n";
+    try {
+      Pictures(folder / "list.txt");
+    } catch (const Error& error) {
+      return error.what();
+    }
+    return "";
+  };
+  const std::string place = (folder / "list.txt") + ": line 2: ";
+  EXPECT_EQ(fault("\"b.jpg"), place + "the quotation mark before the path has no other behind it");
+  EXPECT_EQ(fault("'b.jpg' c"),
+            place + "behind the path are options, such as --move left, or nothing");
+  EXPECT_EQ(fault("'' --move in"), place + "names no picture");
 }
 
 TEST(FilmNames, AreThePicturesWithAnotherEnding) {

@@ -74,11 +74,11 @@ TEST(KeyedPlan, PassesViewsOfASmoothWayThatDoesNotPauseThere) {
 
 TEST(KeyedPlan, NamesThePartThatTheEffectCannotShow) {
   try {
-    KeyedPlan(PlanOf({{View{1}}, {PhotoRect{-9e5, 0, 9e5, 100}}}), kPhoto);
+    KeyedPlan(PlanOf({{View{1}}, {PhotoRect{-9e5, 0, 2e6, 100}}}), kPhoto);
     FAIL() << "is shown";
   } catch (const Error& error) {
     EXPECT_THAT(error.what(),
-                testing::StartsWith("views[1].view: -9e+05,0,9e+05,100: takes a zoom"));
+                testing::StartsWith("views[1].view: -9e+05,0,2e+06,100: takes a zoom"));
   }
 }
 

@@ -127,7 +127,7 @@ TEST(PhotoViews, AnAreaOfAnotherShapeIsShownWhole) {
   EXPECT_NEAR(view.width, 1600, 1e-3);
 }
 
-TEST(PhotoViews, StayWithinThePhotoUnlessTheAreaDoesNot) {
+TEST(PhotoViews, AreMovedIntoThePhoto) {
   const PhotoViews views(DefaultPlan("photo.jpg"), {3000, 2000});
   // In a corner: moved inwards.
   const PhotoRect corner = views.Around({0, 1600, 400, 400});
@@ -136,9 +136,27 @@ TEST(PhotoViews, StayWithinThePhotoUnlessTheAreaDoesNot) {
   // Higher than a view of the photo's width can be: bars on both sides.
   const PhotoRect all = views.Around({0, 0, 3000, 2000});
   EXPECT_NEAR(all.x, -(all.width - 3000) / 2, 1e-6);
-  // Asked for.
-  const PhotoRect beside = views.Around({-500, 100, 400, 225});
-  EXPECT_NEAR(beside.x, -500, 1e-3);
+  for (const PhotoRect& partly : {PhotoRect{-300, 100, 400, 225}, {2900, 1900, 400, 225}}) {
+    const PhotoRect view = views.Around(partly);
+    EXPECT_GE(view.x, -1e-6);
+    EXPECT_GE(view.y, -1e-6);
+    EXPECT_LE(view.Right(), 3000 + 1e-6);
+    EXPECT_LE(view.Bottom(), 2000 + 1e-6);
+    EXPECT_NEAR(view.width, 400, 1e-3);
+  }
+}
+
+TEST(PhotoViews, OutsideThePhotoAreRefusedWithItsSize) {
+  const PhotoViews views(DefaultPlan("photo.jpg"), {3000, 2000});
+  for (const PhotoRect& part :
+       {PhotoRect{-500, 100, 400, 225}, {3000, 0, 10, 10}, {5, -9, 9, 9}, {0, 2500, 100, 100}}) {
+    try {
+      views.Around(part);
+      ADD_FAILURE() << part.x << ',' << part.y;
+    } catch (const UsageError& error) {
+      EXPECT_STREQ(error.what(), "lies outside the photo, which is 3000x2000 pixels");
+    }
+  }
 }
 
 TEST(PhotoViews, BeyondWhatTheEffectZoomsAreRefused) {

@@ -1,0 +1,169 @@
+// Shows of pictures that people have: named one by one, numbered, some of them broken.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/host/command/run.h"
+
+namespace kelto::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr Rgb kRed{200, 40, 40}, kGreen{40, 200, 40}, kBlue{40, 40, 200};
+
+class Shows : public testing::Test {
+ protected:
+  Shows() {
+    Photo("IMG_1.png", kRed);
+    Photo("IMG_2.png", kGreen);
+    Photo("IMG_10.png", kBlue);
+  }
+  void Photo(const std::string& name, Rgb colour) {
+    WritePng(photos_ / name, MakePicture(48, 32, [&](int, int) { return colour; }));
+  }
+  Outcome Show(const Words& inputs, const Words& more = {"--fade", "0"}) {
+    Words words{"slideshow"};
+    words.insert(words.end(), inputs.begin(), inputs.end());
+    words.insert(words.end(), {"-o", film_, "--size", "96x64", "--each", "0.08"});
+    words.insert(words.end(), more.begin(), more.end());
+    return RunKelto(words);
+  }
+  /// The film's frames as letters: r, g, b, or a point for a mixture.
+  std::string Seen() {
+    const std::string bytes = BytesOf(film_);
+    constexpr size_t kFrame = size_t{4} * 96 * 64;
+    std::string letters;
+    for (size_t at = kFrame / 2 + 2 * 96; at < bytes.size(); at += kFrame) {
+      const Rgb colour{uint8_t(bytes[at + 2]), uint8_t(bytes[at + 1]), uint8_t(bytes[at])};
+      letters += Distance(colour, kRed) < 6     ? 'r'
+                 : Distance(colour, kGreen) < 6 ? 'g'
+                 : Distance(colour, kBlue) < 6  ? 'b'
+                                                : '.';
+    }
+    return letters;
+  }
+  std::string List(const std::string& text) {
+    std::ofstream(photos_ / "list.txt") << text;
+    return photos_ / "list.txt";
+  }
+
+  TempFolder photos_, films_;
+  const std::string film_ = films_ / "f.bgra";
+};
+
+TEST_F(Shows, OfAFolderOrAShellsNamesCountAsPeopleDo) {
+  ASSERT_EQ(Show({photos_ / ""}).err, "");
+  EXPECT_EQ(Seen(), "rrggbb");
+  // As a shell orders *.png.
+  ASSERT_EQ(Show({photos_ / "IMG_1.png", photos_ / "IMG_10.png", photos_ / "IMG_2.png"}).err, "");
+  EXPECT_EQ(Seen(), "rrggbb");
+}
+
+TEST_F(Shows, OfNamesInAnOrderOfTheirOwnKeepIt) {
+  ASSERT_EQ(Show({photos_ / "IMG_2.png", photos_ / "IMG_1.png"}).err, "");
+  EXPECT_EQ(Seen(), "ggrr");
+  ASSERT_EQ(
+      Show({photos_ / "IMG_10.png", photos_ / "IMG_2.png"}, {"--fade", "0", "--order", "given"})
+          .err,
+      "");
+  EXPECT_EQ(Seen(), "bbgg");
+  EXPECT_EQ(Show({photos_ / ""}, {"--order", "size"}).err,
+            "kelto: --order size: choose one of natural, given\n");
+}
+
+TEST_F(Shows, LeaveOutABadPictureAndSaySo) {
+  std::ofstream(photos_ / "IMG_3.jpg") << "not a picture";
+  const Outcome outcome = Show({photos_ / ""});
+  EXPECT_EQ(outcome.code, 0);
+  EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+  EXPECT_THAT(outcome.err, HasSubstr((photos_ / "IMG_3.jpg") + ": "));
+  EXPECT_THAT(outcome.err, HasSubstr("; it is left out"));
+  EXPECT_EQ(Seen(), "rrggbb");
+}
+
+TEST_F(Shows, EndWithABadPictureWhereStrictIsAsked) {
+  std::ofstream(photos_ / "IMG_3.jpg") << "not a picture";
+  const Outcome outcome = Show({photos_ / ""}, {"--strict"});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+  EXPECT_THAT(outcome.err, HasSubstr("IMG_3.jpg: "));
+  EXPECT_THAT(NamesIn(films_), testing::IsEmpty());
+}
+
+TEST_F(Shows, OfBadPicturesAloneFail) {
+  const Outcome outcome = Show({photos_ / "none.jpg", photos_ / "nothing.png"});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_THAT(outcome.err, HasSubstr("kelto: none of the pictures can be shown\n"));
+}
+
+TEST_F(Shows, TakeOptionsOfEachPictureFromTheirList) {
+  // The second one is seen for twice as long, and fades.
+  const std::string list = List(
+      "# a comment\n"
+      "IMG_1.png\n"
+      "IMG_2.png --each 0.24 --fade 0.08\n"
+      "IMG_10.png --each 0.16\n");
+  ASSERT_EQ(Show({list}).err, "");
+  EXPECT_EQ(Seen(), "rrgggg..bb");
+}
+
+TEST_F(Shows, TakeTheViewOfALineInPlaceOfTheCommonOne) {
+  WritePng(photos_ / "half.png",
+           MakePicture(96, 64, [](int x, int) { return x < 48 ? kRed : kBlue; }));
+  const std::string list = List(
+      "half.png\n"
+      "half.png --view 0,0,36,24\n"
+      "half.png --view 60,0,36,24 --background '#102030'\n");
+  ASSERT_EQ(Show({list}, {"--fade", "0", "--from", "2@-0.2,0", "--to", "2@-0.2,0"}).err, "");
+  EXPECT_EQ(Seen(), "rrrrbb");
+}
+
+TEST_F(Shows, NameTheLineWhoseOptionsAreWrong) {
+  const auto fault = [&](const std::string& options) {
+    const Outcome outcome = Show({List("IMG_1.png\nIMG_2.png " + options + "\n")});
+    EXPECT_EQ(outcome.code, 2) << options;
+    EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+    EXPECT_THAT(outcome.err, HasSubstr("list.txt: line 2: ")) << options;
+    return outcome.err;
+  };
+  EXPECT_THAT(fault("--move sideways"), HasSubstr("--move sideways: choose one of"));
+  EXPECT_THAT(fault("--size 96x64"), HasSubstr("--size is no option of a picture"));
+  EXPECT_THAT(fault("--each 0"), HasSubstr("--each 0: "));
+  EXPECT_THAT(fault("--move"), HasSubstr("--move"));
+  EXPECT_THAT(fault("--view 0,0,9,6 --from 2"), HasSubstr("--from"));
+}
+
+TEST_F(Shows, InBatchesTakeOptionsOfEachPictureFromTheirList) {
+  const std::string list = List("IMG_1.png\nIMG_2.png --seconds 0.2 --move left\n");
+  const Words batch{"batch",    list, "-o",     films_ / "", "--size",   "96x64",
+                    "--frames", "3",  "--move", "in",        "--format", "bgra"};
+  ASSERT_EQ(RunKelto(batch).err, "");
+  constexpr size_t kFrame = size_t{4} * 96 * 64;
+  EXPECT_EQ(std::filesystem::file_size(films_ / "IMG_1.bgra"), 3 * kFrame);
+  EXPECT_EQ(std::filesystem::file_size(films_ / "IMG_2.bgra"), 5 * kFrame);
+  // A film of its own with the same options is the same, and what is made stays.
+  Words plan = batch;
+  plan.insert(plan.end(), {"--plan"});
+  const std::string tasks = RunKelto(plan).out;
+  EXPECT_THAT(tasks, HasSubstr("--seconds 0.2 --move left\n"));
+  EXPECT_THAT(tasks, HasSubstr("--frames 3 --move in\n"));
+  plan.emplace_back("--resume");
+  EXPECT_EQ(RunKelto(plan).out, "");
+  List("IMG_1.png\nIMG_2.png --seconds 0.2 --move right\n");
+  EXPECT_THAT(RunKelto(plan).err, HasSubstr("IMG_2.bgra has been made with other options"));
+}
+
+TEST_F(Shows, InBatchesTakeManyNames) {
+  ASSERT_EQ(RunKelto({"batch", photos_ / "IMG_1.png", photos_ / "IMG_2.png", "-o", films_ / "",
+                      "--size", "96x64", "--frames", "1", "--format", "bgra"})
+                .err,
+            "");
+  EXPECT_THAT(NamesIn(films_), ElementsAre(".kelto", "IMG_1.bgra", "IMG_2.bgra"));
+}
+
+}  // namespace
+}  // namespace kelto::test
