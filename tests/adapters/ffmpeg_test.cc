@@ -78,17 +78,25 @@ TEST_F(Ffmpeg, AProjectRendersTheFramesOfTheCommandInBothPlugins) {
   }
 }
 
-TEST_F(Ffmpeg, FieldsAndThePixelsShapeOfAProjectAreItsOwn) {
-  const Size size{720, 576};
+TEST_F(Ffmpeg, FieldsAndThePixelsShapeOfAProjectAreItsOwnByEveryLaw) {
+  const Size size = test::kInterlacedSize;
   for (const char* law : {"linear", "steady", "fly"}) {
     const std::string project = folder_ / (law + std::string(".json"));
-    std::ofstream(project) << R"({"image": "photo.bmp", "motion": ")" << law << R"(",
-    "film": {"width": 720, "height": 576, "frames": 4, "fields": "top", "displayAspect": "16:9"},
-    "parameters": {"size": [{"time": 0, "value": 1.2}, {"time": 1, "value": 2}],
-                   "position": [{"time": 0, "value": [-0.1, 0]}, {"time": 1, "value": [0.2, 0]}]}})";
+    test::WriteInterlacedProject(project, "photo.bmp", law);
     ExpectSameFrames(Render(Video(size) + ",frei0r=kelto_pan_zoom:" + project, size),
                      test::RenderByCommand(project, size, {}), law);
   }
+}
+
+TEST_F(Ffmpeg, ViewsGivenBesideAnInterlacedProjectGoSteadily) {
+  const Size size = test::kInterlacedSize;
+  const std::string project = folder_ / "film.json";
+  test::WriteInterlacedProject(project, "photo.bmp", "linear", "bottom");
+  ExpectSameFrames(
+      Render(Video(size) + ",frei0r=kelto_pan_zoom:" + project + "|1.2@0.1\\,0|3@-0.2\\,0.1", size),
+      test::RenderByCommand(project, size,
+                            {"--from", "1.2@0.1,0", "--to", "3@-0.2,0.1", "--motion", "steady"}),
+      "steady");
 }
 
 TEST_F(Ffmpeg, TheListOfViewsOfAProjectIsTheCommands) {

@@ -80,6 +80,37 @@ TEST_F(GStreamer, AProjectRendersTheFramesOfTheCommandInBothPlugins) {
   }
 }
 
+TEST_F(GStreamer, FieldsAndThePixelsShapeOfAProjectAreItsOwnByEveryLaw) {
+  const Size size = test::kInterlacedSize;
+  for (const char* law : {"linear", "steady", "fly"}) {
+    const std::string project = folder_ / (law + std::string(".json"));
+    test::WriteInterlacedProject(project, "photo.bmp", law);
+    const Frames command = test::RenderByCommand(project, size, {});
+    ExpectSameFrames(Launch({"videotestsrc", "num-buffers=4", "!", Caps(size), "!",
+                             "frei0r-filter-kelto-pan-zoom", "image=" + project},
+                            size),
+                     command, law + std::string(" filter"));
+    EXPECT_TRUE(outcome_.Lines().empty()) << outcome_.err;
+    ExpectSameFrames(Launch({"frei0r-src-kelto-pan-zoom-src", "image=" + project, "num-buffers=4",
+                             "!", Caps(size)},
+                            size),
+                     command, law + std::string(" source"));
+  }
+}
+
+TEST_F(GStreamer, ViewsGivenBesideAnInterlacedProjectGoSteadily) {
+  const Size size = test::kInterlacedSize;
+  const std::string project = folder_ / "film.json";
+  test::WriteInterlacedProject(project, "photo.bmp", "linear", "bottom");
+  ExpectSameFrames(
+      Launch({"frei0r-src-kelto-pan-zoom-src", "image=" + project, "from=1.2@0.1,0",
+              "to=3@-0.2,0.1", "num-buffers=4", "!", Caps(size)},
+             size),
+      test::RenderByCommand(project, size,
+                            {"--from", "1.2@0.1,0", "--to", "3@-0.2,0.1", "--motion", "steady"}),
+      "steady");
+}
+
 TEST_F(GStreamer, LookingAtAnElementOpensNoPhotographAndSaysNothing) {
   const Outcome outcome = RunProgram({"gst-inspect-1.0", "frei0r-filter-kelto-pan-zoom"});
   EXPECT_EQ(outcome.code, 0) << outcome.err;

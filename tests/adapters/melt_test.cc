@@ -36,11 +36,12 @@ class Melt : public testing::Test {
     return test::ReadFrames(out, size.width, size.height);
   }
 
-  /// A profile file of this size at 25 frames a second.
+  /// A profile file of this size at 25 fps; interlaced_ says which kind.
   std::string Profile(Size size) {
     std::string path = folder_ / ("profile-" + size.Text());
-    std::ofstream(path) << "description=test\nframe_rate_num=25\nframe_rate_den=1\nprogressive=1\n"
-                        << "sample_aspect_num=1\nsample_aspect_den=1\ncolorspace=709\nwidth="
+    std::ofstream(path) << "description=test\nframe_rate_num=25\nframe_rate_den=1\nprogressive="
+                        << (interlaced_ ? 0 : 1)
+                        << "\nsample_aspect_num=1\nsample_aspect_den=1\ncolorspace=709\nwidth="
                         << size.width << "\nheight=" << size.height
                         << "\ndisplay_aspect_num=" << size.width
                         << "\ndisplay_aspect_den=" << size.height << "\n";
@@ -63,6 +64,7 @@ class Melt : public testing::Test {
 
   test::TempFolder folder_;
   std::string photo_ = folder_ / "photo.bmp";
+  bool interlaced_ = false;
   Outcome outcome_;
 };
 
@@ -127,6 +129,36 @@ TEST_F(Melt, AProjectRendersTheFramesOfTheCommandOnManyThreads) {
                        "image=" + project, "progress=0=0;7=1"};
     ExpectSameFrames(Render(filter, size, 4), command, size.Text() + " filter");
   }
+}
+
+TEST_F(Melt, FieldsAndThePixelsShapeOfAProjectAreItsOwnByEveryLaw) {
+  const Size size = test::kInterlacedSize;
+  interlaced_ = true;
+  for (const char* law : {"linear", "steady", "fly"}) {
+    const std::string project = folder_ / (law + std::string(".json"));
+    test::WriteInterlacedProject(project, "photo.bmp", law);
+    const Frames command = test::RenderByCommand(project, size, {});
+    const Words filter{"colour:red", "out=3", "-filter", "frei0r.kelto_pan_zoom",
+                       "image=" + project};
+    ExpectSameFrames(Render(filter, size, 2), command, law + std::string(" filter"));
+    EXPECT_TRUE(outcome_.Lines().empty()) << outcome_.err;
+    const Words led{"frei0r.kelto_pan_zoom_src", "out=3", "image=" + project, "progress=0=0;3=1"};
+    ExpectSameFrames(Render(led, size, 2), command, law + std::string(" led by progress"));
+  }
+}
+
+TEST_F(Melt, ViewsGivenBesideAnInterlacedProjectGoSteadily) {
+  const Size size = test::kInterlacedSize;
+  interlaced_ = true;
+  const std::string project = folder_ / "film.json";
+  test::WriteInterlacedProject(project, "photo.bmp", "linear", "bottom");
+  ExpectSameFrames(
+      Render({"frei0r.kelto_pan_zoom_src", "out=3", "image=" + project, "from=1.2@0.1,0",
+              "to=3@-0.2,0.1"},
+             size, 2),
+      test::RenderByCommand(project, size,
+                            {"--from", "1.2@0.1,0", "--to", "3@-0.2,0.1", "--motion", "steady"}),
+      "steady");
 }
 
 TEST_F(Melt, ClipsOfAColourWithTheFilterMoveFromTheirOwnBeginnings) {

@@ -147,4 +147,14 @@ void WriteTestProject(const std::string& path, const std::string& photo, int32_t
 })";
 }
 
+void WriteInterlacedProject(const std::string& path, const std::string& photo,
+                            const std::string& law, const std::string& fields) {
+  std::ofstream(path) << R"({"image": ")" << photo << R"(", "motion": ")" << law << R"(",
+  "film": {"width": 720, "height": 576, "frames": 4, "displayAspect": "16:9", "fields": ")"
+                      << fields << R"("},
+  "parameters": {"size": [{"time": 0, "value": 1.2}, {"time": 1, "value": 2}],
+                 "position": [{"time": 0, "value": [-0.1, 0]}, {"time": 1, "value": [0.2, 0]}]}
+})";
+}
+
 }  // namespace kelto::test

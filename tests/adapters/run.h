@@ -57,4 +57,10 @@ void WriteTestPhoto(const std::string& path, int32_t width = 2400, int32_t heigh
 /// and a background: a size of 854x480, `frames` long.
 void WriteTestProject(const std::string& path, const std::string& photo, int32_t frames);
 
+inline constexpr Size kInterlacedSize{720, 576};
+/// Writes a project of `photo`, which lies beside it: four interlaced frames of kInterlacedSize
+/// with oblong pixels at 25 fps, a zoom and a pan by this law of motion, `fields` first.
+void WriteInterlacedProject(const std::string& path, const std::string& photo,
+                            const std::string& law, const std::string& fields = "top");
+
 }  // namespace kelto::test
