@@ -19,17 +19,18 @@ frames() {
 }
 for sheet in auto parts; do convert "$sheet.png" -resize 1000x -quality 80 "$guide/$sheet.jpg"; done
 convert motion.png -resize 1000x -colors 64 "$guide/motion.png"
-frames titled.mp4 'eq(n,10)+eq(n,24)+eq(n,45)' "$guide/over.jpg" 3
+frames titled.mp4 'eq(n,24)+eq(n,30)+eq(n,45)' "$guide/over.jpg" 3
 frames show.mp4 'eq(n,40)+eq(n,87)+eq(n,150)+eq(n,300)' "$guide/show.jpg" 4
-# law NAME OPTION...: seven frames of a film at even distances, side by side
+# law NAME OPTION...: six frames of a film at even distances in time, side by side
 law() {
   name=$1
   shift
-  kelto render photo.jpg -o "$name-%d.png" --size 320x180 --frames 7 --in linear --out linear --quiet "$@"
-  convert "$name"-[0-6].png -bordercolor white -border 2 +append "$name-row.png"
+  kelto render photo.jpg -o "$name-%d.png" --size 320x180 --frames 6 --in linear --out linear --quiet "$@"
+  convert "$name"-[0-5].png -bordercolor white -border 2 +append "$name-row.png"
 }
-law linear --from 1 --to 8@0.35,0.2 --motion linear
-law steady --from 1 --to 8@0.35,0.2 --motion steady
-law fly --from 6@-0.3,0.1 --to 6@0.35,-0.15 --motion fly
+# To the white rock in the grass, which shows whether the view keeps it; on to the snow on the right.
+law linear --from 1 --to 12@0,0.22 --motion linear
+law steady --from 1 --to 12@0,0.22 --motion steady
+law fly --from 12@0,0.22 --to 6@0.36,-0.1 --motion fly
 convert linear-row.png steady-row.png fly-row.png -append -resize 1400x -quality 85 "$guide/laws.jpg"
 ls -l "$guide"
