@@ -1,4 +1,9 @@
-"""usage: motion.py KELTO PHOTO: what the laws of motion cost a frame."""
+"""usage: motion.py KELTO PHOTO: what the laws of motion cost per frame.
+
+A law should cost within 2 % of linear, and a frame of a long film what one of a short film does.
+Ratios are of runs of the same round, which follow one another: their median, and in brackets the
+quartiles, whose distance says how calm the machine was.
+"""
 import resource
 import statistics
 import subprocess
@@ -6,6 +11,8 @@ import sys
 
 ROUNDS = 9
 FRAMES = 250
+LAWS = ("linear", "steady", "fly")
+SHORT, LONG = 1000, 100000
 # A pan at one zoom is the same film by every law.
 WAY = ["--from", "1.5@-0.1,0", "--to", "1.5@0.1,0", "--in", "linear", "--out", "linear"]
 
@@ -23,17 +30,25 @@ def processor_seconds(words):
     return after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
 
 
+def ratio(times, others):
+    low, middle, high = statistics.quantiles([a / b for a, b in zip(times, others)])
+    return f"{middle:.3f} ({low:.3f} to {high:.3f})"
+
+
 def main(kelto, photo):
-    rows = [(law, length) for length in (1000, 100000) for law in ("linear", "steady", "fly")]
-    times = {row: [] for row in rows}
-    for _ in range(ROUNDS):
-        for row in rows:
-            times[row].append(processor_seconds(command(kelto, photo, *row)))
-    base = statistics.median(times[rows[0]])
-    print("| law | frames of the film | ms a frame | of linear's |\n|---|---:|---:|---:|")
-    for law, length in rows:
-        took = statistics.median(times[(law, length)])
-        print(f"| {law} | {length} | {1000 * took / FRAMES:.3f} | {took / base:.3f} |")
+    runs = [(law, length) for length in (SHORT, LONG) for law in LAWS]
+    times = {run: [] for run in runs}
+    for round_ in range(ROUNDS):
+        # There and back, so that a machine that slows down favours none.
+        for run in runs if round_ % 2 == 0 else reversed(runs):
+            times[run].append(processor_seconds(command(kelto, photo, *run)))
+    print(f"| law | frames of the film | ms per frame | linear of that length = 1 | {SHORT} frames = 1 |")
+    print("|---|---:|---:|---:|---:|")
+    for law, length in runs:
+        took = times[(law, length)]
+        print(f"| {law} | {length} | {1000 * statistics.median(took) / FRAMES:.3f} "
+              f"| {'1' if law == 'linear' else ratio(took, times[('linear', length)])} "
+              f"| {'1' if length == SHORT else ratio(took, times[(law, SHORT)])} |")
 
 
 if __name__ == "__main__":
