@@ -31,8 +31,8 @@ constexpr int kFailed = 1;
 constexpr int kMisused = 2;
 
 constexpr const char* kExitCodes =
-    "Exit codes: 0 done, 1 failed, 2 the command line asks for what cannot be.\n"
-    "A film gets its name when it is whole; before, and after a failure, nothing has that name.";
+    "Exit codes: 0 done, 1 failed, 2 invalid command line.\n"
+    "Output appears only when complete; a failure leaves no partial file.";
 
 BOOL KELTO_WINAPI NoFile(OPENFILENAMEA*) { return 0; }
 

@@ -8,7 +8,7 @@ namespace {
 
 /// Of the wider window; below it there is no pan.
 constexpr double kNoPan = 1e-9;
-/// The flattest way that is told from a straight one.
+/// The flattest path that is distinguished from a straight one.
 constexpr double kLeastRho = 0.05;
 /// What rounding may add to a width of 1.
 constexpr double kRounding = 1e-9;

@@ -24,7 +24,7 @@ class KELTO_PLATFORM_API FrameClock {
   /// The frame, from 0, that a call at `time` shows in a stream of `rate` frames a second (29.97
   /// and its like stand for the exact 1000/1001 rates).
   ///
-  /// A time is believed when it is a whole number of frames, in seconds or in milliseconds. A small
+  /// A time is believed when it is that of a frame, in seconds or in milliseconds. A small
   /// step from call to call proves seconds; large ones mean milliseconds, or a host of seconds that
   /// jumped, of which at most one frame comes out wrong. After the first time that is whole in
   /// neither, whether garbage or because the stream has another rate, the instance counts for good.

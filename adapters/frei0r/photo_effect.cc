@@ -24,7 +24,7 @@ namespace kelto::frei0r {
 namespace {
 
 constexpr uint16_t kFirstModel = 1;
-/// Width and height of the frame that tells whether there is a picture.
+/// Width and height of the frame that shows whether there is a picture.
 constexpr int32_t kProbeSize = 16;
 /// The effect draws by nearest neighbour at this quality and below, and by this filter.
 constexpr double kFastQuality = 0.5;

@@ -41,7 +41,7 @@ struct FrameRequest {
 class PhotoEffect {
  public:
   /// The effect of this photograph and these levels (an entry of the effect's list), made and
-  /// loaded when nobody has it yet. Never null: what cannot be shown is told by Render.
+  /// loaded when nobody has it yet. Never null: what cannot be shown is reported by Render.
   static std::shared_ptr<PhotoEffect> Share(const std::string& photo, const std::string& levels);
 
   PhotoEffect(const PhotoEffect&) = delete;

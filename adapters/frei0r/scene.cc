@@ -84,7 +84,7 @@ int PhotoPlace(const Values& values) {
   return kImage;
 }
 
-/// The plan of a project; null, told on the console, when there is none to be had.
+/// The plan of a project; null, with a line on the console, when it cannot be read.
 std::shared_ptr<const host::RenderPlan> ProjectAt(const std::string& path, const char* parameter) {
   try {
     return std::make_shared<const host::RenderPlan>(host::ReadProject(path));

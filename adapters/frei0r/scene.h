@@ -36,9 +36,9 @@ struct Moment {
   int32_t frame = 0, frames = 1;
 };
 
-/// Reads the parameters. A text that makes no sense leaves its default in force and is told on the
-/// console. Where a project file is named instead of a photograph, parameters that are not as they
-/// were at first overrule it; of `last`, an earlier scene, a project that was read already is
+/// Reads the parameters. A text that makes no sense leaves its default in force and is reported on
+/// the console. Where a project file is named instead of a photograph, parameters that are not as
+/// they were at first overrule it; of `last`, an earlier scene, a project that was read already is
 /// taken.
 Scene SceneOf(const Values& values, Role role, const Scene& last);
 

@@ -73,7 +73,7 @@ class Batch {
                        ": a batch makes a film of each picture; render numbered pictures one film "
                        "at a time");
     }
-    // What is wrong with the options is told once, not of every picture.
+    // What is wrong with the options is reported once, not for every picture.
     CheckOptions();
     CollectItems();
   }

@@ -52,8 +52,7 @@ std::string CodecHelp() {
 int32_t ParseJobs(const std::string& text) {
   const auto jobs = ParseWhole(text);
   if (!jobs || *jobs < 1 || *jobs > kMaxJobs) {
-    throw UsageError("the number of processes is a whole number from 1 to " +
-                     std::to_string(kMaxJobs));
+    throw UsageError("the number of processes is an integer from 1 to " + std::to_string(kMaxJobs));
   }
 #if defined(_WIN32)
   if (*jobs > 1) throw UsageError("on this system one process does all the work");

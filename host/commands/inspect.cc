@@ -79,9 +79,10 @@ CLI::App* AddInspect(CLI::App& app) {
   json->excludes(csv)->excludes(table);
   csv->excludes(table);
   command
-      ->add_option("--quality", options->quality,
-                   "What the effect is told in renders: 1 for all of it, 0.5 and less for its "
-                   "fastest filter [1]")
+      ->add_option(
+          "--quality", options->quality,
+          "Quality that the film is rendered in: 1, or 0.5 and less for the fastest filter "
+          "[1]")
       ->group(kList)
       ->type_name("Q");
 #if defined(KELTO_CAIRO)

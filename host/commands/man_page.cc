@@ -52,12 +52,12 @@ constexpr const char* kBegin =
     "\\fBkelto\\fR \\fIcommand\\fR [options]\n"
     ".SH DESCRIPTION\n"
     "\\fBkelto\\fR turns photographs into films with a moving view.\n"
-    "A film gets its name when it is whole; before, and after a failure, nothing has that name.\n"
+    "Output appears only when complete; a failure leaves no partial file.\n"
     ".SH OPTIONS\n";
 
 constexpr const char* kEnd =
     ".SH EXIT STATUS\n"
-    "0 done, 1 failed, 2 the command line asks for what cannot be.\n"
+    "0 done, 1 failed, 2 invalid command line.\n"
     "A command that is interrupted clears up and dies of the signal.\n"
     ".SH ENVIRONMENT\n"
     ".TP\n"

@@ -7,7 +7,7 @@
 
 namespace kelto::host {
 
-/// What `parse` makes of an option's text; its complaint is told with the option in front.
+/// What `parse` makes of an option's text; its error gets the option in front.
 template <typename Parse>
 auto ReadOption(const std::string& option, const std::string& text, Parse parse) {
   constexpr size_t kMaxMessage = 300;

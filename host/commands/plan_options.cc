@@ -36,7 +36,7 @@ FieldOrder ParseFields(const std::string& text) {
 int32_t ParsePlayMode(const std::string& text) {
   const auto mode = ParseWhole(text);
   if (!mode || *mode < 0 || *mode > 255) {
-    throw UsageError("a play mode is a whole number from 0 to 255, such as 0 or 1");
+    throw UsageError("a play mode is an integer from 0 to 255, such as 0 or 1");
   }
   return static_cast<int32_t>(*mode);
 }

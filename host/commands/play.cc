@@ -36,7 +36,7 @@ void Run(const PlayOptions& options) {
 
 CLI::App* AddPlay(CLI::App& app) {
   CLI::App* command = app.add_subcommand(
-      "play", "Play a film in a window, in real time; h in the window tells the keys");
+      "play", "Play a film in a window, in real time; h in the window lists the keys");
   const auto options = std::make_shared<PlayOptions>();
   command->add_option("INPUT", options->input, "The photograph or project")
       ->required()

@@ -91,14 +91,14 @@ void CheckFiles(const RenderOptions& options, const FilmJob& job) {
                   {options.photo, options.project, plan.photo, plan.over, plan.audio});
 }
 
-/// Whether `complaint` begins with an option that the command line does not have.
-bool IsOfOptionNotGiven(const std::string& complaint, const CLI::App& command) {
+/// Whether `diagnostic` begins with an option that the command line does not have.
+bool IsOfOptionNotGiven(const std::string& diagnostic, const CLI::App& command) {
   const CLI::Option* option =
-      command.get_option_no_throw(complaint.substr(0, complaint.find_first_of(" :")));
+      command.get_option_no_throw(diagnostic.substr(0, diagnostic.find_first_of(" :")));
   return option != nullptr && option->count() == 0;
 }
 
-/// Checks the job; what a project says is told by the project's name.
+/// Checks the job; what is wrong with a project's values is reported by the project's name.
 void CheckJobOf(const RenderOptions& options, FilmJob& job, const CLI::App& command) {
   try {
     CheckJob(job);

@@ -27,8 +27,8 @@ constexpr const char* kMixed = "mixed";
 /// Of moves that nobody asked for by name: five seconds of it are calm.
 constexpr double kGentleAmount = 1.25;
 
-/// Tells of a part that is shown with more around it than the frame's shape asks for.
-void TellIfWidened(const std::string& name, const PhotoRect& part, const PhotoRect& shown) {
+/// Reports a part that is shown with more around it than the frame's shape asks for.
+void ReportIfWidened(const std::string& name, const PhotoRect& part, const PhotoRect& shown) {
   constexpr double kRounding = 1e-9;
   const double asked = std::max(part.width, part.height * shown.width / shown.height);
   if (shown.width <= asked * (1 + kRounding)) return;
@@ -58,7 +58,7 @@ class ViewReader {
     const auto* part = std::get_if<PhotoRect>(&given);
     if (part == nullptr) return std::get<View>(given);
     const View view = Views().ViewOf(given);
-    if (tell) TellIfWidened(name + " " + TextOf(given), *part, Views().Around(*part));
+    if (tell) ReportIfWidened(name + " " + TextOf(given), *part, Views().Around(*part));
     return view;
   }
 

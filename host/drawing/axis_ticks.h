@@ -9,7 +9,7 @@ namespace kelto::host {
 struct Ticks {
   double least = 0.0, most = 1.0;  ///< ends of the axis
   std::vector<double> at;          ///< round numbers within them
-  int decimals = 0;                ///< that tell the numbers apart
+  int decimals = 0;                ///< with which no two numbers look the same
 };
 
 /// An axis of about `count` numbers for values from `least` to `most`, a little longer than they

@@ -57,7 +57,7 @@ class Drawing {
   /// around an ellipsis.
   std::string Shortened(const std::string& text, double width, double size, bool bold = false);
   /// Scales a frame of PixelLayout::kBGRA into the box; its alpha is left out. An SVG file keeps no
-  /// more of its pixels than can be told apart in the box, looked at closely.
+  /// more of its pixels than can be distinguished in the box, looked at closely.
   void Picture(const FrameView& frame, const Box& box);
   /// Until the end of the scope of the result, nothing is drawn outside the box.
   class Clip {

@@ -25,7 +25,7 @@ constexpr int32_t kMaxPoints = 2000;
 
 constexpr Ink kPaper{1.0, 1.0, 1.0}, kText{0.13, 0.13, 0.15}, kFaint{0.45, 0.46, 0.5};
 constexpr Ink kGrid{0.9, 0.9, 0.92}, kBorder{0.7, 0.7, 0.74}, kKeyLine{0.55, 0.55, 0.62};
-// Told apart by people who confuse red and green, and in grey.
+// Distinct for people who confuse red and green, and in grey.
 constexpr Ink kBlue{0.0, 0.38, 0.68}, kOrange{0.85, 0.42, 0.0}, kGrey{0.3, 0.3, 0.33};
 
 /// What an axis spans at least: less is rounding, and would look like a move.
@@ -78,7 +78,7 @@ std::vector<Panel> PanelsOf(const Samples& samples) {
        {{"x, to the right", kBlue, each([](const FrameFacts& f) { return f.view.centreX; })},
         {"y, down", kOrange, each([](const FrameFacts& f) { return f.view.centreY; })}}},
       {"Zoom (times)", {{"zoom", kBlue, each([](const FrameFacts& f) { return f.view.zoom; })}}},
-      {"Speed (a second)",
+      {"Speed (per second)",
        {{"perceived", kGrey, each([](const FrameFacts& f) { return f.speed.perceived; })},
         {"pan, in frame widths", kBlue, each([](const FrameFacts& f) { return f.speed.pan; })},
         {"zoom, in doublings", kOrange, each([](const FrameFacts& f) { return f.speed.zoom; })}}}};
@@ -209,8 +209,7 @@ void Plot::DrawKeyNumbers() {
 std::string FactsLine(const RenderPlan& plan, const Photo& photo) {
   return std::to_string(photo.width) + "x" + std::to_string(photo.height) + " photo, " +
          ToString(plan.format.size) + " frames, " + std::to_string(plan.frames) + " of them at " +
-         TickText(plan.format.rate.PerSecond(), plan.format.rate.denominator == 1 ? 0 : 3) +
-         " a second";
+         TickText(plan.format.rate.PerSecond(), plan.format.rate.denominator == 1 ? 0 : 3) + " fps";
 }
 
 }  // namespace

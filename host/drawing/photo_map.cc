@@ -18,7 +18,7 @@ constexpr double kMostBeside = 1.25;
 constexpr Ink kDark{0.0, 0.0, 0.0, 0.75}, kBright{1.0, 1.0, 1.0};
 constexpr Ink kPathInk{1.0, 0.82, 0.1};
 constexpr double kNumberSize = 15.0;
-/// Tells the keys apart on light and dark photos alike.
+/// Sets the keys off on light and dark photos alike.
 constexpr Ink kMarkInks[] = {
     {0.35, 0.75, 1.0}, {1.0, 0.6, 0.2}, {0.45, 0.9, 0.5}, {1.0, 0.5, 0.75}, {0.95, 0.9, 0.35}};
 

@@ -124,7 +124,7 @@ std::string StoryboardFacts(const RenderPlan& plan, const Photo& photo) {
   return std::to_string(photo.width) + "x" + std::to_string(photo.height) + " photo, film of " +
          TickText(plan.frames / rate, 2) + " seconds, " + ToString(format.size) + ", " +
          std::to_string(plan.frames) + (plan.frames == 1 ? " frame" : " frames") + " at " +
-         TickText(rate, format.rate.denominator == 1 ? 0 : 3) + " a second";
+         TickText(rate, format.rate.denominator == 1 ? 0 : 3) + " fps";
 }
 
 std::vector<int32_t> StripFrames(int32_t count, int32_t total) {

@@ -1,4 +1,4 @@
-// A sheet that tells a film at a glance: the photo with the path of the view, and frames.
+// A sheet that shows a film at a glance: the photo with the path of the view, and frames.
 #pragma once
 
 #include <cstdint>

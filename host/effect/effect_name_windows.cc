@@ -52,7 +52,7 @@ bool IsPlain(const std::wstring& name) {
 std::optional<std::string> InCodePage(const std::wstring& name) {
   CPINFO page = {};
   if (!IsPlain(name) && (!GetCPInfo(CP_ACP, &page) || page.MaxCharSize > 1)) return std::nullopt;
-  // One byte more than the effect takes tells that there are too many.
+  // One byte more than the effect accepts shows that there are too many.
   char bytes[kEffectPathBytes + 1];
   BOOL replaced = FALSE;
   const int size =

@@ -1,7 +1,7 @@
 // The photograph, looked at before the effect gets it.
 //
-// The effect renders nothing but background when it cannot load its picture, and tells nobody. So
-// the command opens the file itself first, which costs no decoding, and learns from the session
+// The effect renders nothing but background when it cannot load its picture, and reports nothing.
+// So the command opens the file itself first, which costs no decoding, and learns from the session
 // whether the effect got a picture; only when it did not is the photo decoded here, to say why.
 #pragma once
 

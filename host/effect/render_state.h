@@ -1,4 +1,4 @@
-// What the effect is told before it renders a frame.
+// What the effect needs to know before it renders a frame.
 #pragma once
 
 #include <cstdint>

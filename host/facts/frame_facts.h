@@ -26,10 +26,10 @@ struct FrameFacts {
   std::string filter;  ///< in force: entry of the list "filter"
 };
 
-/// Tells the facts of a plan's frames.
+/// The facts of a plan's frames.
 class FrameInspector {
  public:
-  /// `photo` is the plan's, opened; `quality` is what the effect is to be told in renders.
+  /// `photo` is the plan's, opened; `quality` is that of renders.
   FrameInspector(const std::string& modulePath, const RenderPlan& plan, const Photo& photo,
                  double quality = 1.0);
 

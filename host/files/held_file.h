@@ -7,7 +7,7 @@
 
 namespace kelto::host {
 
-/// Which file a name leads to, and its content as far as the file system tells: it changes with
+/// Which file a name leads to, and its content as far as the file system knows: it changes with
 /// every write.
 struct FileState {
   uint64_t device = 0, inode = 0;  ///< what Windows calls volume serial number and file index

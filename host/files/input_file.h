@@ -6,7 +6,7 @@
 
 namespace kelto::host {
 
-/// Whether there is a file of that name; false, too, where that cannot be told.
+/// Whether there is a file of that name; false, too, where that is unknown.
 bool IsFile(const std::filesystem::path& path);
 /// The same of a path that is a text.
 bool IsFile(const std::string& path);

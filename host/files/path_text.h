@@ -29,7 +29,7 @@ std::filesystem::path ForCalls(const std::filesystem::path& path);
 /// The last part of the path that `text` is, as a text: "b.jpg" of "a/b.jpg".
 std::string NameOf(const std::string& text);
 
-/// The path in full, without "." and "name/.." in it; as it was when the system cannot tell.
+/// The path in full, without "." and "name/.." in it; unchanged when the system cannot say.
 std::string AbsoluteText(const std::string& text);
 
 /// Opens a file like std::fopen, and sets errno like it.

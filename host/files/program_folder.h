@@ -6,7 +6,7 @@
 
 namespace kelto::host {
 
-/// The running program's file; empty when the system does not tell.
+/// The running program's file; empty when the system does not report it.
 std::filesystem::path ProgramFile();
 /// The folder that it is in; empty, too, then.
 std::filesystem::path ProgramFolder();

@@ -244,7 +244,7 @@ void WorkFile::Finish(FolderSync sync) {
   }
   place_->part.clear();
   place_->unfinished.reset();
-  // Only now: until it has its name, its lock tells other runs that it is not abandoned.
+  // Only now: until it has its name, its lock shows other runs that it is not abandoned.
   if (!place_->file.Close()) Fail("cannot be written", errno);
   if (sync == FolderSync::kNow && !Sync(folder)) Fail("cannot be kept on the disk", errno);
 }

@@ -1,4 +1,4 @@
-// A file that is written beside the one asked for and takes its name when it is whole.
+// A file that is written beside the one asked for and takes its name when it is complete.
 #pragma once
 
 #include <cstddef>
@@ -60,7 +60,7 @@ class WorkFile {
 /// Has the system write the entries of the folder that `name` lies in to the disk. Throws Error.
 void SyncFolderOf(const std::string& name);
 
-/// Makes `folder` and those above it, on the disk too. One that is there already is fine. Throws
+/// Makes `folder` and those above it, on the disk too. One that exists is fine. Throws
 /// Error.
 void MakeFolders(const std::string& folder);
 

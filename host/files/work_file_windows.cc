@@ -98,7 +98,7 @@ void MakeFolders(const std::string& folder) {
 void RemoveAbandonedParts(const fs::path& folder) {
   std::error_code ignored;
   for (const fs::path& entry : EntriesOf(folder, ignored)) {
-    // Who has a file of another machine open in a shared folder, the server tells.
+    // The server knows who has a file of another machine open in a shared folder.
     if (IsPartName(TextOf(entry.filename()))) RemoveFile(entry);
   }
 }

@@ -153,7 +153,7 @@ bool SequenceHasAny(const FramePattern& pattern, const FilmRequest& request,
     if (!error) files.emplace(size, path);
   }
   if (files.empty()) return false;
-  // The folder tells which of millions of pictures are there.
+  // The folder lists which of millions of pictures are there.
   std::error_code error;
   fs::directory_iterator entry(PathOf(pattern.Folder()), error);
   for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {

@@ -12,7 +12,7 @@ std::string LibavText(int code) {
 
 void SilenceLibav() {
   av_log_set_level(AV_LOG_QUIET);
-  // SVT-AV1 prints past FFmpeg; only its environment tells it to print errors alone.
+  // SVT-AV1 prints past FFmpeg; only its environment can limit it to errors.
   setenv("SVT_LOG", "1", 0);
 }
 

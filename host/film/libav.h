@@ -44,7 +44,7 @@ int NumberIn(const Enumeration& field) {
 /// A library's error code in words.
 std::string LibavText(int code);
 
-/// Keeps the libraries from printing: failures are told once, by exceptions.
+/// Keeps the libraries from printing: failures are reported once, by exceptions.
 void SilenceLibav();
 
 }  // namespace kelto::host

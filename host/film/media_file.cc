@@ -78,7 +78,7 @@ void CheckPictures(const AVCodecParameters& pictures, const std::string& path) {
 void CheckSamples(const AVCodecParameters& sound, const std::string& path) {
   if (sound.sample_rate < kMinSoundRate || sound.sample_rate > kMaxSoundRate) {
     throw Error(path + ": its sound has " + std::to_string(sound.sample_rate) +
-                " samples a second; the limits are " + std::to_string(kMinSoundRate) + " and " +
+                " samples per second; the limits are " + std::to_string(kMinSoundRate) + " and " +
                 std::to_string(kMaxSoundRate));
   }
   if (sound.ch_layout.nb_channels > kMaxSoundChannels) {

@@ -34,7 +34,7 @@ class PictureSequence : public FrameSink {
         pipe_(request.output == kStandardOutput),
         pattern_(request.output),
         number_(request.firstNumber) {
-    // Tells of a folder that cannot be written before the first frame is rendered.
+    // Reports a folder that cannot be written to before the first frame is rendered.
     next_ = std::make_unique<OutputFile>(PathOf(number_));
   }
 

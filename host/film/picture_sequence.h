@@ -8,7 +8,7 @@
 namespace kelto::host {
 
 /// 8-bit RGB pictures marked as sRGB, with the shape of their pixels when those are not square.
-/// Each one gets its name when it is whole, so a film that fails leaves the pictures before the
+/// Each one appears only when complete, so a film that fails leaves the pictures before the
 /// failure. On the standard output they follow one another.
 std::unique_ptr<FrameSink> OpenPngSequence(const FilmRequest& request);
 #if !defined(_WIN32)

@@ -8,7 +8,7 @@
 
 namespace kelto::host {
 
-/// The PNG file with a pHYs chunk that tells the shape of its pixels; as it was when they are
+/// The PNG file with a pHYs chunk that gives the shape of its pixels; as it was when they are
 /// square. The encoders behind png_file.h know no such chunk.
 std::vector<uint8_t> WithPixelShape(std::vector<uint8_t> png, SampleAspect aspect);
 

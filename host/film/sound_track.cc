@@ -37,7 +37,7 @@ class Track : public SoundTrack {
     const AVCodecParameters& sound = *stream_.codecpar;
     mayStartEarly_ = request.editList;
     if (sound.codec_id == AV_CODEC_ID_OPUS && IsMatroska(request.kind)) {
-      // Matroska tells beside the stream how much of Opus is not heard; its times count that too.
+      // Matroska notes beside the stream how much of Opus is not heard; its times count that too.
       mayStartEarly_ = true;
       delay_ = av_rescale_q(sound.initial_padding, {1, sound.sample_rate}, timeBase_);
     }

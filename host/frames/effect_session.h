@@ -31,7 +31,7 @@ class EffectSession {
   void SetAbortQuery(std::function<bool()> query);
 
   /// Renders frame `number`, 0-based; both its fields when the film is interlaced. `quality` is
-  /// what the effect is told: 1 for all of it, 0.5 for a preview in a hurry. The view holds until
+  /// the quality of renders: 1 for all of it, 0.5 for a preview in a hurry. The view holds until
   /// the next call.
   FrameView Render(int32_t number, double quality = 1.0);
 

@@ -44,7 +44,7 @@ void CheckFilm(const FilmKind& kind, const FilmRequest& request,
 void CheckJob(FilmJob& job);
 
 /// Makes the film of a job that CheckJob let pass; the same bytes for any number of workers.
-/// `shown` is told how many frames are done. Throws Error.
+/// `shown` is called with the number of frames done. Throws Error.
 void MakeFilm(const FilmJob& job, const std::function<void(int32_t done)>& shown);
 
 }  // namespace kelto::host

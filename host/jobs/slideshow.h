@@ -28,8 +28,8 @@ struct Slideshow {
 /// Length of the film: neighbours overlap while they fade. Throws UsageError for one too long.
 int32_t SlideshowFrames(const Slideshow& show);
 
-/// Makes the film; `shown` is told how many frames are done. Two pictures are in memory at a time,
-/// however many there are. Throws Error.
+/// Makes the film; `shown` is called with the number of frames done. Two pictures are in memory at
+/// a time, however many there are. Throws Error.
 void MakeSlideshow(const Slideshow& show, const std::function<void(int32_t done)>& shown);
 
 }  // namespace kelto::host

@@ -11,7 +11,7 @@ struct Library {
   std::string version;
 };
 
-/// Versions as the libraries tell them at run time; where one does not, that of its headers.
+/// Versions as the libraries report them at run time; where one does not, that of its headers.
 std::vector<Library> Libraries();
 
 /// The instruction set that a module of this build draws with here: the choice that it makes.

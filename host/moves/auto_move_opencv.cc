@@ -13,7 +13,7 @@ namespace {
 constexpr double kMapSide = 64.0;
 constexpr double kBlur = 2.5;
 
-/// How far each place of one channel is out of the ordinary.
+/// How eye-catching each place of one channel is.
 cv::Mat SpectralResidual(const cv::Mat& channel) {
   cv::Mat spectrum, parts[2], magnitude, angle, ordinary;
   cv::dft(channel, spectrum, cv::DFT_COMPLEX_OUTPUT);
@@ -42,7 +42,7 @@ cv::Mat Interest(const PhotoPixels& pixels) {
   cv::resize(whole, small, size, 0, 0, cv::INTER_AREA);
   cv::cvtColor(small, colours, cv::COLOR_BGRA2BGR);
   colours.convertTo(colours, CV_32F, 1 / 255.0);
-  // Lightness and two axes of colour, apart about as far as the eye tells them apart.
+  // Lightness and two axes of colour, apart about as far as the eye distinguishes them.
   cv::cvtColor(colours, lab, cv::COLOR_BGR2Lab);
   std::vector<cv::Mat> channels;
   cv::split(lab, channels);

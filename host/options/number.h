@@ -11,7 +11,7 @@ namespace kelto::host {
 /// A finite decimal number that takes up the whole text, such as "2", "-0.25" or "1e3".
 std::optional<double> ParseNumber(std::string_view text);
 
-/// A whole number that takes up the whole text.
+/// An integer that takes up the whole text.
 std::optional<int64_t> ParseWhole(std::string_view text);
 
 /// The shortest text that ParseNumber reads as the same finite number.

@@ -20,7 +20,7 @@ UsageError BadRate() {
 }
 
 UsageError BadFrames() {
-  return UsageError("a number of frames is a whole number from 1 to " + std::to_string(kMaxFrames));
+  return UsageError("a number of frames is an integer from 1 to " + std::to_string(kMaxFrames));
 }
 
 FrameRate Reduced(int64_t numerator, int64_t denominator) {
@@ -42,7 +42,7 @@ FrameRate ParseDecimal(std::string_view text, size_t point) {
   }
   const double unit = std::pow(10.0, static_cast<double>(fraction.size()));
   if (fraction.size() >= 2) {
-    // Rates of 1000/1001 times a whole number are written cut to two or three decimals.
+    // Rates of 1000/1001 times an integer are written cut to two or three decimals.
     for (const int64_t whole : {15, 24, 30, 48, 60, 120, 240}) {
       if (std::abs(*value - whole * 1000.0 / 1001.0) <= 0.5 / unit) {
         return Reduced(whole * 1000, 1001);

@@ -7,7 +7,7 @@
 
 namespace kelto::host {
 
-/// Longest film in frames: more than four days at 25 a second.
+/// Longest film in frames: more than four days at 25 fps.
 constexpr int32_t kMaxFrames = 10'000'000;
 
 /// Reads "25", "12.5", "30000/1001" or the customary short forms of the 1000/1001 rates: "29.97",

@@ -25,7 +25,7 @@ class QualityControl {
   /// `frameSeconds` is a frame's time.
   explicit QualityControl(double frameSeconds) : frameSeconds_(frameSeconds) {}
 
-  /// What to tell the effect while playing: kFull or kHalf.
+  /// The quality to play in: kFull or kHalf.
   double Quality() const { return half_ ? kHalf : kFull; }
   /// A frame was drawn at Quality() in `seconds` and ready at `now`, by the caller's clock.
   void Drawn(double seconds, double now);

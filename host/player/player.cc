@@ -67,15 +67,15 @@ class Player {
       if (InterruptSignal() != 0) throw Error("interrupted");
       Draw();
       double wait = clock_.Playing() ? clock_.NextDue(Now()) - Now() : kPatience;
-      while (const auto wish = window_.Next(std::min(wait, kPatience))) {
-        Grant(*wish);
+      while (const auto command = window_.Next(std::min(wait, kPatience))) {
+        Execute(*command);
         wait = 0.0;
       }
     }
   }
 
  private:
-  void Grant(const Wish& wish);
+  void Execute(const PlayerCommand& command);
   /// Renders the frame due, unless the window shows it already, and shows it with the bar.
   void Draw();
   void Render(int32_t frame, double quality);
@@ -101,14 +101,14 @@ class Player {
   std::deque<double> shownAt_;  ///< the last second's frames
 };
 
-void Player::Grant(const Wish& wish) {
+void Player::Execute(const PlayerCommand& command) {
   const double now = Now();
   redraw_ = true;
-  switch (wish.kind) {
-    case Wish::kQuit:
+  switch (command.kind) {
+    case PlayerCommand::kQuit:
       quit_ = true;
       break;
-    case Wish::kPause:
+    case PlayerCommand::kPause:
       if (clock_.Playing()) {
         clock_.Pause(now);
       } else {
@@ -116,30 +116,30 @@ void Player::Grant(const Wish& wish) {
       }
       sought_ = true;
       break;
-    case Wish::kStep:
-      clock_.Step(static_cast<int64_t>(wish.amount), now);
+    case PlayerCommand::kStep:
+      clock_.Step(static_cast<int64_t>(command.amount), now);
       break;
-    case Wish::kSeconds:
-      clock_.Seek(clock_.FrameAt(now) + std::llround(wish.amount * plan_.format.rate.PerSecond()),
-                  now);
+    case PlayerCommand::kSeconds:
+      clock_.Seek(
+          clock_.FrameAt(now) + std::llround(command.amount * plan_.format.rate.PerSecond()), now);
       sought_ = true;
       break;
-    case Wish::kFirst:
+    case PlayerCommand::kFirst:
       clock_.Seek(0, now);
       sought_ = true;
       break;
-    case Wish::kLast:
+    case PlayerCommand::kLast:
       clock_.Seek(plan_.frames - 1, now);
       sought_ = true;
       break;
-    case Wish::kBar: {
+    case PlayerCommand::kBar: {
       const double fraction =
-          StatusBar::FractionAt(static_cast<int32_t>(wish.amount), window_.BarWidth());
+          StatusBar::FractionAt(static_cast<int32_t>(command.amount), window_.BarWidth());
       clock_.Seek(std::llround(fraction * (plan_.frames - 1)), now);
       sought_ = true;
       break;
     }
-    case Wish::kDisplay:
+    case PlayerCommand::kDisplay:
       target_ = !target_;
       session_.Change({key::kDisplay,
                        std::string(target_ ? entry::kDisplayTarget : entry::kDisplaySource),
@@ -147,13 +147,13 @@ void Player::Grant(const Wish& wish) {
                        -1});
       rerender_ = true;
       break;
-    case Wish::kHelp:
+    case PlayerCommand::kHelp:
       help_ = help_ ? nullptr : DrawHelp();
       break;
-    case Wish::kFullScreen:
+    case PlayerCommand::kFullScreen:
       window_.SwitchFullScreen();
       break;
-    case Wish::kRedraw:
+    case PlayerCommand::kRedraw:
       break;
   }
 }

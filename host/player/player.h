@@ -14,7 +14,7 @@ struct PlayerOptions {
   bool paused = false;  ///< begin paused
 };
 
-/// Plays until the user quits. The effect is told that it plays, so that it draws from a copy of
+/// Plays until the user quits. The effect renders for playing, so that it draws from a copy of
 /// `photo`, the plan's, of the frame's size; at half quality where it would not keep up; and frames
 /// that come too late are skipped. Paused, frames are of full quality. Enters the sandbox as soon
 /// as there is a window, which needs what the sandbox refuses; `access` holds from then on. Throws

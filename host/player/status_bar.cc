@@ -18,8 +18,8 @@ struct KeyHelp {
 };
 constexpr KeyHelp kKeys[] = {
     {"space", "pause, play"},
-    {".   ,", "a frame on, a frame back"},
-    {"right   left", "a second on, a second back"},
+    {".   ,", "forward or back one frame"},
+    {"right   left", "forward or back one second"},
     {"home   end", "first frame, last frame"},
     {"mouse", "click or drag on the bar to seek"},
     {"d", "Display: Source and Display: Target"},

@@ -9,7 +9,7 @@
 
 namespace kelto::host {
 
-/// What the player tells its user.
+/// What the player shows its user.
 struct PlayerStatus {
   int32_t frame = 0, frames = 1;
   double seconds = 0.0, length = 0.0;  ///< of the frame, of the film
@@ -41,7 +41,7 @@ class StatusBar {
   int32_t width_ = 0;
 };
 
-/// The page that tells the keys.
+/// The page that lists the keys.
 std::unique_ptr<Drawing> DrawHelp();
 
 }  // namespace kelto::host

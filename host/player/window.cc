@@ -28,7 +28,7 @@ struct Quit {
   ~Quit() { SDL_Quit(); }
 };
 /// Where there is no screen, SDL may take up with a driver that shows nothing, after its libraries
-/// have complained on their own.
+/// have printed messages of their own.
 void OpenScreen() {
   constexpr const char* kNeed = "playing needs a screen; is DISPLAY or WAYLAND_DISPLAY set?";
   constexpr const char* kScreens[] = {"DISPLAY", "WAYLAND_DISPLAY", "SDL_VIDEODRIVER"};
@@ -52,31 +52,31 @@ struct Destroy {
 };
 using Texture = std::unique_ptr<SDL_Texture, Destroy>;
 
-std::optional<Wish> WishOfKey(const SDL_Keysym& key) {
+std::optional<PlayerCommand> CommandOfKey(const SDL_Keysym& key) {
   switch (key.sym) {
     case SDLK_q:
     case SDLK_ESCAPE:
-      return Wish{Wish::kQuit};
+      return PlayerCommand{PlayerCommand::kQuit};
     case SDLK_SPACE:
-      return Wish{Wish::kPause};
+      return PlayerCommand{PlayerCommand::kPause};
     case SDLK_PERIOD:
-      return Wish{Wish::kStep, 1.0};
+      return PlayerCommand{PlayerCommand::kStep, 1.0};
     case SDLK_COMMA:
-      return Wish{Wish::kStep, -1.0};
+      return PlayerCommand{PlayerCommand::kStep, -1.0};
     case SDLK_RIGHT:
-      return Wish{Wish::kSeconds, 1.0};
+      return PlayerCommand{PlayerCommand::kSeconds, 1.0};
     case SDLK_LEFT:
-      return Wish{Wish::kSeconds, -1.0};
+      return PlayerCommand{PlayerCommand::kSeconds, -1.0};
     case SDLK_HOME:
-      return Wish{Wish::kFirst};
+      return PlayerCommand{PlayerCommand::kFirst};
     case SDLK_END:
-      return Wish{Wish::kLast};
+      return PlayerCommand{PlayerCommand::kLast};
     case SDLK_d:
-      return Wish{Wish::kDisplay};
+      return PlayerCommand{PlayerCommand::kDisplay};
     case SDLK_f:
-      return Wish{Wish::kFullScreen};
+      return PlayerCommand{PlayerCommand::kFullScreen};
     case SDLK_h:
-      return Wish{Wish::kHelp};
+      return PlayerCommand{PlayerCommand::kHelp};
     default:
       return std::nullopt;
   }
@@ -129,7 +129,7 @@ struct Window::Parts {
     const SDL_Rect place{x, y, frame.size.width, frame.size.height};
     SDL_RenderCopy(renderer.get(), texture.get(), nullptr, &place);
   }
-  std::optional<Wish> WishOf(const SDL_Event& event);
+  std::optional<PlayerCommand> CommandOf(const SDL_Event& event);
 };
 
 Window::Window(const std::string& title, FrameSize size, SampleAspect aspect, int32_t barHeight) {
@@ -169,21 +169,21 @@ Window::Window(const std::string& title, FrameSize size, SampleAspect aspect, in
 
 Window::~Window() = default;
 
-std::optional<Wish> Window::Parts::WishOf(const SDL_Event& event) {
+std::optional<PlayerCommand> Window::Parts::CommandOf(const SDL_Event& event) {
   const auto onBar = [&](int32_t y) { return y >= Room().h - barHeight; };
   switch (event.type) {
     case SDL_QUIT:
-      return Wish{Wish::kQuit};
+      return PlayerCommand{PlayerCommand::kQuit};
     case SDL_KEYDOWN:
-      return WishOfKey(event.key.keysym);
+      return CommandOfKey(event.key.keysym);
     case SDL_WINDOWEVENT:
-      return Wish{Wish::kRedraw};
+      return PlayerCommand{PlayerCommand::kRedraw};
     case SDL_MOUSEBUTTONDOWN:
       dragging = event.button.button == SDL_BUTTON_LEFT && onBar(event.button.y);
-      if (dragging) return Wish{Wish::kBar, static_cast<double>(event.button.x)};
+      if (dragging) return PlayerCommand{PlayerCommand::kBar, static_cast<double>(event.button.x)};
       return std::nullopt;
     case SDL_MOUSEMOTION:
-      if (dragging) return Wish{Wish::kBar, static_cast<double>(event.motion.x)};
+      if (dragging) return PlayerCommand{PlayerCommand::kBar, static_cast<double>(event.motion.x)};
       return std::nullopt;
     case SDL_MOUSEBUTTONUP:
       dragging = false;
@@ -193,7 +193,7 @@ std::optional<Wish> Window::Parts::WishOf(const SDL_Event& event) {
   }
 }
 
-std::optional<Wish> Window::Next(double seconds) {
+std::optional<PlayerCommand> Window::Next(double seconds) {
   // Asked for again and again: SDL 2.26, where it waits, wakes itself by a message to the window,
   // and when that comes after the window has gone, X ends the program.
   constexpr uint64_t kNap = 4;
@@ -203,7 +203,7 @@ std::optional<Wish> Window::Next(double seconds) {
   for (;;) {
     bool any = false;
     for (; SDL_PollEvent(&event) != 0; any = true) {
-      if (const auto wish = parts_->WishOf(event)) return wish;
+      if (const auto command = parts_->CommandOf(event)) return command;
     }
     // What means nothing here may come in numbers: the caller's time is not to be used up by it.
     const uint64_t now = SDL_GetTicks64();

@@ -10,7 +10,7 @@
 namespace kelto::host {
 
 /// What the user wants.
-struct Wish {
+struct PlayerCommand {
   enum Kind {
     kQuit,
     kPause,    ///< or play
@@ -38,7 +38,7 @@ class Window {
   Window& operator=(const Window&) = delete;
 
   /// The next thing that the user wants, waiting up to `seconds` for it.
-  std::optional<Wish> Next(double seconds);
+  std::optional<PlayerCommand> Next(double seconds);
   /// Takes a frame of PixelLayout::kBGRA and the film's size for the picture.
   void SetPicture(const FrameView& frame);
   /// Shows picture, bar and, where there is one, a page over the picture; both PixelLayout::kBGRA,

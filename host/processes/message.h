@@ -1,4 +1,4 @@
-// What a process and its workers tell each other, through a socket.
+// What a process and its workers send each other, through a socket.
 #pragma once
 
 #include <optional>

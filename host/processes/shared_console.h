@@ -8,7 +8,7 @@
 
 namespace kelto::host {
 
-/// Tells lines that are news from those that another worker has printed already. A line that one
+/// Separates new lines from those that another worker has printed already. A line that one
 /// worker prints twice is news twice.
 class SharedConsole {
  public:

@@ -19,9 +19,9 @@ struct TaskList {
   /// Does task `index`; runs in a process of its own where the system has such, so that nothing it
   /// does to its memory stays. What it throws is how it failed.
   std::function<void(size_t index, const AwaitMemory& await)> work;
-  /// Told here when a task is over, with what was wrong, empty when nothing was.
+  /// Called when a task is over, with what was wrong, empty when nothing was.
   std::function<void(size_t index, const std::string& failure)> ended;
-  /// Told here what a task printed with PrintMessage.
+  /// Called with what a task printed with PrintMessage.
   std::function<void(size_t index, const std::string& text)> printed;
 };
 

@@ -22,7 +22,7 @@ namespace kelto::host {
 namespace {
 
 /// This process's ends of the lines to its workers. A new worker closes its copies of them, or the
-/// others could not tell that their owner is gone.
+/// others would not notice that their owner is gone.
 std::vector<int>& OwnersEnds() {
   static std::vector<int> ends;
   return ends;
@@ -77,8 +77,8 @@ Worker::Worker(WorkerEnd end, const std::function<void(Channel&)>& work) : end_(
     try {
       Work(line, work);
     } catch (...) {
-      // Not even what failed could be told. The owner's objects, of which this is a copy, must not
-      // end here: they would end other workers.
+      // Not even what failed could be reported. The owner's objects, of which this is a copy, must
+      // not end here: they would end other workers.
       _exit(1);
     }
     // Not exit(): what this process inherited is not its own to clear up.

@@ -13,7 +13,7 @@
 
 namespace kelto::host {
 
-/// What a worker does when its owner is gone, or tells it to end.
+/// What a worker does when its owner is gone, or asks it to end.
 enum class WorkerEnd {
   kAtOnce,   ///< it dies; interrupts from the terminal are its owner's business
   kClearUp,  ///< it gets SIGTERM, which it notes like any command

@@ -9,7 +9,7 @@ namespace kelto::host {
 /// `text`, which ParseJson reads, changed so that it parses to `wanted`. Only values that differ
 /// are written anew: the order of fields, indentation, line ends and the way numbers are written
 /// stay as they are everywhere else. New fields come last in their object; entries of an array are
-/// kept from both its ends. Throws Error where `text` is no JSON, or `wanted` holds a text that is
+/// kept from both its ends. Throws Error where `text` is not JSON, or `wanted` holds a text that is
 /// not UTF-8.
 std::string PatchedJson(const std::string& text, const nlohmann::ordered_json& wanted);
 

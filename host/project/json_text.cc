@@ -109,7 +109,7 @@ json ParseJson(const std::string& text) {
       return strict(depth, event, parsed);
     });
   } catch (const json::exception& error) {
-    throw Error("is no JSON: " + Plain(error.what()).substr(0, kMaxMessage));
+    throw Error("is not JSON: " + Plain(error.what()).substr(0, kMaxMessage));
   }
 }
 

@@ -20,7 +20,7 @@ constexpr size_t kMaxJsonEntries = 10000;
 /// be. Checking that many takes about a second.
 constexpr size_t kMaxJsonValues = 250000;
 
-/// Parses `text`. Throws Error where it is no JSON, says one thing twice or passes a limit; what
+/// Parses `text`. Throws Error where it is not JSON, says one thing twice or passes a limit; what
 /// follows is not looked at.
 nlohmann::json ParseJson(const std::string& text);
 

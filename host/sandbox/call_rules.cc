@@ -130,7 +130,7 @@ int Load() {
 }  // namespace
 
 bool FiltersCalls() {
-  // Asked for a filter at no address, a kernel that has filters complains of the address.
+  // Asked for a filter at no address, a kernel that has filters refuses the address.
   return prctl(PR_SET_SECCOMP, 2 /* a filter */, nullptr, 0, 0) != 0 && errno == EFAULT;
 }
 

@@ -68,7 +68,7 @@ std::string BarText(const Pace& pace, const std::string& unit) {
 std::string PlainText(const Pace& pace, const std::string& unit) {
   std::ostringstream text;
   text << unit << ' ' << pace.done << " of " << pace.total << ", " << Fixed(pace.perSecond, 1)
-       << " a second, " << Fixed(std::ceil(pace.secondsLeft), 0) << " s left";
+       << " per second, " << Fixed(std::ceil(pace.secondsLeft), 0) << " s left";
   return text.str();
 }
 

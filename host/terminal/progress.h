@@ -7,7 +7,7 @@
 
 namespace kelto::host {
 
-/// What a progress line tells. Rates are 0 until there is something to count.
+/// What a progress line shows. Rates are 0 until there is something to count.
 struct Pace {
   int64_t done = 0, total = 1;
   double perSecond = 0.0;
@@ -20,10 +20,10 @@ Pace PaceOf(int64_t done, int64_t total, double seconds);
 /// "[=====     ] 50 %  frame 125 of 250  24.9/s  0:05 left", for a terminal of 80 columns. `unit`
 /// is the name of a piece of work, "frame".
 std::string BarText(const Pace& pace, const std::string& unit);
-/// "frame 125 of 250, 24.9 a second, 5 s left".
+/// "frame 125 of 250, 24.9 per second, 5 s left".
 std::string PlainText(const Pace& pace, const std::string& unit);
 
-/// Tells of a piece of work while it goes on: a bar on a terminal; else a line now and then, the
+/// Reports a piece of work while it goes on: a bar on a terminal; else a line now and then, the
 /// first one after some seconds, so that short work is silent; or "progress" events.
 class Progress {
  public:

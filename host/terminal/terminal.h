@@ -7,7 +7,7 @@
 
 namespace kelto::host {
 
-/// How the command tells what it does.
+/// How the command reports what it does.
 enum class Reporting {
   kUsual,  ///< progress and messages as lines
   kQuiet,  ///< failures only

@@ -7,8 +7,8 @@
 
 namespace kelto::host {
 
-/// What a session tells the effect of `photo` and of the frame or field that `state` is the time
-/// of. `squarePixels` is the parameter's value.
+/// What a session reports to the effect of `photo` and of the frame or field that `state` is the
+/// time of. `squarePixels` is the parameter's value.
 DrawnFrame FrameToDraw(const RenderPlan& plan, PixelSize photo, const hfx::RenderState& state,
                        bool squarePixels);
 

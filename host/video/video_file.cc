@@ -21,7 +21,7 @@ constexpr const char* kWhat = "a video";
 /// decoding all that is between.
 constexpr double kSeekAhead = 3.0;
 /// How far before a picture, in seconds, places to begin are looked for, one after the other:
-/// where the key pictures are, not every file tells.
+/// where the key pictures are, not every file says.
 constexpr std::array kSeekBefore{0.0, 3.0, 12.0};
 /// Of the end this much is read: the last packet seldom is the picture shown last.
 constexpr double kTail = 2.0;

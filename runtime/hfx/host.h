@@ -163,7 +163,7 @@ KELTO_PLATFORM_API int32_t SetKey(hfxParameter& parameter, double time, const vo
                                   int32_t size);
 /// Moves key `index` to another time with value and activity, past other keys if need be, and
 /// returns its new index; -1 when there is no such key, the time is not a finite number or another
-/// key is there already.
+/// key exists.
 KELTO_PLATFORM_API int32_t MoveKey(hfxParameter& parameter, int32_t index, double time);
 /// False when there is no key `index`.
 KELTO_PLATFORM_API bool RemoveKey(hfxParameter& parameter, int32_t index);

@@ -126,11 +126,11 @@ class StbFormat : public Decoder {
       throw StillError(codecBadDataErr,
                        std::string("truncated ") + name_ + " (the file ends too early)");
     }
-    const char* told = stbi_failure_reason();
-    if (told == nullptr) told = "unknown error";
-    if (std::strcmp(told, "outofmem") == 0) throw std::bad_alloc();
+    const char* reason = stbi_failure_reason();
+    if (reason == nullptr) reason = "unknown error";
+    if (std::strcmp(reason, "outofmem") == 0) throw std::bad_alloc();
     throw StillError(codecBadDataErr,
-                     std::string("damaged or unsupported ") + name_ + " (" + told + ")");
+                     std::string("damaged or unsupported ") + name_ + " (" + reason + ")");
   }
 
   const char* name_;
@@ -170,8 +170,8 @@ class Tga final : public StbFormat {
     const uint32_t type = head[2], base = type & 7u, depth = head[16];
     if ((type & ~8u) != base || base < 1 || base > 3 || (head[1] == 1) != (base == 1)) return false;
     if (depth != 8 && depth != 15 && depth != 16 && depth != 24 && depth != 32) return false;
-    // Without a colour map its fields are zero in all but odd files: one more way to tell a TGA
-    // from other bytes.
+    // Without a colour map its fields are zero in all but odd files: one more way to recognise a
+    // TGA from other bytes.
     if (head[1] == 0 && std::any_of(&head[3], &head[8], [](uint8_t b) { return b != 0; })) {
       return false;
     }

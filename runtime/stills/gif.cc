@@ -25,10 +25,10 @@ int OnRead(GifFileType* gif, GifByteType* to, int count) {
 }
 
 [[noreturn]] void Fail(const StillFile& file, int error) {
-  const char* told = GifErrorString(error);
+  const char* reason = GifErrorString(error);
   if (error == D_GIF_ERR_NOT_ENOUGH_MEM) throw std::bad_alloc();
   throw StillError(codecBadDataErr, std::string(file.hit_end() ? "truncated" : "damaged") +
-                                        " GIF (" + (told != nullptr ? told : "unknown error") +
+                                        " GIF (" + (reason != nullptr ? reason : "unknown error") +
                                         ")");
 }
 

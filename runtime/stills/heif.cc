@@ -20,12 +20,12 @@ namespace {
 void Check(const heif_error& error) {
   if (error.code == heif_error_Ok) return;
   if (error.code == heif_error_Memory_allocation_error) throw std::bad_alloc();
-  const std::string told = error.message != nullptr ? error.message : "unknown error";
+  const std::string reason = error.message != nullptr ? error.message : "unknown error";
   if (error.code == heif_error_Unsupported_feature ||
       error.code == heif_error_Unsupported_filetype) {
-    throw StillError(noCodecErr, "unsupported HEIF (" + told + ")");
+    throw StillError(noCodecErr, "unsupported HEIF (" + reason + ")");
   }
-  throw StillError(codecBadDataErr, "damaged or truncated HEIF (" + told + ")");
+  throw StillError(codecBadDataErr, "damaged or truncated HEIF (" + reason + ")");
 }
 
 StillFile& FileOf(void* user) { return *static_cast<StillFile*>(user); }

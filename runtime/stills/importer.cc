@@ -109,7 +109,7 @@ OSErr GetGraphicsImporterForFile(const FSSpec* spec, GraphicsImportComponent* im
   if (importer == nullptr) return Refuse(paramErr, "no place for an importer");
   *importer = nullptr;
   if (spec == nullptr || spec->name[0] == 0) return Refuse(fnfErr, "no file name");
-  // Its own attempt: without memory for the name there is none to tell.
+  // Its own attempt: without memory for the name there is none for the message.
   std::string path, name;
   const OSErr error = Attempt("", [&] {
     path.assign(spec->name + 1, spec->name + 1 + spec->name[0]);

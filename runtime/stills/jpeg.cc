@@ -99,7 +99,7 @@ class Session {
   }
 
   [[noreturn]] void Fail() const {
-    const std::string told = std::string(" JPEG (") + message_ + ")";
+    const std::string reason = std::string(" JPEG (") + message_ + ")";
     if (too_many_scans_) {
       throw StillError(codecBadDataErr, "a JPEG of too many scans; the limit is " +
                                             std::to_string(kMaxJpegScans) +
@@ -116,13 +116,13 @@ class Session {
       case JERR_SOF_UNSUPPORTED:
       case JERR_ARITH_NOTIMPL:
       case JERR_CONVERSION_NOTIMPL:
-        throw StillError(noCodecErr, "unsupported" + told);
+        throw StillError(noCodecErr, "unsupported" + reason);
       case JERR_INPUT_EMPTY:
       case JERR_INPUT_EOF:
       case JWRN_JPEG_EOF:
-        throw StillError(codecBadDataErr, "truncated" + told);
+        throw StillError(codecBadDataErr, "truncated" + reason);
       default:
-        throw StillError(codecBadDataErr, "damaged" + told);
+        throw StillError(codecBadDataErr, "damaged" + reason);
     }
   }
 

@@ -1,6 +1,6 @@
 // A context of Little CMS whose memory is set aside beforehand.
 //
-// The library takes want of memory for a damaged profile at some places, without which a picture
+// In some places the library reports out of memory as a damaged profile, without which a picture
 // would come out in the wrong colours, and does not look at others. So it gets its memory from a
 // reserve that is had whole or not at all.
 #pragma once

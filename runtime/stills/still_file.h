@@ -29,8 +29,8 @@ class StillFile {
   /// Back to the first byte of the file as it is now: nothing read earlier is kept, and `hit_end`
   /// is forgotten.
   void Rewind();
-  /// Whether a Read since the last Rewind met the end of the file: what tells truncated files from
-  /// otherwise damaged ones.
+  /// Whether a Read since the last Rewind met the end of the file: which distinguishes truncated
+  /// files from otherwise damaged ones.
   bool hit_end() const { return hit_end_; }
   /// Whether any Read or Seek failed for another reason than the file's end or content: the disk or
   /// the network did, and what was read cannot be trusted.

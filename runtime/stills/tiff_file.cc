@@ -74,7 +74,8 @@ int TiffFile::OnError(TIFF*, void* user, const char*, const char* format, va_lis
 
 int TiffFile::OnWarning(TIFF* tiff, void* user, const char* module, const char* format,
                         va_list arguments) {
-  // Unknown tags and the like are of no concern, but damage to a JPEG strip is told as a warning.
+  // Unknown tags and the like are of no concern, but damage to a JPEG strip is reported as a
+  // warning.
   if (module == nullptr || std::strstr(module, "JPEGLib") == nullptr) return 1;
   return OnError(tiff, user, module, format, arguments);
 }
@@ -121,7 +122,7 @@ TiffForm::TiffForm(TiffFile& tiff) {
   const bool palette = photometric == PHOTOMETRIC_PALETTE;
   if (sample_format != SAMPLEFORMAT_UINT && sample_format != SAMPLEFORMAT_VOID &&
       !IsLogarithmic(photometric)) {
-    throw StillError(noCodecErr, "unsupported TIFF (samples are not unsigned whole numbers)");
+    throw StillError(noCodecErr, "unsupported TIFF (samples are not unsigned integers)");
   }
   if (samples < colors) {
     throw StillError(codecBadDataErr, "damaged TIFF (too few samples a pixel)");

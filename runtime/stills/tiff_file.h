@@ -31,7 +31,7 @@ class TiffFile {
   }
   /// Throws StillError with the library's first message.
   [[noreturn]] void Fail();
-  /// Throws StillError if the library told of damage, even if it went on.
+  /// Throws StillError if the library reported damage, even if it went on.
   void CheckDamage() {
     if (!message_.empty()) Fail();
   }

@@ -211,7 +211,7 @@ TEST_F(FreiPlugin, AnUnreadableProjectGivesTheInputAndOneLineThatNamesTheFault) 
     instance.Render();
   });
   EXPECT_TRUE(IsOneLine(said)) << said;
-  EXPECT_NE(said.find("film.json: is no JSON"), std::string::npos) << said;
+  EXPECT_NE(said.find("film.json: is not JSON"), std::string::npos) << said;
   EXPECT_TRUE(instance.IsAll(Instance::kGrey));
 }
 

@@ -4,8 +4,8 @@
 kelto_cache=${KELTO_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/kelto}
 
 # make_once NAME SCRIPT [PACKAGE ...]: runs `SCRIPT FOLDER` unless $kelto_cache/NAME stands from this
-# very SCRIPT, this file and these versions of the PACKAGEs that it uses. A folder only gets its name
-# when it is whole, so that an interrupted set-up is simply done again.
+# very SCRIPT, this file and these versions of the PACKAGEs that it uses. A folder gets its name
+# only when it is complete, so that an interrupted set-up is simply done again.
 make_once() {
   name=$1 script=$2
   shift 2

@@ -19,8 +19,8 @@ class FileStream final : public IStream {
   FileStream(const FileStream&) = delete;
   FileStream& operator=(const FileStream&) = delete;
 
-  /// Whether somebody wanted bytes where the file had ended: what tells truncated files from
-  /// otherwise damaged ones, since decoders also read ahead of need.
+  /// Whether somebody wanted bytes where the file had ended: which distinguishes truncated files
+  /// from otherwise damaged ones, since decoders also read ahead of need.
   bool wanted_more() const { return wanted_more_; }
 
   HRESULT WINAPI QueryInterface(REFIID id, void** object) override;

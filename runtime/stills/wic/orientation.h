@@ -1,5 +1,5 @@
 // How a file wants its picture turned. Read here, since not every version of the imaging component
-// tells.
+// gives.
 #pragma once
 
 #include "runtime/stills/still_file.h"

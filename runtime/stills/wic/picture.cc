@@ -37,7 +37,7 @@ void WicPicture::Check(HRESULT result) const {
 void WicPicture::Fail(HRESULT result) const {
   char code[16];
   std::snprintf(code, sizeof code, "0x%08lX", static_cast<unsigned long>(result));
-  const std::string told = std::string(" picture (the system's decoder reports ") + code + ")";
+  const std::string reason = std::string(" picture (the system's decoder reports ") + code + ")";
   switch (result) {
     case E_OUTOFMEMORY:
     case WINCODEC_ERR_INSUFFICIENTBUFFER:
@@ -47,9 +47,10 @@ void WicPicture::Fail(HRESULT result) const {
     case WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT:
     case WINCODEC_ERR_UNSUPPORTEDOPERATION:
     case WINCODEC_ERR_UNSUPPORTEDVERSION:
-      throw StillError(noCodecErr, "unsupported" + told);
+      throw StillError(noCodecErr, "unsupported" + reason);
     default:
-      throw StillError(codecBadDataErr, (stream_->wanted_more() ? "truncated" : "damaged") + told);
+      throw StillError(codecBadDataErr,
+                       (stream_->wanted_more() ? "truncated" : "damaged") + reason);
   }
 }
 

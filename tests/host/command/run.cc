@@ -32,7 +32,8 @@ std::optional<pid_t> ParentOfRunning(const std::filesystem::path& folder) {
   return parent;
 }
 
-/// "kelto: frame 51 of 170, 4.9 a second, 25 s left" comes every few seconds, if it takes so long.
+/// "kelto: frame 51 of 170, 4.9 per second, 25 s left" comes every few seconds, if it takes so
+/// long.
 std::string WithoutProgress(const std::string& text) {
   static const std::regex progress(
       "kelto: (frame|film|photo) [0-9]+ of [0-9]+, [0-9.]+ a second, [0-9]+ s left\n");

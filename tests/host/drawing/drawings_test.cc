@@ -156,9 +156,9 @@ TEST_F(Drawings, LongTextsAreCutInTheirMiddle) {
 TEST_F(Drawings, TheStoryboardTellsWhatTheFilmIs) {
   const Photo photo = OpenPhoto(plan_.photo);
   EXPECT_EQ(StoryboardFacts(plan_, photo),
-            "400x300 photo, film of 2.00 seconds, 160x90, 50 frames at 25 a second");
+            "400x300 photo, film of 2.00 seconds, 160x90, 50 frames at 25 fps");
   plan_.frames = 1;
-  EXPECT_THAT(StoryboardFacts(plan_, photo), HasSubstr(", 1 frame at 25 a second"));
+  EXPECT_THAT(StoryboardFacts(plan_, photo), HasSubstr(", 1 frame at 25 fps"));
 }
 
 TEST_F(Drawings, TheStoryboardOutlinesTheViewOfEachKey) {

@@ -283,13 +283,13 @@ TEST(ReadProject, EveryFaultNamesItsField) {
   }
 }
 
-TEST(ReadProject, WhatIsNoJsonIsToldWithItsPlace) {
+TEST(ReadProject, WhatIsNotJsonIsReportedWithItsPlace) {
   EXPECT_THAT(Fault("{\n  \"image\": a\n}"), HasSubstr("line 2"));
-  EXPECT_THAT(Fault(""), StartsWith("photo.json: is no JSON"));
-  EXPECT_THAT(Fault("\xff\xfe"), StartsWith("photo.json: is no JSON"));
-  EXPECT_THAT(Fault(R"({"image": "a", "playMode": NaN})"), HasSubstr("is no JSON"));
+  EXPECT_THAT(Fault(""), StartsWith("photo.json: is not JSON"));
+  EXPECT_THAT(Fault("\xff\xfe"), StartsWith("photo.json: is not JSON"));
+  EXPECT_THAT(Fault(R"({"image": "a", "playMode": NaN})"), HasSubstr("is not JSON"));
   EXPECT_THAT(Fault(R"({"image": "a", "parameters": {"size": {"value": 1e999}}})"),
-              HasSubstr("is no JSON"));
+              HasSubstr("is not JSON"));
 }
 
 TEST(ReadProject, AFieldThatIsThereTwiceIsAFault) {

@@ -31,7 +31,8 @@ TEST(Progress, TheLongestBarFitsOnATerminal) {
 }
 
 TEST(Progress, PlainLinesTellTheSame) {
-  EXPECT_EQ(PlainText(PaceOf(125, 250, 5.0), "frame"), "frame 125 of 250, 25.0 a second, 5 s left");
+  EXPECT_EQ(PlainText(PaceOf(125, 250, 5.0), "frame"),
+            "frame 125 of 250, 25.0 per second, 5 s left");
 }
 
 }  // namespace

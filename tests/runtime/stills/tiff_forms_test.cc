@@ -186,7 +186,7 @@ TEST_F(TiffForms, FloatingPointSamplesAreSaidToBeUnsupported) {
   spec.tags = [](TIFF* tiff) { TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_IEEEFP); };
   const Loaded loaded = LoadSpec(spec);
   EXPECT_EQ(loaded.error, noCodecErr);
-  EXPECT_EQ(loaded.text, "picture.tif: unsupported TIFF (samples are not unsigned whole numbers)");
+  EXPECT_EQ(loaded.text, "picture.tif: unsupported TIFF (samples are not unsigned integers)");
 }
 
 TEST_F(TiffForms, OddDepthsAreSaidToBeUnsupported) {
