@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/base/error.h"
+#include "host/base/texts.h"
 #include "host/commands/commands.h"
 #include "host/commands/help_text.h"
 #include "host/commands/hints.h"
@@ -51,14 +52,14 @@ void AnswerModules() {
 /// The parser itself would only say that a command is missing.
 void CheckCommandName(const CLI::App& app, int argc, char** argv) {
   if (argc < 2 || argv[1][0] == '-') return;
-  std::string names;
+  std::vector<std::string> names;
   for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
     if (command->check_name(argv[1])) return;
     if (command->get_group().empty()) continue;  // one that is not shown
-    names += (names.empty() ? "" : ", ") + command->get_name();
+    names.push_back(command->get_name());
   }
-  throw UsageError("there is no command \"" + std::string(argv[1]) + "\"; there are " + names +
-                   "; see kelto --help");
+  throw UsageError("there is no command \"" + std::string(argv[1]) + "\"; there are " +
+                   Joined(names) + "; see kelto --help");
 }
 
 /// Whoever reads events gets those of a faulty command line as events, too.
@@ -141,6 +142,6 @@ int main(int argc, char** argv) {
   pointers.push_back(nullptr);
   const int code = RunAndReport(static_cast<int>(words.size()), pointers.data());
   PrintLibraryText("");
-  if (code == kFailed && InterruptSignal() != 0) DieOf(InterruptSignal());
+  if (code == kFailed && IsInterrupted()) DieOf(InterruptSignal());
   return code;
 }

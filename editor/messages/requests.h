@@ -13,7 +13,7 @@ namespace kelto::editor {
 struct DrawRequest {
   int32_t frame = 0;
   host::FrameSize size;
-  double quality = 1.0;  ///< what the effect is told, 0.5 in a hurry
+  double quality = 1.0;  ///< of what the effect draws, 0.5 in a hurry
 };
 
 std::string BodyOf(const DrawRequest& request);

@@ -6,6 +6,7 @@
 
 #include "host/base/error.h"
 #include "host/base/shown_text.h"
+#include "host/commands/module_option.h"
 #include "host/effect/module_file.h"
 #include "host/machine/checks.h"
 #include "host/machine/libraries.h"
@@ -61,13 +62,10 @@ std::string VersionText() {
 }
 
 CLI::App* AddDoctor(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("doctor", "Tell what this machine can decode and encode");
+  CLI::App* command =
+      app.add_subcommand("doctor", "Report what this machine can decode and encode");
   const auto module = std::make_shared<std::string>();
-  command
-      ->add_option("--module", *module,
-                   std::string("The effect's module; else the environment variable ") +
-                       kModuleVariable + ", else the installed " + kModuleName)
-      ->type_name("FILE");
+  DeclareModule(*command, "Options", *module);
   command->final_callback([module] { Run(*module); });
   return command;
 }

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "host/base/error.h"
+#include "host/commands/module_option.h"
 #include "host/commands/option_text.h"
 #include "host/commands/tour_options.h"
 #include "host/effect/module_file.h"
@@ -64,9 +65,10 @@ int32_t ParseJobs(const std::string& text) {
 
 void DeclareOutput(CLI::App& command, std::string& output) {
   command
-      .add_option("-o,--output", output,
-                  "The film, replaced if it is there, as is a symbolic link of that name; - writes "
-                  "to the standard output")
+      .add_option(
+          "-o,--output", output,
+          "The film; an existing file or symbolic link of that name is replaced; - writes to "
+          "the standard output")
       ->group(kFiles)
       ->type_name("FILE")
       ->check(FileText)
@@ -89,9 +91,7 @@ void DeclareFilm(CLI::App& command, FilmOptions& options, const std::string& job
           "How quickly the film is coded: slow, medium, fast, fastest; the quicker, the larger the "
           "file [medium]");
 #endif
-  declare(kFiles, "--module", "FILE", options.module,
-          std::string("The effect's module; else the environment variable ") + kModuleVariable +
-              ", else the installed " + kModuleName);
+  DeclareModule(command, kFiles, options.module);
   constexpr const char* kFilm = "Film";
   declare(kFilm, "--fade-in", "TIME", options.fadeIn,
           "Seconds in which the film comes out of a colour at its beginning [0]");

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "host/base/error.h"
+#include "host/commands/module_option.h"
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
 #include "host/commands/sandbox_option.h"
@@ -93,12 +94,7 @@ CLI::App* AddInspect(CLI::App& app) {
       ->group(kList)
       ->type_name("FILE");
 #endif
-  command
-      ->add_option("--module", options->module,
-                   std::string("The effect's module; else the environment variable ") +
-                       kModuleVariable + ", else the installed " + kModuleName)
-      ->group(kList)
-      ->type_name("FILE");
+  DeclareModule(*command, kList, options->module);
   DeclarePlan(*command, options->plan);
   command->final_callback([options] { Run(*options); });
   return command;

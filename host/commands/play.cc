@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "host/base/error.h"
+#include "host/commands/module_option.h"
 #include "host/commands/plan_options.h"
 #include "host/commands/sandbox_option.h"
 #include "host/effect/module_file.h"
@@ -46,12 +47,7 @@ CLI::App* AddPlay(CLI::App& app) {
       ->group(kPlayer);
   command->add_flag("--paused", options->player.paused, "Begin paused at the first frame")
       ->group(kPlayer);
-  command
-      ->add_option("--module", options->module,
-                   std::string("The effect's module; else the environment variable ") +
-                       kModuleVariable + ", else the installed " + kModuleName)
-      ->group(kPlayer)
-      ->type_name("FILE");
+  DeclareModule(*command, kPlayer, options->module);
   DeclarePlan(*command, options->plan);
   command->final_callback([options] { Run(*options); });
   return command;

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "host/base/error.h"
+#include "host/commands/module_option.h"
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
 #include "host/commands/sandbox_option.h"
@@ -73,12 +74,7 @@ CLI::App* AddStoryboard(CLI::App& app) {
   command->add_option("--strip", options->strip, "Frames under the photo [12]")
       ->group(kSheet)
       ->type_name("N");
-  command
-      ->add_option("--module", options->module,
-                   std::string("The effect's module; else the environment variable ") +
-                       kModuleVariable + ", else the installed " + kModuleName)
-      ->group(kSheet)
-      ->type_name("FILE");
+  DeclareModule(*command, kSheet, options->module);
   DeclarePlan(*command, options->plan);
   command->final_callback([options] { Run(*options); });
   return command;

@@ -52,7 +52,7 @@ class ViewReader {
     return ViewOf(option, ReadGiven(option, text), false);
   }
 
-  /// The view of the photo that is meant by `given`, named `name` where it is told that it is shown
+  /// The view of the photo that is meant by `given`, named `name` in the message that it is shown
   /// with more around it. Throws UsageError.
   View ViewOf(const std::string& name, const GivenView& given, bool tell = true) {
     const auto* part = std::get_if<PhotoRect>(&given);

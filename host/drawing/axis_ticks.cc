@@ -1,7 +1,6 @@
 #include "host/drawing/axis_ticks.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 
 namespace kelto::host {
@@ -33,16 +32,6 @@ Ticks TicksFor(double least, double most, int count, double span) {
   const double missing = std::max(0.0, span - (most - least)) / 2;
   const double room = missing + kRoom * std::max(most - least, span);
   return TicksWithin(least - room, most + room, count);
-}
-
-std::string TickText(double value, int decimals) {
-  char text[400];  // holds every double written out
-  const auto end =
-      std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals).ptr;
-  std::string number(text, end);
-  if (number.find_first_of("123456789") == std::string::npos && number[0] == '-')
-    number.erase(0, 1);
-  return number;
 }
 
 }  // namespace kelto::host

@@ -19,7 +19,4 @@ Ticks TicksFor(double least, double most, int count, double span);
 /// The same, but ending where the values do.
 Ticks TicksWithin(double least, double most, int count);
 
-/// With the decimals, a dot, and no minus in front of zero.
-std::string TickText(double value, int decimals);
-
 }  // namespace kelto::host

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/base/error.h"
+#include "host/base/texts.h"
 #include "host/drawing/axis_ticks.h"
 #include "host/drawing/drawing.h"
 #include "host/facts/key_times.h"
@@ -53,7 +54,7 @@ Samples TakeSamples(FrameInspector& inspector) {
   const int32_t step = (frames - 1) / kMaxPoints + 1;
   Samples samples;
   for (int32_t number = 0; number < frames; number += step) {
-    if (InterruptSignal() != 0) throw Error("interrupted");
+    CheckInterrupt();
     samples.frames.push_back(inspector.Of(number));
   }
   if (samples.frames.back().number != frames - 1) {
@@ -130,12 +131,12 @@ class Plot {
 void Plot::DrawGrid(double top) {
   for (const double value : axis_.at) {
     drawing_.Line({{kLeft, Y(value)}, {kRight, Y(value)}}, kGrid, 1.0);
-    drawing_.Text(TickText(value, axis_.decimals), {kLeft - 10.0, Y(value) + 4.5}, kSmall, kText,
+    drawing_.Text(FixedText(value, axis_.decimals), {kLeft - 10.0, Y(value) + 4.5}, kSmall, kText,
                   Align::kRight);
   }
   for (const double time : times_.at) {
     drawing_.Line({{X(time), top}, {X(time), bottom_}}, kGrid, 1.0);
-    drawing_.Text(TickText(time, times_.decimals), {X(time), bottom_ + 19.0}, kSmall, kText,
+    drawing_.Text(FixedText(time, times_.decimals), {X(time), bottom_ + 19.0}, kSmall, kText,
                   Align::kCentre);
   }
   for (const KeyTime& key : keys_) {
@@ -209,7 +210,8 @@ void Plot::DrawKeyNumbers() {
 std::string FactsLine(const RenderPlan& plan, const Photo& photo) {
   return std::to_string(photo.width) + "x" + std::to_string(photo.height) + " photo, " +
          ToString(plan.format.size) + " frames, " + std::to_string(plan.frames) + " of them at " +
-         TickText(plan.format.rate.PerSecond(), plan.format.rate.denominator == 1 ? 0 : 3) + " fps";
+         FixedText(plan.format.rate.PerSecond(), plan.format.rate.denominator == 1 ? 0 : 3) +
+         " fps";
 }
 
 }  // namespace

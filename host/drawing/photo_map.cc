@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "host/base/error.h"
+#include "host/base/texts.h"
 #include "host/drawing/axis_ticks.h"
 #include "host/facts/key_times.h"
 #include "host/terminal/interrupt.h"
@@ -121,7 +122,7 @@ std::vector<ViewMark> MarksOf(FrameInspector& inspector) {
     const FrameFacts facts = inspector.Of(key.frame);
     const DrawnArea area = inspector.ViewArea(facts);
     const std::string text = std::to_string(++number);
-    const std::string time = TickText(facts.seconds, 2) + " s";
+    const std::string time = FixedText(facts.seconds, 2) + " s";
     const auto same = std::find_if(marks.begin(), marks.end(), [&](const ViewMark& mark) {
       return SeeTheSame(mark.area, area);
     });
@@ -140,7 +141,7 @@ std::vector<Point> PathOf(FrameInspector& inspector) {
   const int32_t step = (frames - 1) / kMaxPathPoints + 1;
   std::vector<Point> path;
   for (int32_t number = 0; number < frames; number += step) {
-    if (InterruptSignal() != 0) throw Error("interrupted");
+    CheckInterrupt();
     const DrawnArea area = inspector.ViewArea(inspector.Of(number));
     path.push_back({(area.left + area.right) / 2, (area.top + area.bottom) / 2});
   }

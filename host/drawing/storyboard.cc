@@ -6,6 +6,7 @@
 
 #include "catalogue/parameters.h"
 #include "host/base/error.h"
+#include "host/base/texts.h"
 #include "host/drawing/axis_ticks.h"
 #include "host/drawing/photo_map.h"
 #include "host/files/path_text.h"
@@ -91,7 +92,7 @@ class Sheet {
   }
   void DrawStrip() {
     EffectSession session(module_, plan_, photo_, PixelLayout::kBGRA);
-    session.SetAbortQuery([] { return InterruptSignal() != 0; });
+    session.SetAbortQuery(IsInterrupted);
     for (size_t i = 0; i < strip_.size(); ++i) {
       const auto index = static_cast<int32_t>(i);
       const int32_t column = index % columns_, row = index / columns_;
@@ -100,7 +101,7 @@ class Sheet {
       drawing_.Picture(session.Render(strip_[i]), cell);
       const double base = cell.Bottom() + 18.0;
       drawing_.Text("frame " + std::to_string(strip_[i]), {cell.left, base}, 14.0, kText);
-      drawing_.Text(TickText(strip_[i] / plan_.format.rate.PerSecond(), 2) + " s",
+      drawing_.Text(FixedText(strip_[i] / plan_.format.rate.PerSecond(), 2) + " s",
                     {cell.Right(), base}, 14.0, kFaint, Align::kRight);
     }
   }
@@ -122,9 +123,9 @@ std::string StoryboardFacts(const RenderPlan& plan, const Photo& photo) {
   const FilmFormat& format = plan.format;
   const double rate = format.rate.PerSecond();
   return std::to_string(photo.width) + "x" + std::to_string(photo.height) + " photo, film of " +
-         TickText(plan.frames / rate, 2) + " seconds, " + ToString(format.size) + ", " +
+         FixedText(plan.frames / rate, 2) + " seconds, " + ToString(format.size) + ", " +
          std::to_string(plan.frames) + (plan.frames == 1 ? " frame" : " frames") + " at " +
-         TickText(rate, format.rate.denominator == 1 ? 0 : 3) + " fps";
+         FixedText(rate, format.rate.denominator == 1 ? 0 : 3) + " fps";
 }
 
 std::vector<int32_t> StripFrames(int32_t count, int32_t total) {

@@ -1,6 +1,7 @@
 #include "host/effect/module_file.h"
 
 #include "host/base/error.h"
+#include "host/base/texts.h"
 #include "host/files/input_file.h"
 #include "host/files/path_text.h"
 #include "host/files/program_folder.h"
@@ -51,13 +52,12 @@ std::string FindModule(const std::string& given) {
     throw Error("--module " + given + ": there is no such file");
   }
   if (std::string named = ModuleFromEnvironment(); !named.empty()) return named;
-  std::string searched;
+  std::vector<std::string> searched;
   for (const fs::path& path : SearchedFiles(ProgramFolder())) {
     if (IsFile(path)) return TextOf(path);
-    searched += searched.empty() ? "" : ", ";
-    searched += TextOf(path);
+    searched.push_back(TextOf(path));
   }
-  throw Error(std::string(kModuleName) + ": not found as " + searched +
+  throw Error(std::string(kModuleName) + ": not found as " + Joined(searched) +
               "; say where it is with --module");
 }
 

@@ -170,7 +170,7 @@ void WriteFrameList(FrameInspector& inspector, const Photo& photo, ListForm form
   FrameList list(plan.format.Interlaced(), form, write);
   list.Begin(plan, photo);
   for (int32_t number = 0; number < plan.frames; ++number) {
-    if (InterruptSignal() != 0) throw Error("interrupted");
+    CheckInterrupt();
     for (int32_t field = 0; field < FieldsOf(plan); ++field) list.Add(inspector.Of(number, field));
   }
   list.End();

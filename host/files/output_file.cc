@@ -47,13 +47,13 @@ void WriteToStandardOutput(const void* bytes, size_t size) {
       // Set not to wait by a program that has the pipe, too.
       pollfd room{output, POLLOUT, 0};
       poll(&room, 1, -1);
-      if (InterruptSignal() != 0) FailStandardOutput(EINTR);
+      if (IsInterrupted()) FailStandardOutput(EINTR);
       continue;
     }
     if (written < 0) FailStandardOutput(errno);
     next += written;
     left -= static_cast<size_t>(written);
-    if (left > 0 && InterruptSignal() != 0) FailStandardOutput(EINTR);
+    if (left > 0 && IsInterrupted()) FailStandardOutput(EINTR);
   }
 #endif
 }

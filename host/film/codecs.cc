@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "host/base/error.h"
+#include "host/base/texts.h"
 #include "host/options/number.h"
 #include "host/options/size.h"
 
@@ -90,26 +91,16 @@ struct Usual {
 };
 constexpr Usual kUsual[] = {{"mp4", "h264"}, {"mkv", "h264"}, {"mov", "h264"}, {"webm", "vp9"}};
 
-template <typename Names>
-std::string Listed(const Names& names) {
-  std::string list;
-  for (const char* name : names) {
-    list += list.empty() ? "" : ", ";
-    list += name;
-  }
-  return list;
-}
-
 std::string CodecNames() {
   std::vector<const char*> names;
   names.reserve(kCodecs.size());
   for (const FilmCodec& codec : kCodecs) names.push_back(codec.name);
-  return Listed(names);
+  return Joined(names);
 }
 
 /// The kinds that hold the codec, as advice.
 std::string KindsOf(const FilmCodec& codec) {
-  return (codec.kinds.size() == 1 ? "use " : "use one of ") + Listed(codec.kinds);
+  return (codec.kinds.size() == 1 ? "use " : "use one of ") + Joined(codec.kinds);
 }
 
 /// The place of `word`, or of the usual one where it is empty; nothing when it is none of `words`.
@@ -129,7 +120,7 @@ int32_t QualityOf(const FilmCodec& codec, const FilmEncoder& encoder, const std:
   }
   const auto number = ParseWhole(quality);
   if (number && *number >= 0 && *number <= encoder.worst) return static_cast<int32_t>(*number);
-  throw UsageError(option + "choose one of " + Listed(kQualityWords) + ", or " + codec.name +
+  throw UsageError(option + "choose one of " + Joined(kQualityWords) + ", or " + codec.name +
                    "'s own number from 0, the best, to " + std::to_string(encoder.worst));
 }
 
@@ -163,7 +154,7 @@ std::string EncoderOptions(const FilmCodec& codec, const FilmEncoder& encoder,
     add("crf=" + std::to_string(QualityOf(codec, encoder, quality)));
   }
   const auto place = PlaceOf(kSpeedWords, speed, kUsualSpeed);
-  if (!place) throw UsageError("--speed " + speed + ": choose one of " + Listed(kSpeedWords));
+  if (!place) throw UsageError("--speed " + speed + ": choose one of " + Joined(kSpeedWords));
   const char* more = encoder.speeds[*place];
   if (more == nullptr && !speed.empty()) {
     throw UsageError("--speed " + speed + ": " + codec.title + " has one speed");
@@ -197,12 +188,13 @@ const FilmCodec& CodecFor(const std::string& kind, const std::string& name) {
 
 void CheckFormat(const FilmCodec& codec, const FilmFormat& format) {
   if (format.Interlaced() && !codec.fields) {
-    std::string able;
+    std::vector<const char*> able;
     for (const FilmCodec& each : kCodecs) {
-      if (each.fields) able += (able.empty() ? "" : ", ") + std::string(each.name);
+      if (each.fields) able.push_back(each.name);
     }
     throw UsageError(std::string("--fields: ") + codec.name +
-                     " holds whole frames only; use --codec " + able + ", or --fields progressive");
+                     " holds whole frames only; use --codec " + Joined(able) +
+                     ", or --fields progressive");
   }
   const int32_t least = codec.MinimumSide();
   if (std::min(format.size.width, format.size.height) < least) {

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "host/base/error.h"
+#include "host/base/texts.h"
 #include "host/files/output_file.h"
 #include "host/files/path_text.h"
 #include "host/film/codecs.h"
@@ -60,13 +61,11 @@ constexpr FilmKind kKinds[] = {
 bool Every(const std::string&) { return true; }
 
 std::string Names(bool (*wanted)(const std::string&) = &Every) {
-  std::string names;
+  std::vector<const char*> names;
   for (const FilmKind& kind : kKinds) {
-    if (!wanted(kind.name)) continue;
-    names += names.empty() ? "" : ", ";
-    names += kind.name;
+    if (wanted(kind.name)) names.push_back(kind.name);
   }
-  return names;
+  return Joined(names);
 }
 
 const FilmKind* Find(const std::string& name) {
@@ -140,9 +139,6 @@ bool SequenceHasAny(const FramePattern& pattern, const FilmRequest& request,
     }
     return number;
   };
-  const auto heedInterrupt = [] {
-    if (InterruptSignal() != 0) throw Error("interrupted");
-  };
   FilesBySize files;
   for (const std::string& path : paths) {
     // There may be no file of the name yet.
@@ -157,14 +153,14 @@ bool SequenceHasAny(const FramePattern& pattern, const FilmRequest& request,
   std::error_code error;
   fs::directory_iterator entry(PathOf(pattern.Folder()), error);
   for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-    heedInterrupt();
+    CheckInterrupt();
     const auto number = numberOf(entry->path());
     if (number && IsOneOf(files, pattern.PathOf(*number))) return true;
   }
   if (!error || error == std::errc::no_such_file_or_directory) return false;
   // One can write into folders that one cannot read.
   for (int32_t i = 0; i < request.frames; ++i) {
-    heedInterrupt();
+    CheckInterrupt();
     if (IsOneOf(files, pattern.PathOf(request.firstNumber + i))) return true;
   }
   return false;

@@ -1,11 +1,11 @@
 #include "host/film/sound_track.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <iterator>
 #include <utility>
 
 #include "host/base/error.h"
+#include "host/base/texts.h"
 #include "host/film/sound_encoder.h"
 #include "host/film/sound_source.h"
 #include "host/terminal/terminal.h"
@@ -59,10 +59,8 @@ class Track : public SoundTrack {
     const double film = static_cast<double>(request_.frames) * av_q2d(request_.frameTime);
     // Packets are of many lengths, and not all files say which.
     if (seconds + av_q2d(request_.frameTime) + 0.1 >= film) return;
-    char text[80];
-    std::snprintf(text, sizeof text, ": its sound ends after %.2f of the film's %.2f seconds",
-                  seconds, film);
-    Warn(request_.file + text + "; the rest is silent");
+    Warn(request_.file + ": its sound ends after " + FixedText(seconds, 2) + " of the film's " +
+         FixedText(film, 2) + " seconds; the rest is silent");
   }
 
   bool Belongs(const AVPacket& packet) const {

@@ -1,7 +1,6 @@
 #include "host/frames/backdrop_video.h"
 
-#include <cstdio>
-
+#include "host/base/texts.h"
 #include "host/terminal/terminal.h"
 #include "host/video/video_reader.h"
 
@@ -23,9 +22,8 @@ void WarnOfEarlyEnd(const RenderPlan& plan, double seconds) {
   const double film = plan.frames / plan.format.rate.PerSecond();
   // Lengths are rounded, to frames and by containers.
   if (seconds + 1.0 / plan.format.rate.PerSecond() + 0.1 >= film) return;
-  char text[80];
-  std::snprintf(text, sizeof text, ": ends after %.2f of the film's %.2f seconds; ", seconds, film);
-  Warn(plan.over + text + "its last picture is shown from there on");
+  Warn(plan.over + ": ends after " + FixedText(seconds, 2) + " of the film's " +
+       FixedText(film, 2) + " seconds; its last picture is shown from there on");
 }
 
 }  // namespace

@@ -101,7 +101,7 @@ class WorkerFrames : public FrameSource {
           throw UsageError(message->text);
       }
     }
-    if (InterruptSignal() != 0) throw Error("interrupted");
+    CheckInterrupt();
     const std::string end = worker.WaitForEnd();
     TellLibraryText(index);
     throw Error("a process that renders frames " + end);

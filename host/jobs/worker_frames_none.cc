@@ -13,7 +13,7 @@ class LocalFrames : public FrameSource {
   explicit LocalFrames(SceneList list)
       : list_(std::move(list)),
         cursor_(list_),
-        renderer_(list_, [] { return InterruptSignal() != 0; }) {}
+        renderer_(list_, IsInterrupted) {}
 
   FrameView Next() override {
     const ScenePlace place = cursor_.Place();

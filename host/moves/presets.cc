@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "host/base/error.h"
+#include "host/base/texts.h"
 
 namespace kelto::host {
 namespace {
@@ -71,14 +72,7 @@ std::vector<std::string> MoveWords() {
   return words;
 }
 
-std::string MoveNames() {
-  std::string names;
-  for (const std::string& word : MoveWords()) {
-    names += names.empty() ? "" : ", ";
-    names += word;
-  }
-  return names;
-}
+std::string MoveNames() { return Joined(MoveWords()); }
 
 void CheckMoveName(std::string_view name) { MoveCalled(name); }
 

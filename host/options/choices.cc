@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <iterator>
+#include <vector>
 
 #include "host/base/error.h"
+#include "host/base/texts.h"
 
 namespace kelto::host {
 namespace {
@@ -43,12 +45,9 @@ std::string WordFor(const ChoiceList& list, std::string_view entry) {
 }
 
 std::string WordsOf(const ChoiceList& list) {
-  std::string words;
-  for (const catalogue::Entry& choice : list.choices) {
-    words += words.empty() ? "" : ", ";
-    words += choice.word;
-  }
-  return words;
+  std::vector<const char*> words;
+  for (const catalogue::Entry& choice : list.choices) words.push_back(choice.word);
+  return Joined(words);
 }
 
 }  // namespace kelto::host

@@ -38,4 +38,7 @@ struct Setting {
 /// a switch that is off. `setting` may be null.
 const SettingValue* HeldValue(const Setting* setting);
 
+/// Whether a switch is on; `usual` is what the effect begins with. `setting` may be null.
+bool SwitchedOn(const Setting* setting, bool usual);
+
 }  // namespace kelto::host

@@ -58,13 +58,13 @@ class Player {
         clock_(plan.frames, plan.format.rate, options.loop),
         control_(1.0 / plan.format.rate.PerSecond()),
         target_(ShowsTarget(plan)) {
-    session_.SetAbortQuery([] { return InterruptSignal() != 0; });
+    session_.SetAbortQuery(IsInterrupted);
     if (!options.paused) clock_.Play(Now());
   }
 
   void Run() {
     while (!quit_) {
-      if (InterruptSignal() != 0) throw Error("interrupted");
+      CheckInterrupt();
       Draw();
       double wait = clock_.Playing() ? clock_.NextDue(Now()) - Now() : kPatience;
       while (const auto command = window_.Next(std::min(wait, kPatience))) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/base/texts.h"
 #include "host/drawing/axis_ticks.h"
 
 namespace kelto::host {
@@ -45,7 +46,7 @@ std::string PlaceText(const PlayerStatus& status) {
 }
 
 std::string DrawingText(const PlayerStatus& status) {
-  const std::string pace = status.playing ? TickText(status.shownRate, 1) + " fps, " +
+  const std::string pace = status.playing ? FixedText(status.shownRate, 1) + " fps, " +
                                                 std::to_string(status.dropped) + " dropped"
                                           : "paused";
   return std::string(status.fullQuality ? "full" : "half") + " quality, " + pace +

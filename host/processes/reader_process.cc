@@ -44,7 +44,7 @@ std::string ReaderWorker::Next() {
         throw UsageError(message->text);
     }
   }
-  if (InterruptSignal() != 0) throw Error("interrupted");
+  CheckInterrupt();
   const std::string end = worker_.WaitForEnd();
   printLibraryText();
   throw Error(file_ + ": the process that reads it " + end);

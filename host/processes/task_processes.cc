@@ -30,7 +30,7 @@ class TaskRunner {
 
   void Run(size_t jobs) {
     for (size_t next = 0; next < tasks_.count || !running_.empty();) {
-      if (InterruptSignal() != 0) Stop();
+      if (IsInterrupted()) Stop();
       if (next < tasks_.count && running_.size() < jobs) {
         Begin(next++);
       } else {
@@ -95,7 +95,7 @@ class TaskRunner {
   bool Hear(RunningTask& task) {
     const auto message = task.worker->Line().Receive();
     if (!message) {
-      if (InterruptSignal() != 0) return true;
+      if (IsInterrupted()) return true;
       const std::string end = task.worker->WaitForEnd();
       TellLibraryText(task);
       tasks_.ended(task.index, "the process that renders it " + end);

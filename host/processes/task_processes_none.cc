@@ -22,7 +22,7 @@ void RunTasks(const TaskList& tasks, int32_t) {
       failure = error.what();
     }
     SetMessageSink({});
-    if (InterruptSignal() != 0) throw Error("interrupted");
+    CheckInterrupt();
     tasks.ended(i, failure);
   }
 }

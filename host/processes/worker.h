@@ -33,7 +33,7 @@ class Worker {
   Worker& operator=(const Worker&) = delete;
 
   Channel& Line() { return *line_; }
-  /// What libraries have printed in it, and it has not told of; see LibraryText.
+  /// What libraries have printed in it, and it has not printed as messages; see LibraryText.
   std::vector<std::string> TakeLibraryText() { return libraryText_.Take(); }
   /// Asks a worker that clears up to do so; the destructor waits.
   void Stop();

@@ -10,6 +10,8 @@
 
 #if !defined(_WIN32)
 #include <unistd.h>
+
+#include "host/base/error.h"
 #endif
 
 namespace kelto::host {
@@ -83,6 +85,10 @@ void CatchInterrupts() {
 }
 
 int InterruptSignal() { return noted; }
+
+void CheckInterrupt() {
+  if (IsInterrupted()) throw Error("interrupted");
+}
 
 InterruptsEndAtOnce::InterruptsEndAtOnce() {
   ++atOnce;

@@ -14,6 +14,12 @@ void CatchInterrupts();
 /// The signal noted, 0 when there was none.
 int InterruptSignal();
 
+/// Whether a signal was noted.
+inline bool IsInterrupted() { return InterruptSignal() != 0; }
+
+/// Throws Error when a signal was noted.
+void CheckInterrupt();
+
 /// While one lives, CatchInterrupts' signals do not wait to be noticed: they remove what is
 /// unfinished and end the process, as does one that was noted before. For work that has no place to
 /// ask for InterruptSignal, such as loading a photograph. Not on Windows, where they stay noted.

@@ -155,9 +155,9 @@ void HoldLibraryText() {
 
 void PrintLibraryText(const std::string& name) {
   if (current == nullptr) return;
-  static auto& told = *new std::set<std::string>;
+  static auto& printed = *new std::set<std::string>;
   for (const std::string& line : current->Take()) {
-    if (told.insert(line).second) PrintMessage(name.empty() ? line : name + ": " + line);
+    if (printed.insert(line).second) PrintMessage(name.empty() ? line : name + ": " + line);
   }
 }
 

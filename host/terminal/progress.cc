@@ -6,6 +6,7 @@
 #include <sstream>
 #include <utility>
 
+#include "host/base/texts.h"
 #include "host/terminal/events.h"
 #include "host/terminal/terminal.h"
 
@@ -17,12 +18,6 @@ using namespace std::chrono_literals;
 constexpr auto kBarInterval = 100ms;
 constexpr auto kEventInterval = 500ms;
 constexpr auto kLineInterval = 10s;
-
-std::string Fixed(double value, int decimals) {
-  std::ostringstream text;
-  text << std::fixed << std::setprecision(decimals) << value;
-  return text.str();
-}
 
 /// "0:05", "12:34", "1:00:00".
 std::string ClockText(double seconds) {
@@ -60,15 +55,15 @@ std::string BarText(const Pace& pace, const std::string& unit) {
   text << '[' << std::setfill('=') << std::setw(filled) << "" << std::setfill(' ')
        << std::setw(kWidth - filled) << ""
        << "] " << std::setw(3) << 100 * pace.done / pace.total << " %  " << unit << ' ' << pace.done
-       << " of " << pace.total << "  " << Fixed(pace.perSecond, 1) << "/s  "
+       << " of " << pace.total << "  " << FixedText(pace.perSecond, 1) << "/s  "
        << ClockText(pace.secondsLeft) << " left";
   return text.str();
 }
 
 std::string PlainText(const Pace& pace, const std::string& unit) {
   std::ostringstream text;
-  text << unit << ' ' << pace.done << " of " << pace.total << ", " << Fixed(pace.perSecond, 1)
-       << " per second, " << Fixed(std::ceil(pace.secondsLeft), 0) << " s left";
+  text << unit << ' ' << pace.done << " of " << pace.total << ", " << FixedText(pace.perSecond, 1)
+       << " per second, " << FixedText(std::ceil(pace.secondsLeft), 0) << " s left";
   return text.str();
 }
 

@@ -13,15 +13,6 @@
 namespace kelto::host {
 namespace {
 
-bool SwitchedOn(const RenderPlan& plan, const char* parameter, bool usual) {
-  const Setting* setting = plan.FindSetting(parameter);
-  const SettingValue* value = HeldValue(setting);
-  const bool* on = value != nullptr ? std::get_if<bool>(value) : nullptr;
-  if (on != nullptr) return *on;
-  const bool noneActive = setting != nullptr && !setting->keys.empty();
-  return usual && !noneActive;
-}
-
 /// Where a stretch of this length begins that is moved into 0..`end`, or about its middle.
 double Moved(double begin, double length, double end) {
   if (length >= end) return (end - length) / 2;
@@ -32,7 +23,7 @@ double Moved(double begin, double length, double end) {
 
 PhotoViews::PhotoViews(const RenderPlan& plan, PixelSize photo)
     : frame_(FrameToDraw(plan, photo, FieldState(plan, 0, 0),
-                         SwitchedOn(plan, key::kSquarePixels, true))) {
+                         SwitchedOn(plan.FindSetting(key::kSquarePixels), true))) {
   const DrawnArea base = AreaOf(frame_, View{});
   baseWidth_ = base.right - base.left;
   baseHeight_ = base.bottom - base.top;

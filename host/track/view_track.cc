@@ -12,15 +12,6 @@
 namespace kelto::host {
 namespace {
 
-bool SwitchedOn(const RenderPlan& plan, const char* parameter, bool usual) {
-  const Setting* setting = plan.FindSetting(parameter);
-  const SettingValue* value = HeldValue(setting);
-  const bool* on = value != nullptr ? std::get_if<bool>(value) : nullptr;
-  if (on != nullptr) return *on;
-  const bool noneActive = setting != nullptr && !setting->keys.empty();
-  return usual && !noneActive;
-}
-
 motion::Path PathOf(const RenderPlan& plan) {
   const SettingValue* value = HeldValue(plan.FindSetting(key::kPath));
   const auto* entry = value == nullptr ? nullptr : std::get_if<std::string>(value);
@@ -40,7 +31,7 @@ motion::Room RoomOf(const RenderPlan& plan, PixelSize photo) {
   frame.output = {plan.format.size.width, plan.format.size.height};
   frame.displayAspect = state.displayAspect;
   frame.videoType = state.videoType;
-  frame.squarePixels = SwitchedOn(plan, key::kSquarePixels, true);
+  frame.squarePixels = SwitchedOn(plan.FindSetting(key::kSquarePixels), true);
   const RectF base = ComputeFrameRects(frame, photo, View{}).source;
   const double width = 1.0 + base.right - base.left, height = 1.0 + base.bottom - base.top;
   const double across = photo.width / width / 2, down = photo.height / width / 2;
@@ -55,7 +46,7 @@ std::unique_ptr<const ViewTrack> ViewTrack::For(const RenderPlan& plan, PixelSiz
 
 ViewTrack::ViewTrack(const RenderPlan& plan, const motion::Room& room)
     : shape_(room.shape),
-      wholeFrames_(SwitchedOn(plan, key::kProgressive, false)),
+      wholeFrames_(SwitchedOn(plan.FindSetting(key::kProgressive), false)),
       tour_(StopsOf(plan, room.shape), LawOf(plan), PathOf(plan), room,
             (plan.frames - 1) / plan.format.rate.PerSecond()) {}
 

@@ -7,10 +7,10 @@ extern "C" {
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 
 #include "host/base/error.h"
+#include "host/base/texts.h"
 #include "host/film/media_limits.h"
 
 namespace kelto::host {
@@ -40,12 +40,6 @@ FrameRate Snapped(AVRational rate) {
   if (std::abs(value * 1.001 - ntsc) < 2e-4 * ntsc)
     return {static_cast<int32_t>(ntsc) * 1000, 1001};
   return {rate.num, rate.den};
-}
-
-std::string Shown(double seconds) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.2f", seconds);
-  return text;
 }
 
 FieldOrder FieldsOf(int order) {
@@ -205,7 +199,7 @@ void VideoFile::CheckWhole(const Ends& ends) const {
     const double promised = static_cast<double>(duration) * unit;
     // Some containers count the length from the clock's 0.
     if (std::max(end - start, end) + slack >= promised) return;
-    throw Error(path_ + ": ends before its " + Shown(promised) +
+    throw Error(path_ + ": ends before its " + FixedText(promised, 2) +
                 " seconds are over; it is damaged or not whole");
   };
   check(Stream().duration, av_q2d(Stream().time_base), start_, ends.pictures);

@@ -35,5 +35,21 @@ TEST(HeldValue, IsNoneWhereNothingIsSet) {
   EXPECT_EQ(HeldValue(nullptr), nullptr);
 }
 
+TEST(SwitchedOn, IsWhatTheEffectBeginsWithWhereNothingIsSet) {
+  EXPECT_TRUE(SwitchedOn(nullptr, true));
+  EXPECT_FALSE(SwitchedOn(nullptr, false));
+  const Setting unset{"progressive", std::nullopt, {}, -1};
+  EXPECT_TRUE(SwitchedOn(&unset, true));
+}
+
+TEST(SwitchedOn, IsTheHeldValueAndOffWhereNoKeyIsActive) {
+  const Setting off{"progressive", false, {}, -1};
+  EXPECT_FALSE(SwitchedOn(&off, true));
+  Setting keyed{"progressive", false, {{0.0, false}, {1.0, true}}, 1};
+  EXPECT_TRUE(SwitchedOn(&keyed, false));
+  keyed.activeKey = -1;
+  EXPECT_FALSE(SwitchedOn(&keyed, true));
+}
+
 }  // namespace
 }  // namespace kelto::host
