@@ -33,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   });
   fuzz::RunOrRefuse(file.path(), [&] {
     host::SoundEncoder encoder(std::make_unique<host::SoundSource>(file.path()), "aac", false,
-                               fuzz::kFrames, fuzz::kFrameTime);
+                               host::SoundLength{fuzz::kFrames, fuzz::kFrameTime});
     fuzz::ReadAll(encoder);
   });
   return 0;

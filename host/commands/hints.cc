@@ -113,6 +113,10 @@ std::string FaultText(const CLI::App& app, const std::vector<std::string>& words
   if (const std::string file = FileLikeAnOption(words); !file.empty()) {
     return "unknown option " + file + "; if it is a file, write ./" + file + "; " + page;
   }
+  // The parser would miss a command, which may well stand behind it.
+  if (!words.empty() && words.front().starts_with('-')) {
+    return OfWord(app, words.front()) + "; " + page;
+  }
   if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
     const std::vector<std::string> extras = app.remaining(true);
     const CLI::App* command = CommandOf(app, words);

@@ -205,7 +205,7 @@ void DeclarePicture(CLI::App& command, PlanOptions& options) {
   declare("--background", "COLOUR", options.background,
           "Colour beside the photo, '#rrggbb' [#000000]");
   declare("--play-mode", "N", options.playMode,
-          "What the effect is told it renders for: 0 final quality, 1 preview [0]");
+          "What the effect renders for: 0 final quality, 1 preview [0]");
 }
 
 RenderPlan PlanOf(const std::string& input) {

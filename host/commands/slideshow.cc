@@ -93,7 +93,7 @@ std::vector<ShowPicture> PicturesFor(const SlideshowOptions& options,
     PlanOptions& plan = picture.options.plan;
     plan.seconds = AtPlaceOf(picture.listed, [&] {
       return ReadOption("--each", picture.each, [](const std::string& text) {
-        ParseSeconds(text);  // so that a complaint names this option
+        ParseSeconds(text);  // so that an error names this option
         return text;
       });
     });

@@ -211,10 +211,9 @@ class Encoder : public FrameSink {
   void OpenSoundOf(const FilmRequest& request, const Container& kind) {
     const bool editList = kind.fragments && output_.File().CanSeek();
     const FrameRate rate = request.format.rate;
-    soundRequest_ = {request.audio,     kind.kind,
-                     editList,          {rate.denominator, rate.numerator},
-                     request.frames,    request.repeatSound,
-                     request.soundFade};
+    soundRequest_ = {
+        request.audio,  kind.kind,           editList,         {rate.denominator, rate.numerator},
+        request.frames, request.repeatSound, request.soundFade};
     packets_ = OpenSoundApart(soundRequest_, *container_);
   }
 

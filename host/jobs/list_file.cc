@@ -19,11 +19,11 @@ constexpr size_t kMostPictures = 1000000;
 constexpr size_t kMostBytes = size_t{256} << 20;
 
 Error NoList(const std::string& list) {
-  return Error(list + ": is no list; write a file with the path of a picture on each line");
+  return Error(list + ": is not a list; write a file with the path of a picture on each line");
 }
 
-/// The next line of a list into `line`; false at the end. What is no list may have no lines at all,
-/// so that no line is read beyond what the longest path needs.
+/// The next line of a list into `line`; false at the end. What is not a list may have no lines at
+/// all, so that no line is read beyond what the longest path needs.
 bool ReadLine(std::istream& file, const std::string& list, std::string& line) {
   constexpr size_t kLongest = 65536;
   line.resize(kLongest);

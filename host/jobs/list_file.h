@@ -16,7 +16,7 @@ struct ListedPicture {
 /// Reads a list: on each line the path of a picture, relative to the list's folder, and behind it
 /// options for that picture, such as --move left. Lines that begin with # are comments; a path with
 /// " --" in it stands between quotation marks. Read once from begin to end, as pipes need it.
-/// Throws Error for a file that is no list or names no picture.
+/// Throws Error for a file that is not a list or names no picture.
 std::vector<ListedPicture> ReadList(const std::string& list);
 
 }  // namespace kelto::host

@@ -11,9 +11,7 @@ namespace {
 class LocalFrames : public FrameSource {
  public:
   explicit LocalFrames(SceneList list)
-      : list_(std::move(list)),
-        cursor_(list_),
-        renderer_(list_, IsInterrupted) {}
+      : list_(std::move(list)), cursor_(list_), renderer_(list_, IsInterrupted) {}
 
   FrameView Next() override {
     const ScenePlace place = cursor_.Place();

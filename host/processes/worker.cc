@@ -13,6 +13,7 @@
 #include <exception>
 #include <new>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "host/base/error.h"
@@ -69,7 +70,8 @@ Worker::Worker(WorkerEnd end, const std::function<void(Channel&)>& work) : end_(
   process_ = fork();
   if (process_ == 0) {
     SettleSignals(end, owner);
-    for (const int other : OwnersEnds()) close(other);
+    // Forgotten too: a worker of this one's own may get their numbers for its line.
+    for (const int other : std::exchange(OwnersEnds(), {})) close(other);
     close(sockets[0]);
     LeaveStandardOutput();
     libraryText_.Attach();

@@ -94,7 +94,7 @@ TEST_P(AProjectFileIsReadAgain, AfterAnyAllocationHasFailed) {
       ASSERT_EQ(Read(text), expected) << "allocation " << n;
     }
   }
-  EXPECT_GT(n, 100);
+  EXPECT_GT(n, 50);
 }
 
 }  // namespace

@@ -185,7 +185,7 @@ TEST_F(BadInput, OtherOptionsThatAreNone) {
   ExpectMisuse("linear, ease, constant, hold", {"--out", "Hold"});
   ExpectMisuse("linear, spline", {"--path", "round"});
   ExpectMisuse("rgb, 601", {"--levels", "709"});
-  ExpectMisuse("target, source", {"--display", "both"});
+  ExpectMisuse("source, target", {"--display", "both"});
   ExpectMisuse("top, bottom, progressive", {"--fields", "both"});
   ExpectMisuse("--background", {"--background", "red"});
   ExpectMisuse("--play-mode", {"--play-mode", "x"});

@@ -271,7 +271,7 @@ TEST_F(BatchCommand, StoppedLeavesNoUnfinishedFilm) {
     command.Signal(signal);
     const Outcome outcome = command.Wait();
     EXPECT_EQ(outcome.signal, signal);
-    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.err, "kelto: interrupted after 0 of 6 films; use --resume to go on\n");
     EXPECT_THAT(Films(), testing::IsEmpty());
     for (const pid_t worker : workers) EXPECT_FALSE(IsRunning(worker));
   }

@@ -85,10 +85,10 @@ TEST_F(HostileFile, SoundOfOneSampleASecond) {
   const std::string sound = folder_ / "slow.wav";
   WriteBytes(sound, Wav(1, 10000));
   for (const char* film : {"film.mp4", "film.mkv"}) {
-    EXPECT_EQ(
-        Refusal({"render", photo_, "-o", folder_ / film, "--frames", "2", "--size", "64x64",
-                 "--audio", sound, "--jobs", "1"}),
-        "kelto: " + sound + ": its sound has 1 samples a second; the limits are 1000 and 768000\n");
+    EXPECT_EQ(Refusal({"render", photo_, "-o", folder_ / film, "--frames", "2", "--size", "64x64",
+                       "--audio", sound, "--jobs", "1"}),
+              "kelto: " + sound +
+                  ": its sound has 1 samples per second; the limits are 1000 and 768000\n");
   }
 }
 

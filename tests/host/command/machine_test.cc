@@ -58,7 +58,8 @@ TEST_F(Completion, InBashOffersCommandsOptionsAndWords) {
   EXPECT_THAT(BashOffers("render photo.jpg --fil"), testing::ElementsAre("--filter"));
   EXPECT_THAT(BashOffers("render --filter ul"), testing::ElementsAre("ultra"));
   EXPECT_THAT(BashOffers("batch --format mp"), testing::ElementsAre("mp4"));
-  EXPECT_THAT(BashOffers("render --size \"\""), IsEmpty());
+  EXPECT_THAT(BashOffers("render --size s"), testing::ElementsAre("square", "story"));
+  EXPECT_THAT(BashOffers("render --seconds \"\""), IsEmpty());
   EXPECT_THAT(BashOffers("render --fields p"), testing::ElementsAre("progressive"));
 }
 

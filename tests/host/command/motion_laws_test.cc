@@ -224,7 +224,7 @@ TEST_F(MotionLaws, APartOfThePhotoThatCannotBeShownIsToldByItsPlaceInTheProject)
   };
   EXPECT_THAT(told("-900000,0,900000,100"),
               testing::StartsWith("1kelto: " + (folder_ / "p.json") +
-                                  ": views[1].view: -9e+05,0,9e+05,100: takes a zoom of"));
+                                  ": views[1].view: -9e+05,0,9e+05,100: lies outside the photo"));
   EXPECT_THAT(told("10,10,8,8"), testing::StartsWith("0kelto: " + (folder_ / "p.json") +
                                                      ": views[1].view: 10,10,8,8: is widened to "));
 }

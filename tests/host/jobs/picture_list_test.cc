@@ -51,7 +51,7 @@ TEST(PictureList, WithoutPicturesIsAnError) {
   EXPECT_THROW(Pictures(folder / ""), Error) << "an empty folder";
   EXPECT_THROW(Pictures(folder / "none"), Error) << "nothing there";
   std::ofstream(folder / "photo") << std::string("\xff\xd8\0\0", 4);
-  EXPECT_THROW(Pictures(folder / "photo"), Error) << "a picture is no list";
+  EXPECT_THROW(Pictures(folder / "photo"), Error) << "a picture is not a list";
   std::ofstream(folder / "blank.txt") << "\n\n";
   EXPECT_THROW(Pictures(folder / "blank.txt"), Error);
 }
@@ -60,10 +60,10 @@ TEST(PictureList, WithoutEndOrThatCannotBeReadIsAnError) {
   const TempFolder folder;
   std::ofstream(folder / "long.txt") << std::string(100000, 'a') << "\n";
   EXPECT_THAT([&] { Pictures(folder / "long.txt"); },
-              testing::ThrowsMessage<Error>(testing::HasSubstr("is no list")));
+              testing::ThrowsMessage<Error>(testing::HasSubstr("is not a list")));
 #if defined(__linux__)
   EXPECT_THAT([] { Pictures("/dev/zero"); },
-              testing::ThrowsMessage<Error>(testing::HasSubstr("is no list")));
+              testing::ThrowsMessage<Error>(testing::HasSubstr("is not a list")));
   // Opens, and cannot be read.
   EXPECT_THAT([] { Pictures("/proc/self/mem"); },
               testing::ThrowsMessage<Error>(testing::HasSubstr("cannot be read to its end")));

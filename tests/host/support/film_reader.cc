@@ -22,10 +22,13 @@ void Copy(const AVFrame& from, DecodedFrame& to) {
   for (int plane = 0; plane < 3; ++plane) {
     const int width = plane == 0 ? to.width : to.chromaWidth;
     const int height = plane == 0 ? to.height : to.chromaHeight;
+    // Red, green and blue may lie in one plane, pixel by pixel.
+    const AVComponentDescriptor& part = form->comp[plane];
     for (int row = 0; row < height; ++row) {
-      const uint8_t* start = from.data[plane] + ptrdiff_t{row} * from.linesize[plane];
-      if (form->comp[plane].depth == 8) {
-        to.planes[plane].insert(to.planes[plane].end(), start, start + width);
+      const uint8_t* start =
+          from.data[part.plane] + ptrdiff_t{row} * from.linesize[part.plane] + part.offset;
+      if (part.depth == 8) {
+        for (int x = 0; x < width; ++x) to.planes[plane].push_back(start[x * part.step]);
         continue;
       }
       // Ten bits, to the nearest level of eight.
