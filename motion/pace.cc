@@ -15,7 +15,7 @@ constexpr int kBisections = 60;
 /// What bisection leaves open, of a rate.
 constexpr double kSlack = 1e-9;
 /// Above that: coming back from the last milestone, where the rate leaves one speed alone.
-constexpr double kRounding = 1e-6;
+constexpr double kPaceRounding = 1e-6;
 
 struct Range {
   double low, high;
@@ -122,7 +122,7 @@ class Speeds {
     rate = std::min(rate, slowing) * (1 + kSlack);
     const double haste = Least(1.0, [&](double share) { return Try(rate, share); });
     Try(rate, haste);
-    Pick(rate * (1 + kRounding));
+    Pick(rate * (1 + kPaceRounding));
   }
 
   /// The least of 0..`most` with which `works`; it does with `most`.

@@ -10,9 +10,9 @@
 
 #if !defined(_WIN32)
 #include <unistd.h>
+#endif
 
 #include "host/base/error.h"
-#endif
 
 namespace kelto::host {
 namespace {

@@ -12,7 +12,7 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr PixelSize kPhoto{1920, 1080};
+constexpr PixelSize kHdPhoto{1920, 1080};
 
 RenderPlan PlanOf(std::vector<TourView> tour, const char* path = "Path: Linear") {
   RenderPlan plan = DefaultPlan("photo.jpg");
@@ -25,7 +25,7 @@ RenderPlan PlanOf(std::vector<TourView> tour, const char* path = "Path: Linear")
 /// The words of the keys of a velocity.
 std::vector<std::string> Words(const RenderPlan& plan, const char* velocity) {
   std::vector<std::string> words;
-  const RenderPlan keyed = KeyedPlan(plan, kPhoto);
+  const RenderPlan keyed = KeyedPlan(plan, kHdPhoto);
   for (const SettingKey& key : keyed.FindSetting(velocity)->keys) {
     words.push_back(std::get<std::string>(key.value));
   }
@@ -34,7 +34,7 @@ std::vector<std::string> Words(const RenderPlan& plan, const char* velocity) {
 
 TEST(KeyedPlan, HasAKeyForEachViewAndForTheEndOfEachHold) {
   const RenderPlan keyed =
-      KeyedPlan(PlanOf({{View{1}, 0.0, 1.0}, {View{4, 0.2, 0.1}, 2.0, 1.0}, {View{2}}}), kPhoto);
+      KeyedPlan(PlanOf({{View{1}, 0.0, 1.0}, {View{4, 0.2, 0.1}, 2.0, 1.0}, {View{2}}}), kHdPhoto);
   EXPECT_TRUE(keyed.views.empty());
   EXPECT_EQ(keyed.FindSetting("size")->keys,
             (std::vector<SettingKey>{{0.0, 1.0}, {0.25, 4.0}, {0.75, 4.0}, {1.0, 2.0}}));
@@ -43,12 +43,12 @@ TEST(KeyedPlan, HasAKeyForEachViewAndForTheEndOfEachHold) {
 
 TEST(KeyedPlan, LeavesAPlanWithKeysAsItIs) {
   const RenderPlan plan = DefaultPlan("photo.jpg");
-  EXPECT_EQ(KeyedPlan(plan, kPhoto).settings, plan.settings);
+  EXPECT_EQ(KeyedPlan(plan, kHdPhoto).settings, plan.settings);
 }
 
 TEST(KeyedPlan, ShowsAPartOfThePhotoInTheFramesShape) {
   // Half the photo's width, higher than the frame's shape: the width follows from the height.
-  const RenderPlan keyed = KeyedPlan(PlanOf({{PhotoRect{480, 0, 960, 1080}}}), kPhoto);
+  const RenderPlan keyed = KeyedPlan(PlanOf({{PhotoRect{480, 0, 960, 1080}}}), kHdPhoto);
   EXPECT_EQ(keyed.FindSetting("size")->keys[0], (SettingKey{0.0, 1.0}));
 }
 
@@ -74,7 +74,7 @@ TEST(KeyedPlan, PassesViewsOfASmoothWayThatDoesNotPauseThere) {
 
 TEST(KeyedPlan, NamesThePartThatTheEffectCannotShow) {
   try {
-    KeyedPlan(PlanOf({{View{1}}, {PhotoRect{-9e5, 0, 2e6, 100}}}), kPhoto);
+    KeyedPlan(PlanOf({{View{1}}, {PhotoRect{-9e5, 0, 2e6, 100}}}), kHdPhoto);
     FAIL() << "is shown";
   } catch (const Error& error) {
     EXPECT_THAT(error.what(),
