@@ -78,7 +78,10 @@ class FileNames : public testing::Test {
   /// The names, one a line.
   static std::string AllNames() {
     std::string lines;
-    for (const std::string& name : names) lines += name + "\r\n";
+    // A name that begins with a blank takes quotation marks.
+    for (const std::string& name : names) {
+      lines += (name.front() == ' ' ? '"' + name + '"' : name) + "\r\n";
+    }
     return lines;
   }
 
