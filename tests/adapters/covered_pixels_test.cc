@@ -15,7 +15,7 @@ using namespace frei0r;
 using test::FilterPlugin;
 using test::Instance;
 
-constexpr uint32_t kWidth = 161, kHeight = 90;
+constexpr uint32_t kColumns = 161, kRows = 90;
 constexpr uint32_t kBlack = 0xff000000, kWhite = 0xffffffff;
 
 struct Case {
@@ -36,7 +36,7 @@ class CoveredPixels : public testing::Test {
 
   std::vector<uint32_t> Render(const std::string& photo, const Case& given,
                                const std::string& background, bool inPlace = false) {
-    Instance instance(FilterPlugin(), kWidth, kHeight);
+    Instance instance(FilterPlugin(), kColumns, kRows);
     instance.Set(kImage, photo);
     if (!given.view.empty()) instance.Set(kFrom, given.view);
     instance.Set(kFilter, given.filter);
@@ -59,7 +59,7 @@ class CoveredPixels : public testing::Test {
       const bool untouched = black[i] == kBlack && white[i] == kWhite;
       if (untouched) {
         EXPECT_EQ(over[i], video_[i])
-            << given.view << " column " << i % kWidth << " row " << i / kWidth;
+            << given.view << " column " << i % kColumns << " row " << i / kColumns;
       } else if (covered(i) && covered(i - 1) && covered(i + 1)) {
         // Not at the edges: a pair of columns shares its chroma.
         EXPECT_EQ(over[i], black[i]);
@@ -72,7 +72,7 @@ class CoveredPixels : public testing::Test {
 
   test::TempFolder folder_;
   std::string photo_ = folder_ / "photo.png";
-  std::vector<uint32_t> video_ = std::vector<uint32_t>(size_t{kWidth} * kHeight);
+  std::vector<uint32_t> video_ = std::vector<uint32_t>(size_t{kColumns} * kRows);
 };
 
 TEST_F(CoveredPixels, VideoBesideThePhotoIsKeptToTheBit) {

@@ -13,7 +13,7 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr size_t kFrame = size_t{4} * 96 * 64;
+constexpr size_t kFrameBytes = size_t{4} * 96 * 64;
 
 class FilmEnds : public testing::Test {
  protected:
@@ -27,7 +27,7 @@ class FilmEnds : public testing::Test {
     return BytesOf(folder_ / name);
   }
   static Rgb Middle(const std::string& film, size_t frame) {
-    const size_t at = frame * kFrame + kFrame / 2 + 2 * 96;
+    const size_t at = frame * kFrameBytes + kFrameBytes / 2 + 2 * 96;
     return {uint8_t(film[at + 2]), uint8_t(film[at + 1]), uint8_t(film[at])};
   }
   std::string Sound(double seconds) {
@@ -52,7 +52,7 @@ class FilmEnds : public testing::Test {
 TEST_F(FilmEnds, ComeOutOfAColourAndGoIntoIt) {
   const std::string film = Film("f.bgra", {"--frames", "12", "--fade-in", "0.2", "--fade-out",
                                            "0.12", "--fade-colour", "#0000ff", "--move", "hold"});
-  ASSERT_EQ(film.size(), 12 * kFrame);
+  ASSERT_EQ(film.size(), 12 * kFrameBytes);
   const Rgb photo{200, 100, 50}, blue{0, 0, 255};
   EXPECT_EQ(Distance(Middle(film, 0), blue), 0) << "the colour alone at the very beginning";
   for (size_t i = 1; i < 5; ++i) {

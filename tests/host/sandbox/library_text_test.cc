@@ -23,10 +23,12 @@ constexpr const char* kSecond = ": kelto: all is well";
 
 class LibraryText : public testing::Test {
  protected:
-  LibraryText() {
+  void SetUp() override {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "in this build it goes where the sanitizers' reports go";
 #endif
+  }
+  LibraryText() {
     WriteJpeg(photo_, MakePicture(160, 120, [](int x, int y) {
                 return Rgb{uint8_t(x), uint8_t(y), 60};
               }));
