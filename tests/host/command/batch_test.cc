@@ -121,7 +121,9 @@ class BatchCommand : public testing::Test {
     std::set<std::string> named;
     std::istringstream lines(err);
     int count = 0;
-    for (std::string line; std::getline(lines, line); ++count) {
+    for (std::string line; std::getline(lines, line);) {
+      if (line.starts_with("kelto: film ")) continue;  // how far a slow machine is
+      ++count;
       for (const std::string& bad : bad_) {
         if (line.starts_with("kelto: " + bad + ": ")) named.insert(bad);
       }
