@@ -26,9 +26,6 @@ namespace {
 constexpr uint16_t kFirstModel = 1;
 /// Width and height of the frame that shows whether there is a picture.
 constexpr int32_t kProbeSize = 16;
-/// The effect draws by nearest neighbour at this quality and below, and by this filter.
-constexpr double kFastQuality = 0.5;
-constexpr const char* kNearestFilter = "Filter: Real Time";
 
 /// The lock around the module and the host library; see the head of photo_effect.h.
 std::mutex& ModuleLock() {
@@ -152,8 +149,8 @@ void PhotoEffect::KeepVideo(const FrameRequest& request, const host::RenderPlan&
   // Outlines may lie anywhere, and a copy reduced for playing has its own edges.
   if (request.scene->outlined || plan.playMode != hfxPlayModeRender) return;
   const DrawnFrame frame = host::FrameToDraw(plan, size_, state, host::DrewSquarePixels(*effect_));
-  const bool nearest =
-      request.quality <= kFastQuality || host::DrawnEntry(*effect_, "filter") == kNearestFilter;
+  const bool nearest = request.quality <= host::kFastQuality ||
+                       host::DrawnEntry(*effect_, key::kFilter) == entry::kFilterRealTime;
   const CoveredPixels covered = CoveredBy(
       frame, host::DrawnView(*effect_), {plan.format.size.width, plan.format.size.height}, nearest);
   if (!plan.format.Interlaced()) return KeepVideoBeside(covered, *request.video, 0, 1, output);

@@ -7,8 +7,7 @@
 #include <array>
 #include <cmath>
 #include <optional>
-#include <set>
-#include <utility>
+#include <vector>
 
 #include "editor/widgets/colours.h"
 
@@ -24,8 +23,6 @@ constexpr qsizetype kManyLines = 400;
 constexpr double kBetweenTicks = 5.0;
 /// Views smaller than this on the canvas have no number, unless selected.
 constexpr double kSmallView = 26.0;
-/// The side of a square of the canvas in which one number stands at the most.
-constexpr double kCrowded = 14.0;
 const QColor kShade(0, 0, 0, 150);
 const QColor kSnapLine(0xff, 0x4f, 0xc3);
 
@@ -58,18 +55,28 @@ void DrawFrame(QPainter& painter, const QRectF& rect, const QColor& colour, doub
   painter.setRenderHint(QPainter::Antialiasing);
 }
 
+struct Label {
+  QString text;
+  QColor colour;
+  QRectF box;
+};
+
 /// A label with its corner at `corner`, growing right and down, or left and up.
-void DrawLabel(QPainter& painter, const QString& text, const QColor& colour, QPointF corner,
-               bool rightAndDown) {
+Label LabelAt(const QPainter& painter, const QString& text, const QColor& colour, QPointF corner,
+              bool rightAndDown) {
   const QFontMetricsF metrics(painter.font());
   const QSizeF size(std::max(metrics.height(), metrics.horizontalAdvance(text) + 10.0),
                     metrics.height() + 2.0);
-  const QRectF box(rightAndDown ? corner : corner - QPointF(size.width(), size.height()), size);
+  return {
+      text, colour, {rightAndDown ? corner : corner - QPointF(size.width(), size.height()), size}};
+}
+
+void DrawLabel(QPainter& painter, const Label& label) {
   painter.setPen(Qt::NoPen);
-  painter.setBrush(colour);
-  painter.drawRoundedRect(box, 3.0, 3.0);
-  painter.setPen(TextOn(colour));
-  painter.drawText(box, Qt::AlignCenter, text);
+  painter.setBrush(label.colour);
+  painter.drawRoundedRect(label.box, 3.0, 3.0);
+  painter.setPen(TextOn(label.colour));
+  painter.drawText(label.box, Qt::AlignCenter, label.text);
 }
 
 QPointF Middle(const host::PhotoRect& view, const CanvasTransform& transform) {
@@ -134,30 +141,63 @@ void DrawHandles(QPainter& painter, const QRectF& view, const QColor& colour) {
   }
 }
 
-/// Squares of the canvas in which a number stands.
-using Taken = std::set<std::pair<int, int>>;
+/// Where labels of a view stand, by their corners: its number, and how much the film enlarges it.
+QPointF NumberCorner(const QRectF& view) { return view.topLeft() + QPointF(6.0, 6.0); }
+QPointF FactorCorner(const QRectF& view) { return view.bottomRight() - QPointF(6.0, 6.0); }
 
-void DrawView(QPainter& painter, const CanvasOverlay& overlay, int view, Taken& taken) {
+Label NumberOf(const QPainter& painter, const CanvasOverlay& overlay, int view) {
   const CanvasScene& scene = overlay.scene;
-  const host::PhotoRect& part = scene.views[view];
-  const QRectF rect = OnCanvas(part, overlay.transform);
-  if (!rect.adjusted(-20, -20, 20, 20).intersects(overlay.canvas)) return;
-  const bool selected = view == scene.selected;
-  const QColor colour = ViewColour(view, static_cast<int>(scene.views.size()));
-  DrawFrame(painter, rect, colour, selected ? 3.0 : 2.0);
-  if (selected) DrawHandles(painter, rect, colour);
-  if (!selected && std::min(rect.width(), rect.height()) < kSmallView) return;
-  const bool first = taken
-                         .insert({static_cast<int>(rect.left() / kCrowded),
-                                  static_cast<int>(rect.top() / kCrowded)})
-                         .second;
-  if (!selected && !first) return;
-  DrawLabel(painter, QString::number(view + 1), colour, rect.topLeft() + QPointF(6.0, 6.0), true);
-  const double factor = Enlargement(part, scene.limits);
-  if (factor <= 1.005) return;
+  return LabelAt(painter, QString::number(view + 1),
+                 ViewColour(view, static_cast<int>(scene.views.size())),
+                 NumberCorner(OnCanvas(scene.views[view], overlay.transform)), true);
+}
+
+std::optional<Label> FactorOf(const QPainter& painter, const CanvasOverlay& overlay, int view) {
+  const host::PhotoRect& part = overlay.scene.views[view];
+  const double factor = Enlargement(part, overlay.scene.limits);
+  if (factor <= 1.005) return std::nullopt;
   const QString text =
       QStringLiteral("\u00d7") + QLocale().toString(factor, 'f', factor < 9.95 ? 1 : 0);
-  DrawLabel(painter, text, EnlargedColour(), rect.bottomRight() - QPointF(6.0, 6.0), false);
+  return LabelAt(painter, text, EnlargedColour(), FactorCorner(OnCanvas(part, overlay.transform)),
+                 false);
+}
+
+/// What labels stand on, for those to come.
+class LabelRoom {
+ public:
+  /// Whether there may be room for a label with this corner, which is quickly seen.
+  bool IsFreeAt(QPointF corner) const {
+    return std::none_of(taken_.begin(), taken_.end(),
+                        [&](const QRectF& box) { return box.contains(corner); });
+  }
+  bool Take(const QRectF& box) {
+    const bool free = std::none_of(taken_.begin(), taken_.end(),
+                                   [&](const QRectF& other) { return other.intersects(box); });
+    if (free) taken_.push_back(box);
+    return free;
+  }
+
+ private:
+  std::vector<QRectF> taken_;
+};
+
+/// `room` is null for the selected view, whose labels stand above all others.
+void DrawView(QPainter& painter, const CanvasOverlay& overlay, int view, LabelRoom* room) {
+  const CanvasScene& scene = overlay.scene;
+  const QRectF rect = OnCanvas(scene.views[view], overlay.transform);
+  if (!rect.adjusted(-20, -20, 20, 20).intersects(overlay.canvas)) return;
+  const QColor colour = ViewColour(view, static_cast<int>(scene.views.size()));
+  DrawFrame(painter, rect, colour, room == nullptr ? 3.0 : 2.0);
+  if (room == nullptr) DrawHandles(painter, rect, colour);
+  if (room != nullptr && std::min(rect.width(), rect.height()) < kSmallView) return;
+  const auto draw = [&](const Label& label) {
+    if (room == nullptr || room->Take(label.box)) DrawLabel(painter, label);
+  };
+  if (room == nullptr || room->IsFreeAt(NumberCorner(rect))) {
+    draw(NumberOf(painter, overlay, view));
+  }
+  if (room != nullptr && !room->IsFreeAt(FactorCorner(rect))) return;
+  if (const auto factor = FactorOf(painter, overlay, view)) draw(*factor);
 }
 
 }  // namespace
@@ -175,14 +215,17 @@ void DrawOverlay(QPainter& painter, const CanvasOverlay& overlay) {
     path.addRect(OnCanvas(ViewAt(scene.way, overlay.seconds), overlay.transform));
     DrawLine(painter, path, Qt::white, 1.0, Qt::DashLine);
   }
-  Taken taken;
+  const bool selects = scene.selected >= 0 && scene.selected < static_cast<int>(scene.views.size());
+  LabelRoom room;
+  if (selects) {
+    room.Take(NumberOf(painter, overlay, scene.selected).box);
+    if (const auto factor = FactorOf(painter, overlay, scene.selected)) room.Take(factor->box);
+  }
   for (int view = static_cast<int>(scene.views.size()) - 1; view >= 0; --view) {
-    if (view != scene.selected) DrawView(painter, overlay, view, taken);
+    if (view != scene.selected) DrawView(painter, overlay, view, &room);
   }
   DrawWay(painter, overlay);
-  if (scene.selected >= 0 && scene.selected < static_cast<int>(scene.views.size())) {
-    DrawView(painter, overlay, scene.selected, taken);
-  }
+  if (selects) DrawView(painter, overlay, scene.selected, nullptr);
   painter.setPen(QPen(kSnapLine, 1.0));
   if (overlay.snappedX) {
     const double x = overlay.transform.ToCanvas({*overlay.snappedX, 0.0}).x;

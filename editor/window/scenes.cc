@@ -4,8 +4,10 @@
 #include <QLocale>
 #include <array>
 
+#include "catalogue/parameters.h"
 #include "editor/document/tour_changes.h"
 #include "host/options/choices.h"
+#include "host/track/planned_stops.h"
 #include "motion/easing.h"
 
 namespace kelto::editor {
@@ -31,21 +33,19 @@ QString ValueText(const host::SettingValue& value) {
 }
 
 QString LaneName(const std::string& parameter) {
-  if (parameter == "size") return Text(QT_TRANSLATE_NOOP("Scenes", "Zoom"));
-  if (parameter == "position") return Text(QT_TRANSLATE_NOOP("Scenes", "Position"));
-  if (parameter == "invelocity") return Text(QT_TRANSLATE_NOOP("Scenes", "Arrival"));
+  if (parameter == key::kSize) return Text(QT_TRANSLATE_NOOP("Scenes", "Zoom"));
+  if (parameter == key::kPosition) return Text(QT_TRANSLATE_NOOP("Scenes", "Position"));
+  if (parameter == key::kInVelocity) return Text(QT_TRANSLATE_NOOP("Scenes", "Arrival"));
   return Text(QT_TRANSLATE_NOOP("Scenes", "Departure"));
 }
 
 /// The share of the way covered at even times.
-std::vector<double> CurveOf(const EasingWords& words) {
-  const auto departure = words.out == "linear"     ? motion::Departure::kLinear
-                         : words.out == "constant" ? motion::Departure::kConstant
-                         : words.out == "hold"     ? motion::Departure::kHold
-                                                   : motion::Departure::kEase;
-  const auto arrival = words.in == "linear"     ? motion::Arrival::kLinear
-                       : words.in == "constant" ? motion::Arrival::kConstant
-                                                : motion::Arrival::kEase;
+std::vector<double> CurveOf(const std::string& out, const std::string& in) {
+  const auto entryOf = [](const char* list, const std::string& word) {
+    return host::EntryOf(host::ListOf(list), word);
+  };
+  const motion::Departure departure = host::DepartureOf(entryOf(key::kOutVelocity, out));
+  const motion::Arrival arrival = host::ArrivalOf(entryOf(key::kInVelocity, in));
   constexpr int kSteps = 24;
   std::vector<double> curve;
   for (int i = 0; i <= kSteps; ++i) {
@@ -57,8 +57,8 @@ std::vector<double> CurveOf(const EasingWords& words) {
 }  // namespace
 
 const std::vector<std::string>& LaneParameters() {
-  static const std::vector<std::string> parameters = {"size", "position", "invelocity",
-                                                      "outvelocity"};
+  static const std::vector<std::string> parameters = {key::kSize, key::kPosition, key::kInVelocity,
+                                                      key::kOutVelocity};
   return parameters;
 }
 
@@ -81,8 +81,8 @@ StopTimes StopTimesOf(const host::RenderPlan& plan) {
 EasingWords EasingBehind(const host::RenderPlan& plan, size_t stop) {
   EasingWords words;
   if (stop + 1 >= plan.views.size()) return words;
-  words.out = WordFor("outvelocity", plan.views[stop].departure);
-  words.in = WordFor("invelocity", plan.views[stop + 1].arrival);
+  words.out = WordFor(key::kOutVelocity, plan.views[stop].departure);
+  words.in = WordFor(key::kInVelocity, plan.views[stop + 1].arrival);
   return words;
 }
 
@@ -96,9 +96,13 @@ TimelineScene TimelineSceneOf(const host::RenderPlan& plan, int selected, const 
   scene.way = way;
   for (size_t i = 0; i + 1 < plan.views.size(); ++i) {
     const EasingWords words = EasingBehind(plan, i);
-    const QString out = QString::fromStdString(words.out.empty() ? "ease" : words.out);
-    const QString in = QString::fromStdString(words.in.empty() ? "ease" : words.in);
-    scene.easing.push_back({out == in ? out : out + " – " + in, CurveOf(words)});
+    const auto usual = [](const std::string& word, const char* list) {
+      return word.empty() ? std::string(host::ListOf(list).preset) : word;
+    };
+    const std::string out = usual(words.out, key::kOutVelocity);
+    const std::string in = usual(words.in, key::kInVelocity);
+    scene.easing.push_back(
+        {QString::fromStdString(out == in ? out : out + " – " + in), CurveOf(out, in)});
   }
   if (!plan.views.empty()) return scene;
   for (const std::string& parameter : LaneParameters()) {

@@ -15,6 +15,9 @@ View DrawnView(hfx::Effect& effect);
 /// Whether the photo's pixels counted as square.
 bool DrewSquarePixels(hfx::Effect& effect);
 
+/// At this quality and below the effect draws by nearest neighbour, whatever its filter.
+constexpr double kFastQuality = 0.5;
+
 /// The entry of a list, such as "filter".
 std::string DrawnEntry(hfx::Effect& effect, const char* list);
 

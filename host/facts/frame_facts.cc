@@ -1,17 +1,11 @@
 #include "host/facts/frame_facts.h"
 
 #include "catalogue/parameters.h"
+#include "host/effect/drawn_state.h"
 #include "host/effect/render_state.h"
 #include "host/track/drawn_frame.h"
 
 namespace kelto::host {
-namespace {
-
-/// At this quality and below, and in the source display, the effect draws with its fastest filter.
-constexpr double kFastQuality = 0.5;
-
-}  // namespace
-
 FrameInspector::FrameInspector(const std::string& modulePath, const RenderPlan& plan,
                                const Photo& photo, double quality)
     : plan_(plan),
@@ -33,6 +27,7 @@ FrameFacts FrameInspector::Of(int32_t number, int32_t field) {
   lastMoment_ = {number, field};
   lastMotion_ = motion;
   facts.area = Area(facts, motion.target ? motion.view : View{});
+  // The source display is always drawn fast.
   facts.filter = motion.target && quality_ > kFastQuality ? motion.filter : entry::kFilterRealTime;
   return facts;
 }

@@ -231,17 +231,7 @@ class Encoder : public FrameSink {
   /// Hands a frame to the encoder (null: there are no more) and what it gives back to the
   /// container.
   void Encode(const AVFrame* frame) {
-    Check(avcodec_send_frame(codec_.get(), frame), "encode a frame");
-    AVStream* stream = container_->streams[0];
-    for (;;) {
-      const int code = avcodec_receive_packet(codec_.get(), packet_.get());
-      if (code == AVERROR(EAGAIN) || code == AVERROR_EOF) break;
-      Check(code, "encode a frame");
-      packet_->duration = 1;
-      packet_->stream_index = stream->index;
-      av_packet_rescale_ts(packet_.get(), codec_->time_base, stream->time_base);
-      Check(av_interleaved_write_frame(container_.get(), packet_.get()), "write a frame");
-    }
+    Check(EncodeInto(*container_, *codec_, frame, *packet_), "encode and write a frame");
   }
 
   std::string name_;

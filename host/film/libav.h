@@ -41,6 +41,12 @@ int NumberIn(const Enumeration& field) {
   return number;
 }
 
+/// Codes a frame (null: there are no more) and writes what the codec gives back as the container's
+/// first stream, one unit of the codec's time a packet; `packet` is room for them. Returns a
+/// library's code, negative for an error.
+int EncodeInto(AVFormatContext& container, AVCodecContext& codec, const AVFrame* frame,
+               AVPacket& packet);
+
 /// A library's error code in words.
 std::string LibavText(int code);
 

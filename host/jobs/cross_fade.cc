@@ -1,12 +1,15 @@
 #include "host/jobs/cross_fade.h"
 
+#include <algorithm>
+
 namespace kelto::host {
 namespace {
 
-/// The weight of the new picture in 256ths, `halves` half steps after the first frame.
+/// The weight of the new picture in 256ths, 256 at most, `halves` half steps after the first frame.
 uint32_t WeightAt(int32_t halves, int32_t steps) {
   const int64_t whole = 2 * (int64_t{steps} + 1);
-  return static_cast<uint32_t>((256 * (int64_t{halves} + 2) + whole / 2) / whole);
+  return static_cast<uint32_t>(
+      std::min<int64_t>(256, (256 * (int64_t{halves} + 2) + whole / 2) / whole));
 }
 
 void BlendRow(const uint8_t* from, const uint8_t* to, uint32_t weight, size_t count, uint8_t* out) {

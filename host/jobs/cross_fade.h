@@ -14,8 +14,9 @@ class CrossFade {
   CrossFade(const FilmFormat& format, PixelLayout layout);
 
   /// Frame `step` of a fade of `steps` frames from `from` to `to`: neither the first nor the last
-  /// is one of them alone. Levels are mixed as they are coded, as video mixers do. In interlaced
-  /// films the later field is half a step further. The view holds until the next call.
+  /// is one of them alone; steps -1 and `steps` are. Levels are mixed as they are coded, as video
+  /// mixers do. In interlaced films the later field is half a step further. The view holds until
+  /// the next call.
   FrameView Blend(const FrameView& from, const FrameView& to, int32_t step, int32_t steps);
 
  private:

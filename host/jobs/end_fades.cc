@@ -40,9 +40,10 @@ EndFades::EndFades(const EndFadeLengths& lengths, const FilmFormat& format, Pixe
 }
 
 FrameView EndFades::Of(const FrameView& frame, int32_t number) {
-  // The colour alone at the very end: one step less than there are frames leads to it.
+  // The colour alone at the very ends: there is a step before the first of a fade, or the last step
+  // is its end.
   if (number < lengths_.in) {
-    return fade_.Blend(frame, Solid(), lengths_.in - 1 - number, lengths_.in - 1);
+    return fade_.Blend(Solid(), frame, number - 1, lengths_.in - 1);
   }
   const int32_t left = frames_ - 1 - number;
   if (left < lengths_.out) {

@@ -57,17 +57,21 @@ View ViewAt(const RenderPlan& plan, double time) {
           NumberAt(centres, time, 0.0, AxisOf<1>)};
 }
 
-/// The index of the entry that a velocity has at a time, 0 where it has none.
-size_t EntryAt(const RenderPlan& plan, const char* parameter, double time) {
+/// The entry that a velocity has at a time; empty where it has none.
+std::string EntryAt(const RenderPlan& plan, const char* parameter, double time) {
   const Keys& keys = KeysOf(plan, parameter);
   const auto key = KeyAfter(keys, time);
-  if (key == keys.end() || key->time != time) return 0;
+  if (key == keys.end() || key->time != time) return "";
   const auto* text = std::get_if<std::string>(&key->value);
-  if (text == nullptr) return 0;
+  return text == nullptr ? "" : *text;
+}
+
+/// The index of an entry in its list, 0 for what is none.
+size_t IndexOf(const char* parameter, const std::string& text) {
   const auto entries = catalogue::Find(parameter)->entries;
   const auto found =
       std::find_if(entries.begin(), entries.end(),
-                   [&](const catalogue::Entry& entry) { return entry.text == *text; });
+                   [&](const catalogue::Entry& entry) { return entry.text == text; });
   return found == entries.end() ? 0 : static_cast<size_t>(found - entries.begin());
 }
 
@@ -85,6 +89,14 @@ View ViewOf(const motion::Window& window, double shape) {
   return {zoom, window.x * unit, window.y * unit / shape};
 }
 
+motion::Arrival ArrivalOf(const std::string& entry) {
+  return static_cast<motion::Arrival>(IndexOf(key::kInVelocity, entry));
+}
+
+motion::Departure DepartureOf(const std::string& entry) {
+  return static_cast<motion::Departure>(IndexOf(key::kOutVelocity, entry));
+}
+
 std::vector<motion::Stop> StopsOf(const RenderPlan& plan, double shape) {
   std::vector<double> times;
   for (const char* parameter : {key::kSize, key::kPosition}) {
@@ -99,8 +111,8 @@ std::vector<motion::Stop> StopsOf(const RenderPlan& plan, double shape) {
   stops.reserve(times.size());
   for (const double time : times) {
     stops.push_back({time, WindowOf(ViewAt(plan, time), shape),
-                     static_cast<motion::Arrival>(EntryAt(plan, key::kInVelocity, time)),
-                     static_cast<motion::Departure>(EntryAt(plan, key::kOutVelocity, time))});
+                     ArrivalOf(EntryAt(plan, key::kInVelocity, time)),
+                     DepartureOf(EntryAt(plan, key::kOutVelocity, time))});
   }
   return stops;
 }

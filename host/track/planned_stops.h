@@ -1,6 +1,7 @@
 // A plan's keys as the stops of a tour.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "framing/view.h"
@@ -12,6 +13,10 @@ namespace kelto::host {
 /// `shape` is the height over the width of what zoom 1 shows.
 motion::Window WindowOf(const View& view, double shape);
 View ViewOf(const motion::Window& window, double shape);
+
+/// Entries of the lists "invelocity" and "outvelocity"; linear for what is none.
+motion::Arrival ArrivalOf(const std::string& entry);
+motion::Departure DepartureOf(const std::string& entry);
 
 /// A stop for each time at which "size" or "position" has a key; what has none there is taken
 /// evenly from its neighbours, and a velocity that has none there counts as linear. As in the

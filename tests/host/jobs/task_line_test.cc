@@ -7,6 +7,7 @@
 #include <string>
 
 #include "host/base/error.h"
+#include "host/base/shell_word.h"
 #include "host/base/shown_text.h"
 
 namespace kelto::host {
