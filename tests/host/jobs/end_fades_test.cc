@@ -8,7 +8,7 @@
 namespace kelto::host {
 namespace {
 
-constexpr FrameSize kSize{2, 4};
+constexpr FrameSize kFrameSize{2, 4};
 constexpr uint8_t kWhite = 255;
 
 /// Levels of two rows, the first field's and the later one's, of white frames that fade from and to
@@ -19,13 +19,13 @@ struct Fields {
 
 std::vector<Fields> Faded(int32_t in, int32_t out, FieldOrder fields, int32_t frames) {
   FilmFormat format;
-  format.size = kSize;
+  format.size = kFrameSize;
   format.fields = fields;
   EndFades fades({in, out, Colour{}}, format, PixelLayout::kBGRA, frames);
-  const std::vector<uint8_t> white(size_t{4} * kSize.width * kSize.height, kWhite);
+  const std::vector<uint8_t> white(size_t{4} * kFrameSize.width * kFrameSize.height, kWhite);
   std::vector<Fields> levels;
   for (int32_t number = 0; number < frames; ++number) {
-    const FrameView frame = fades.Of({white.data(), 4 * kSize.width, kSize}, number);
+    const FrameView frame = fades.Of({white.data(), 4 * kFrameSize.width, kFrameSize}, number);
     levels.push_back({frame.Row(0)[0], frame.Row(1)[0]});
   }
   return levels;
