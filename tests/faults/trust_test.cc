@@ -29,7 +29,7 @@ bool Calls(const std::string& text, const std::string& function) {
 
 TEST(NoShell, IsEverCalled) {
   int files = 0;
-  for (const char* folder : {"platform", "runtime", "curves", "resample", "state", "image",
+  for (const char* folder : {"platform", "runtime", "curves", "resample", "deep", "state", "image",
                              "render", "plugin", "host", "adapters"}) {
     for (const auto& entry :
          fs::recursive_directory_iterator(fs::path(KELTO_SOURCE_DIR) / folder)) {

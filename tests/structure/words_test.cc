@@ -53,10 +53,10 @@ std::vector<fs::path> ProductTexts() {
   const fs::path root(KELTO_SOURCE_DIR);
   std::vector<fs::path> files = {root / "README.md", root / "SECURITY.md", root / "CHANGELOG.md",
                                  root / "CONTRIBUTING.md", root / "dev"};
-  for (const char* folder :
-       {"adapters", "catalogue", "cmake",    "curves",    "docs",   "editor",    "examples",
-        "framing",  "host",      "image",    "keyframes", "motion", "packaging", "platform",
-        "plugin",   "render",    "resample", "runtime",   "state",  "targets",   "tools"}) {
+  for (const char* folder : {"adapters", "catalogue", "cmake",    "curves", "deep",   "docs",
+                             "editor",   "examples",  "framing",  "host",   "image",  "keyframes",
+                             "motion",   "packaging", "platform", "plugin", "render", "resample",
+                             "runtime",  "state",     "targets",  "tools"}) {
     if (!fs::exists(root / folder)) continue;
     for (const auto& entry : fs::recursive_directory_iterator(root / folder)) {
       if (entry.is_regular_file() && IsText(entry.path())) files.push_back(entry.path());
