@@ -83,6 +83,13 @@ void ApplyFilm(const PlanOptions& options, RenderPlan& plan) {
       return FramesOf(ParseSeconds(text), format.rate);
     });
   }
+#if defined(KELTO_FFMPEG)
+  if (options.fitAudio) {
+    if (plan.audio.empty())
+      throw UsageError("--fit-audio: there is no sound; name it with --audio");
+    plan.frames = FramesOf(LookAtSound(plan.audio), format.rate);
+  }
+#endif
   if (!options.fields.empty()) format.fields = ReadOption("--fields", options.fields, ParseFields);
 }
 
@@ -170,6 +177,10 @@ void DeclarePlan(CLI::App& command, PlanOptions& options) {
   declare("--over", "FILE", options.over,
           "Lay the photo over this video: its rate, length and sound become the film's unless "
           "other options say otherwise");
+  CLI::Option* fit =
+      command.add_flag("--fit-audio", options.fitAudio, "Make the film as long as its sound")
+          ->group("Film");
+  for (const char* length : {"--seconds", "--frames", "--over"}) fit->excludes(length);
 #endif
   declare("--fields", "ORDER", options.fields,
           "Interlaced, with this field first: top, bottom; or progressive, whole frames "
@@ -265,7 +276,8 @@ bool ApplyOptions(const PlanOptions& options, RenderPlan& plan) {
   }
   // After all that can be found wrong without the photo.
   ViewOptions views = options.views;
-  views.lengthGiven = !options.seconds.empty() || !options.frames.empty() || !options.over.empty();
+  views.lengthGiven = !options.seconds.empty() || !options.frames.empty() ||
+                      !options.over.empty() || options.fitAudio;
   const bool given = ApplyViews(views, plan);
   if (given) SetShowsVelocities(options, plan);
   ApplyVelocities(options, plan);

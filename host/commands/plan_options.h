@@ -21,6 +21,7 @@ struct PlanOptions {
   ViewOptions views;
   std::string background, playMode, ease;
   std::string over, audio;
+  bool fitAudio = false;  ///< whether the film is as long as its sound
   /// A word for each of ChoiceLists(), in its order.
   std::vector<std::string> words;
 };

@@ -4,10 +4,12 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <set>
 #include <utility>
 
 #include "host/base/error.h"
+#include "host/base/texts.h"
 #include "host/commands/film_options.h"
 #include "host/commands/film_report.h"
 #include "host/commands/line_options.h"
@@ -19,11 +21,15 @@
 #include "host/files/output_file.h"
 #include "host/film/codecs.h"
 #include "host/jobs/film_job.h"
+#include "host/jobs/fitted_times.h"
 #include "host/jobs/picture_list.h"
 #include "host/jobs/picture_memory.h"
 #include "host/jobs/slideshow.h"
 #include "host/options/number.h"
 #include "host/options/rate.h"
+#if defined(KELTO_FFMPEG)
+#include "host/sources/media.h"
+#endif
 #include "host/sources/photos.h"
 #include "host/terminal/events.h"
 #include "host/terminal/interrupt.h"
@@ -36,11 +42,13 @@ namespace {
 constexpr const char* kUsualEach = "5";
 /// As long as a fade is usually; shorter where photographs are not seen for twice as long.
 constexpr const char* kUsualFade = "1";
+/// A dip, which goes twice as far, is no quicker.
+constexpr const char* kUsualDip = "2";
 
 /// The options as they were typed; empty where nothing was.
 struct SlideshowOptions {
   std::vector<std::string> inputs;
-  std::string output, order;
+  std::string output, order, fadeKind;
   std::string each = kUsualEach, fade = kUsualFade;
   bool fadeGiven = false;
   FilmOptions film;
@@ -54,6 +62,20 @@ struct ShowPicture {
   std::string each, fade;  ///< the line's own or the command line's
   bool fadeGiven = false;
 };
+
+/// Reads --fade-kind; what goes without saying of --fade depends on it.
+FadeKind ApplyFadeKind(SlideshowOptions& options) {
+  if (options.fadeKind.empty()) return FadeKind::kCross;
+  return ReadOption("--fade-kind", options.fadeKind, [&](const std::string& kind) {
+    if (kind == "cross") return FadeKind::kCross;
+    if (kind != "dip" && kind != "none") throw UsageError("choose one of cross, dip, none");
+    if (kind == "none" && options.fadeGiven && ParseNumber(options.fade) != 0.0) {
+      throw UsageError("--fade " + options.fade + " says otherwise; give one of them");
+    }
+    if (!options.fadeGiven) options.fade = kind == "dip" ? kUsualDip : "0";
+    return kind == "dip" ? FadeKind::kDip : FadeKind::kCross;
+  });
+}
 
 /// Whole frames of a fade; none for 0.
 int32_t ParseFade(const std::string& text, FrameRate rate) {
@@ -128,6 +150,32 @@ void KeepThose(std::vector<ShowPicture>& pictures,
   if (pictures.empty()) throw Error("none of the pictures can be shown");
 }
 
+#if defined(KELTO_FFMPEG)
+/// Sets how long each picture is seen so that the film is as long as its sound.
+void FitToSound(const std::string& audio, std::vector<ShowPicture>& pictures, Slideshow& show) {
+  if (audio.empty()) throw UsageError("--fit-audio: there is no sound; name it with --audio");
+  const FrameRate rate = show.plans.front().format.rate;
+  std::vector<std::optional<int32_t>> given;
+  std::vector<int32_t> fades;
+  for (size_t i = 0; i < pictures.size(); ++i) {
+    const bool own = !pictures[i].options.each.empty();
+    given.push_back(own ? std::optional(show.plans[i].frames) : std::nullopt);
+    fades.push_back(ParseFade(pictures[i].fade, rate));
+  }
+  const int32_t total = FramesOf(LookAtSound(audio), rate);
+  std::vector<int32_t> times;
+  try {
+    times = FittedTimes(total, given, fades);
+  } catch (const UsageError& error) {
+    throw UsageError(std::string("--fit-audio: ") + error.what());
+  }
+  for (size_t i = 0; i < pictures.size(); ++i) {
+    show.plans[i].frames = times[i];
+    if (!given[i]) pictures[i].each = FixedText(times[i] / rate.PerSecond(), 2);
+  }
+}
+#endif
+
 Slideshow ShowFor(const SlideshowOptions& options, std::vector<ShowPicture>& pictures) {
   if (options.output.empty()) throw UsageError("-o is empty; name the film");
   // What is quickly found wrong goes before the looking.
@@ -148,6 +196,7 @@ Slideshow ShowFor(const SlideshowOptions& options, std::vector<ShowPicture>& pic
     const InterruptsEndAtOnce whileItLooks;
     progress.Show(looked++);
     PlanOptions asked = picture.options.plan;
+    asked.fitAudio = false;  // of the show, not of each picture
     asked.views.turn = static_cast<int32_t>(show.plans.size());
     RenderPlan plan =
         AtPlaceOf(picture.listed, [&] { return ChangedPlan(picture.listed.path, asked); });
@@ -161,6 +210,9 @@ Slideshow ShowFor(const SlideshowOptions& options, std::vector<ShowPicture>& pic
     }
     show.plans.push_back(std::move(plan));
   });
+#if defined(KELTO_FFMPEG)
+  if (options.plan.fitAudio) FitToSound(options.plan.audio, pictures, show);
+#endif
   const RenderPlan& first = show.plans.front();
   for (size_t i = 0; i + 1 < pictures.size(); ++i) {
     show.fades.push_back(AtPlaceOf(pictures[i].listed, [&] {
@@ -215,10 +267,13 @@ void TellOfLostSound(const SlideshowOptions& options, const std::vector<ShowPict
   Warn(*projects.begin() + whose + " left out; give the show its sound with --audio");
 }
 
-void Run(const SlideshowOptions& options, const CLI::App& command) {
-  ApplyReporting(options.film);
+void Run(const SlideshowOptions& given, const CLI::App& command) {
+  ApplyReporting(given.film);
+  SlideshowOptions options = given;
+  const FadeKind fadeKind = ApplyFadeKind(options);
   std::vector<ShowPicture> pictures = PicturesFor(options, WordsGiven(command));
-  const Slideshow show = ShowFor(options, pictures);
+  Slideshow show = ShowFor(options, pictures);
+  show.fadeKind = fadeKind;
   Check(options, pictures, show);
   TellOfLostSound(options, pictures, show);
   const FilmClock clock;
@@ -255,10 +310,17 @@ CLI::App* AddSlideshow(CLI::App& app) {
   const CLI::Option* fade =
       command
           ->add_option("--fade", options->fade,
-                       std::string("Seconds of a cross-fade, 0 for none [") + kUsualFade +
+                       std::string("Seconds of a fade from one to the next, 0 for none [") +
+                           kUsualFade + ", of a dip " + kUsualDip +
                            ", or half of --each where that is less]")
           ->group(kFilm)
           ->type_name("TIME");
+  command
+      ->add_option("--fade-kind", options->fadeKind,
+                   "How one photograph becomes the next: cross, one through the other; dip, "
+                   "through the colour of --fade-colour; none, a cut [cross]")
+      ->group(kFilm)
+      ->type_name("WORD");
   DeclarePlan(*command, options->plan);
   CLI::Option* move = command->get_option("--move");
   move->description(move->get_description() +
@@ -268,6 +330,12 @@ CLI::App* AddSlideshow(CLI::App& app) {
     if (CLI::Option* option = command->get_option_no_throw(replaced); option != nullptr) {
       command->remove_option(option);
     }
+  }
+  if (CLI::Option* fit = command->get_option_no_throw("--fit-audio"); fit != nullptr) {
+    fit->description(
+        "Make the film as long as its sound: photographs share the time evenly, but for "
+        "those whose line in a list has an --each");
+    fit->excludes("--each");
   }
   command->final_callback([options, fade, command] {
     options->fadeGiven = fade->count() > 0;

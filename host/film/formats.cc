@@ -245,6 +245,14 @@ bool WouldReplaceAny(const FilmKind& kind, const FilmRequest& request,
 
 #if defined(KELTO_FFMPEG)
 void CheckSound(const std::string& path) { SoundSource sound(path); }
+
+double SoundSeconds(const std::string& path) {
+  SoundSource sound(path);
+  const auto packet = Own(av_packet_alloc());
+  int64_t end = 0;
+  while (sound.Read(*packet)) end = std::max(end, packet->pts + packet->duration);
+  return static_cast<double>(end) * av_q2d(sound.TimeBase());
+}
 #endif
 
 }  // namespace kelto::host

@@ -57,6 +57,10 @@ bool WouldReplaceAny(const FilmKind& kind, const FilmRequest& request,
 #if defined(KELTO_FFMPEG)
 /// Throws Error when the file `path` has no sound for a film.
 void CheckSound(const std::string& path);
+
+/// How long the file's sound is, in seconds: to the end of its last packet, whatever the file says
+/// of itself. Throws Error when it has none.
+double SoundSeconds(const std::string& path);
 #endif
 
 }  // namespace kelto::host

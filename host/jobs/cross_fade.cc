@@ -5,11 +5,14 @@
 namespace kelto::host {
 namespace {
 
-/// The weight of the new picture in 256ths, 256 at most, `halves` half steps after the first frame.
+/// The weight of the new picture in 256ths, 256 at most.
+uint32_t WeightOf(int64_t part, int64_t whole) {
+  return static_cast<uint32_t>(std::min<int64_t>(256, (256 * part + whole / 2) / whole));
+}
+
+/// The same `halves` half steps after the first frame.
 uint32_t WeightAt(int32_t halves, int32_t steps) {
-  const int64_t whole = 2 * (int64_t{steps} + 1);
-  return static_cast<uint32_t>(
-      std::min<int64_t>(256, (256 * (int64_t{halves} + 2) + whole / 2) / whole));
+  return WeightOf(int64_t{halves} + 2, 2 * (int64_t{steps} + 1));
 }
 
 void BlendRow(const uint8_t* from, const uint8_t* to, uint32_t weight, size_t count, uint8_t* out) {
@@ -20,17 +23,28 @@ void BlendRow(const uint8_t* from, const uint8_t* to, uint32_t weight, size_t co
 
 }  // namespace
 
-CrossFade::CrossFade(const FilmFormat& format, PixelLayout layout)
+CrossFade::CrossFade(const FilmFormat& format, PixelLayout layout, FadeKind kind, Colour colour)
     : format_(format),
+      kind_(kind),
+      colour_(colour, format.size, layout),
       rowBytes_(static_cast<size_t>(format.size.width) * BytesPerPixel(layout)),
       bytes_(rowBytes_ * format.size.height) {}
 
 FrameView CrossFade::Blend(const FrameView& from, const FrameView& to, int32_t step,
                            int32_t steps) {
-  const uint32_t early = WeightAt(2 * step, steps), late = WeightAt(2 * step + 1, steps);
+  const FrameView colour = colour_.View();
   for (int32_t row = 0; row < format_.size.height; ++row) {
-    BlendRow(from.Row(row), to.Row(row), IsLaterField(row) ? late : early, rowBytes_,
-             &bytes_[row * rowBytes_]);
+    const int32_t halves = 2 * step + (IsLaterField(row) ? 1 : 0);
+    const uint8_t *before = from.Row(row), *after = to.Row(row);
+    uint32_t weight = WeightAt(halves, steps);
+    if (kind_ == FadeKind::kDip) {
+      // At twice the rate: the first half goes to the colour, the second one from it.
+      const int64_t done = 2 * (int64_t{halves} + 2), middle = 2 * (int64_t{steps} + 1);
+      const bool goes = done <= middle;
+      (goes ? after : before) = colour.Row(row);
+      weight = WeightOf(goes ? done : done - middle, middle);
+    }
+    BlendRow(before, after, weight, rowBytes_, &bytes_[row * rowBytes_]);
   }
   return {bytes_.data(), static_cast<ptrdiff_t>(rowBytes_), format_.size};
 }

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
 #include "host/base/film_format.h"
 #include "host/jobs/cross_fade.h"
+#include "host/jobs/solid_frame.h"
 #include "host/options/colour.h"
 
 namespace kelto::host {
@@ -27,13 +27,9 @@ class EndFades {
   FrameView Of(const FrameView& frame, int32_t number);
 
  private:
-  FrameView Solid() const;
-
   EndFadeLengths lengths_;
-  FilmFormat format_;
   int32_t frames_;
-  size_t rowBytes_;
-  std::vector<uint8_t> solid_;  ///< a row of the colour
+  SolidFrame solid_;
   CrossFade fade_;
 };
 

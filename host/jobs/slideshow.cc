@@ -40,7 +40,7 @@ int32_t SlideshowFrames(const Slideshow& show) {
 void MakeSlideshow(const Slideshow& show, const std::function<void(int32_t done)>& shown) {
   const std::array turns = {OpenTurns(show, 0), OpenTurns(show, 1)};
   const std::unique_ptr<FrameSink> film = show.kind->open(show.request);
-  CrossFade fade(show.request.format, show.kind->layout);
+  CrossFade fade(show.request.format, show.kind->layout, show.fadeKind, show.ends.colour);
   EndFades ends(show.ends, show.request.format, show.kind->layout, show.request.frames);
   int32_t done = 0;
   const auto write = [&](const FrameView& frame) {

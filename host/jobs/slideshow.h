@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/film/formats.h"
+#include "host/jobs/cross_fade.h"
 #include "host/jobs/end_fades.h"
 #include "host/plan/render_plan.h"
 
@@ -19,6 +20,7 @@ struct Slideshow {
   /// Frames of the fade from each picture to the next one. Of a picture's frames, no two fades take
   /// the same.
   std::vector<int32_t> fades;
+  FadeKind fadeKind = FadeKind::kCross;  ///< a dip goes through the colour of `ends`
   const FilmKind* kind = nullptr;
   FilmRequest request;  ///< of SlideshowFrames frames
   EndFadeLengths ends{};

@@ -3,6 +3,7 @@
 #include <limits>
 #include <vector>
 
+#include "host/base/error.h"
 #include "host/film/formats.h"
 #include "host/processes/reader_process.h"
 
@@ -43,6 +44,13 @@ void CheckSoundFile(const std::string& path) {
     CheckSound(path);
     return std::string();
   });
+}
+
+double LookAtSound(const std::string& path) {
+  const double seconds =
+      NumbersApart(path, 1, [&] { return std::vector<double>{SoundSeconds(path)}; })[0];
+  if (!(seconds > 0.0)) throw Error(path + ": its sound has no length");
+  return seconds;
 }
 
 }  // namespace kelto::host

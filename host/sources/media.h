@@ -14,4 +14,7 @@ VideoInfo CheckVideo(const std::string& path);
 /// Throws Error when the file has no sound for a film.
 void CheckSoundFile(const std::string& path);
 
+/// SoundSeconds in a process of its own, above 0. Throws Error when the file has no sound.
+double LookAtSound(const std::string& path);
+
 }  // namespace kelto::host

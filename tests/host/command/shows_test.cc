@@ -2,10 +2,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 
 #include "tests/host/command/run.h"
+#include "tests/host/support/film_reader.h"
+#include "tests/host/support/sounds.h"
 
 namespace kelto::test {
 namespace {
@@ -163,6 +166,83 @@ TEST_F(Shows, InBatchesTakeManyNames) {
                 .err,
             "");
   EXPECT_THAT(NamesIn(films_), ElementsAre(".kelto", "IMG_1.bgra", "IMG_2.bgra"));
+}
+
+/// A show whose times come from its music.
+class ShowsToMusic : public Shows {
+ protected:
+  std::string Music(double seconds) {
+    const std::string path = films_ / "music.wav";
+    WriteWav(path, seconds, 8000, 1, [](int, double at) { return std::sin(2000 * at) / 4; });
+    return path;
+  }
+  Outcome ShowTo(double seconds, const Words& inputs, const Words& more) {
+    Words words{"slideshow", "-o",          film_ + ".mkv", "--size",
+                "96x64",     "--fit-audio", "--audio",      Music(seconds)};
+    words.insert(words.end(), inputs.begin(), inputs.end());
+    words.insert(words.end(), more.begin(), more.end());
+    return RunKelto(words);
+  }
+  size_t Frames() { return ReadFilm(film_ + ".mkv").frames.size(); }
+};
+
+TEST_F(ShowsToMusic, AreAsLongAsItWithoutAWarning) {
+  for (const double seconds : {1.0, 1.48}) {
+    for (const Words& fade : {Words{}, {"--fade", "0"}, {"--fade", "0.16"}}) {
+      const Outcome outcome = ShowTo(seconds, {photos_ / ""}, fade);
+      EXPECT_EQ(outcome.err, "");
+      EXPECT_EQ(Frames(), std::lround(seconds * 25)) << seconds;
+    }
+  }
+}
+
+TEST_F(ShowsToMusic, LeaveALineItsOwnTime) {
+  const std::string list = List("IMG_1.png --each 0.2\nIMG_2.png\n");
+  ASSERT_EQ(ShowTo(1.0, {list}, {"--fade", "0"}).err, "");
+  const DecodedFilm film = ReadFilm(film_ + ".mkv");
+  ASSERT_EQ(film.frames.size(), 25u);
+  for (size_t i = 0; i < 25; ++i) {
+    const Rgb seen = ColourAt(film.frames[i], film.matrix, 48, 32);
+    EXPECT_LT(Distance(seen, i < 5 ? kRed : kGreen), 24) << i << ": " << ToString(seen);
+  }
+}
+
+TEST_F(ShowsToMusic, SayWhatDoesNotFit) {
+  EXPECT_EQ(ShowTo(0.08, {photos_ / ""}, {"--fade", "0"}).err,
+            "kelto: --fit-audio: 3 pictures do not fit into the 2 frames of the sound\n");
+  EXPECT_THAT(ShowTo(1, {photos_ / ""}, {"--each", "2"}).err, HasSubstr("excludes"));
+  EXPECT_EQ(
+      ShowTo(1, {photos_ / ""}, {"--fade", "0.4"}).err,
+      "kelto: --fade 0.4: two fades do not fit into --each 0.48; --fade 0.24 is the longest\n");
+  EXPECT_EQ(Show({photos_ / ""}, {"--fit-audio"}).code, 2);
+}
+
+TEST_F(ShowsToMusic, AndFilmsOfOnePhotographAreAsLongAsTheirs) {
+  const Outcome outcome = RunKelto({"render", photos_ / "IMG_1.png", "-o", film_ + ".mkv", "--size",
+                                    "96x64", "--audio", Music(0.8), "--fit-audio"});
+  ASSERT_EQ(outcome.err, "");
+  EXPECT_EQ(Frames(), 20u);
+  EXPECT_EQ(RunKelto({"render", photos_ / "IMG_1.png", "-o", film_, "--fit-audio"}).err,
+            "kelto: --fit-audio: there is no sound; name it with --audio\n");
+}
+
+TEST_F(Shows, DipIntoAColourBetweenPictures) {
+  const Outcome outcome = RunKelto({"slideshow", photos_ / "IMG_1.png", photos_ / "IMG_2.png", "-o",
+                                    film_, "--size", "96x64", "--each", "0.4", "--fade", "0.2",
+                                    "--fade-kind", "dip", "--fade-colour", "#2828c8"});
+  ASSERT_EQ(outcome.err, "");
+  // Ten frames each, five of which are the dip: red, mixtures, the colour alone, mixtures, green.
+  EXPECT_EQ(Seen(), "rrrrr..b..ggggg");
+}
+
+TEST_F(Shows, AreCutWhereTheFadeIsNone) {
+  const Words both{photos_ / "IMG_1.png", photos_ / "IMG_2.png"};
+  ASSERT_EQ(Show(both, {"--fade-kind", "none"}).err, "");
+  EXPECT_EQ(Seen(), "rrgg");
+  EXPECT_EQ(Show(both, {"--fade-kind", "none", "--fade", "1"}).err,
+            "kelto: --fade-kind none: --fade 1 says otherwise; give one of them\n");
+  EXPECT_EQ(Show(both, {"--fade-kind", "wipe"}).err,
+            "kelto: --fade-kind wipe: choose one of cross, dip, none\n");
 }
 
 }  // namespace

@@ -64,5 +64,25 @@ TEST(CrossFade, LetsTheLaterFieldBeHalfAStepFurther) {
   }
 }
 
+TEST(CrossFade, DipsIntoTheColourAndOutOfItNoQuickerThanAFadeOfHalfTheLength) {
+  FilmFormat format = FormatOf(FieldOrder::kProgressive);
+  CrossFade dip(format, PixelLayout::kBGRA, FadeKind::kDip, {0, 0, 0});
+  std::vector<uint8_t> light(size_t{4} * 4 * 4, 240), dark(size_t{4} * 4 * 4, 120);
+  const FrameView from{light.data(), 16, kSize}, to{dark.data(), 16, kSize};
+  std::vector<int> levels;
+  for (int32_t step = 0; step < 7; ++step) levels.push_back(dip.Blend(from, to, step, 7).Row(0)[0]);
+  EXPECT_EQ(levels, (std::vector<int>{180, 120, 60, 0, 30, 60, 90}));
+}
+
+TEST(CrossFade, DipsInFieldsToo) {
+  CrossFade dip(FormatOf(FieldOrder::kTopFirst), PixelLayout::kBGRA, FadeKind::kDip, {0, 0, 0});
+  std::vector<uint8_t> light(size_t{4} * 4 * 4, 240);
+  const FrameView frame{light.data(), 16, kSize};
+  // Half steps: the earlier field goes 1/2 of the way to the colour, the later one 3/4.
+  const FrameView first = dip.Blend(frame, frame, 0, 3);
+  EXPECT_EQ(first.Row(0)[0], 120);
+  EXPECT_EQ(first.Row(1)[0], 60);
+}
+
 }  // namespace
 }  // namespace kelto::host
