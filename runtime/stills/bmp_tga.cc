@@ -78,6 +78,8 @@ class StbFormat : public Decoder {
     constexpr int kWanted = 4;
     info.scratch =
         info.pixels() * static_cast<uint64_t>(channels == kWanted ? kWanted : channels + kWanted);
+    info.deep_scratch = info.scratch;
+    info.alpha = channels == kWanted;
     return info;
   }
 
@@ -96,9 +98,8 @@ class StbFormat : public Decoder {
 
     // Alpha that is 0 throughout was never meant: the byte was left unused.
     RowWriter writer(info, ColorModel::kRgb, PixelFormat::kBgra8,
-                     HasAlpha(pixels.get(), uint64_t{info.width} * info.height)
-                         ? Alpha::kStraight
-                         : Alpha::kPremultiplied,
+                     HasAlpha(pixels.get(), uint64_t{info.width} * info.height) ? Alpha::kStraight
+                                                                                : Alpha::kIgnored,
                      target);
     const stbi_uc* from = pixels.get();
     for (uint32_t y = 0; y < info.height; ++y) {

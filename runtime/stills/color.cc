@@ -8,7 +8,7 @@
 #include <memory>
 #include <numeric>
 
-#include "runtime/stills/lcms_context.h"
+#include "runtime/stills/lcms_profile.h"
 
 namespace kelto::stills {
 namespace {
@@ -17,48 +17,10 @@ namespace {
 constexpr cmsUInt32Number kTypeCmyka8 =
     COLORSPACE_SH(PT_CMYK) | EXTRA_SH(1) | CHANNELS_SH(4) | BYTES_SH(1);
 
-// Perceptual, as press profiles' tables are made for pictures; black point compensation keeps
-// blacks black where a profile has no perceptual table.
-constexpr cmsUInt32Number kIntent = INTENT_PERCEPTUAL;
-constexpr cmsUInt32Number kFlags = cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_COPY_ALPHA;
-
-cmsContext Raw(const LcmsContext& context) { return static_cast<cmsContext>(context.get()); }
-
-struct ProfileCloser {
-  void operator()(void* profile) const { cmsCloseProfile(profile); }
-};
-using Profile = std::unique_ptr<void, ProfileCloser>;
-
-struct TransformDeleter {
-  void operator()(void* transform) const { cmsDeleteTransform(transform); }
-};
-using Transform = std::unique_ptr<void, TransformDeleter>;
-
 /// To B, G, R, A of sRGB.
 Transform MakeTransform(void* from, cmsUInt32Number from_type, void* to) {
   return Transform(cmsCreateTransformTHR(cmsGetProfileContextID(from), from, from_type, to,
-                                         TYPE_BGRA_8, kIntent, kFlags));
-}
-
-/// Whether no colour of a lattice moves by more than one level: true of every variant of sRGB in
-/// circulation, whatever it calls itself.
-bool IsSrgbInEffect(void* profile, void* srgb) {
-  const Transform transform = MakeTransform(profile, TYPE_BGRA_8, srgb);
-  if (!transform) return false;
-  std::vector<uint8_t> lattice;
-  for (int b = 0; b <= 255; b += 17) {
-    for (int g = 0; g <= 255; g += 17) {
-      for (int r = 0; r <= 255; r += 17) {
-        const int pixel[] = {b, g, r, 255};
-        lattice.insert(lattice.end(), pixel, pixel + 4);
-      }
-    }
-  }
-  std::vector<uint8_t> seen(lattice.size());
-  cmsDoTransform(transform.get(), lattice.data(), seen.data(),
-                 static_cast<cmsUInt32Number>(lattice.size() / 4));
-  return std::equal(lattice.begin(), lattice.end(), seen.begin(),
-                    [](uint8_t a, uint8_t b) { return std::abs(a - b) <= 1; });
+                                         TYPE_BGRA_8, kColorIntent, kColorFlags));
 }
 
 cmsUInt32Number LcmsType(PixelFormat format) {
@@ -92,15 +54,6 @@ void Cmyka8ToBgra8(const uint8_t* from, uint8_t* to, uint32_t pixels) {
   }
 }
 
-/// The colour space that a profile's header names: ICC.1:2022, 7.2.8. Little CMS would give it as
-/// an enumeration, which damaged profiles leave.
-uint32_t ColorSpaceOf(std::span<const uint8_t> icc) {
-  constexpr size_t kPlace = 16;
-  if (icc.size() < kPlace + 4) return 0;
-  return uint32_t{icc[kPlace]} << 24 | uint32_t{icc[kPlace + 1]} << 16 |
-         uint32_t{icc[kPlace + 2]} << 8 | icc[kPlace + 3];
-}
-
 }  // namespace
 
 size_t BytesPerPixel(PixelFormat format) {
@@ -109,16 +62,21 @@ size_t BytesPerPixel(PixelFormat format) {
       return 4;
     case PixelFormat::kRgba16:
       return 8;
-    default:
-      return 5;
+    case PixelFormat::kRgbaFloat:
+      return 16;
+    case PixelFormat::kCmyka16:
+      return 10;
+    case PixelFormat::kCmyka8:
+      break;
   }
+  return 5;
 }
 
 ColorConverter::ColorConverter(std::span<const uint8_t> icc, ColorModel model, PixelFormat format)
     : format_(format) {
   if (icc.empty()) return;
   context_ = std::make_shared<LcmsContext>(icc.size());
-  const cmsContext context = Raw(*context_);
+  const cmsContext context = RawContext(*context_);
   const Profile profile(
       cmsOpenProfileFromMemTHR(context, icc.data(), static_cast<cmsUInt32Number>(icc.size())));
   const Profile srgb(cmsCreate_sRGBProfileTHR(context));
@@ -146,8 +104,8 @@ bool ColorConverter::BuildGreyTable(void* profile, void* srgb) {
   const bool words = format_ == PixelFormat::kRgba16;
   // Unoptimized, since the optimized form interpolates between 33 levels: too few for shadows.
   const Transform transform(
-      cmsCreateTransformTHR(Raw(*context_), profile, words ? TYPE_GRAY_16 : TYPE_GRAY_8, srgb,
-                            TYPE_BGRA_8, kIntent, kFlags | cmsFLAGS_NOOPTIMIZE));
+      cmsCreateTransformTHR(RawContext(*context_), profile, words ? TYPE_GRAY_16 : TYPE_GRAY_8,
+                            srgb, TYPE_BGRA_8, kColorIntent, kColorFlags | cmsFLAGS_NOOPTIMIZE));
   if (!transform) return false;
   const uint32_t count = words ? 65536 : 256;
   std::vector<uint16_t> level_words(words ? count : 0);
@@ -201,14 +159,15 @@ std::vector<uint8_t> MakeRgbProfile(const Chromaticity& white, const Chromaticit
   const LcmsContext context(0);
   const double srgb[] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
   const std::unique_ptr<cmsToneCurve, CurveFreer> curve(
-      gamma > 0 ? cmsBuildGamma(Raw(context), gamma)
-                : cmsBuildParametricToneCurve(Raw(context), 4, srgb));
+      gamma > 0 ? cmsBuildGamma(RawContext(context), gamma)
+                : cmsBuildParametricToneCurve(RawContext(context), 4, srgb));
   context.CheckMemory();
   if (!curve) return {};
   const cmsCIExyY white_point = {white.x, white.y, 1};
   const cmsCIExyYTRIPLE primaries = {{red.x, red.y, 1}, {green.x, green.y, 1}, {blue.x, blue.y, 1}};
   cmsToneCurve* const curves[] = {curve.get(), curve.get(), curve.get()};
-  const Profile profile(cmsCreateRGBProfileTHR(Raw(context), &white_point, &primaries, curves));
+  const Profile profile(
+      cmsCreateRGBProfileTHR(RawContext(context), &white_point, &primaries, curves));
   cmsUInt32Number length = 0;
   const bool measured = profile && cmsSaveProfileToMem(profile.get(), nullptr, &length);
   context.CheckMemory();

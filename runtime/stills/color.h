@@ -10,11 +10,14 @@ namespace kelto::stills {
 
 class LcmsContext;
 
-/// Layouts in which decoders hand over their rows.
+/// Layouts in which decoders hand over their rows; those of R, G, B and A are also the layouts that
+/// callers may ask for.
 enum class PixelFormat {
-  kBgra8,   ///< 4 bytes: B, G, R, A
-  kRgba16,  ///< 4 words of the machine's byte order: R, G, B, A
-  kCmyka8,  ///< 5 bytes: C, M, Y, K (255 is full ink), A
+  kBgra8,      ///< 4 bytes: B, G, R, A
+  kRgba16,     ///< 4 words of the machine's byte order: R, G, B, A
+  kRgbaFloat,  ///< 4 floats: R, G, B, A, of which 1 is full scale
+  kCmyka8,     ///< 5 bytes: C, M, Y, K (255 is full ink), A
+  kCmyka16,    ///< the same in words
 };
 
 /// What the file's own samples are, whatever layout they are handed over in: grey pictures have

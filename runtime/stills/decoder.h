@@ -18,9 +18,21 @@ struct StillInfo {
   std::vector<uint8_t> icc;        ///< embedded profile, or empty
   bool icc_lost = false;           ///< whether there is one that cannot be put together
   ColorModel model = ColorModel::kRgb;
+  int bits = 8;         ///< of a sample; pictures of fewer than 8 count as such of 8
+  bool floats = false;  ///< whether samples are floating-point numbers
+  bool alpha = false;   ///< whether there may be pixels that let something through
   /// Bytes that Decode takes beside the caller's buffer at the most, as far as they grow with the
-  /// picture; those of a few rows are not counted.
-  uint64_t scratch = 0;
+  /// picture; those of a few rows are not counted. `deep_scratch` is for buffers in words or
+  /// floats.
+  uint64_t scratch = 0, deep_scratch = 0;
+
+  /// The layout of buffers that keep all bits.
+  PixelFormat deep_format() const {
+    return floats ? PixelFormat::kRgbaFloat : PixelFormat::kRgba16;
+  }
+  uint64_t scratch_for(PixelFormat format) const {
+    return format == PixelFormat::kBgra8 ? scratch : deep_scratch;
+  }
 
   bool turned() const { return orientation >= 5; }
   uint32_t upright_width() const { return turned() ? height : width; }
@@ -28,10 +40,15 @@ struct StillInfo {
   uint64_t pixels() const { return uint64_t{width} * height; }
 };
 
-/// Rows B, G, R, A of the caller, as large as the upright picture; row 0 is the top one.
+/// Rows of the caller, as large as the upright picture; row 0 is the top one.
 struct PixelBuffer {
   uint8_t* pixels;
-  ptrdiff_t row_bytes;
+  ptrdiff_t row_bytes;  ///< a multiple of a sample's
+  /// B, G, R, A of eight bits, drawn over black; or the picture's deep_format(), premultiplied.
+  PixelFormat format = PixelFormat::kBgra8;
+  bool* transparent = nullptr;  ///< set where a pixel of a deep buffer is; not null for those
+
+  bool deep() const { return format != PixelFormat::kBgra8; }
 };
 
 /// A picture format. Decoders hold no state, so that a file that changed between the two calls is
@@ -43,7 +60,7 @@ class Decoder {
   /// this format. File names play no part.
   virtual bool Knows(std::span<const uint8_t> head) const = 0;
   virtual StillInfo ReadInfo(StillFile& file) const = 0;
-  /// Decodes to sRGB, upright, drawn over black. `info` is ReadInfo's; a file whose size in pixels
+  /// Decodes to sRGB, upright. `info` is ReadInfo's; a file whose size in pixels
   /// has become another is refused.
   virtual void Decode(StillFile& file, const StillInfo& info, const PixelBuffer& target) const = 0;
 };
@@ -64,9 +81,10 @@ const Decoder& WicDecoder();
 /// The decoder that knows the file; throws StillError (noCodecErr) when none does.
 const Decoder& FindDecoder(StillFile& file);
 
-/// Throws StillError when a picture of this size, or one that takes so much memory to decode, must
-/// not be decoded from this file.
-void CheckSize(const StillInfo& info, const StillFile& file);
+/// Throws StillError when a picture of this size, or one that takes so much memory to decode into
+/// rows of this layout, must not be decoded from this file.
+void CheckSize(const StillInfo& info, const StillFile& file,
+               PixelFormat format = PixelFormat::kBgra8);
 /// Throws StillError for a profile over kMaxIccBytes.
 void CheckIccSize(uint64_t bytes);
 /// Throws StillError unless a decoder now meets the size that `info` promised.

@@ -33,7 +33,7 @@ const Decoder& FindDecoder(StillFile& file) {
   throw StillError(noCodecErr, "not a picture in a known format");
 }
 
-void CheckSize(const StillInfo& info, const StillFile& file) {
+void CheckSize(const StillInfo& info, const StillFile& file, PixelFormat format) {
   const uint32_t width = info.upright_width(), height = info.upright_height();
   if (width == 0 || height == 0) {
     throw StillError(codecBadDataErr, SizeText(width, height) + ": there is nothing to draw");
@@ -48,13 +48,13 @@ void CheckSize(const StillInfo& info, const StillFile& file) {
                                           std::to_string(file.size()) + " bytes; the limit is " +
                                           std::to_string(kMaxPixelsPerFileByte) + " pixels a byte");
   }
-  const uint64_t bytes = (uint64_t{width} * 4 + 7) / 8 * 8 * height;
+  const uint64_t bytes = (width * uint64_t{BytesPerPixel(format)} + 7) / 8 * 8 * height;
   if (bytes > kMaxPixelBytes) {
     throw StillError(codecBadDataErr, SizeText(width, height) + " take " +
                                           std::to_string(bytes >> 20) + " MiB; the limit is " +
                                           std::to_string(kMaxPixelBytes >> 20) + " MiB");
   }
-  CheckScratch(info.scratch);
+  CheckScratch(info.scratch_for(format));
 }
 
 void CheckIccSize(uint64_t bytes) {

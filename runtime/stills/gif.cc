@@ -109,6 +109,7 @@ class GifFormat final : public Decoder {
     StillInfo info;
     info.width = static_cast<uint32_t>(gif->SWidth);
     info.height = static_cast<uint32_t>(gif->SHeight);
+    info.alpha = true;  // what is transparent stands beside each frame
     return info;
   }
 

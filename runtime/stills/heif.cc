@@ -1,6 +1,7 @@
 // HEIF and AVIF through libheif. The library applies the file's own rotations and mirrorings,
 // which by the standard (ISO/IEC 23008-12) are the ones that count; EXIF orientation is ignored.
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -66,22 +67,23 @@ class Picture {
   uint32_t width() const { return static_cast<uint32_t>(heif_.image_handle_get_width(handle())); }
   uint32_t height() const { return static_cast<uint32_t>(heif_.image_handle_get_height(handle())); }
 
+  int bits() const { return heif_.image_handle_get_luma_bits_per_pixel(handle()); }
+  bool has_alpha() const { return heif_.image_handle_has_alpha_channel(handle()) != 0; }
+
   /// Bytes that Decode takes: the codec's planes and the library's copy of them, R, G and B apart
   /// and then together; and those of alpha, a picture of its own. As measured of 4:4:4, which takes
   /// most, since the library does not say.
   uint64_t Scratch() const {
     constexpr uint64_t kOfBytes = 12, kOfWords = 22;          // bytes a pixel
     constexpr uint64_t kAlphaOfBytes = 4, kAlphaOfWords = 8;  // and where there is alpha
-    const bool words = heif_.image_handle_get_luma_bits_per_pixel(handle()) > 8;
+    const bool words = bits() > 8;
     uint64_t bytes = words ? kOfWords : kOfBytes;
-    if (heif_.image_handle_has_alpha_channel(handle())) {
-      bytes += words ? kAlphaOfWords : kAlphaOfBytes;
-    }
+    if (has_alpha()) bytes += words ? kAlphaOfWords : kAlphaOfBytes;
     return uint64_t{width()} * height() * bytes;
   }
 
   Alpha alpha() const {
-    if (!heif_.image_handle_has_alpha_channel(handle())) return Alpha::kIgnored;
+    if (!has_alpha()) return Alpha::kIgnored;
     return heif_.image_handle_is_premultiplied_alpha(handle()) ? Alpha::kPremultiplied
                                                                : Alpha::kStraight;
   }
@@ -95,17 +97,21 @@ class Picture {
     return icc;
   }
 
-  /// R, G, B, A rows of width() * height().
+  /// R, G, B, A rows of width() * height(): bytes, or words of `bits` bits.
   struct Pixels {
     std::shared_ptr<const heif_image> image;
     const uint8_t* rows;
     int row_bytes;
+    int bits;
   };
-  Pixels Decode() const {
+  Pixels Decode(bool words) const {
     heif_image* decoded = nullptr;
-    Check(heif_.decode_image(handle(), &decoded, heif_colorspace_RGB, heif_chroma_interleaved_RGBA,
-                             nullptr));
-    Pixels pixels = {{decoded, heif_.image_release}, nullptr, 0};
+    constexpr heif_chroma kWords = std::endian::native == std::endian::little
+                                       ? heif_chroma_interleaved_RRGGBBAA_LE
+                                       : heif_chroma_interleaved_RRGGBBAA_BE;
+    Check(heif_.decode_image(handle(), &decoded, heif_colorspace_RGB,
+                             words ? kWords : heif_chroma_interleaved_RGBA, nullptr));
+    Pixels pixels = {{decoded, heif_.image_release}, nullptr, 0, 8};
     heif_error warning = {};
     if (heif_.image_get_decoding_warnings(decoded, 0, &warning, 1) > 0) {
       // Some versions hand over the text of a warning that is gone already.
@@ -118,6 +124,11 @@ class Picture {
         heif_.image_get_width(decoded, heif_channel_interleaved) != static_cast<int>(width()) ||
         heif_.image_get_height(decoded, heif_channel_interleaved) != static_cast<int>(height())) {
       throw StillError(codecBadDataErr, "damaged HEIF (its picture has another size than it says)");
+    }
+    if (words)
+      pixels.bits = heif_.image_get_bits_per_pixel_range(decoded, heif_channel_interleaved);
+    if (pixels.bits < 8 || pixels.bits > 16) {
+      throw StillError(codecBadDataErr, "damaged HEIF (its samples have no depth)");
     }
     return pixels;
   }
@@ -172,7 +183,9 @@ class HeifFormat final : public Decoder {
     info.width = picture.width();
     info.height = picture.height();
     info.icc = picture.Profile();
-    info.scratch = picture.Scratch();
+    info.bits = std::max(info.bits, picture.bits());
+    info.alpha = picture.has_alpha();
+    info.scratch = info.deep_scratch = picture.Scratch();
     return info;
   }
 
@@ -180,7 +193,11 @@ class HeifFormat final : public Decoder {
     const Picture picture(file);
     CheckUnchanged(info, picture.width(), picture.height());
     CheckScratch(picture.Scratch());
-    const Picture::Pixels pixels = picture.Decode();
+    if (target.deep() && picture.bits() > 8) {
+      DecodeWords(picture, info, target);
+      return;
+    }
+    const Picture::Pixels pixels = picture.Decode(false);
     RowWriter writer(info, ColorModel::kRgb, PixelFormat::kBgra8, picture.alpha(), target);
     for (uint32_t y = 0; y < info.height; ++y) {
       const uint8_t* from = pixels.rows + static_cast<ptrdiff_t>(y) * pixels.row_bytes;
@@ -190,6 +207,25 @@ class HeifFormat final : public Decoder {
         to[1] = from[1];
         to[2] = from[0];
         to[3] = from[3];
+      }
+      writer.Commit(y);
+    }
+  }
+
+ private:
+  static void DecodeWords(const Picture& picture, const StillInfo& info,
+                          const PixelBuffer& target) {
+    const Picture::Pixels pixels = picture.Decode(true);
+    RowWriter writer(info, ColorModel::kRgb, PixelFormat::kRgba16, picture.alpha(), target);
+    const uint32_t full = (1u << pixels.bits) - 1;
+    for (uint32_t y = 0; y < info.height; ++y) {
+      const void* row = pixels.rows + static_cast<ptrdiff_t>(y) * pixels.row_bytes;
+      const uint16_t* from = static_cast<const uint16_t*>(row);
+      void* place = writer.Row(y);
+      uint16_t* to = static_cast<uint16_t*>(place);
+      for (size_t i = 0; i < size_t{4} * info.width; ++i) {
+        to[i] =
+            static_cast<uint16_t>((std::min<uint32_t>(from[i], full) * 65535u + full / 2) / full);
       }
       writer.Commit(y);
     }

@@ -31,6 +31,7 @@ struct HeifLibrary {
   DO(image_release)                           \
   DO(image_get_width)                         \
   DO(image_get_height)                        \
+  DO(image_get_bits_per_pixel_range)          \
   DO(image_get_plane_readonly)                \
   DO(image_get_decoding_warnings)
 // NOLINTNEXTLINE(bugprone-macro-parentheses): a name that is declared takes none

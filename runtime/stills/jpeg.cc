@@ -197,7 +197,7 @@ class Jpeg final : public Decoder {
     info.width = session.cinfo.image_width;
     info.height = session.cinfo.image_height;
     info.model = session.Model();
-    info.scratch = CoefficientBytes(session.cinfo);
+    info.scratch = info.deep_scratch = CoefficientBytes(session.cinfo);
     return info;
   }
 

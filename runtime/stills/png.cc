@@ -1,6 +1,7 @@
 // PNG through libpng.
 #include <png.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -169,11 +170,11 @@ class Png final : public Decoder {
     if (png_get_eXIf_1(png, png_info, &length, &exif)) {
       info.orientation = ExifOrientation({exif, length});
     }
-    // As ReadInterlaced has it.
-    const bool words = KeepsWords(png, png_info, info);
-    if (png_get_interlace_type(png, png_info) != PNG_INTERLACE_NONE && (words || info.turned())) {
-      info.scratch =
-          info.pixels() * BytesPerPixel(words ? PixelFormat::kRgba16 : PixelFormat::kBgra8);
+    info.bits = std::max<int>(info.bits, png_get_bit_depth(png, png_info));
+    info.alpha = HasAlpha(png, png_info);
+    if (png_get_interlace_type(png, png_info) != PNG_INTERLACE_NONE) {
+      info.scratch = InterlacedBytes(info, PixelFormat::kBgra8);
+      info.deep_scratch = InterlacedBytes(info, PixelFormat::kRgba16);
     }
     return info;
   }
@@ -185,9 +186,13 @@ class Png final : public Decoder {
     CheckUnchanged(info, png_get_image_width(png, png_info), png_get_image_height(png, png_info));
 
     const int type = png_get_color_type(png, png_info);
-    const bool words = KeepsWords(png, png_info, info);
-    const bool alpha =
-        (type & PNG_COLOR_MASK_ALPHA) != 0 || png_get_valid(png, png_info, PNG_INFO_tRNS) != 0;
+    CheckScratch(info.scratch_for(target.format));
+    if (std::max<int>(8, png_get_bit_depth(png, png_info)) != info.bits) {
+      throw StillError(codecBadDataErr, "the file changed after it was opened");
+    }
+    const PixelFormat format = FormatFor(info, target.format);
+    const bool words = format == PixelFormat::kRgba16;
+    const bool alpha = HasAlpha(png, png_info);
     int passes = 1;
     session.Run([&] {
       png_set_expand(png);
@@ -204,7 +209,6 @@ class Png final : public Decoder {
       png_read_update_info(png, png_info);
     });
 
-    const PixelFormat format = words ? PixelFormat::kRgba16 : PixelFormat::kBgra8;
     const size_t row_bytes = info.width * BytesPerPixel(format);
     if (png_get_rowbytes(png, png_info) != row_bytes) {
       throw StillError(codecBadDataErr, "a PNG of unexpected form");
@@ -225,9 +229,23 @@ class Png final : public Decoder {
   }
 
  private:
-  /// Profiles of 16-bit pictures are often linear: eight bits would lose their shadows.
-  static bool KeepsWords(png_structp png, png_infop png_info, const StillInfo& info) {
-    return png_get_bit_depth(png, png_info) == 16 && !info.icc.empty();
+  static bool HasAlpha(png_structp png, png_infop png_info) {
+    return (png_get_color_type(png, png_info) & PNG_COLOR_MASK_ALPHA) != 0 ||
+           png_get_valid(png, png_info, PNG_INFO_tRNS) != 0;
+  }
+
+  /// The layout in which rows for a buffer are decoded. Profiles of 16-bit pictures are often
+  /// linear: eight bits would lose their shadows.
+  static PixelFormat FormatFor(const StillInfo& info, PixelFormat target) {
+    const bool words = info.bits == 16 && (target != PixelFormat::kBgra8 || !info.icc.empty());
+    return words ? PixelFormat::kRgba16 : PixelFormat::kBgra8;
+  }
+
+  /// Bytes that ReadInterlaced takes.
+  static uint64_t InterlacedBytes(const StillInfo& info, PixelFormat target) {
+    const PixelFormat format = FormatFor(info, target);
+    const bool stay = format == target && !info.turned();
+    return stay ? 0 : info.pixels() * BytesPerPixel(format);
   }
 
   /// Every pass adds pixels to all rows, so all of them wait, in the caller's buffer if they can.

@@ -6,36 +6,23 @@
 namespace kelto::stills {
 namespace {
 
-/// Full scale of a sample type is its largest value.
-template <typename T>
-void Unpremultiply(T* pixel, uint32_t pixels) {
-  constexpr uint32_t kFull = static_cast<T>(~T{0});
-  for (uint32_t i = 0; i < pixels; ++i, pixel += 4) {
-    const uint32_t a = pixel[3];
-    if (a == 0 || a == kFull) continue;
-    for (int c = 0; c < 3; ++c) {
-      pixel[c] = static_cast<T>(std::min(kFull, (pixel[c] * kFull + a / 2) / a));
-    }
-  }
-}
-
-void MultiplyByAlpha(uint8_t* pixel, uint32_t pixels) {
-  for (uint32_t i = 0; i < pixels; ++i, pixel += 4) {
-    const unsigned a = pixel[3];
-    if (a == 255) continue;
-    for (int c = 0; c < 3; ++c) pixel[c] = MultiplyBytes(pixel[c], a);
-    pixel[3] = 255;
-  }
-}
-
-void MakeOpaque(uint8_t* pixel, uint32_t pixels) {
-  for (uint32_t i = 0; i < pixels; ++i) pixel[i * size_t{4} + 3] = 255;
-}
-
-void Mirror(uint8_t* row, uint32_t pixels) {
+void Mirror(uint8_t* row, uint32_t pixels, size_t pixel_bytes) {
   uint8_t* left = row;
-  uint8_t* right = row + (pixels - size_t{1}) * 4;
-  for (; left < right; left += 4, right -= 4) std::swap_ranges(left, left + 4, right);
+  uint8_t* right = row + (pixels - size_t{1}) * pixel_bytes;
+  for (; left < right; left += pixel_bytes, right -= pixel_bytes) {
+    std::swap_ranges(left, left + pixel_bytes, right);
+  }
+}
+
+std::unique_ptr<RowFinisher> MakeFinisher(const StillInfo& info, ColorModel model,
+                                          PixelFormat format, Alpha alpha,
+                                          const PixelBuffer& target) {
+#if !defined(_WIN32)
+  if (target.deep()) return MakeDeepFinisher(info, model, format, alpha, target.transparent);
+#else
+  (void)target;
+#endif
+  return MakeByteFinisher(info, model, format, alpha);
 }
 
 }  // namespace
@@ -46,18 +33,17 @@ RowWriter::RowWriter(const StillInfo& info, ColorModel model, PixelFormat format
       height_(info.height),
       orientation_(info.orientation),
       upside_down_(orientation_ == 3 || orientation_ == 4),
-      format_(format),
-      alpha_(alpha),
+      pixel_bytes_(BytesPerPixel(target.format)),
       target_(target),
-      converter_(info.icc, model, format) {
-  if (format != PixelFormat::kBgra8) {
+      finisher_(MakeFinisher(info, model, format, alpha, target)) {
+  if (format != target.format) {
     source_row_ = std::make_unique<uint8_t[]>(width_ * BytesPerPixel(format));
   }
-  if (info.turned()) strip_ = std::make_unique<uint8_t[]>(width_ * size_t{4} * kStripRows);
+  if (info.turned()) strip_ = std::make_unique<uint8_t[]>(width_ * pixel_bytes_ * kStripRows);
 }
 
 uint8_t* RowWriter::Place(uint32_t y) {
-  if (strip_) return &strip_[(y % kStripRows) * size_t{4} * width_];
+  if (strip_) return &strip_[(y % kStripRows) * pixel_bytes_ * width_];
   const uint32_t row = upside_down_ ? height_ - 1 - y : y;
   return target_.pixels + static_cast<ptrdiff_t>(row) * target_.row_bytes;
 }
@@ -72,20 +58,8 @@ uint32_t RowWriter::RowsAhead(uint32_t y) const {
 void RowWriter::Commit(uint32_t y) {
   uint8_t* from = Row(y);
   uint8_t* to = Place(y);
-  // Profiles speak of whole colours.
-  const bool whole = alpha_ == Alpha::kPremultiplied && converter_.has_profile();
-  if (whole && format_ == PixelFormat::kBgra8) Unpremultiply(from, width_);
-  if (whole && format_ == PixelFormat::kRgba16) {
-    Unpremultiply(static_cast<uint16_t*>(static_cast<void*>(from)), width_);
-  }
-  converter_.Convert(from, to, width_);
-  if (alpha_ == Alpha::kStraight || whole) {
-    MultiplyByAlpha(to, width_);
-  } else if (alpha_ == Alpha::kPremultiplied || alpha_ == Alpha::kIgnored) {
-    MakeOpaque(to, width_);
-  }
-
-  if (orientation_ == 2 || orientation_ == 3) Mirror(to, width_);
+  finisher_->Finish(from, to, width_);
+  if (orientation_ == 2 || orientation_ == 3) Mirror(to, width_, pixel_bytes_);
   if (strip_ && (y % kStripRows == kStripRows - 1 || y == height_ - 1)) {
     FlushStrip(y - y % kStripRows, y % kStripRows + 1);
   }
@@ -99,10 +73,10 @@ void RowWriter::FlushStrip(uint32_t first, uint32_t rows) {
   for (uint32_t x = 0; x < width_; ++x) {
     const uint32_t row = rows_reversed ? width_ - 1 - x : x;
     uint8_t* to =
-        target_.pixels + static_cast<ptrdiff_t>(row) * target_.row_bytes + left * size_t{4};
-    for (uint32_t i = 0; i < rows; ++i, to += 4) {
+        target_.pixels + static_cast<ptrdiff_t>(row) * target_.row_bytes + left * pixel_bytes_;
+    for (uint32_t i = 0; i < rows; ++i, to += pixel_bytes_) {
       const uint32_t y = columns_reversed ? rows - 1 - i : i;
-      std::memcpy(to, &strip_[(y * size_t{width_} + x) * 4], 4);
+      std::memcpy(to, &strip_[(y * size_t{width_} + x) * pixel_bytes_], pixel_bytes_);
     }
   }
 }

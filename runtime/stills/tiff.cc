@@ -18,7 +18,10 @@ namespace {
 void DecodeSamples(TiffFile& tiff, const TiffForm& form, const StillInfo& info,
                    const PixelBuffer& target) {
   // Profiles of 16-bit pictures are often linear: eight bits would lose their shadows.
-  TiffUnpacker unpacker(tiff, form, !info.icc.empty());
+  TiffUnpacker unpacker(tiff, form,
+                        target.deep()       ? TiffDepth::kAll
+                        : !info.icc.empty() ? TiffDepth::kWords
+                                            : TiffDepth::kBytes);
   TiffRows rows(tiff, form);
   RowWriter writer(info, form.model(), unpacker.format(), form.alpha, target);
   for (uint32_t y = 0; y < info.height; ++y) {
@@ -128,7 +131,14 @@ class Tiff final : public Decoder {
       const uint8_t* bytes = static_cast<const uint8_t*>(icc);
       info.icc.assign(bytes, bytes + length);
     }
-    info.scratch = Scratch(tiff, form);
+    if (form.foreign.empty()) {
+      info.bits = std::max<int>(info.bits, form.bits);
+      info.floats = form.floats;
+      info.alpha = form.used_count > form.colors;
+    } else {
+      info.alpha = form.samples > form.colors;
+    }
+    info.scratch = info.deep_scratch = Scratch(tiff, form);
     return info;
   }
 
@@ -137,6 +147,9 @@ class Tiff final : public Decoder {
     const TiffForm form(tiff);
     CheckUnchanged(info, form.width, form.height);
     CheckScratch(Scratch(tiff, form));
+    if ((form.foreign.empty() && form.floats) != info.floats) {
+      throw StillError(codecBadDataErr, "the file changed after it was opened");
+    }
     if (form.foreign.empty()) {
       DecodeSamples(tiff, form, info, target);
     } else {

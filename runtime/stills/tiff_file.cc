@@ -118,9 +118,17 @@ TiffForm::TiffForm(TiffFile& tiff) {
   }
 
   colors = ColorChannels(photometric);
-  const bool depth_known = bits == 8 || bits == 16 || (samples == 1 && bits <= 4 && bits != 3);
   const bool palette = photometric == PHOTOMETRIC_PALETTE;
-  if (sample_format != SAMPLEFORMAT_UINT && sample_format != SAMPLEFORMAT_VOID &&
+  floats = sample_format == SAMPLEFORMAT_IEEEFP && bits == 32 && colors <= 3 && !palette &&
+           !IsLogarithmic(photometric);
+  const bool depth_known =
+      bits == 8 || bits == 16 || (samples == 1 && bits <= 4 && bits != 3) || floats;
+  if (sample_format == SAMPLEFORMAT_IEEEFP && !floats && !IsLogarithmic(photometric)) {
+    throw StillError(noCodecErr,
+                     "unsupported TIFF (floating-point samples that are not grey or "
+                     "RGB of 32 bits)");
+  }
+  if (!floats && sample_format != SAMPLEFORMAT_UINT && sample_format != SAMPLEFORMAT_VOID &&
       !IsLogarithmic(photometric)) {
     throw StillError(noCodecErr, "unsupported TIFF (samples are not unsigned integers)");
   }

@@ -61,6 +61,7 @@ struct TiffForm {
   std::array<uint16_t, 5> used = {};
   int colors = 0, used_count = 0;
   Alpha alpha = Alpha::kOpaque;
+  bool floats = false;  ///< whether samples are floating-point numbers of 32 bits
   /// Not empty: only libtiff's own conversion to RGBA reads it, if anything does, and why.
   std::string foreign;
 

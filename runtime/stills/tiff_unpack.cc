@@ -1,5 +1,7 @@
 #include "runtime/stills/tiff_unpack.h"
 
+#include <algorithm>
+
 #include "runtime/stills/color.h"
 #include "runtime/stills/still_error.h"
 
@@ -14,12 +16,24 @@ T Sample(const TiffRow& row, int i, uint32_t x) {
   return value;
 }
 
+PixelFormat FormatFor(const TiffForm& form, TiffDepth depth) {
+  const bool deep = form.bits == 16 && depth != TiffDepth::kBytes;
+  if (form.floats) return depth == TiffDepth::kAll ? PixelFormat::kRgbaFloat : PixelFormat::kRgba16;
+  if (form.colors == 4) {
+    return deep && depth == TiffDepth::kAll ? PixelFormat::kCmyka16 : PixelFormat::kCmyka8;
+  }
+  return deep ? PixelFormat::kRgba16 : PixelFormat::kBgra8;
+}
+
+/// To the nearest word; what lies outside 0..1 is cut off, and what is no number is 0.
+uint16_t WordOf(float value) {
+  return value > 0.0f ? static_cast<uint16_t>(std::min(value, 1.0f) * 65535.0f + 0.5f) : 0;
+}
+
 }  // namespace
 
-TiffUnpacker::TiffUnpacker(TiffFile& tiff, const TiffForm& form, bool words) : form_(form) {
-  format_ = form.colors == 4           ? PixelFormat::kCmyka8
-            : words && form.bits == 16 ? PixelFormat::kRgba16
-                                       : PixelFormat::kBgra8;
+TiffUnpacker::TiffUnpacker(TiffFile& tiff, const TiffForm& form, TiffDepth depth) : form_(form) {
+  format_ = FormatFor(form, depth);
   if (form.bits < 8) bytes_.resize(form.width);
   if (form.photometric != PHOTOMETRIC_PALETTE) return;
 
@@ -39,7 +53,9 @@ TiffUnpacker::TiffUnpacker(TiffFile& tiff, const TiffForm& form, bool words) : f
 }
 
 void TiffUnpacker::Unpack(const TiffRow& row, uint8_t* to) {
-  if (form_.bits == 16) {
+  if (form_.floats) {
+    SpreadFloats(row, to);
+  } else if (form_.bits == 16) {
     Spread<uint16_t>(row, to);
   } else {
     Spread<uint8_t>(form_.bits == 8 ? row : UnpackBits(row), to);
@@ -71,6 +87,11 @@ void TiffUnpacker::Spread(const TiffRow& row, uint8_t* to) const {
       to[4] = To8(alpha);
       continue;
     }
+    if (format_ == PixelFormat::kCmyka16) {
+      const uint16_t pixel[] = {color[0], color[1], color[2], color[3], alpha};
+      __builtin_memcpy(to, pixel, sizeof pixel);
+      continue;
+    }
     if (form_.colors == 1) color[1] = color[2] = color[0];
     if (format_ == PixelFormat::kRgba16) {
       const uint16_t pixel[] = {color[0], color[1], color[2], alpha};
@@ -80,6 +101,26 @@ void TiffUnpacker::Spread(const TiffRow& row, uint8_t* to) const {
     const uint8_t* entry = palette_.empty() ? nullptr : &palette_[color[0] * size_t{3}];
     for (int i = 0; i < 3; ++i) to[2 - i] = entry != nullptr ? entry[i] : To8(color[i]);
     to[3] = To8(alpha);
+  }
+}
+
+void TiffUnpacker::SpreadFloats(const TiffRow& row, uint8_t* to) const {
+  const bool flipped = form_.photometric == PHOTOMETRIC_MINISWHITE;
+  const size_t pixel_bytes = BytesPerPixel(format_);
+  for (uint32_t x = 0; x < form_.width; ++x, to += pixel_bytes) {
+    float pixel[4];
+    for (int i = 0; i < 3; ++i) {
+      const float sample = Sample<float>(row, i < form_.colors ? i : 0, x);
+      pixel[i] = flipped ? 1.0f - sample : sample;
+    }
+    pixel[3] = form_.used_count > form_.colors ? Sample<float>(row, form_.colors, x) : 1.0f;
+    if (format_ == PixelFormat::kRgbaFloat) {
+      __builtin_memcpy(to, pixel, sizeof pixel);
+      continue;
+    }
+    uint16_t words[4];
+    std::transform(pixel, pixel + 4, words, WordOf);
+    __builtin_memcpy(to, words, sizeof words);
   }
 }
 

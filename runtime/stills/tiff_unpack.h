@@ -9,11 +9,18 @@
 
 namespace kelto::stills {
 
-/// Turns rows of grey, palette, RGB and CMYK samples of up to 16 bits into pixels.
+/// What is kept of samples that have more than eight bits.
+enum class TiffDepth {
+  kBytes,  ///< eight bits
+  kWords,  ///< 16 bits, of colours that are not ink
+  kAll,
+};
+
+/// Turns rows of grey, palette, RGB and CMYK samples of up to 16 bits, and of floating-point grey
+/// and RGB, into pixels.
 class TiffUnpacker {
  public:
-  /// `words` asks for kRgba16 where samples have 16 bits.
-  TiffUnpacker(TiffFile& tiff, const TiffForm& form, bool words);
+  TiffUnpacker(TiffFile& tiff, const TiffForm& form, TiffDepth depth);
 
   PixelFormat format() const { return format_; }
   void Unpack(const TiffRow& row, uint8_t* to);
@@ -21,6 +28,7 @@ class TiffUnpacker {
  private:
   template <typename T>
   void Spread(const TiffRow& row, uint8_t* to) const;
+  void SpreadFloats(const TiffRow& row, uint8_t* to) const;
   /// Packed samples to a byte each, grey ones scaled to 0..255.
   TiffRow UnpackBits(const TiffRow& row);
 

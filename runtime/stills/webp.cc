@@ -79,6 +79,11 @@ uint64_t FrameScratch(const Frame& frame) {
 /// The codec wants rows that follow one another downwards, at least as far as a picture's size.
 bool FitsInPlace(const StillInfo& info) { return info.orientation <= 2; }
 
+bool Covers(const Frame& frame, const StillInfo& info) {
+  return static_cast<uint32_t>(frame.width) == info.width &&
+         static_cast<uint32_t>(frame.height) == info.height;
+}
+
 /// Decodes a frame to B, G, R, A at `to`, the frame's top-left pixel.
 void DecodeFrame(const Frame& frame, uint8_t* to, ptrdiff_t row_bytes) {
   WebPDecoderConfig config;
@@ -121,8 +126,11 @@ class Webp final : public Decoder {
     CheckIccSize(icc.size());
     info.icc.assign(icc.begin(), icc.end());
     info.orientation = ExifOrientation(container.Chunk("EXIF", EXIF_FLAG));
-    info.scratch = container.bytes.size() + FrameScratch(Frame(container)) +
-                   (FitsInPlace(info) ? 0 : info.pixels() * 4);
+    const Frame frame(container);
+    info.alpha = frame.has_alpha || !Covers(frame, info);
+    const uint64_t codec = container.bytes.size() + FrameScratch(frame);
+    info.scratch = codec + (FitsInPlace(info) ? 0 : info.pixels() * 4);
+    info.deep_scratch = codec + info.pixels() * 4;
     return info;
   }
 
@@ -139,10 +147,10 @@ class Webp final : public Decoder {
       throw StillError(codecBadDataErr, "damaged WebP (a frame outside its picture)");
     }
 
-    const bool covers = width == info.width && height == info.height;
+    const bool covers = Covers(frame, info);
     RowWriter writer(info, ColorModel::kRgb, PixelFormat::kBgra8,
                      frame.has_alpha || !covers ? Alpha::kStraight : Alpha::kIgnored, target);
-    const bool in_place = FitsInPlace(info);
+    const bool in_place = FitsInPlace(info) && !target.deep();
     const size_t scratch_row = info.width * size_t{4};
     std::unique_ptr<uint8_t[]> all;
     if (!in_place) all = AllocateScratch(uint64_t{scratch_row} * info.height);

@@ -23,6 +23,11 @@ Bytes Pack(const TiffSpec& spec, int left, int top, int width, int height, int p
           packed.insert(packed.end(), bytes, bytes + 2);
           continue;
         }
+        if (spec.bits == 32) {
+          const uint8_t* bytes = reinterpret_cast<const uint8_t*>(&value);
+          packed.insert(packed.end(), bytes, bytes + 4);
+          continue;
+        }
         pending = pending << spec.bits | value;
         pending_bits += spec.bits;
         if (pending_bits == 8) {

@@ -18,7 +18,7 @@ struct TiffSpec {
   int tile = 0;            ///< side of a tile; 0 for strips
   int rows_per_strip = 5;  ///< so that pictures have several strips
   const char* mode = "w";  ///< "wb" big-endian, "w8" 64-bit offsets
-  /// Value of sample `s` at (x, y).
+  /// Value of sample `s` at (x, y); of 32 bits, its bits.
   std::function<unsigned(int x, int y, int s)> sample;
   /// Sets further tags.
   std::function<void(TIFF*)> tags;

@@ -5,8 +5,10 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <memory>
 #include <ostream>
 
+#include "runtime/stills/deep_reader.h"
 #include "tests/runtime/stills/still_test.h"
 #include "tests/support/peak_memory.h"
 #include "tests/support/process.h"
@@ -110,6 +112,28 @@ TEST_P(HeifMemory, StaysWithinWhatIsSaidBefore) {
   const test::PeakMemory peak;
   ASSERT_EQ(LoadStill(Path("large.heic")).error, noErr);
   EXPECT_LE(peak.MiB(), ((4 * kPixels + static_cast<int64_t>(said)) >> 20) + kSlackMiB)
+      << "bytes a pixel: " << static_cast<double>(peak.MiB() << 20) / kPixels;
+}
+
+TEST_P(HeifMemory, ReadingAllBitsStaysWithinItToo) {
+  const bool encodes =
+      EncodeApart(kWidth, kHeight, Path("large.heic")) && EncodeApart(64, 64, Path("small.heic"));
+  if (!encodes && std::getenv("KELTO_SKIP_HEIF") != nullptr) GTEST_SKIP() << "no encoder";
+  ASSERT_TRUE(encodes)
+      << "libheif has no encoder of this kind; KELTO_SKIP_HEIF=1 skips these tests";
+  const auto read = [](const std::string& path) {
+    DeepReader reader(path);
+    const size_t row = reader.info().width * reader.info().PixelBytes();
+    const auto rows = std::make_unique_for_overwrite<uint8_t[]>(row * reader.info().height);
+    EXPECT_EQ(reader.Read(rows.get(), static_cast<ptrdiff_t>(row)), reader.info().alpha);
+    return reader.info();
+  };
+  // So that the codecs themselves are in memory.
+  EXPECT_EQ(read(Path("small.heic")).bits, GetParam().bits);
+  constexpr int64_t kPixels = int64_t{kWidth} * kHeight, kSlackMiB = 4;
+  const test::PeakMemory peak;
+  const uint64_t said = read(Path("large.heic")).scratch;
+  EXPECT_LE(peak.MiB(), ((8 * kPixels + static_cast<int64_t>(said)) >> 20) + kSlackMiB)
       << "bytes a pixel: " << static_cast<double>(peak.MiB() << 20) / kPixels;
 }
 

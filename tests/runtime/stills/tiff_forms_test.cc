@@ -181,9 +181,19 @@ TEST_F(TiffForms, OrientationTurnsThePictureInBothPaths) {
   }
 }
 
-TEST_F(TiffForms, FloatingPointSamplesAreSaidToBeUnsupported) {
+TEST_F(TiffForms, HalfFloatsAreSaidToBeUnsupported) {
   TiffSpec spec = FourSamples(PHOTOMETRIC_RGB, 16, {1, 2, 3});
   spec.tags = [](TIFF* tiff) { TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_IEEEFP); };
+  const Loaded loaded = LoadSpec(spec);
+  EXPECT_EQ(loaded.error, noCodecErr);
+  EXPECT_EQ(loaded.text,
+            "picture.tif: unsupported TIFF (floating-point samples that are not grey or RGB of 32 "
+            "bits)");
+}
+
+TEST_F(TiffForms, SignedSamplesAreSaidToBeUnsupported) {
+  TiffSpec spec = FourSamples(PHOTOMETRIC_RGB, 16, {1, 2, 3});
+  spec.tags = [](TIFF* tiff) { TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_INT); };
   const Loaded loaded = LoadSpec(spec);
   EXPECT_EQ(loaded.error, noCodecErr);
   EXPECT_EQ(loaded.text, "picture.tif: unsupported TIFF (samples are not unsigned integers)");
