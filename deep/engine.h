@@ -1,9 +1,9 @@
 // The resampling engine for deep pictures: a picture in, a view in, a frame out.
 //
 // It shows what the 8-bit engine (resample/resample.h) would show of the same rectangles: the same
-// weights over the same pixels, the same edges, fields and partly covered pixels. What it adds is
-// transparency. No file of the effect is needed, and nothing is kept between calls; calls in
-// several threads do not disturb each other.
+// kernels over the same pixels, the same edges, fields and partly covered pixels. What it adds is
+// transparency, and kernels that are not cut short. No file of the effect is needed, and nothing is
+// kept between calls; calls in several threads do not disturb each other.
 //
 //   kelto::DeepPicture picture(6000, 4000, kelto::DeepSample::Unsigned16, true);
 //   ...                                                  // fill picture.view()
@@ -45,6 +45,10 @@ struct DeepJob {
   /// Null pixels: none. Else shows instead of `background`, as far as it reaches: its first pixel
   /// lies where the target's does. It may be the target itself, of the same rows.
   DeepSource backdrop;
+  /// Weighs every pixel that the kernel reaches. The 8-bit engine ends kernels at whole pixels,
+  /// where they may not have come to 0 yet, so that slow pans tremble by thousandths of a pixel,
+  /// which 8 bits hide. False: the 8-bit engine's weights, for frames that must be like its own.
+  bool wholeKernels = true;
   /// Filters and mixes in linear light: samples are taken for sRGB's (IEC 61966-2-1), continued
   /// beyond 0 .. 1, and written so. For pictures that are linear as they are, leave it false.
   bool linearLight = false;

@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
-#include "resample/filtered.h"
 #include "resample/realtime.h"
 #include "resample/resample.h"
 
@@ -47,6 +47,22 @@ Range Windowed(Range range, int32_t first, int32_t count) {
           static_cast<int32_t>(std::min<int64_t>(range.end, std::max<int64_t>(end, 0)))};
 }
 
+/// How columns and rows are filtered.
+std::pair<AxisFilter, AxisFilter> AxisFilters(const FilterSpec& filter, const Picture& shown,
+                                              bool wholeKernels) {
+  const float alongScale = shown.columns.map.scale, downScale = shown.rows.map.scale;
+  if (!wholeKernels) {
+    const TapRange common =
+        CommonTapRange(AxisTapRange(filter, alongScale), AxisTapRange(filter, downScale));
+    return {MakeAxisFilter(filter, shown.columns, common),
+            MakeAxisFilter(filter, shown.rows, common)};
+  }
+  FilterSpec whole = filter;
+  whole.end = filter.hi;
+  return {{whole, shown.columns.map, shown.columns.samples, WholeKernelTaps(whole, alongScale)},
+          {whole, shown.rows.map, shown.rows.samples, WholeKernelTaps(whole, downScale)}};
+}
+
 }  // namespace
 
 DeepPlan PlanDeep(const DeepJob& job, const DeepSource& picture, const DeepTarget& target) {
@@ -61,7 +77,7 @@ DeepPlan PlanDeep(const DeepJob& job, const DeepSource& picture, const DeepTarge
   std::copy(job.background.begin(), job.background.end(), plan.background.begin());
 
   ResampleJob geometry = GeometryJob(job, picture);
-  Picture shown = ClipJob(geometry) ? FramePicture(geometry) : Picture{};
+  const Picture shown = ClipJob(geometry) ? FramePicture(geometry) : Picture{};
   if (shown.Empty() || target.pixels == nullptr) return plan;
   const Canvas canvas = MakeCanvas(geometry, PixelFormat::FourByte, true);
   const FilterSpec* const filter = FrameFilter(job.filterMode);
@@ -85,13 +101,16 @@ DeepPlan PlanDeep(const DeepJob& job, const DeepSource& picture, const DeepTarge
     }
     return plan;
   }
-  shown.columns.span.pixels = columns;
-  shown.rows.span.pixels = {canvas.FrameRow(rows.first), canvas.FrameRow(rows.end - 1) + 1};
-  FilteredPlan tables = PlanFiltered(geometry, canvas, *filter, shown);
-  plan.columnWeights = std::move(tables.columnWeights);
-  plan.rowWeights = std::move(tables.rowWeights);
-  plan.columnCoverage = std::move(tables.columnCoverage);
-  plan.rowCoverage = std::move(tables.rowCoverage);
+  const auto [along, down] = AxisFilters(*filter, shown, job.wholeKernels);
+  plan.columnWeights = BuildWeightTable(along, columns.first, columns.end - columns.first, 1);
+  plan.rowWeights = BuildWeightTable(down, canvas.FrameRow(rows.first), rows.end - rows.first,
+                                     canvas.frameRowStep);
+  for (int32_t column = columns.first; column < columns.end; ++column) {
+    plan.columnCoverage.push_back(shown.columns.span.Coverage(column));
+  }
+  for (int32_t row = rows.first; row < rows.end; ++row) {
+    plan.rowCoverage.push_back(shown.rows.span.Coverage(canvas.FrameRow(row)));
+  }
   return plan;
 }
 

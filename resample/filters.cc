@@ -1,5 +1,6 @@
 #include "resample/filters.h"
 
+#include <cmath>
 #include <iterator>
 
 namespace kelto {
@@ -45,10 +46,16 @@ KernelSampler::KernelSampler(const FilterSpec& filter, double step) : filter_(fi
 }
 
 void KernelSampler::Sample(double first, int32_t count, float* values) const {
-  if (sinc_) return sinc_->Sample(first, count, values);
-  for (int32_t i = 0; i < count; ++i) {
-    values[i] = filter_.kernel(static_cast<float>(first + i * step_), filter_.data);
+  if (sinc_) {
+    sinc_->Sample(first, count, values);
+  } else {
+    for (int32_t i = 0; i < count; ++i) {
+      values[i] = filter_.kernel(static_cast<float>(first + i * step_), filter_.data);
+    }
   }
+  const auto beyond = [&](int32_t i) { return std::abs(first + i * step_) >= filter_.end; };
+  for (int32_t i = 0; i < count && beyond(i); ++i) values[i] = 0.0f;
+  for (int32_t i = count - 1; i >= 0 && beyond(i); --i) values[i] = 0.0f;
 }
 
 const FilterSpec* FrameFilter(int32_t filterMode) { return Find(kFrameFilters, filterMode); }

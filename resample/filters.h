@@ -1,6 +1,7 @@
 // The filter of each quality level: its kernel and how far it reaches.
 #pragma once
 
+#include <limits>
 #include <optional>
 
 #include "resample/job.h"
@@ -16,6 +17,8 @@ struct FilterSpec {
   /// In source pixels from the sampling position at scale 1, lo <= 0 <= hi; minifying stretches
   /// both by the scale.
   float lo = 0.0f, hi = 0.0f;
+  /// From this distance on the kernel counts as 0, whatever it is there.
+  float end = std::numeric_limits<float>::infinity();
 };
 
 /// A filter's kernel at places `step` apart: as quickly as its kind allows, within 1e-6 of it.

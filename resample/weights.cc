@@ -75,6 +75,14 @@ TapRange AxisTapRange(const FilterSpec& filter, float scale) {
   return {TruncatedBound(filter.lo * scale - 0.5f), TruncatedBound(filter.hi * scale + 0.5f)};
 }
 
+TapRange WholeKernelTaps(const FilterSpec& filter, float scale) {
+  if (!(scale > 1.0f)) {
+    return {TruncatedBound(std::floor(filter.lo) - 1.0f), TruncatedBound(std::ceil(filter.hi))};
+  }
+  return {TruncatedBound(std::floor(filter.lo * scale)),
+          TruncatedBound(std::ceil(filter.hi * scale + 1.5f))};
+}
+
 TapRange CommonTapRange(TapRange columns, TapRange rows) {
   return rows.lo < columns.lo ? rows : columns;
 }
@@ -97,7 +105,8 @@ float ListTaps(const AxisFilter& axis, float position, std::vector<Tap>& taps) {
     // The two forms do not meet at scale 1; the views that callers ask for allow for the step.
     const float distance =
         scale > 1.0f ? (tap - 0.5f + whole - position) / scale : whole + 1.0f - position + tap;
-    const float weight = axis.filter.kernel(distance, axis.filter.data);
+    const bool beyond = std::abs(distance) >= axis.filter.end;
+    const float weight = beyond ? 0.0f : axis.filter.kernel(distance, axis.filter.data);
     taps.push_back({axis.samples.ImagePixel(offset + k), weight});
     sum += weight;
   }

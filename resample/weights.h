@@ -24,6 +24,10 @@ TapRange AxisTapRange(const FilterSpec& filter, float scale);
 /// bounds therefore weighs taps of the narrower axis beyond them, since films made so far look so.
 TapRange CommonTapRange(TapRange columns, TapRange rows);
 
+/// The taps of every pixel that the filter's kernel reaches within its bounds at a scale, wherever
+/// between two pixels the sampling position lies: up to two more than AxisTapRange has. Bounded.
+TapRange WholeKernelTaps(const FilterSpec& filter, float scale);
+
 /// How one axis is filtered.
 struct AxisFilter {
   FilterSpec filter;

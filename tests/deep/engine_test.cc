@@ -40,6 +40,7 @@ TEST(DeepEngine, DrawsWhatTheEightBitEngineDraws) {
     DeepJob job = AnyJob(random, picture);
     job.linearLight = false;
     job.background = {0.2f, 0.4f, 0.8f, 1.0f};
+    job.wholeKernels = false;
     const DeepPicture deep = RenderedFrame(job, picture, DeepSample::Unsigned16);
 
     test::GuardedBuffer eight(deep.width(), deep.height(), 4);
