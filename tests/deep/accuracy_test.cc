@@ -123,9 +123,7 @@ double PeakToNoise(int32_t mode, double scale, DeepSample sample, bool wholeKern
         const int32_t fromRow = MirroredRow(down.first + static_cast<int32_t>(j), view);
         double row = 0.0;
         for (size_t i = 0; i < along.weights.size(); ++i) {
-          row +=
-              along.weights[i] * value(along.first + static_cast<int32_t>(i),
-                                       MirroredRow(down.first + static_cast<int32_t>(j), view), 0);
+          row += along.weights[i] * value(along.first + static_cast<int32_t>(i), fromRow, 0);
         }
         exact += down.weights[j] * row;
       }
