@@ -10,6 +10,7 @@ fail() { echo "deb_test: $*" >&2; exit 1; }
 package=$(echo "$folder"/kelto_*.deb)
 dpkg-deb -c "$package" >"$folder/contents"
 for file in usr/bin/kelto usr/lib/kelto/KeltoPanAndZoom.hfx usr/lib/frei0r-1/kelto_pan_zoom.so \
+  usr/share/kdenlive/effects/frei0r_kelto_pan_zoom.xml usr/share/shotcut/qml/filters/kelto_pan_zoom/ui.qml \
   usr/share/man/man1/kelto.1 libhfx.so.1 hfx.pc hfx-config.cmake; do
   grep -q "$file" "$folder/contents" || fail "$file is missing"
 done

@@ -15,6 +15,7 @@ tree=$folder/tree
 for file in bin/kelto lib/kelto/KeltoPanAndZoom.hfx lib/frei0r-1/kelto_pan_zoom.so \
   share/man/man1/kelto.1 share/bash-completion/completions/kelto \
   share/zsh/vendor-completions/_kelto share/fish/vendor_completions.d/kelto.fish \
+  share/kdenlive/effects/frei0r_kelto_pan_zoom.xml share/shotcut/qml/filters/kelto_pan_zoom/meta.qml \
   share/kelto/project.schema.json include/kelto/runtime/hfx/host.h; do
   [ -s "$tree/$file" ] || fail "$file is missing"
 done
