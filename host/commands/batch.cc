@@ -18,6 +18,7 @@
 #include "host/files/path_text.h"
 #include "host/files/program_folder.h"
 #include "host/files/work_file.h"
+#include "host/film/coded_films.h"
 #include "host/jobs/film_job.h"
 #include "host/jobs/film_record.h"
 #include "host/jobs/picture_list.h"
@@ -25,25 +26,17 @@
 #include "host/jobs/task_line.h"
 #include "host/plan/default_plan.h"
 #include "host/processes/task_processes.h"
+#include "host/sources/media.h"
 #include "host/terminal/events.h"
 #include "host/terminal/interrupt.h"
 #include "host/terminal/progress.h"
 #include "host/terminal/standard_output.h"
 #include "host/terminal/terminal.h"
-#if defined(KELTO_FFMPEG)
-#include "host/sources/media.h"
-#endif
 
 namespace kelto::host {
 namespace {
 
 namespace fs = std::filesystem;
-
-#if defined(KELTO_FFMPEG)
-constexpr const char* kUsualKind = "mp4";
-#else
-constexpr const char* kUsualKind = "y4m";
-#endif
 
 /// The options as they were typed; empty where nothing was.
 struct BatchOptions {
@@ -66,7 +59,7 @@ class Batch {
   Batch(const BatchOptions& options, std::vector<std::string> words)
       : options_(options),
         common_(std::make_shared<PictureOptions>(PictureOptions{options.plan, std::move(words)})),
-        kind_(KindFor("", options.film.format.empty() ? kUsualKind : options.film.format)) {
+        kind_(KindFor("", options.film.format.empty() ? UsualFilmKind() : options.film.format)) {
     if (options.folder.empty()) throw UsageError("-o is empty; name the folder for the films");
     if (kind_.pictures) {
       throw UsageError("--format " + options.film.format +
@@ -111,9 +104,7 @@ class Batch {
 
  private:
   void CheckOptions() const {
-#if defined(KELTO_FFMPEG)
     if (!options_.plan.over.empty()) CheckVideo(options_.plan.over);
-#endif
     RenderPlan plan = DefaultPlan("");
     PlanOptions common = options_.plan;
     common.views.movesByItself = false;
@@ -125,9 +116,7 @@ class Batch {
       // Some options mean what they mean for a certain picture, and there is none yet.
     }
     CheckRequest(kind_, RequestFor("film", plan));
-#if defined(KELTO_FFMPEG)
     if (!options_.plan.audio.empty()) CheckSoundFile(options_.plan.audio);
-#endif
   }
 
   void MakeFilms(int32_t jobs) {
@@ -300,7 +289,8 @@ CLI::App* AddBatch(CLI::App& app) {
   DeclareFilm(*command, options->film,
               "Films made side by side, each by a process [one for each core]");
   command->get_option("--format")
-      ->description(std::string("Kind of the films; see kelto render --help [") + kUsualKind + "]");
+      ->description(std::string("Kind of the films; see kelto render --help [") + UsualFilmKind() +
+                    "]");
   command
       ->add_flag("--resume", options->resume,
                  "Go on where a batch with the same options was stopped: films that are there stay")

@@ -4,6 +4,8 @@
 #include <span>
 #include <string>
 
+#include "host/base/library.h"
+
 namespace CLI {
 class App;
 }
@@ -35,6 +37,10 @@ CLI::App* AddPlay(CLI::App& app);
 CLI::App* AddRender(CLI::App& app);
 CLI::App* AddSlideshow(CLI::App& app);
 CLI::App* AddStoryboard(CLI::App& app);
+
+/// The libraries that these draw with; none in a build without.
+Libraries StoryboardLibraries();
+Libraries PlayLibraries();
 
 /// Version, instruction set and libraries, a line each.
 std::string VersionText();

@@ -10,6 +10,7 @@
 #include "host/effect/module_file.h"
 #include "host/machine/checks.h"
 #include "host/machine/libraries.h"
+#include "host/moves/auto_move.h"
 #include "host/sandbox/sandbox.h"
 #include "host/terminal/standard_output.h"
 
@@ -57,7 +58,10 @@ void Run(const std::string& given) {
 std::string VersionText() {
   std::string text = "kelto " KELTO_VERSION;
   text += "\ninstruction set: " + InstructionSet();
-  for (const Library& library : Libraries()) text += "\n" + library.name + " " + library.version;
+  for (const Libraries& libraries :
+       {PhotoAndFilmLibraries(), AutoMoveLibraries(), StoryboardLibraries(), PlayLibraries()}) {
+    for (const Library& library : libraries) text += "\n" + library.name + " " + library.version;
+  }
   return text;
 }
 

@@ -11,6 +11,7 @@
 #include "host/effect/module_file.h"
 #include "host/files/path_text.h"
 #include "host/film/codecs.h"
+#include "host/film/coded_films.h"
 #include "host/options/colour.h"
 #include "host/options/number.h"
 #include "host/options/rate.h"
@@ -34,13 +35,12 @@ std::string FormatHelp() {
   for (const FilmKind& kind : FilmKinds()) {
     help += std::string("\n") + kind.name + ": " + kind.description;
   }
-#if !defined(KELTO_FFMPEG)
-  help += "\nH.264 films (mp4, mkv, mov) are written by the Linux command only";
-#endif
+  if (CodedFilmKinds().empty()) {
+    help += "\nH.264 films (mp4, mkv, mov) are written by the Linux command only";
+  }
   return help;
 }
 
-#if defined(KELTO_FFMPEG)
 std::string CodecHelp() {
   std::string help = "How the pictures are coded:";
   for (const FilmCodec& codec : FilmCodecs()) {
@@ -48,7 +48,6 @@ std::string CodecHelp() {
   }
   return help + "\n[vp9 in webm, else h264]";
 }
-#endif
 
 int32_t ParseJobs(const std::string& text) {
   const auto jobs = ParseWhole(text);
@@ -81,16 +80,18 @@ void DeclareFilm(CLI::App& command, FilmOptions& options, const std::string& job
     command.add_option(option, text, help)->group(group)->type_name(type);
   };
   declare(kFiles, "--format", "KIND", options.format, FormatHelp());
-#if defined(KELTO_FFMPEG)
-  declare(kFiles, "--codec", "NAME", options.codec, CodecHelp());
-  declare(
-      kFiles, "--quality", "WORD", options.quality,
-      "How good the film looks: low, medium, high, best; or the codec's own number, where less is "
-      "better [high]");
-  declare(kFiles, "--speed", "WORD", options.speed,
-          "How quickly the film is coded: slow, medium, fast, fastest; the quicker, the larger the "
-          "file [medium]");
-#endif
+  const bool coded = !CodedFilmKinds().empty();
+  if (coded) {
+    declare(kFiles, "--codec", "NAME", options.codec, CodecHelp());
+    declare(
+        kFiles, "--quality", "WORD", options.quality,
+        "How good the film looks: low, medium, high, best; or the codec's own number, where less is "
+        "better [high]");
+    declare(
+        kFiles, "--speed", "WORD", options.speed,
+        "How quickly the film is coded: slow, medium, fast, fastest; the quicker, the larger the "
+        "file [medium]");
+  }
   DeclareModule(command, kFiles, options.module);
   constexpr const char* kFilm = "Film";
   declare(kFilm, "--fade-in", "TIME", options.fadeIn,
@@ -98,14 +99,14 @@ void DeclareFilm(CLI::App& command, FilmOptions& options, const std::string& job
   declare(kFilm, "--fade-out", "TIME", options.fadeOut,
           "Seconds in which it goes into the colour at its end [0]");
   declare(kFilm, "--fade-colour", "COLOUR", options.fadeColour, "That colour, '#rrggbb' [#000000]");
-#if defined(KELTO_FFMPEG)
-  declare(kFilm, "--audio-fade", "TIME", options.audioFade,
-          "Seconds in which the sound fades out at the film's end [0]");
-  command
-      .add_flag("--audio-loop", options.audioLoop,
-                "Begin the sound again where it ends before the film")
-      ->group(kFilm);
-#endif
+  if (coded) {
+    declare(kFilm, "--audio-fade", "TIME", options.audioFade,
+            "Seconds in which the sound fades out at the film's end [0]");
+    command
+        .add_flag("--audio-loop", options.audioLoop,
+                  "Begin the sound again where it ends before the film")
+        ->group(kFilm);
+  }
   constexpr const char* kWork = "Work";
   declare(kWork, "--jobs", "N", options.jobs, jobs);
   command.add_flag("--quiet", options.quiet, "Print failures only")->group(kWork);

@@ -6,6 +6,7 @@
 #include "host/commands/commands.h"
 #include "host/commands/help_text.h"
 #include "host/film/codecs.h"
+#include "host/film/coded_films.h"
 #include "host/film/formats.h"
 #include "host/options/size.h"
 #include "host/terminal/standard_output.h"
@@ -48,14 +49,14 @@ std::string Formats() {
   std::string text =
       "The kind of film is what the name behind -o ends in, or what --format says:\n\n";
   for (const FilmKind& kind : FilmKinds()) text += Line(kind.name, kind.description);
-#if defined(KELTO_FFMPEG)
-  text += "\nCodecs, by --codec:\n\n";
-  for (const FilmCodec& codec : FilmCodecs()) {
-    std::string kinds;
-    for (const char* kind : codec.kinds) kinds += (kinds.empty() ? "" : ", ") + std::string(kind);
-    text += Line(codec.name, std::string(codec.title) + "; in " + kinds);
+  if (!CodedFilmKinds().empty()) {
+    text += "\nCodecs, by --codec:\n\n";
+    for (const FilmCodec& codec : FilmCodecs()) {
+      std::string kinds;
+      for (const char* kind : codec.kinds) kinds += (kinds.empty() ? "" : ", ") + std::string(kind);
+      text += Line(codec.name, std::string(codec.title) + "; in " + kinds);
+    }
   }
-#endif
   text += "\nSizes, by --size:\n\n";
   for (const NamedSize& named : NamedSizes()) text += Line(named.name, ToString(named.size));
   return text +

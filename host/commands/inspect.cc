@@ -7,6 +7,7 @@
 #include "host/commands/module_option.h"
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
+#include "host/commands/plot_option.h"
 #include "host/commands/sandbox_option.h"
 #include "host/effect/module_file.h"
 #include "host/facts/film_summary.h"
@@ -16,9 +17,6 @@
 #include "host/sources/photos.h"
 #include "host/terminal/interrupt.h"
 #include "host/terminal/standard_output.h"
-#if defined(KELTO_CAIRO)
-#include "host/drawing/motion_plot.h"
-#endif
 
 namespace kelto::host {
 namespace {
@@ -48,9 +46,7 @@ void Run(const InspectOptions& options) {
   const std::string module = FindModule(options.module);
   const Photo photo = LookAtPhoto(plan.photo);
   FrameInspector inspector(module, plan, photo, quality);
-#if defined(KELTO_CAIRO)
-  if (!options.plot.empty()) DrawMotionPlot(inspector, photo, options.plot);
-#endif
+  DrawPlot(inspector, photo, options.plot);
   if (options.csv) {
     WriteFrameList(inspector, photo, ListForm::kCsv, PrintResult);
   } else if (options.json) {
@@ -86,14 +82,7 @@ CLI::App* AddInspect(CLI::App& app) {
           "[1]")
       ->group(kList)
       ->type_name("Q");
-#if defined(KELTO_CAIRO)
-  command
-      ->add_option("--plot", options->plot,
-                   "Draw position, zoom and speed over time into this file, .svg or .png; no text "
-                   "is printed then unless another option asks for it")
-      ->group(kList)
-      ->type_name("FILE");
-#endif
+  DeclarePlot(*command, kList, options->plot);
   DeclareModule(*command, kList, options->module);
   DeclarePlan(*command, options->plan);
   command->final_callback([options] { Run(*options); });

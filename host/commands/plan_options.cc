@@ -7,17 +7,16 @@
 #include "host/base/error.h"
 #include "host/commands/option_text.h"
 #include "host/commands/sandbox_option.h"
+#include "host/film/coded_films.h"
 #include "host/options/choices.h"
 #include "host/options/colour.h"
 #include "host/options/number.h"
 #include "host/options/rate.h"
 #include "host/options/size.h"
-#if defined(KELTO_FFMPEG)
-#include "host/sources/media.h"
-#endif
 #include "host/plan/default_plan.h"
 #include "host/project/display_aspect.h"
 #include "host/project/project_file.h"
+#include "host/sources/media.h"
 #include "host/terminal/interrupt.h"
 
 namespace kelto::host {
@@ -44,7 +43,6 @@ int32_t ParsePlayMode(const std::string& text) {
 /// The sound, and the video that the film lies over and takes rate and length from.
 void ApplyMedia(const PlanOptions& options, RenderPlan& plan) {
   if (!options.audio.empty()) plan.audio = options.audio;
-#if defined(KELTO_FFMPEG)
   if (options.over.empty()) return;
   if (!options.background.empty()) {
     throw UsageError("--over and --background both say what is beside the photo; give one of them");
@@ -57,7 +55,6 @@ void ApplyMedia(const PlanOptions& options, RenderPlan& plan) {
   plan.frames = video.frames;
   plan.Set(key::kCompositeOver, std::string(entry::kOverVideo));
   if (plan.audio.empty() && video.sound) plan.audio = options.over;
-#endif
 }
 
 void ApplyFilm(const PlanOptions& options, RenderPlan& plan) {
@@ -83,13 +80,11 @@ void ApplyFilm(const PlanOptions& options, RenderPlan& plan) {
       return FramesOf(ParseSeconds(text), format.rate);
     });
   }
-#if defined(KELTO_FFMPEG)
   if (options.fitAudio) {
     if (plan.audio.empty())
       throw UsageError("--fit-audio: there is no sound; name it with --audio");
     plan.frames = FramesOf(LookAtSound(plan.audio), format.rate);
   }
-#endif
   if (!options.fields.empty()) format.fields = ReadOption("--fields", options.fields, ParseFields);
 }
 
@@ -171,17 +166,17 @@ void DeclarePlan(CLI::App& command, PlanOptions& options) {
   declare("--fps", "RATE", options.rate, "Frames a second: 25, 29.97, 30000/1001 ... [25]");
   declare("--seconds", "TIME", options.seconds, "Length in seconds [5]");
   declare("--frames", "N", options.frames, "Length in frames");
-#if defined(KELTO_FFMPEG)
-  declare("--audio", "FILE", options.audio,
-          "Sound for the film: that of this file, from its beginning");
-  declare("--over", "FILE", options.over,
-          "Lay the photo over this video: its rate, length and sound become the film's unless "
-          "other options say otherwise");
-  CLI::Option* fit =
-      command.add_flag("--fit-audio", options.fitAudio, "Make the film as long as its sound")
-          ->group("Film");
-  for (const char* length : {"--seconds", "--frames", "--over"}) fit->excludes(length);
-#endif
+  if (!CodedFilmKinds().empty()) {
+    declare("--audio", "FILE", options.audio,
+            "Sound for the film: that of this file, from its beginning");
+    declare("--over", "FILE", options.over,
+            "Lay the photo over this video: its rate, length and sound become the film's unless "
+            "other options say otherwise");
+    CLI::Option* fit =
+        command.add_flag("--fit-audio", options.fitAudio, "Make the film as long as its sound")
+            ->group("Film");
+    for (const char* length : {"--seconds", "--frames", "--over"}) fit->excludes(length);
+  }
   declare("--fields", "ORDER", options.fields,
           "Interlaced, with this field first: top, bottom; or progressive, whole frames "
           "[progressive]");

@@ -35,6 +35,8 @@ void Run(const PlayOptions& options) {
 
 }  // namespace
 
+Libraries PlayLibraries() { return WindowLibraries(); }
+
 CLI::App* AddPlay(CLI::App& app) {
   CLI::App* command = app.add_subcommand(
       "play", "Play a film in a window, in real time; h in the window lists the keys");

@@ -5,4 +5,6 @@ namespace kelto::host {
 
 CLI::App* AddPlay(CLI::App&) { return nullptr; }
 
+Libraries PlayLibraries() { return {}; }
+
 }  // namespace kelto::host

@@ -27,9 +27,7 @@
 #include "host/jobs/slideshow.h"
 #include "host/options/number.h"
 #include "host/options/rate.h"
-#if defined(KELTO_FFMPEG)
 #include "host/sources/media.h"
-#endif
 #include "host/sources/photos.h"
 #include "host/terminal/events.h"
 #include "host/terminal/interrupt.h"
@@ -150,7 +148,6 @@ void KeepThose(std::vector<ShowPicture>& pictures,
   if (pictures.empty()) throw Error("none of the pictures can be shown");
 }
 
-#if defined(KELTO_FFMPEG)
 /// Sets how long each picture is seen so that the film is as long as its sound.
 void FitToSound(const std::string& audio, std::vector<ShowPicture>& pictures, Slideshow& show) {
   if (audio.empty()) throw UsageError("--fit-audio: there is no sound; name it with --audio");
@@ -174,7 +171,6 @@ void FitToSound(const std::string& audio, std::vector<ShowPicture>& pictures, Sl
     if (!given[i]) pictures[i].each = FixedText(times[i] / rate.PerSecond(), 2);
   }
 }
-#endif
 
 Slideshow ShowFor(const SlideshowOptions& options, std::vector<ShowPicture>& pictures) {
   if (options.output.empty()) throw UsageError("-o is empty; name the film");
@@ -210,9 +206,7 @@ Slideshow ShowFor(const SlideshowOptions& options, std::vector<ShowPicture>& pic
     }
     show.plans.push_back(std::move(plan));
   });
-#if defined(KELTO_FFMPEG)
   if (options.plan.fitAudio) FitToSound(options.plan.audio, pictures, show);
-#endif
   const RenderPlan& first = show.plans.front();
   for (size_t i = 0; i + 1 < pictures.size(); ++i) {
     show.fades.push_back(AtPlaceOf(pictures[i].listed, [&] {

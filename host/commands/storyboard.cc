@@ -8,6 +8,7 @@
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
 #include "host/commands/sandbox_option.h"
+#include "host/drawing/drawing.h"
 #include "host/drawing/storyboard.h"
 #include "host/effect/module_file.h"
 #include "host/files/output_file.h"
@@ -57,6 +58,8 @@ void Run(const Options& options) {
 }
 
 }  // namespace
+
+Libraries StoryboardLibraries() { return DrawingLibraries(); }
 
 CLI::App* AddStoryboard(CLI::App& app) {
   CLI::App* command = app.add_subcommand(

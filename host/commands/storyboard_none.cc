@@ -5,4 +5,6 @@ namespace kelto::host {
 
 CLI::App* AddStoryboard(CLI::App&) { return nullptr; }
 
+Libraries StoryboardLibraries() { return {}; }
+
 }  // namespace kelto::host

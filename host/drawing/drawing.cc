@@ -80,6 +80,8 @@ std::string Drawable(const std::string& text) {
 
 }  // namespace
 
+Libraries DrawingLibraries() { return {{"Cairo", cairo_version_string()}}; }
+
 Drawing::Drawing(Blank, std::string file, double width, double height)
     : file_(std::move(file)), width_(width), height_(height) {}
 

@@ -7,12 +7,16 @@
 #include <vector>
 
 #include "host/base/film_format.h"
+#include "host/base/library.h"
 
 // Cairo's own names, so that its header stays out of this one.
 using cairo_t = struct _cairo;                  // NOLINT(bugprone-reserved-identifier)
 using cairo_surface_t = struct _cairo_surface;  // NOLINT(bugprone-reserved-identifier)
 
 namespace kelto::host {
+
+/// The library that draws.
+Libraries DrawingLibraries();
 
 struct Ink {
   double red = 0.0, green = 0.0, blue = 0.0, alpha = 1.0;

@@ -160,7 +160,8 @@ std::unique_ptr<FrameSink> OpenGif(const FilmRequest& request) { return Open(req
 std::unique_ptr<FrameSink> OpenApng(const FilmRequest& request) { return Open(request, kApng); }
 std::unique_ptr<FrameSink> OpenWebp(const FilmRequest& request) { return Open(request, kWebp); }
 
-void CheckAnimation(const std::string& kind, const FilmRequest& request) {
+void CheckAnimation(const FilmKind& animation, const FilmRequest& request) {
+  const std::string kind = animation.name;
   constexpr uint64_t kMost = uint64_t{2} << 30;
   if (request.format.Interlaced()) {
     throw UsageError("--fields: " + kind + " holds whole frames only; use --fields progressive");

@@ -16,8 +16,8 @@ std::unique_ptr<FrameSink> OpenApng(const FilmRequest& request);
 /// Coded as WebP codes photographs.
 std::unique_ptr<FrameSink> OpenWebp(const FilmRequest& request);
 
-/// Throws UsageError for an animation called `kind` that would be too large for memory, or that
+/// Throws UsageError for an animation of this kind that would be too large for memory, or that
 /// cannot go where it is to go.
-void CheckAnimation(const std::string& kind, const FilmRequest& request);
+void CheckAnimation(const FilmKind& kind, const FilmRequest& request);
 
 }  // namespace kelto::host

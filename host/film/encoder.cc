@@ -8,6 +8,7 @@ extern "C" {
 #include <string>
 
 #include "host/base/error.h"
+#include "host/film/coded_films.h"
 #include "host/film/container_output.h"
 #include "host/film/libav.h"
 #include "host/film/planes.h"

@@ -18,8 +18,4 @@ std::unique_ptr<FrameSink> OpenMov(const FilmRequest& request);
 std::unique_ptr<FrameSink> OpenMkv(const FilmRequest& request);
 std::unique_ptr<FrameSink> OpenWebm(const FilmRequest& request);
 
-/// The name of the installed FFmpeg's encoder that codes frames of this size; empty when it has
-/// none.
-std::string InstalledEncoder(const FilmCodec& codec, FrameSize size = {});
-
 }  // namespace kelto::host

@@ -12,14 +12,10 @@
 #include "host/files/output_file.h"
 #include "host/files/path_text.h"
 #include "host/film/codecs.h"
-#include "host/film/encoder.h"
+#include "host/film/coded_films.h"
 #include "host/film/frame_pattern.h"
 #include "host/film/picture_sequence.h"
 #include "host/film/raw_video.h"
-#if defined(KELTO_FFMPEG)
-#include "host/film/animation.h"
-#include "host/film/sound_source.h"
-#endif
 #include "host/film/y4m.h"
 #include "host/options/size.h"
 #include "host/terminal/interrupt.h"
@@ -32,20 +28,8 @@ namespace fs = std::filesystem;
 constexpr PixelLayout kYCbYCr = PixelLayout::kYCbYCr;
 constexpr PixelLayout kBGRA = PixelLayout::kBGRA;
 
-constexpr FilmKind kKinds[] = {
-#if defined(KELTO_FFMPEG)
-    {"mp4", nullptr, "MP4; H.264 unless --codec says otherwise", kYCbYCr, 2, 1, 2, false, OpenMp4},
-    {"mkv", nullptr, "Matroska; H.264 unless --codec says otherwise", kYCbYCr, 2, 1, 2, false,
-     OpenMkv},
-    {"mov", nullptr, "MOV; H.264 unless --codec says otherwise", kYCbYCr, 2, 1, 2, false, OpenMov},
-    {"webm", nullptr, "WebM; VP9 unless --codec says otherwise", kYCbYCr, 2, 1, 2, false, OpenWebm},
-    {"gif", nullptr, "animation of 256 colours, which plays over and over", kBGRA, 1, 1, 2, false,
-     OpenGif},
-    {"webp", nullptr, "animation in good quality, which plays over and over", kBGRA, 1, 1, 2, false,
-     OpenWebp},
-    {"apng", nullptr, "animation without loss, which plays over and over", kBGRA, 1, 1, 2, false,
-     OpenApng},
-#endif
+/// Those that need no encoder of the FFmpeg libraries.
+constexpr FilmKind kPlainKinds[] = {
     {"png", nullptr, "numbered pictures, as in frame-%04d.png, the first one 0", kBGRA, 1, 1, 2,
      true, OpenPngSequence},
 #if !defined(_WIN32)
@@ -58,21 +42,31 @@ constexpr FilmKind kKinds[] = {
     {"bgra", nullptr, "raw bytes B G R A", kBGRA, 1, 1, 2, false, OpenRawBGRA},
 };
 
+/// All kinds, in the order in which they are offered.
+const std::vector<FilmKind>& Kinds() {
+  static const std::vector<FilmKind> kinds = [] {
+    std::vector<FilmKind> all(CodedFilmKinds().begin(), CodedFilmKinds().end());
+    all.insert(all.end(), std::begin(kPlainKinds), std::end(kPlainKinds));
+    return all;
+  }();
+  return kinds;
+}
+
 bool Every(const std::string&) { return true; }
 
 std::string Names(bool (*wanted)(const std::string&) = &Every) {
   std::vector<const char*> names;
-  for (const FilmKind& kind : kKinds) {
+  for (const FilmKind& kind : Kinds()) {
     if (wanted(kind.name)) names.push_back(kind.name);
   }
   return Joined(names);
 }
 
 const FilmKind* Find(const std::string& name) {
-  const auto kind = std::find_if(std::begin(kKinds), std::end(kKinds), [&](const FilmKind& each) {
+  const auto kind = std::find_if(Kinds().begin(), Kinds().end(), [&](const FilmKind& each) {
     return each.name == name || (each.otherEnding != nullptr && each.otherEnding == name);
   });
-  return kind == std::end(kKinds) ? nullptr : kind;
+  return kind == Kinds().end() ? nullptr : &*kind;
 }
 
 std::string EndingOf(const std::string& output) {
@@ -110,12 +104,6 @@ void CheckSize(const FilmKind& kind, FrameSize size, int32_t heightStep, bool in
   throw UsageError("--size " + ToString(size) + ": " + (interlaced ? "interlaced " : "") +
                    kind.name + " needs " + need + ", such as " + ToString(fitted));
 }
-
-#if defined(KELTO_FFMPEG)
-bool IsAnimation(const FilmKind& kind) {
-  return kind.open == OpenGif || kind.open == OpenApng || kind.open == OpenWebp;
-}
-#endif
 
 /// Only files of one size can be one and the same, which saves comparing each with each.
 using FilesBySize = std::multimap<uintmax_t, std::string>;
@@ -168,7 +156,7 @@ bool SequenceHasAny(const FramePattern& pattern, const FilmRequest& request,
 
 }  // namespace
 
-std::span<const FilmKind> FilmKinds() { return kKinds; }
+std::span<const FilmKind> FilmKinds() { return Kinds(); }
 
 const FilmKind& KindFor(const std::string& output, const std::string& format) {
   if (!format.empty()) {
@@ -214,9 +202,7 @@ void CheckRequest(const FilmKind& kind, const FilmRequest& request) {
     if (!request.audio.empty()) refuse("--audio " + request.audio, "sound");
   }
   CheckSize(kind, request.format.size, heightStep, interlaced);
-#if defined(KELTO_FFMPEG)
-  if (IsAnimation(kind)) CheckAnimation(kind.name, request);
-#endif
+  if (kind.check != nullptr) kind.check(kind, request);
   if (kind.pictures && request.output != kStandardOutput) {
     const FramePattern pattern(request.output);
     if (request.frames > 1 && !pattern.Numbered()) {
@@ -242,17 +228,5 @@ bool WouldReplaceAny(const FilmKind& kind, const FilmRequest& request,
   return std::any_of(paths.begin(), paths.end(),
                      [&](const std::string& path) { return IsSameFile(path, output); });
 }
-
-#if defined(KELTO_FFMPEG)
-void CheckSound(const std::string& path) { SoundSource sound(path); }
-
-double SoundSeconds(const std::string& path) {
-  SoundSource sound(path);
-  const auto packet = Own(av_packet_alloc());
-  int64_t end = 0;
-  while (sound.Read(*packet)) end = std::max(end, packet->pts + packet->duration);
-  return static_cast<double>(end) * av_q2d(sound.TimeBase());
-}
-#endif
 
 }  // namespace kelto::host

@@ -33,6 +33,8 @@ struct FilmKind {
   int32_t widthStep, heightStep, interlacedHeightStep;
   bool pictures;  ///< a file a frame
   std::unique_ptr<FrameSink> (*open)(const FilmRequest& request);
+  /// Throws UsageError for what only this kind cannot hold; null where that is nothing.
+  void (*check)(const FilmKind& kind, const FilmRequest& request) = nullptr;
 };
 
 std::span<const FilmKind> FilmKinds();
@@ -53,14 +55,5 @@ bool WouldReplace(const FilmKind& kind, const FilmRequest& request, const std::s
 /// noted interrupt (see InterruptSignal) ends it with Error.
 bool WouldReplaceAny(const FilmKind& kind, const FilmRequest& request,
                      std::span<const std::string> paths);
-
-#if defined(KELTO_FFMPEG)
-/// Throws Error when the file `path` has no sound for a film.
-void CheckSound(const std::string& path);
-
-/// How long the file's sound is, in seconds: to the end of its last packet, whatever the file says
-/// of itself. Throws Error when it has none.
-double SoundSeconds(const std::string& path);
-#endif
 
 }  // namespace kelto::host

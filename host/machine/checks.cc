@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <random>
+#include <span>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -12,13 +13,11 @@
 #include "host/effect/photo.h"
 #include "host/files/path_text.h"
 #include "host/film/codecs.h"
+#include "host/film/coded_films.h"
 #include "host/film/formats.h"
 #include "host/frames/effect_session.h"
 #include "host/machine/sample_stills.h"
 #include "host/plan/default_plan.h"
-#if defined(KELTO_FFMPEG)
-#include "host/film/encoder.h"
-#endif
 
 namespace kelto::host {
 namespace {
@@ -109,8 +108,8 @@ std::vector<Check> TryStills() {
 std::vector<Check> TryFilms() {
   const WorkFolder folder;
   std::vector<Check> checks;
-#if defined(KELTO_FFMPEG)
-  for (const FilmCodec& codec : FilmCodecs()) {
+  const auto codecs = CodedFilmKinds().empty() ? std::span<const FilmCodec>() : FilmCodecs();
+  for (const FilmCodec& codec : codecs) {
     const char* kind = codec.kinds.front();
     const std::string path = folder / ("film." + std::string(kind));
     const std::string encoder = InstalledEncoder(codec, kSize);
@@ -119,7 +118,6 @@ std::vector<Check> TryFilms() {
     checks.push_back(
         WithoutPath(Try(name, [&] { WriteFilm(KindFor(path, ""), path, codec.name); }), path));
   }
-#endif
   for (const FilmKind& kind : FilmKinds()) {
     if (IsContainer(kind.name)) continue;
     const std::string path = folder / ("film-%d." + std::string(kind.name));

@@ -10,25 +10,7 @@
 #include <tiffio.h>
 #include <webp/decode.h>
 #endif
-#if defined(KELTO_FFMPEG)
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libavutil/avutil.h>
-#include <libswscale/swscale.h>
-}
-#endif
-#if defined(KELTO_OPENCV)
-#include <opencv2/core/utility.hpp>
-#endif
-#if defined(KELTO_CAIRO)
-#include <cairo.h>
-#endif
-#if defined(KELTO_SDL)
-#define SDL_MAIN_HANDLED
-#include <SDL.h>
-#endif
-
+#include "host/film/coded_films.h"
 #include "targets/target.h"
 
 namespace kelto::host {
@@ -41,21 +23,6 @@ namespace {
          std::to_string(number & mask);
 }
 
-#if defined(KELTO_FFMPEG)
-void AddFfmpeg(std::vector<Library>& libraries) {
-  libraries.push_back({"FFmpeg", av_version_info()});
-  const auto add = [&](const char* name, unsigned version) {
-    libraries.push_back({name, std::to_string(version >> 16) + "." +
-                                   std::to_string(version >> 8 & 255) + "." +
-                                   std::to_string(version & 255)});
-  };
-  add("libavformat", avformat_version());
-  add("libavcodec", avcodec_version());
-  add("libavutil", avutil_version());
-  add("libswscale", swscale_version());
-}
-#endif
-
 #if !defined(_WIN32)
 /// "LIBTIFF, Version 4.5.0\n..." as its number.
 std::string TiffVersion() {
@@ -65,7 +32,7 @@ std::string TiffVersion() {
   return blank == text.npos ? text : text.substr(blank + 1);
 }
 
-void AddStillCodecs(std::vector<Library>& libraries) {
+void AddStillCodecs(Libraries& libraries) {
 #define KELTO_TEXT_OF(number) #number
 #define KELTO_TEXT(number) KELTO_TEXT_OF(number)
 #if defined(LIBJPEG_TURBO_VERSION)
@@ -88,25 +55,10 @@ void AddStillCodecs(std::vector<Library>& libraries) {
 
 }  // namespace
 
-std::vector<Library> Libraries() {
-  std::vector<Library> libraries;
-#if defined(KELTO_FFMPEG)
-  AddFfmpeg(libraries);
-#endif
+Libraries PhotoAndFilmLibraries() {
+  Libraries libraries = CodedFilmLibraries();
 #if !defined(_WIN32)
   AddStillCodecs(libraries);
-#endif
-#if defined(KELTO_OPENCV)
-  libraries.push_back({"OpenCV", cv::getVersionString()});
-#endif
-#if defined(KELTO_CAIRO)
-  libraries.push_back({"Cairo", cairo_version_string()});
-#endif
-#if defined(KELTO_SDL)
-  SDL_version sdl;
-  SDL_GetVersion(&sdl);
-  libraries.push_back({"SDL", std::to_string(sdl.major) + "." + std::to_string(sdl.minor) + "." +
-                                  std::to_string(sdl.patch)});
 #endif
   return libraries;
 }

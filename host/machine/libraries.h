@@ -1,18 +1,13 @@
-// The libraries that the command runs with, and the processor.
+// The libraries that read photographs and write films, and the processor.
 #pragma once
 
 #include <string>
-#include <vector>
+
+#include "host/base/library.h"
 
 namespace kelto::host {
 
-struct Library {
-  std::string name;
-  std::string version;
-};
-
-/// Versions as the libraries report them at run time; where one does not, that of its headers.
-std::vector<Library> Libraries();
+Libraries PhotoAndFilmLibraries();
 
 /// The instruction set that a module of this build draws with here: the choice that it makes.
 std::string InstructionSet();

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "host/base/library.h"
 #include "host/moves/presets.h"
 #include "host/track/photo_views.h"
 
@@ -17,6 +18,9 @@ struct PhotoPixels {
 
 /// Whether this build can look for what is interesting in a picture.
 bool CanFindInterest();
+
+/// The library that does; none in a build that cannot.
+Libraries AutoMoveLibraries();
 
 /// How much closer the last view of AutoMove is than the first, where nothing says otherwise.
 inline constexpr double kUsualAutoAmount = 1 / 0.7;

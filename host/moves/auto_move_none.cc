@@ -6,6 +6,8 @@ namespace kelto::host {
 
 bool CanFindInterest() { return false; }
 
+Libraries AutoMoveLibraries() { return {}; }
+
 std::vector<PhotoRect> AutoMove(const PhotoViews&, const PhotoPixels&, Fit, double) {
   throw UsageError("this build cannot look at pictures; choose one of " + MoveNames());
 }

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <opencv2/core.hpp>
+#include <opencv2/core/utility.hpp>
 #include <opencv2/imgproc.hpp>
 
 #include "host/moves/auto_move.h"
@@ -86,6 +87,8 @@ cv::Point2d BestCentre(const PhotoPixels& pixels, const PhotoRect& window) {
 }  // namespace
 
 bool CanFindInterest() { return true; }
+
+Libraries AutoMoveLibraries() { return {{"OpenCV", cv::getVersionString()}}; }
 
 std::vector<PhotoRect> AutoMove(const PhotoViews& views, const PhotoPixels& pixels, Fit fit,
                                 double amount) {

@@ -3,11 +3,15 @@
 
 #include <string>
 
+#include "host/base/library.h"
 #include "host/effect/photo.h"
 #include "host/plan/render_plan.h"
 #include "host/sandbox/sandbox.h"
 
 namespace kelto::host {
+
+/// The library that opens windows.
+Libraries WindowLibraries();
 
 struct PlayerOptions {
   bool loop = false;    ///< start over at the end, else pause

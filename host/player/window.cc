@@ -12,6 +12,7 @@
 
 #include "host/base/error.h"
 #include "host/options/size.h"
+#include "host/player/player.h"
 
 namespace kelto::host {
 namespace {
@@ -91,6 +92,13 @@ SDL_Rect FitInto(const SDL_Rect& room, double width, double height) {
 }
 
 }  // namespace
+
+Libraries WindowLibraries() {
+  SDL_version sdl;
+  SDL_GetVersion(&sdl);
+  return {{"SDL", std::to_string(sdl.major) + "." + std::to_string(sdl.minor) + "." +
+                      std::to_string(sdl.patch)}};
+}
 
 struct Window::Parts {
   Quit quit;                                   // goes last

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "host/base/error.h"
-#include "host/film/formats.h"
+#include "host/film/coded_films.h"
 #include "host/processes/reader_process.h"
 
 namespace kelto::host {

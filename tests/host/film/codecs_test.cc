@@ -8,6 +8,7 @@
 #include <set>
 
 #include "host/base/error.h"
+#include "host/film/coded_films.h"
 #include "host/film/encoder.h"
 #include "tests/host/film/misuse.h"
 #include "tests/host/support/effect_frames.h"
