@@ -103,7 +103,7 @@ function(kelto_library name)
 endfunction()
 
 # kelto_test(NAME SOURCES ... LINK ... [RUNS ...] [FIXTURE ...]): a GoogleTest program; each of its
-# tests is a ctest test. RUNS names what it loads or starts by file: the module, the command; FIXTURE
+# tests is a ctest test, or with KELTO_SUITE_TESTS each of its suites. RUNS names what it loads or starts by file: the module, the command; FIXTURE
 # what ctest has to set up before.
 function(kelto_test name)
   cmake_parse_arguments(ARG "QT" "FIXTURE" "SOURCES;LINK;RUNS" ${ARGN})
@@ -135,11 +135,28 @@ function(kelto_test name)
     endif()
     add_dependencies(${name} ${file})
   endforeach()
-  set(properties TIMEOUT 600)
+  set(properties)
   if(ARG_FIXTURE)
     list(APPEND properties FIXTURES_REQUIRED ${ARG_FIXTURE})
   endif()
-  # Listing the tests may have to wait for the first start of Wine.
-  gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
-    PROPERTIES ${properties})
+  if(KELTO_SUITE_TESTS)
+    kelto_suite_tests(${name} TIMEOUT 1800 ${properties})
+  else()
+    # Listing the tests may have to wait for the first start of Wine.
+    gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
+      PROPERTIES TIMEOUT 600 ${properties})
+  endif()
+endfunction()
+
+# kelto_suite_tests(NAME PROPERTY VALUE ...): makes each suite of a GoogleTest program a ctest test.
+# Starting a program a test takes longer than most tests do where sanitizers or Wine have to get ready.
+function(kelto_suite_tests name)
+  set(script ${CMAKE_CURRENT_BINARY_DIR}/${name}_suites.cmake)
+  file(GENERATE OUTPUT ${script} CONTENT
+"set(name ${name})
+set(command ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${name}>)
+set(properties ${ARGN})
+include(${PROJECT_SOURCE_DIR}/cmake/SuiteTests.cmake)
+")
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${script})
 endfunction()
