@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <utility>
 
 #include "host/base/error.h"
 #include "host/commands/module_option.h"
@@ -9,10 +10,13 @@
 #include "host/commands/plan_options.h"
 #include "host/commands/plot_option.h"
 #include "host/commands/sandbox_option.h"
+#include "host/commands/show_operand.h"
 #include "host/effect/module_file.h"
 #include "host/facts/film_summary.h"
 #include "host/facts/frame_list.h"
+#include "host/facts/show_summary.h"
 #include "host/files/output_file.h"
+#include "host/jobs/show_film.h"
 #include "host/options/number.h"
 #include "host/sources/photos.h"
 #include "host/terminal/interrupt.h"
@@ -25,7 +29,7 @@ namespace {
 struct InspectOptions {
   std::string input, quality, plot, module;
   bool csv = false, json = false, table = false;
-  PlanOptions plan;
+  ShowOptions show;
 };
 
 double ParseQuality(const std::string& text) {
@@ -36,12 +40,40 @@ double ParseQuality(const std::string& text) {
   return *quality;
 }
 
-void Run(const InspectOptions& options) {
+/// Says in a few lines what a show will show.
+void RunOnShow(const InspectOptions& options, const CLI::App& command) {
+  const std::pair<const char*, bool> given[] = {{"--frames-table", options.table},
+                                                {"--csv", options.csv},
+                                                {"--json", options.json},
+                                                {"--plot", !options.plot.empty()},
+                                                {"--quality", !options.quality.empty()}};
+  for (const auto& [option, isGiven] : given) {
+    if (isGiven) {
+      throw UsageError(std::string(option) + ": is for the film of one picture; inspect it alone");
+    }
+  }
+  SandboxAccess access = AccessFor(options.module, {});
+  const OpenedShow show = OpenShow(options.show, command, access);
+  const ShowPlans& plans = show.plans;
+  const std::vector<int32_t> begins = BeginningsOf(plans.plans, plans.fades);
+  std::vector<PictureOfShow> pictures;
+  for (size_t i = 0; i < plans.plans.size(); ++i) {
+    pictures.push_back(
+        {plans.plans[i], plans.photos[i], begins[i], i < plans.fades.size() ? plans.fades[i] : 0});
+  }
+  PrintResult(
+      ShowSummaryText(FindModule(options.module), pictures, FramesOfShow(plans), show.audio));
+}
+
+void Run(InspectOptions& options, const CLI::App& command) {
   const InterruptsEndAtOnce throughout;  // it loads photographs, and leaves nothing half-written
+  options.show.inputs = {options.input};
+  if (NamesShow(options.input)) return RunOnShow(options, command);
+  CheckIsShow(options.show);
   const double quality =
       options.quality.empty() ? 1.0 : ReadOption("--quality", options.quality, ParseQuality);
   const RenderPlan plan =
-      PlanFor(options.input, options.plan, AccessFor(options.module, {options.plot}));
+      PlanFor(options.input, options.show.plan, AccessFor(options.module, {options.plot}));
   CheckNameIsFree(options.plot, {options.input, plan.photo, plan.over, plan.audio});
   const std::string module = FindModule(options.module);
   const Photo photo = LookAtPhoto(plan.photo);
@@ -64,7 +96,9 @@ CLI::App* AddInspect(CLI::App& app) {
   CLI::App* command =
       app.add_subcommand("inspect", "Say what a film will show: in a few lines, or frame by frame");
   const auto options = std::make_shared<InspectOptions>();
-  command->add_option("INPUT", options->input, "The photograph or project")
+  command
+      ->add_option("INPUT", options->input,
+                   "The photograph or project; or a show: its project, a folder or a list")
       ->required()
       ->type_name("");
   constexpr const char* kList = "List";
@@ -84,8 +118,9 @@ CLI::App* AddInspect(CLI::App& app) {
       ->type_name("Q");
   DeclarePlot(*command, kList, options->plot);
   DeclareModule(*command, kList, options->module);
-  DeclarePlan(*command, options->plan);
-  command->final_callback([options] { Run(*options); });
+  DeclareTimes(*command, "Film", options->show);
+  DeclarePlan(*command, options->show.plan);
+  command->final_callback([options, command] { Run(*options, *command); });
   return command;
 }
 

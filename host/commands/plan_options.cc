@@ -218,18 +218,17 @@ RenderPlan PlanOf(const std::string& input) {
   return IsProjectName(input) ? ReadProject(input) : DefaultPlan(input);
 }
 
-namespace {
-
 void AddSources(const RenderPlan& plan, const PlanOptions& options, SandboxAccess& access) {
   AddSources(plan, access);
   access.reads.insert(access.reads.end(), {options.over, options.audio});
 }
 
+namespace {
+
 RenderPlan Changed(RenderPlan plan, const std::string& input, const PlanOptions& options) {
   PlanOptions given = options;
   given.views.movesByItself = !IsProjectName(input) && options.views.movesByItself;
-  if (!ApplyOptions(given, plan)) CheckViews(input, plan);
-  return plan;
+  return ChangedPlan(std::move(plan), input + ": ", given);
 }
 
 }  // namespace
@@ -251,6 +250,11 @@ Scene WholeScene(RenderPlan plan, const PlanOptions& options) {
   const FrameRange whole{0, plan.frames};
   if (options.views.loop) ++plan.frames;
   return {std::move(plan), whole};
+}
+
+RenderPlan ChangedPlan(RenderPlan plan, const std::string& place, const PlanOptions& options) {
+  if (!ApplyOptions(options, plan)) CheckViews(place, plan);
+  return plan;
 }
 
 RenderPlan ChangedPlan(const std::string& input, const PlanOptions& options) {

@@ -49,8 +49,15 @@ Scene WholeScene(RenderPlan plan, const PlanOptions& options);
 /// PlanFor in a process that is in a sandbox already, one that allows AddSources.
 RenderPlan ChangedPlan(const std::string& input, const PlanOptions& options);
 
+/// The same of a plan from a project; `place` stands before its fields in messages, such as
+/// "photo.json: ".
+RenderPlan ChangedPlan(RenderPlan plan, const std::string& place, const PlanOptions& options);
+
 /// The files that ChangedPlan reads, added to `access`. Throws Error for the project.
 void AddSources(const std::string& input, const PlanOptions& options, SandboxAccess& access);
+
+/// Those of a plan and its options.
+void AddSources(const RenderPlan& plan, const PlanOptions& options, SandboxAccess& access);
 
 /// Lets the options that were given change `plan`. Whether views are among them. Throws UsageError
 /// that names the option, and Error for a photo that an option needs to know the size of.

@@ -1,13 +1,18 @@
 #include "host/commands/commands.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "host/base/error.h"
 #include "host/commands/module_option.h"
 #include "host/commands/plan_options.h"
 #include "host/commands/sandbox_option.h"
+#include "host/commands/show_operand.h"
 #include "host/effect/module_file.h"
+#include "host/files/path_text.h"
+#include "host/jobs/show_film.h"
 #include "host/player/player.h"
 #include "host/sources/photos.h"
 #include "host/terminal/interrupt.h"
@@ -19,18 +24,46 @@ namespace {
 struct PlayOptions {
   std::string input, module;
   PlayerOptions player;
-  PlanOptions plan;
+  ShowOptions show;
 };
 
-void Run(const PlayOptions& options) {
-  const InterruptsEndAtOnce throughout;  // it loads photographs, and leaves nothing half-written
-  // Not yet in the sandbox, where no window could be opened: the player enters it.
+/// The show as the player plays it. Its plans are looked at by other processes.
+PlayerFilm ShowToPlay(const PlayOptions& options, const CLI::App& command,
+                      const std::string& module, SandboxAccess& access) {
+  OpenedShow show = OpenShow(options.show, command, access, true);
+  PlayerFilm film{NameOf(options.input), show.plans.plans.front().format, FramesOfShow(show.plans)};
+  film.target = ShowsTarget(show.plans.plans.front());
+  for (const int32_t begin : BeginningsOf(show.plans.plans, show.plans.fades)) {
+    film.marks.push_back(static_cast<double>(begin) / std::max(film.frames - 1, 1));
+  }
+  film.marks.pop_back();
+  for (RenderPlan& plan : show.plans.plans) plan = ForPlaying(std::move(plan));
+  film.open = [module, show] {
+    return std::make_unique<ShowFilm>(
+        module, ShowScenes{show.plans.plans, show.plans.photos, show.plans.fades, show.fadeKind},
+        PixelLayout::kBGRA);
+  };
+  return film;
+}
+
+PlayerFilm PictureToPlay(const PlayOptions& options, const std::string& module,
+                         SandboxAccess& access) {
+  CheckIsShow(options.show);
   RenderPlan plan = PlanOf(options.input);
-  ApplyOptions(options.plan, plan);
+  ApplyOptions(options.show.plan, plan);
+  AddSources(plan, access);
+  return FilmToPlay(module, plan, LookAtPhoto(plan.photo));
+}
+
+void Run(PlayOptions& options, const CLI::App& command) {
+  const InterruptsEndAtOnce throughout;  // it loads photographs, and leaves nothing half-written
+  options.show.inputs = {options.input};
+  // Not yet in the sandbox, where no window could be opened: the player enters it.
   const std::string module = FindModule(options.module);
   SandboxAccess access = AccessFor(options.module, {});
-  AddSources(plan, access);
-  PlayInWindow(module, plan, LookAtPhoto(plan.photo), access, options.player);
+  const PlayerFilm film = NamesShow(options.input) ? ShowToPlay(options, command, module, access)
+                                                   : PictureToPlay(options, module, access);
+  PlayInWindow(film, access, options.player);
 }
 
 }  // namespace
@@ -41,7 +74,9 @@ CLI::App* AddPlay(CLI::App& app) {
   CLI::App* command = app.add_subcommand(
       "play", "Play a film in a window, in real time; h in the window lists the keys");
   const auto options = std::make_shared<PlayOptions>();
-  command->add_option("INPUT", options->input, "The photograph or project")
+  command
+      ->add_option("INPUT", options->input,
+                   "The photograph or project; or a show: its project, a folder or a list")
       ->required()
       ->type_name("");
   constexpr const char* kPlayer = "Player";
@@ -50,8 +85,9 @@ CLI::App* AddPlay(CLI::App& app) {
   command->add_flag("--paused", options->player.paused, "Begin paused at the first frame")
       ->group(kPlayer);
   DeclareModule(*command, kPlayer, options->module);
-  DeclarePlan(*command, options->plan);
-  command->final_callback([options] { Run(*options); });
+  DeclareTimes(*command, "Film", options->show);
+  DeclarePlan(*command, options->show.plan);
+  command->final_callback([options, command] { Run(*options, *command); });
   return command;
 }
 

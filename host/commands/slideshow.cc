@@ -2,177 +2,60 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <functional>
 #include <memory>
-#include <optional>
 #include <set>
 #include <utility>
 
 #include "host/base/error.h"
-#include "host/base/texts.h"
 #include "host/commands/film_options.h"
 #include "host/commands/film_report.h"
-#include "host/commands/line_options.h"
 #include "host/commands/option_text.h"
 #include "host/commands/picture_options.h"
-#include "host/commands/plan_options.h"
 #include "host/commands/sandbox_option.h"
+#include "host/commands/show_plans.h"
 #include "host/effect/module_file.h"
 #include "host/files/output_file.h"
 #include "host/film/codecs.h"
 #include "host/jobs/film_job.h"
-#include "host/jobs/fitted_times.h"
-#include "host/jobs/picture_list.h"
 #include "host/jobs/picture_memory.h"
 #include "host/jobs/slideshow.h"
 #include "host/options/number.h"
-#include "host/options/rate.h"
-#include "host/sources/media.h"
-#include "host/sources/photos.h"
+#include "host/project/show_project.h"
 #include "host/terminal/events.h"
-#include "host/terminal/interrupt.h"
 #include "host/terminal/progress.h"
 #include "host/terminal/terminal.h"
 
 namespace kelto::host {
 namespace {
 
-constexpr const char* kUsualEach = "5";
-/// As long as a fade is usually; shorter where photographs are not seen for twice as long.
-constexpr const char* kUsualFade = "1";
-/// A dip, which goes twice as far, is no quicker.
-constexpr const char* kUsualDip = "2";
-
 /// The options as they were typed; empty where nothing was.
 struct SlideshowOptions {
-  std::vector<std::string> inputs;
-  std::string output, order, fadeKind;
-  std::string each = kUsualEach, fade = kUsualFade;
-  bool fadeGiven = false;
+  ShowOptions show;
+  std::string output, project, fadeKind;
+  bool force = false;
   FilmOptions film;
-  PlanOptions plan;
 };
 
-/// A picture of the show, and how long it is seen, as text.
-struct ShowPicture {
-  ListedPicture listed;
-  PictureOptions options;
-  std::string each, fade;  ///< the line's own or the command line's
-  bool fadeGiven = false;
-};
+/// A dip, which goes twice as far as a cross-fade, is no quicker.
+constexpr const char* kUsualDip = "2";
 
 /// Reads --fade-kind; what goes without saying of --fade depends on it.
 FadeKind ApplyFadeKind(SlideshowOptions& options) {
   if (options.fadeKind.empty()) return FadeKind::kCross;
+  ShowOptions& show = options.show;
   return ReadOption("--fade-kind", options.fadeKind, [&](const std::string& kind) {
     if (kind == "cross") return FadeKind::kCross;
     if (kind != "dip" && kind != "none") throw UsageError("choose one of cross, dip, none");
-    if (kind == "none" && options.fadeGiven && ParseNumber(options.fade) != 0.0) {
-      throw UsageError("--fade " + options.fade + " says otherwise; give one of them");
+    if (kind == "none" && show.fadeGiven && ParseNumber(show.fade) != 0.0) {
+      throw UsageError("--fade " + show.fade + " says otherwise; give one of them");
     }
-    if (!options.fadeGiven) options.fade = kind == "dip" ? kUsualDip : "0";
+    if (kind == "none") show.fadeGiven = true;  // also in place of a project's fades
+    if (kind == "none" || !show.fadeGiven) show.fade = kind == "dip" ? kUsualDip : "0";
     return kind == "dip" ? FadeKind::kDip : FadeKind::kCross;
   });
 }
 
-/// Whole frames of a fade; none for 0.
-int32_t ParseFade(const std::string& text, FrameRate rate) {
-  return ParseNumber(text) == 0.0 ? 0 : FramesOf(ParseSeconds(text), rate);
-}
-
-/// Whole frames of the fade from `picture` to the next one, of as many frames as `frames` says.
-int32_t FadeFor(const ShowPicture& picture, const ShowPicture& next,
-                std::pair<int32_t, int32_t> frames, FrameRate rate) {
-  const int32_t fade = ReadOption("--fade", picture.fade,
-                                  [&](const std::string& text) { return ParseFade(text, rate); });
-  const auto [here, there] = frames;
-  const ShowPicture& shorter = there < here ? next : picture;
-  const double longest = ParseSeconds(shorter.each) / 2;
-  // Half of a photograph's time may end within a frame: rounded up, two of it would not fit.
-  const bool fits = ParseNumber(picture.fade).value_or(0.0) <= longest;
-  const int32_t least = std::min(here, there);
-  if (fits || !picture.fadeGiven) return std::min(fade, least / 2);
-  if (2 * int64_t{fade} <= least) return fade;
-  throw UsageError("--fade " + picture.fade + ": two fades do not fit into --each " + shorter.each +
-                   "; --fade " + NumberText(longest) + " is the longest");
-}
-
-std::vector<ShowPicture> PicturesFor(const SlideshowOptions& options,
-                                     const std::vector<std::string>& words) {
-  const PictureOptions common{options.plan, words};
-  std::vector<ShowPicture> pictures;
-  // A list may come through a pipe, which gives it once.
-  for (ListedPicture& listed : PicturesOf(options.inputs, OrderAsked(options.order))) {
-    ShowPicture picture{std::move(listed), {}, options.each, options.fade, options.fadeGiven};
-    picture.options = ReadLineOptions(picture.listed, common, LineUse::kShow);
-    if (!picture.options.each.empty()) picture.each = picture.options.each;
-    if (!picture.options.fade.empty()) {
-      picture.fade = picture.options.fade;
-      picture.fadeGiven = true;
-    }
-    PlanOptions& plan = picture.options.plan;
-    plan.seconds = AtPlaceOf(picture.listed, [&] {
-      return ReadOption("--each", picture.each, [](const std::string& text) {
-        ParseSeconds(text);  // so that an error names this option
-        return text;
-      });
-    });
-    pictures.push_back(std::move(picture));
-  }
-  return pictures;
-}
-
-/// Does `work` for a picture. One that cannot be read is left out, with a message: false then.
-bool Succeeds(const std::string& picture, const std::function<void()>& work) {
-  try {
-    work();
-    return true;
-  } catch (const UsageError&) {
-    throw;
-  } catch (const Error& error) {
-    if (InterruptSignal() != 0) throw;
-    const std::string text = error.what();
-    const std::string named = text.starts_with(picture) ? text : picture + ": " + text;
-    if (IsStrict()) throw Error(named);
-    PrintMessage(named + "; it is left out");
-    return false;
-  }
-}
-
-/// Leaves out the pictures that `work` fails for. Throws Error where none remains.
-void KeepThose(std::vector<ShowPicture>& pictures,
-               const std::function<void(const ShowPicture&)>& work) {
-  std::erase_if(pictures, [&](const ShowPicture& picture) {
-    return !Succeeds(picture.listed.path, [&] { work(picture); });
-  });
-  if (pictures.empty()) throw Error("none of the pictures can be shown");
-}
-
-/// Sets how long each picture is seen so that the film is as long as its sound.
-void FitToSound(const std::string& audio, std::vector<ShowPicture>& pictures, Slideshow& show) {
-  if (audio.empty()) throw UsageError("--fit-audio: there is no sound; name it with --audio");
-  const FrameRate rate = show.plans.front().format.rate;
-  std::vector<std::optional<int32_t>> given;
-  std::vector<int32_t> fades;
-  for (size_t i = 0; i < pictures.size(); ++i) {
-    const bool own = !pictures[i].options.each.empty();
-    given.push_back(own ? std::optional(show.plans[i].frames) : std::nullopt);
-    fades.push_back(ParseFade(pictures[i].fade, rate));
-  }
-  const int32_t total = FramesOf(LookAtSound(audio), rate);
-  std::vector<int32_t> times;
-  try {
-    times = FittedTimes(total, given, fades);
-  } catch (const UsageError& error) {
-    throw UsageError(std::string("--fit-audio: ") + error.what());
-  }
-  for (size_t i = 0; i < pictures.size(); ++i) {
-    show.plans[i].frames = times[i];
-    if (!given[i]) pictures[i].each = FixedText(times[i] / rate.PerSecond(), 2);
-  }
-}
-
-Slideshow ShowFor(const SlideshowOptions& options, std::vector<ShowPicture>& pictures) {
+Slideshow ShowFor(const SlideshowOptions& options, ShowPictures& pictures, ShowPlans& plans) {
   if (options.output.empty()) throw UsageError("-o is empty; name the film");
   // What is quickly found wrong goes before the looking.
   Slideshow show;
@@ -180,77 +63,61 @@ Slideshow ShowFor(const SlideshowOptions& options, std::vector<ShowPicture>& pic
   // One for each of two pictures at the least.
   show.workers = std::max(2, JobsAsked(options.film, CoreCount()));
   show.module = FindModule(options.film.module);
-  SandboxAccess access = AccessFor(options.film.module, {options.output});
-  KeepThose(pictures, [&](const ShowPicture& picture) {
-    const InterruptsEndAtOnce whileItReads;
-    AddSources(picture.listed.path, picture.options.plan, access);
-  });
+  SandboxAccess access = AccessFor(options.film.module, {options.output, options.project});
+  AddSourcesOf(pictures, access);
   EnterSandbox(access);
-  Progress progress("photo", static_cast<int64_t>(pictures.size()));
-  int64_t looked = 0;
-  KeepThose(pictures, [&](const ShowPicture& picture) {
-    const InterruptsEndAtOnce whileItLooks;
-    progress.Show(looked++);
-    PlanOptions asked = picture.options.plan;
-    asked.fitAudio = false;  // of the show, not of each picture
-    asked.views.turn = static_cast<int32_t>(show.plans.size());
-    RenderPlan plan =
-        AtPlaceOf(picture.listed, [&] { return ChangedPlan(picture.listed.path, asked); });
-    const Photo photo = CheckPhoto(plan.photo);
+  plans = PlansFor(pictures, [&](const RenderPlan& plan, const Photo& photo) {
     show.workers = WorkersFor(photo, show.workers);
-    if (show.workers < 2 && pictures.size() > 1) {
+    if (show.workers < 2 && pictures.pictures.size() > 1) {
       throw Error(plan.photo +
                   ": is too large for a slideshow, which has two pictures in memory at "
                   "a time; the limit for both is " +
                   std::to_string(PictureMemory() >> 20) + " MiB");
     }
-    show.plans.push_back(std::move(plan));
   });
-  if (options.plan.fitAudio) FitToSound(options.plan.audio, pictures, show);
-  const RenderPlan& first = show.plans.front();
-  for (size_t i = 0; i + 1 < pictures.size(); ++i) {
-    show.fades.push_back(AtPlaceOf(pictures[i].listed, [&] {
-      return FadeFor(pictures[i], pictures[i + 1], {show.plans[i].frames, show.plans[i + 1].frames},
-                     first.format.rate);
-    }));
-  }
+  const std::string& audio =
+      options.show.plan.audio.empty() ? pictures.audio : options.show.plan.audio;
+  if (options.show.plan.fitAudio) FitToSound(audio, pictures, plans);
+  SetFades(pictures, plans);
+  show.plans = plans.plans;
+  show.fades = plans.fades;
   show.request.output = options.output;
-  show.request.format = first.format;
+  show.request.format = show.plans.front().format;
   show.request.frames = SlideshowFrames(show);
-  show.request.audio = options.plan.audio;
+  // A project's sound is silent in films that cannot have any.
+  if (!options.show.plan.audio.empty() || IsContainer(show.kind->name)) {
+    show.request.audio = audio;
+  }
   ApplyToRequest(options.film, show.request);
   show.ends = EndsAsked(options.film, show.request.format, show.request.frames);
   return show;
 }
 
 /// Throws what can be known to go wrong before any work.
-void Check(const SlideshowOptions& options, const std::vector<ShowPicture>& pictures,
-           const Slideshow& show) {
+void Check(const SlideshowOptions& options, const ShowPictures& pictures, const Slideshow& show) {
   // Most pictures are their plans' photos.
-  std::set<std::string> sources(options.inputs.begin(), options.inputs.end());
-  for (const ShowPicture& picture : pictures) sources.insert(picture.listed.path);
+  std::set<std::string> sources(options.show.inputs.begin(), options.show.inputs.end());
+  for (const PictureInShow& picture : pictures.pictures) sources.insert(picture.listed.path);
   sources.insert(show.request.audio);
   for (const RenderPlan& plan : show.plans) sources.insert({plan.photo, plan.over});
   CheckFilm(*show.kind, show.request, {sources.begin(), sources.end()});
-  for (const RenderPlan& plan : show.plans) {
-    const FilmFormat &format = plan.format, &film = show.request.format;
-    if (format.size != film.size || format.rate != film.rate || format.fields != film.fields ||
-        format.DisplayAspect() != film.DisplayAspect()) {
-      throw UsageError(
-          plan.photo +
-          ": would be another kind of film than the first, by its project or the "
-          "first's; say --size, --fps and --fields for all, and give projects one displayAspect");
-    }
+  CheckFormats(show.plans);
+  if (options.project.empty()) return;
+  if (options.output == kStandardOutput && options.project == kStandardOutput) {
+    throw UsageError("-o and --save-project cannot both be -");
   }
+  if (WouldReplace(*show.kind, show.request, options.project)) {
+    throw NameUsedTwice(options.output);
+  }
+  if (!options.force) CheckIsNew(options.project);
 }
 
 /// Says which projects have sound that the film will not have.
-void TellOfLostSound(const SlideshowOptions& options, const std::vector<ShowPicture>& pictures,
-                     const Slideshow& show) {
-  if (!options.plan.audio.empty() || !IsContainer(show.kind->name)) return;
+void TellOfLostSound(const ShowPictures& pictures, const Slideshow& show) {
+  if (!show.request.audio.empty() || !IsContainer(show.kind->name)) return;
   std::set<std::string> projects;
-  for (size_t i = 0; i < pictures.size(); ++i) {
-    if (!show.plans[i].audio.empty()) projects.insert(pictures[i].listed.path);
+  for (size_t i = 0; i < pictures.pictures.size(); ++i) {
+    if (!show.plans[i].audio.empty()) projects.insert(pictures.pictures[i].listed.path);
   }
   if (projects.empty()) return;
   const size_t others = projects.size() - 1;
@@ -264,12 +131,19 @@ void TellOfLostSound(const SlideshowOptions& options, const std::vector<ShowPict
 void Run(const SlideshowOptions& given, const CLI::App& command) {
   ApplyReporting(given.film);
   SlideshowOptions options = given;
-  const FadeKind fadeKind = ApplyFadeKind(options);
-  std::vector<ShowPicture> pictures = PicturesFor(options, WordsGiven(command));
-  Slideshow show = ShowFor(options, pictures);
+  FadeKind fadeKind = ApplyFadeKind(options);
+  ShowPictures pictures = PicturesFor(options.show, WordsGiven(command));
+  ShowPlans plans;
+  if (options.fadeKind.empty() && pictures.fadeKind == "dip") fadeKind = FadeKind::kDip;
+  Slideshow show = ShowFor(options, pictures, plans);
   show.fadeKind = fadeKind;
   Check(options, pictures, show);
-  TellOfLostSound(options, pictures, show);
+  TellOfLostSound(pictures, show);
+  if (!options.project.empty()) {
+    ShowProject project = ProjectOf(plans, show.request.audio);
+    if (fadeKind == FadeKind::kDip) project.fadeKind = "dip";
+    WriteShow(options.project, project);
+  }
   const FilmClock clock;
   const bool events = CurrentReporting() == Reporting::kJson;
   if (events) {
@@ -289,33 +163,30 @@ CLI::App* AddSlideshow(CLI::App& app) {
   CLI::App* command =
       app.add_subcommand("slideshow", "Make one film of many photographs, with cross-fades");
   const auto options = std::make_shared<SlideshowOptions>();
-  DeclarePictures(*command, options->inputs, options->order);
+  DeclarePictures(*command, options->show.inputs, options->show.order);
   DeclareOutput(*command, options->output);
   DeclareFilm(*command, options->film,
               "Processes that render, at least two, each with a photograph in memory; the film is "
               "the same [one for each core]");
-  constexpr const char* kFilm = "Film";
   command
-      ->add_option("--each", options->each,
-                   std::string("Seconds for which a photograph is seen, fades included [") +
-                       kUsualEach + "]")
-      ->group(kFilm)
-      ->type_name("TIME");
-  const CLI::Option* fade =
-      command
-          ->add_option("--fade", options->fade,
-                       std::string("Seconds of a fade from one to the next, 0 for none [") +
-                           kUsualFade + ", of a dip " + kUsualDip +
-                           ", or half of --each where that is less]")
-          ->group(kFilm)
-          ->type_name("TIME");
+      ->add_option("--save-project", options->project,
+                   "Write what the show shows, with all options, into this project file, .json")
+      ->group("Files")
+      ->type_name("FILE")
+      ->check(FileText);
+  command->add_flag("--force", options->force, "Replace the project that --save-project names")
+      ->group("Files");
+  DeclareTimes(*command, "Film", options->show);
+  command->get_option("--fade")->description(
+      std::string("Seconds of a fade from one to the next, 0 for none [1, of a dip ") + kUsualDip +
+      ", or half of --each where that is less]");
   command
       ->add_option("--fade-kind", options->fadeKind,
                    "How one photograph becomes the next: cross, one through the other; dip, "
                    "through the colour of --fade-colour; none, a cut [cross]")
-      ->group(kFilm)
+      ->group("Film")
       ->type_name("WORD");
-  DeclarePlan(*command, options->plan);
+  DeclarePlan(*command, options->show.plan);
   CLI::Option* move = command->get_option("--move");
   move->description(move->get_description() +
                     "; or mixed, which alternates in, out and pans from picture to picture");
@@ -331,10 +202,7 @@ CLI::App* AddSlideshow(CLI::App& app) {
         "those whose line in a list has an --each");
     fit->excludes("--each");
   }
-  command->final_callback([options, fade, command] {
-    options->fadeGiven = fade->count() > 0;
-    Run(*options, *command);
-  });
+  command->final_callback([options, command] { Run(*options, *command); });
   return command;
 }
 

@@ -8,10 +8,14 @@
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
 #include "host/commands/sandbox_option.h"
+#include "host/commands/show_operand.h"
 #include "host/drawing/drawing.h"
+#include "host/drawing/show_storyboard.h"
 #include "host/drawing/storyboard.h"
 #include "host/effect/module_file.h"
 #include "host/files/output_file.h"
+#include "host/files/path_text.h"
+#include "host/jobs/show_film.h"
 #include "host/options/number.h"
 #include "host/processes/reader_process.h"
 #include "host/sources/photos.h"
@@ -26,7 +30,7 @@ constexpr int32_t kMaxStrip = 120;
 /// The options as they were typed; empty where nothing was.
 struct Options {
   std::string input, output, strip, module;
-  PlanOptions plan;
+  ShowOptions show;
 };
 
 int32_t ParseStrip(const std::string& text) {
@@ -37,24 +41,58 @@ int32_t ParseStrip(const std::string& text) {
   return static_cast<int32_t>(*frames);
 }
 
-void Run(const Options& options) {
-  const InterruptsEndAtOnce throughout;  // it loads photographs, and leaves nothing half-written
+void WriteSheet(const std::string& output, const std::string& bytes) {
+  OutputFile file(output);
+  file.Write(bytes.data(), bytes.size());
+  file.Finish();
+}
+
+void RunOnShow(const Options& options, const CLI::App& command) {
+  ShowSheet sheet{options.output, NameOf(AbsoluteText(options.input))};
+  if (!options.strip.empty()) sheet.frames = ReadOption("--strip", options.strip, ParseStrip);
+  SandboxAccess access = AccessFor(options.module, {options.output});
+  const ShowPlans show = OpenShow(options.show, command, access).plans;
+  std::vector<std::string> reads = ModuleFolders(options.module);
+  for (const RenderPlan& plan : show.plans) {
+    CheckNameIsFree(options.output, {options.input, plan.photo, plan.over});
+    reads.insert(reads.end(), {plan.photo, plan.over});
+  }
+  const std::string module = FindModule(options.module);
+  const std::vector<int32_t> begins = BeginningsOf(show.plans, show.fades);
+  std::vector<PictureOfShow> pictures;
+  for (size_t i = 0; i < show.plans.size(); ++i) {
+    pictures.push_back(
+        {show.plans[i], show.photos[i], begins[i], i < show.fades.size() ? show.fades[i] : 0});
+  }
+  sheet.total = FramesOfShow(show);
+  // Apart, since it decodes the photos; this process writes what comes of it.
+  WriteSheet(options.output, ReadApart(options.input, reads, [&] {
+               return DrawShowStoryboard(module, pictures, sheet);
+             }));
+}
+
+void RunOnPicture(const Options& options) {
   StoryboardOptions sheet;
   sheet.file = options.output;
   if (!options.strip.empty()) sheet.frames = ReadOption("--strip", options.strip, ParseStrip);
   const RenderPlan plan =
-      PlanFor(options.input, options.plan, AccessFor(options.module, {options.output}));
+      PlanFor(options.input, options.show.plan, AccessFor(options.module, {options.output}));
   CheckNameIsFree(options.output, {options.input, plan.photo, plan.over, plan.audio});
   const std::string module = FindModule(options.module);
   const Photo photo = LookAtPhoto(plan.photo);
   // Apart, since it decodes the photo; this process writes what comes of it.
   std::vector<std::string> reads = ModuleFolders(options.module);
   reads.push_back(plan.over);
-  const std::string bytes =
-      ReadApart(plan.photo, reads, [&] { return DrawStoryboard(module, plan, photo, sheet); });
-  OutputFile file(options.output);
-  file.Write(bytes.data(), bytes.size());
-  file.Finish();
+  WriteSheet(options.output, ReadApart(plan.photo, reads,
+                                       [&] { return DrawStoryboard(module, plan, photo, sheet); }));
+}
+
+void Run(Options& options, const CLI::App& command) {
+  const InterruptsEndAtOnce throughout;  // it loads photographs, and leaves nothing half-written
+  options.show.inputs = {options.input};
+  if (NamesShow(options.input)) return RunOnShow(options, command);
+  CheckIsShow(options.show);
+  RunOnPicture(options);
 }
 
 }  // namespace
@@ -65,7 +103,9 @@ CLI::App* AddStoryboard(CLI::App& app) {
   CLI::App* command = app.add_subcommand(
       "storyboard", "Draw a film on one sheet: the photo with the views, and some frames");
   const auto options = std::make_shared<Options>();
-  command->add_option("INPUT", options->input, "The photograph or project")
+  command
+      ->add_option("INPUT", options->input,
+                   "The photograph or project; or a show: its project, a folder or a list")
       ->required()
       ->type_name("");
   constexpr const char* kSheet = "Sheet";
@@ -74,12 +114,15 @@ CLI::App* AddStoryboard(CLI::App& app) {
       ->type_name("FILE")
       ->check(FileText)
       ->required();
-  command->add_option("--strip", options->strip, "Frames under the photo [12]")
+  command
+      ->add_option("--strip", options->strip,
+                   "Frames under the photo [12]; of a show, beside each photo [3]")
       ->group(kSheet)
       ->type_name("N");
   DeclareModule(*command, kSheet, options->module);
-  DeclarePlan(*command, options->plan);
-  command->final_callback([options] { Run(*options); });
+  DeclareTimes(*command, "Film", options->show);
+  DeclarePlan(*command, options->show.plan);
+  command->final_callback([options, command] { Run(*options, *command); });
   return command;
 }
 

@@ -243,10 +243,10 @@ bool ApplyViews(const ViewOptions& options, RenderPlan& plan) {
   return views;
 }
 
-void CheckViews(const std::string& project, const RenderPlan& plan) {
+void CheckViews(const std::string& place, const RenderPlan& plan) {
   ViewReader reader(plan);
   for (size_t i = 0; i < plan.views.size(); ++i) {
-    const std::string field = project + ": views[" + std::to_string(i) + "].view:";
+    const std::string field = place + "views[" + std::to_string(i) + "].view:";
     const GivenView& given = plan.views[i].view;
     try {
       reader.ViewOf(field, given);

@@ -39,9 +39,10 @@ void DeclareViews(CLI::App& command, const std::string& group, ViewOptions& opti
 /// the option, and Error for the photo.
 bool ApplyViews(const ViewOptions& options, RenderPlan& plan);
 
-/// Checks the list of views that a plan has from the project of this path, as far as only the photo
-/// says what is wrong with it. Opens the photo where one is given in its pixels. Throws Error that
-/// names file and field, or the photo.
-void CheckViews(const std::string& project, const RenderPlan& plan);
+/// Checks the list of views that a plan has from a project, as far as only the photo says what is
+/// wrong with it; `place` is what stands before "views" in messages, such as "photo.json: ". Opens
+/// the photo where one is given in its pixels. Throws Error that names file and field, or the
+/// photo.
+void CheckViews(const std::string& place, const RenderPlan& plan);
 
 }  // namespace kelto::host

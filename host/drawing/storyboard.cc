@@ -4,11 +4,11 @@
 #include <cmath>
 #include <filesystem>
 
-#include "catalogue/parameters.h"
 #include "host/base/error.h"
 #include "host/base/texts.h"
 #include "host/drawing/axis_ticks.h"
 #include "host/drawing/photo_map.h"
+#include "host/drawing/whole_photo.h"
 #include "host/files/path_text.h"
 #include "host/frames/effect_session.h"
 #include "host/options/size.h"
@@ -22,26 +22,8 @@ constexpr double kMapHeight = 900.0;
 constexpr double kGap = 16.0, kCaption = 26.0;
 constexpr double kNameSize = 22.0;
 constexpr int32_t kFramesInRow = 6;
-/// More points than the map is wide would only be thrown away.
-constexpr double kMapPixels = 1600.0;
 
 constexpr Ink kPaper{0.11, 0.115, 0.13}, kText{0.93, 0.93, 0.95}, kFaint{0.62, 0.63, 0.68};
-
-/// A plan of one frame that shows all of the photo, as the effect takes it in.
-RenderPlan WholePhoto(const RenderPlan& plan, const Photo& photo) {
-  RenderPlan whole;
-  whole.photo = plan.photo;
-  // A frame of the photo's own shape; without keys the effect fits the photo into it.
-  const double scale = std::min(1.0, kMapPixels / std::max(photo.width, photo.height));
-  const auto side = [&](int32_t pixels) {
-    return std::max(kMinFrameSide, static_cast<int32_t>(std::lround(pixels * scale / 2)) * 2);
-  };
-  whole.format.size = {side(photo.width), side(photo.height)};
-  whole.Set(key::kDisplay, std::string(entry::kDisplayTarget));
-  whole.Set(key::kFilter, std::string(entry::kFilterHiQual));
-  if (const Setting* levels = plan.FindSetting(key::kLevels)) whole.settings.push_back(*levels);
-  return whole;
-}
 
 class Sheet {
  public:

@@ -10,6 +10,7 @@
 #include "host/base/film_format.h"
 #include "host/effect/photo.h"
 #include "host/frames/backdrop.h"
+#include "host/frames/played_film.h"
 #include "host/plan/render_plan.h"
 #include "host/track/view_track.h"
 #include "runtime/hfx/host.h"
@@ -18,29 +19,27 @@ namespace kelto::host {
 
 /// Loads the effect's module, sets its first effect up for a plan and renders frames, in any order,
 /// over those of the plan's video. Operations throw Error.
-class EffectSession {
+class EffectSession : public PlayedFilm {
  public:
   /// `photo` is the plan's, opened.
   EffectSession(const std::string& modulePath, const RenderPlan& plan, const Photo& photo,
                 PixelLayout layout);
-  ~EffectSession();
-  EffectSession(const EffectSession&) = delete;
-  EffectSession& operator=(const EffectSession&) = delete;
+  ~EffectSession() override;
 
   /// Asked while frames render; once it answers true, Render throws.
-  void SetAbortQuery(std::function<bool()> query);
+  void SetAbortQuery(std::function<bool()> query) override;
 
   /// Renders frame `number`, 0-based; both its fields when the film is interlaced. `quality` is
   /// the quality of renders: 1 for all of it, 0.5 for a preview in a hurry. The view holds until
   /// the next call.
-  FrameView Render(int32_t number, double quality = 1.0);
+  FrameView Render(int32_t number, double quality = 1.0) override;
 
   /// The same into memory of the caller's, `rowBytes` from one row to the row below. What the
   /// effect leaves alone in a frame keeps what it has there.
   void RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number, double quality = 1.0);
 
   /// Changes one of the plan's settings for the frames to come.
-  void Change(const Setting& setting);
+  void Change(const Setting& setting) override;
 
   /// Renders another plan from now on, without loading the photo again. False, with nothing
   /// changed, where that takes another session: for another photo, video, play mode or order of

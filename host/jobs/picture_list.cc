@@ -29,16 +29,11 @@ std::string Lowered(std::string text) {
   return text;
 }
 
-bool EndsLikeAPicture(const fs::path& path) {
-  const std::string ending = Lowered(TextOf(path.extension()));
-  return std::find(kEndings.begin(), kEndings.end(), ending) != kEndings.end();
-}
-
 std::vector<std::string> InFolder(const std::string& folder) {
   std::error_code error;
   std::vector<std::string> pictures;
   for (const fs::path& path : EntriesOf(PathOf(folder), error)) {
-    if (TextOf(path.filename()).starts_with('.') || !EndsLikeAPicture(path)) continue;
+    if (TextOf(path.filename()).starts_with('.') || !EndsLikeAPicture(TextOf(path))) continue;
     if (!fs::is_directory(StatusOf(path))) pictures.push_back(TextOf(path));
   }
   if (error) throw Error(folder + ": cannot be read: " + ReasonOf(error));
@@ -75,7 +70,7 @@ void OrderNaturally(std::vector<std::string>& inputs) {
 }
 
 std::vector<ListedPicture> OfInput(const std::string& input, bool alone) {
-  if (EndsLikeAPicture(PathOf(input)) && !fs::is_directory(StatusOf(PathOf(input)))) {
+  if (EndsLikeAPicture(input) && !fs::is_directory(StatusOf(PathOf(input)))) {
     return {{input}};
   }
   const fs::file_status status = StatusOf(PathOf(input));
@@ -96,6 +91,11 @@ std::vector<ListedPicture> OfInput(const std::string& input, bool alone) {
 }
 
 }  // namespace
+
+bool EndsLikeAPicture(const std::string& path) {
+  const std::string ending = Lowered(TextOf(PathOf(path).extension()));
+  return std::find(kEndings.begin(), kEndings.end(), ending) != kEndings.end();
+}
 
 std::vector<ListedPicture> PicturesOf(const std::vector<std::string>& inputs, PictureOrder order) {
   std::vector<std::string> ordered = inputs;

@@ -23,6 +23,9 @@ enum class PictureOrder {
 std::vector<ListedPicture> PicturesOf(const std::vector<std::string>& inputs,
                                       PictureOrder order = PictureOrder::kNatural);
 
+/// Whether a path ends as pictures' do, such as in ".jpg".
+bool EndsLikeAPicture(const std::string& path);
+
 /// The paths alone.
 std::vector<std::string> PathsOf(const std::vector<ListedPicture>& pictures);
 

@@ -29,11 +29,6 @@ double Now() {
   return Seconds(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-RenderPlan Playing(RenderPlan plan) {
-  plan.playMode = hfxPlayModePreview;
-  return plan;
-}
-
 std::vector<double> Times(const std::vector<KeyTime>& keys) {
   std::vector<double> times;
   times.reserve(keys.size());
@@ -41,24 +36,19 @@ std::vector<double> Times(const std::vector<KeyTime>& keys) {
   return times;
 }
 
-bool ShowsTarget(const RenderPlan& plan) {
-  const SettingValue* display = HeldValue(plan.FindSetting(key::kDisplay));
-  return display != nullptr && *display == SettingValue(std::string(entry::kDisplayTarget));
-}
-
 class Player {
  public:
-  Player(Window& window, std::string name, const std::string& modulePath, const RenderPlan& plan,
-         const Photo& photo, const PlayerOptions& options)
-      : plan_(Playing(plan)),
-        name_(std::move(name)),
-        session_(modulePath, plan_, photo, PixelLayout::kBGRA),
+  Player(Window& window, const PlayerFilm& film, const PlayerOptions& options)
+      : name_(film.name),
+        rate_(film.format.rate.PerSecond()),
+        frames_(film.frames),
+        film_(film.open()),
         window_(window),
-        bar_(Times(KeyTimesOf(plan))),
-        clock_(plan.frames, plan.format.rate, options.loop),
-        control_(1.0 / plan.format.rate.PerSecond()),
-        target_(ShowsTarget(plan)) {
-    session_.SetAbortQuery(IsInterrupted);
+        bar_(film.marks),
+        clock_(film.frames, film.format.rate, options.loop),
+        control_(1.0 / rate_),
+        target_(film.target) {
+    film_->SetAbortQuery(IsInterrupted);
     if (!options.paused) clock_.Play(Now());
   }
 
@@ -81,9 +71,10 @@ class Player {
   void Render(int32_t frame, double quality);
   PlayerStatus Status(double now);
 
-  RenderPlan plan_;
   std::string name_;
-  EffectSession session_;
+  double rate_;
+  int32_t frames_;
+  std::unique_ptr<PlayedFilm> film_;
   Window& window_;
   StatusBar bar_;
   std::unique_ptr<Drawing> help_;  ///< while it is shown
@@ -120,8 +111,7 @@ void Player::Execute(const PlayerCommand& command) {
       clock_.Step(static_cast<int64_t>(command.amount), now);
       break;
     case PlayerCommand::kSeconds:
-      clock_.Seek(
-          clock_.FrameAt(now) + std::llround(command.amount * plan_.format.rate.PerSecond()), now);
+      clock_.Seek(clock_.FrameAt(now) + std::llround(command.amount * rate_), now);
       sought_ = true;
       break;
     case PlayerCommand::kFirst:
@@ -129,22 +119,22 @@ void Player::Execute(const PlayerCommand& command) {
       sought_ = true;
       break;
     case PlayerCommand::kLast:
-      clock_.Seek(plan_.frames - 1, now);
+      clock_.Seek(frames_ - 1, now);
       sought_ = true;
       break;
     case PlayerCommand::kBar: {
       const double fraction =
           StatusBar::FractionAt(static_cast<int32_t>(command.amount), window_.BarWidth());
-      clock_.Seek(std::llround(fraction * (plan_.frames - 1)), now);
+      clock_.Seek(std::llround(fraction * (frames_ - 1)), now);
       sought_ = true;
       break;
     }
     case PlayerCommand::kDisplay:
       target_ = !target_;
-      session_.Change({key::kDisplay,
-                       std::string(target_ ? entry::kDisplayTarget : entry::kDisplaySource),
-                       {},
-                       -1});
+      film_->Change({key::kDisplay,
+                     std::string(target_ ? entry::kDisplayTarget : entry::kDisplaySource),
+                     {},
+                     -1});
       rerender_ = true;
       break;
     case PlayerCommand::kHelp:
@@ -159,7 +149,7 @@ void Player::Execute(const PlayerCommand& command) {
 }
 
 void Player::Render(int32_t frame, double quality) {
-  window_.SetPicture(session_.Render(frame, quality));
+  window_.SetPicture(film_->Render(frame, quality));
   const bool on = frame > shown_ && !sought_;
   if (on && clock_.Playing()) dropped_ += frame - shown_ - 1;
   shown_ = frame;
@@ -190,12 +180,11 @@ void Player::Draw() {
 
 PlayerStatus Player::Status(double now) {
   while (!shownAt_.empty() && shownAt_.front() <= now - 1.0) shownAt_.pop_front();
-  const double rate = plan_.format.rate.PerSecond();
   PlayerStatus status;
   status.frame = shown_;
-  status.frames = plan_.frames;
-  status.seconds = shown_ / rate;
-  status.length = plan_.frames / rate;
+  status.frames = frames_;
+  status.seconds = shown_ / rate_;
+  status.length = frames_ / rate_;
   status.playing = clock_.Playing();
   status.fullQuality = shownQuality_ == QualityControl::kFull;
   status.target = target_;
@@ -206,12 +195,31 @@ PlayerStatus Player::Status(double now) {
 
 }  // namespace
 
-void PlayInWindow(const std::string& modulePath, const RenderPlan& plan, const Photo& photo,
-                  const SandboxAccess& access, const PlayerOptions& options) {
-  const std::string name = NameOf(photo.given);
-  Window window(name, plan.format.size, plan.format.sampleAspect, StatusBar::kHeight);
+RenderPlan ForPlaying(RenderPlan plan) {
+  plan.playMode = hfxPlayModePreview;
+  return plan;
+}
+
+bool ShowsTarget(const RenderPlan& plan) {
+  const SettingValue* display = HeldValue(plan.FindSetting(key::kDisplay));
+  return display != nullptr && *display == SettingValue(std::string(entry::kDisplayTarget));
+}
+
+PlayerFilm FilmToPlay(const std::string& modulePath, const RenderPlan& plan, const Photo& photo) {
+  PlayerFilm film{NameOf(photo.given), plan.format, plan.frames};
+  film.marks = Times(KeyTimesOf(plan));
+  film.target = ShowsTarget(plan);
+  film.open = [=] {
+    return std::make_unique<EffectSession>(modulePath, ForPlaying(plan), photo, PixelLayout::kBGRA);
+  };
+  return film;
+}
+
+void PlayInWindow(const PlayerFilm& film, const SandboxAccess& access,
+                  const PlayerOptions& options) {
+  Window window(film.name, film.format.size, film.format.sampleAspect, StatusBar::kHeight);
   EnterSandbox(access);
-  Player(window, name, modulePath, plan, photo, options).Run();
+  Player(window, film, options).Run();
 }
 
 }  // namespace kelto::host

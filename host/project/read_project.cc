@@ -18,6 +18,7 @@
 #include "host/project/json_text.h"
 #include "host/project/memory_reserve.h"
 #include "host/project/paths.h"
+#include "host/project/plan_json.h"
 #include "host/project/project_file.h"
 #include "host/project/schema.h"
 #include "host/project/tour_json.h"
@@ -180,9 +181,27 @@ std::string ReadText(const std::string& path) {
   return text;
 }
 
-RenderPlan PlanOf(const std::string& text, const std::string& path) {
-  const json document = ParseJson(text);
-  CheckProject(document);
+void RefuseShow(const json& document) {
+  if (!document.contains("pictures")) return;
+  throw Error("pictures: this is a slideshow, whose film kelto slideshow makes");
+}
+
+void RefuseShowsFields(const json& document) {
+  for (const char* field : {"each", "fade", "fadeKind", "move", "fit", "amount"}) {
+    if (document.contains(field)) {
+      throw Error(std::string(field) + ": is for slideshows, which have \"pictures\"");
+    }
+  }
+}
+
+}  // namespace
+
+void CheckFilm(const json& film) {
+  RenderPlan scratch;
+  ReadFilm(film, scratch);
+}
+
+RenderPlan PlanOfFilm(const json& document, const std::string& path) {
   RenderPlan plan = DefaultPlan(ReadPath(document, "image", path));
   plan.over = ReadPath(document, "over", path);
   plan.audio = ReadPath(document, "audio", path);
@@ -196,8 +215,6 @@ RenderPlan PlanOf(const std::string& text, const std::string& path) {
   return plan;
 }
 
-}  // namespace
-
 bool IsProjectName(const std::string& path) {
   std::string ending = TextOf(PathOf(path).extension());
   for (char& c : ending) {
@@ -209,7 +226,11 @@ bool IsProjectName(const std::string& path) {
 RenderPlan ParseProject(const std::string& text, const std::string& path) {
   const MemoryReserve reserve(text.size());
   try {
-    return PlanOf(text, path);
+    const json document = ParseJson(text);
+    CheckProject(document);
+    RefuseShow(document);
+    RefuseShowsFields(document);
+    return PlanOfFilm(document, path);
   } catch (const Error& error) {
     throw Error(path + ": " + error.what());
   }

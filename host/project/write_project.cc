@@ -13,9 +13,11 @@
 #include "host/project/layout.h"
 #include "host/project/memory_reserve.h"
 #include "host/project/paths.h"
+#include "host/project/plan_json.h"
 #include "host/project/project_file.h"
 #include "host/project/schema.h"
 #include "host/project/tour_json.h"
+#include "host/project/written_project.h"
 
 namespace kelto::host {
 namespace {
@@ -88,8 +90,9 @@ ordered_json ParametersOf(const RenderPlan& plan) {
   return parameters;
 }
 
-std::string TextOf(const std::string& path, const RenderPlan& plan) {
-  const MemoryReserve reserve(0);
+}  // namespace
+
+ordered_json FilmJson(const std::string& path, const RenderPlan& plan) {
   ordered_json document;
   // A name that means the same on every machine; editors look for it beside the project.
   document["$schema"] = "project.schema.json";
@@ -101,16 +104,16 @@ std::string TextOf(const std::string& path, const RenderPlan& plan) {
   if (!plan.views.empty()) document["views"] = JsonOf(plan.views);
   document["playMode"] = plan.playMode;
   document["parameters"] = ParametersOf(plan);
-  return LaidOut(document);
+  return document;
 }
 
-}  // namespace
-
-std::string ProjectText(const std::string& path, const RenderPlan& plan) {
+std::string WrittenProject(const std::string& path, const std::function<ordered_json()>& document,
+                           const std::function<void(const std::string& text)>& read) {
   try {
-    std::string text = TextOf(path, plan);
+    const MemoryReserve reserve(0);
+    std::string text = LaidOut(document());
     // Nothing is written that could not be read.
-    ParseProject(text, path);
+    read(text);
     return text;
   } catch (const Error& error) {
     const std::string name = path + ": ";
@@ -120,15 +123,20 @@ std::string ProjectText(const std::string& path, const RenderPlan& plan) {
   }
 }
 
+std::string ProjectText(const std::string& path, const RenderPlan& plan) {
+  return WrittenProject(
+      path, [&] { return FilmJson(path, plan); },
+      [&](const std::string& text) { ParseProject(text, path); });
+}
+
 void CheckProjectName(const std::string& path) {
   if (IsProjectName(path)) return;
   throw UsageError(path + ": a project's name ends in .json, or it would be taken for a picture");
 }
 
-void WriteProject(const std::string& path, const RenderPlan& plan) {
-  if (path != kStandardOutput) CheckProjectName(path);
-  const std::string json = ProjectText(path, plan);
-  for (const std::string& used : {plan.photo, plan.over, plan.audio}) {
+void WriteProjectText(const std::string& path, const std::string& json,
+                      const std::vector<std::string>& sources) {
+  for (const std::string& used : sources) {
     std::error_code error;
     if (std::filesystem::equivalent(PathOf(path), PathOf(used), error)) {
       throw Error(path + ": is used by the project itself; give the project another name");
@@ -139,6 +147,11 @@ void WriteProject(const std::string& path, const RenderPlan& plan) {
   const std::string text = path == kStandardOutput ? ShownJson(json) : json;
   file.Write(text.data(), text.size());
   file.Finish();
+}
+
+void WriteProject(const std::string& path, const RenderPlan& plan) {
+  if (path != kStandardOutput) CheckProjectName(path);
+  WriteProjectText(path, ProjectText(path, plan), {plan.photo, plan.over, plan.audio});
 }
 
 }  // namespace kelto::host

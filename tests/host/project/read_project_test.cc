@@ -192,7 +192,7 @@ TEST(ReadProject, EveryFaultNamesItsField) {
     const char *field, *what;
   } faults[] = {
       {Fault("[]"), "the file", "is not an object"},
-      {Fault("{}"), "the file", "has no \"image\""},
+      {Fault("{}"), "the file", "has none of \"image\", \"pictures\""},
       {Fault(R"({"image": 3})"), "image", "is not a string"},
       {Fault(R"({"image": ""})"), "image", "is empty"},
       {Fault(R"({"image": "a\nb"})"), "image", "control characters"},
@@ -369,7 +369,8 @@ TEST(ReadProject, FilesThatCannotBeReadAreToldByName) {
   std::filesystem::create_directory(folder / "d.json");
   EXPECT_EQ(fault(folder / "d.json"), (folder / "d.json") + ": is a folder, not a project");
   std::ofstream(folder / "e.json") << "{}";
-  EXPECT_EQ(fault(folder / "e.json"), (folder / "e.json") + ": the file: has no \"image\"");
+  EXPECT_EQ(fault(folder / "e.json"),
+            (folder / "e.json") + ": the file: has none of \"image\", \"pictures\"");
 }
 
 TEST(ReadProject, ProjectsAreKnownByTheirEnding) {

@@ -1,0 +1,99 @@
+#include "host/commands/show_operand.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "host/base/error.h"
+#include "host/commands/film_options.h"
+#include "host/files/input_file.h"
+#include "host/files/path_text.h"
+#include "host/jobs/picture_list.h"
+#include "host/jobs/slideshow.h"
+#include "host/project/project_file.h"
+
+namespace kelto::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Whether a file begins as texts do; every kind of picture has other bytes near its beginning.
+bool BeginsAsText(const std::string& path) {
+  std::ifstream file(ForCalls(PathOf(path)), std::ios::binary);
+  char bytes[512];
+  file.read(bytes, sizeof bytes);
+  const auto count = file.gcount();
+  return count > 0 && std::all_of(bytes, bytes + count, [](unsigned char c) {
+           return c >= 32 || c == '\n' || c == '\r' || c == '\t';
+         });
+}
+
+/// Those words of the command line that say what pictures show, as lines of a list may.
+std::vector<std::string> PictureWords(const CLI::App& command) {
+  CLI::App known;
+  PlanOptions ignored;
+  DeclarePlan(known, ignored);
+  std::vector<std::string> words;
+  bool kept = false;
+  for (const std::string& word : WordsGiven(command)) {
+    if (word.starts_with("--")) {
+      kept = word != "--loop" && known.get_option_no_throw(word) != nullptr;
+    }
+    if (kept) words.push_back(word);
+  }
+  return words;
+}
+
+void RefuseLength(const PlanOptions& plan) {
+  const std::pair<const char*, bool> given[] = {{"--seconds", !plan.seconds.empty()},
+                                                {"--frames", !plan.frames.empty()},
+                                                {"--over", !plan.over.empty()},
+                                                {"--loop", plan.views.loop},
+                                                {"--fit-audio", plan.fitAudio}};
+  for (const auto& [option, isGiven] : given) {
+    if (!isGiven) continue;
+    throw UsageError(
+        std::string(option) +
+        ": is for films of one picture; --each says how long those of a show are seen");
+  }
+}
+
+}  // namespace
+
+bool NamesShow(const std::string& input) {
+  if (fs::is_directory(StatusOf(PathOf(input)))) return true;
+  if (!IsFile(input)) return false;
+  if (IsProjectName(input)) return IsShowText(ReadProjectText(input), input);
+  return !EndsLikeAPicture(input) && BeginsAsText(input);
+}
+
+OpenedShow OpenShow(const ShowOptions& options, const CLI::App& command, SandboxAccess& access,
+                    bool entersLater) {
+  RefuseLength(options.plan);
+  ShowPictures pictures = PicturesFor(options, PictureWords(command));
+  AddSourcesOf(pictures, access);
+  if (!entersLater) EnterSandbox(access);
+  OpenedShow show;
+  show.plans = PlansFor(pictures, [](const RenderPlan&, const Photo&) {});
+  SetFades(pictures, show.plans);
+  CheckFormats(show.plans.plans);
+  if (pictures.fadeKind == "dip") show.fadeKind = FadeKind::kDip;
+  show.audio = options.plan.audio.empty() ? pictures.audio : options.plan.audio;
+  return show;
+}
+
+void CheckIsShow(const ShowOptions& options) {
+  if (!options.eachGiven && !options.fadeGiven) return;
+  throw UsageError(std::string(options.eachGiven ? "--each" : "--fade") +
+                   ": is for shows: folders, lists, and projects of slideshows");
+}
+
+int32_t FramesOfShow(const ShowPlans& show) {
+  Slideshow film;
+  film.plans = show.plans;
+  film.fades = show.fades;
+  return SlideshowFrames(film);
+}
+
+}  // namespace kelto::host

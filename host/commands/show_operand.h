@@ -1,0 +1,38 @@
+// Operands that name a show, for commands that show something of it.
+#pragma once
+
+#include <string>
+
+#include "host/commands/show_plans.h"
+#include "host/jobs/cross_fade.h"
+
+namespace CLI {
+class App;
+}
+
+namespace kelto::host {
+
+/// Whether `input` is a folder, a list of pictures, or a project of a show: not a photograph, nor a
+/// project of one.
+bool NamesShow(const std::string& input);
+
+/// What is to be known of a show.
+struct OpenedShow {
+  ShowPlans plans;
+  std::string audio;  ///< its project's or that of --audio; empty for none
+  FadeKind fadeKind = FadeKind::kCross;
+};
+
+/// Looks at the show that `options` names, all of whose plans make one kind of film; `command` has
+/// parsed them. `access` gets the files that the pictures are made of, and this process enters the
+/// sandbox with it unless `entersLater`. Throws UsageError and Error.
+OpenedShow OpenShow(const ShowOptions& options, const CLI::App& command, SandboxAccess& access,
+                    bool entersLater = false);
+
+/// Throws UsageError where --each or --fade was given for one picture.
+void CheckIsShow(const ShowOptions& options);
+
+/// The frames of a show of these plans. Throws UsageError for too many.
+int32_t FramesOfShow(const ShowPlans& show);
+
+}  // namespace kelto::host

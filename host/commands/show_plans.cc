@@ -1,0 +1,267 @@
+#include "host/commands/show_plans.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <utility>
+
+#include "host/base/error.h"
+#include "host/base/texts.h"
+#include "host/commands/option_text.h"
+#include "host/commands/picture_options.h"
+#include "host/files/input_file.h"
+#include "host/jobs/fitted_times.h"
+#include "host/jobs/picture_list.h"
+#include "host/options/number.h"
+#include "host/options/rate.h"
+#include "host/project/project_file.h"
+#include "host/sources/media.h"
+#include "host/sources/photos.h"
+#include "host/terminal/interrupt.h"
+#include "host/terminal/progress.h"
+#include "host/terminal/terminal.h"
+
+namespace kelto::host {
+namespace {
+
+constexpr const char* kUsualEach = "5";
+constexpr const char* kUsualFade = "1";
+
+/// Whole frames of a fade; none for 0.
+int32_t ParseFade(const std::string& text, FrameRate rate) {
+  return ParseNumber(text) == 0.0 ? 0 : FramesOf(ParseSeconds(text), rate);
+}
+
+/// Whole frames of the fade from `picture` to the next one, of as many frames as `frames` says.
+int32_t FadeFor(const PictureInShow& picture, const PictureInShow& next,
+                std::pair<int32_t, int32_t> frames, FrameRate rate) {
+  const int32_t fade = ReadOption("--fade", picture.fade,
+                                  [&](const std::string& text) { return ParseFade(text, rate); });
+  const auto [here, there] = frames;
+  const PictureInShow& shorter = there < here ? next : picture;
+  const double longest = ParseSeconds(shorter.each) / 2;
+  // Half of a photograph's time may end within a frame: rounded up, two of it would not fit.
+  const bool fits = ParseNumber(picture.fade).value_or(0.0) <= longest;
+  const int32_t least = std::min(here, there);
+  if (fits || !picture.fadeGiven) return std::min(fade, least / 2);
+  if (2 * int64_t{fade} <= least) return fade;
+  throw UsageError("--fade " + picture.fade + ": two fades do not fit into --each " + shorter.each +
+                   "; --fade " + NumberText(longest) + " is the longest");
+}
+
+/// Its time as it is seen, in its plan's options, so that an error names the option.
+void SetSeconds(PictureInShow& picture) {
+  picture.options.plan.seconds = AtPlaceOf(picture.listed, [&] {
+    return ReadOption("--each", picture.each, [](const std::string& text) {
+      ParseSeconds(text);
+      return text;
+    });
+  });
+}
+
+/// The pictures of a show's project; options that were given overrule what it says.
+ShowPictures PicturesOfProject(const std::string& path, ShowProject project,
+                               const ShowOptions& options, const PictureOptions& common) {
+  ShowPictures pictures;
+  pictures.audio = project.audio;
+  pictures.fadeKind = project.fadeKind;
+  for (size_t i = 0; i < project.pictures.size(); ++i) {
+    ShowPicture& said = project.pictures[i];
+    PictureInShow picture{{said.plan.photo}, common, options.each, options.fade, options.fadeGiven};
+    if (said.each && !options.eachGiven) picture.each = NumberText(*said.each);
+    if (said.fade && !options.fadeGiven) {
+      picture.fade = NumberText(*said.fade);
+      picture.fadeGiven = true;
+    }
+    SetSeconds(picture);
+    ViewOptions& views = picture.options.plan.views;
+    views.movesByItself = !said.hasViews;
+    const bool viewsGiven = !views.from.empty() || !views.to.empty() || !views.tour.empty();
+    const auto fill = [](std::string& option, const std::string& word) {
+      if (option.empty()) option = word;
+    };
+    if (!viewsGiven) {
+      // What goes with a move of the project's does not go with one of the command line's.
+      if (views.move.empty()) fill(views.amount, said.amount);
+      fill(views.move, said.move);
+      fill(views.fit, said.fit);
+    }
+    fill(views.motion, said.motion);
+    picture.place = path + ": pictures[" + std::to_string(i) + "].";
+    picture.plan = std::move(said.plan);
+    pictures.pictures.push_back(std::move(picture));
+  }
+  return pictures;
+}
+
+RenderPlan PlanOfPicture(const PictureInShow& picture, const PlanOptions& options) {
+  return picture.plan ? ChangedPlan(*picture.plan, picture.place, options)
+                      : ChangedPlan(picture.listed.path, options);
+}
+
+/// Does `work` for a picture. One that cannot be read is left out, with a message: false then.
+bool Succeeds(const PictureInShow& picture, const std::function<void()>& work) {
+  try {
+    work();
+    return true;
+  } catch (const UsageError&) {
+    throw;
+  } catch (const Error& error) {
+    if (InterruptSignal() != 0) throw;
+    const std::string text = error.what();
+    const bool isNamed =
+        text.starts_with(picture.listed.path) || (picture.plan && text.starts_with(picture.place));
+    const std::string named = isNamed ? text : picture.listed.path + ": " + text;
+    if (IsStrict()) throw Error(named);
+    PrintMessage(named + "; it is left out");
+    return false;
+  }
+}
+
+}  // namespace
+
+ShowPictures PicturesFor(const ShowOptions& options, const std::vector<std::string>& words) {
+  const PictureOptions common{options.plan, words};
+  const std::string& path = options.inputs[0];
+  if (options.inputs.size() == 1 && IsProjectName(path) && IsFile(path)) {
+    const InterruptsEndAtOnce whileItReads;
+    if (std::optional<ShowProject> show = ReadShow(path)) {
+      return PicturesOfProject(path, std::move(*show), options, common);
+    }
+  }
+  ShowPictures show;
+  // A list may come through a pipe, which gives it once.
+  for (ListedPicture& listed : PicturesOf(options.inputs, OrderAsked(options.order))) {
+    PictureInShow picture{std::move(listed), {}, options.each, options.fade, options.fadeGiven};
+    picture.options = ReadLineOptions(picture.listed, common, LineUse::kShow);
+    if (!picture.options.each.empty()) picture.each = picture.options.each;
+    if (!picture.options.fade.empty()) {
+      picture.fade = picture.options.fade;
+      picture.fadeGiven = true;
+    }
+    SetSeconds(picture);
+    show.pictures.push_back(std::move(picture));
+  }
+  return show;
+}
+
+void KeepThose(std::vector<PictureInShow>& pictures,
+               const std::function<void(const PictureInShow&)>& work) {
+  std::erase_if(pictures, [&](const PictureInShow& picture) {
+    return !Succeeds(picture, [&] { work(picture); });
+  });
+  if (pictures.empty()) throw Error("none of the pictures can be shown");
+}
+
+void AddSourcesOf(ShowPictures& show, SandboxAccess& access) {
+  KeepThose(show.pictures, [&](const PictureInShow& picture) {
+    const InterruptsEndAtOnce whileItReads;
+    if (picture.plan) {
+      AddSources(*picture.plan, picture.options.plan, access);
+    } else {
+      AddSources(picture.listed.path, picture.options.plan, access);
+    }
+  });
+  access.reads.push_back(show.audio);
+}
+
+ShowPlans PlansFor(ShowPictures& show,
+                   const std::function<void(const RenderPlan&, const Photo&)>& looked) {
+  std::vector<PictureInShow>& pictures = show.pictures;
+  ShowPlans plans;
+  Progress progress("photo", static_cast<int64_t>(pictures.size()));
+  int64_t count = 0;
+  KeepThose(pictures, [&](const PictureInShow& picture) {
+    const InterruptsEndAtOnce whileItLooks;
+    progress.Show(count++);
+    PlanOptions asked = picture.options.plan;
+    asked.fitAudio = false;  // of the show, not of each picture
+    asked.views.turn = static_cast<int32_t>(plans.plans.size());
+    RenderPlan plan = AtPlaceOf(picture.listed, [&] { return PlanOfPicture(picture, asked); });
+    Photo photo = CheckPhoto(plan.photo);
+    looked(plan, photo);
+    plans.plans.push_back(std::move(plan));
+    plans.photos.push_back(std::move(photo));
+  });
+  return plans;
+}
+
+void FitToSound(const std::string& audio, ShowPictures& show, ShowPlans& plans) {
+  if (audio.empty()) throw UsageError("--fit-audio: there is no sound; name it with --audio");
+  std::vector<PictureInShow>& pictures = show.pictures;
+  const FrameRate rate = plans.plans.front().format.rate;
+  std::vector<std::optional<int32_t>> given;
+  std::vector<int32_t> fades;
+  for (size_t i = 0; i < pictures.size(); ++i) {
+    const bool own = !pictures[i].options.each.empty();
+    given.push_back(own ? std::optional(plans.plans[i].frames) : std::nullopt);
+    fades.push_back(ParseFade(pictures[i].fade, rate));
+  }
+  const int32_t total = FramesOf(LookAtSound(audio), rate);
+  std::vector<int32_t> times;
+  try {
+    times = FittedTimes(total, given, fades);
+  } catch (const UsageError& error) {
+    throw UsageError(std::string("--fit-audio: ") + error.what());
+  }
+  for (size_t i = 0; i < pictures.size(); ++i) {
+    plans.plans[i].frames = times[i];
+    if (!given[i]) pictures[i].each = FixedText(times[i] / rate.PerSecond(), 2);
+  }
+}
+
+void SetFades(const ShowPictures& show, ShowPlans& plans) {
+  const std::vector<PictureInShow>& pictures = show.pictures;
+  for (size_t i = 0; i + 1 < pictures.size(); ++i) {
+    plans.fades.push_back(AtPlaceOf(pictures[i].listed, [&] {
+      return FadeFor(pictures[i], pictures[i + 1],
+                     {plans.plans[i].frames, plans.plans[i + 1].frames},
+                     plans.plans.front().format.rate);
+    }));
+  }
+}
+
+void CheckFormats(const std::vector<RenderPlan>& plans) {
+  const FilmFormat& film = plans.front().format;
+  for (const RenderPlan& plan : plans) {
+    const FilmFormat& format = plan.format;
+    if (format.size != film.size || format.rate != film.rate || format.fields != film.fields ||
+        format.DisplayAspect() != film.DisplayAspect()) {
+      throw UsageError(
+          plan.photo +
+          ": would be another kind of film than the first, by its project or the "
+          "first's; say --size, --fps and --fields for all, and give projects one displayAspect");
+    }
+  }
+}
+
+ShowProject ProjectOf(const ShowPlans& show, const std::string& audio) {
+  ShowProject project;
+  project.audio = audio;
+  for (size_t i = 0; i < show.plans.size(); ++i) {
+    ShowPicture picture{show.plans[i], true};
+    const double rate = picture.plan.format.rate.PerSecond();
+    picture.each = picture.plan.frames / rate;
+    if (i < show.fades.size()) picture.fade = show.fades[i] / rate;
+    project.pictures.push_back(std::move(picture));
+  }
+  return project;
+}
+
+void DeclareTimes(CLI::App& command, const std::string& group, ShowOptions& options) {
+  command
+      .add_option("--each", options.each,
+                  std::string("Seconds for which a photograph is seen, fades included [") +
+                      kUsualEach + "]")
+      ->group(group)
+      ->type_name("TIME")
+      ->each([&options](const std::string&) { options.eachGiven = true; });
+  command
+      .add_option("--fade", options.fade,
+                  std::string("Seconds of a cross-fade, 0 for none [") + kUsualFade +
+                      ", or half of --each where that is less]")
+      ->group(group)
+      ->type_name("TIME")
+      ->each([&options](const std::string&) { options.fadeGiven = true; });
+}
+
+}  // namespace kelto::host

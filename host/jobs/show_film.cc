@@ -1,0 +1,61 @@
+#include "host/jobs/show_film.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kelto::host {
+
+std::vector<int32_t> BeginningsOf(const std::vector<RenderPlan>& plans,
+                                  const std::vector<int32_t>& fades) {
+  std::vector<int32_t> beginnings;
+  beginnings.reserve(plans.size() + 1);
+  int32_t begin = 0;
+  for (size_t i = 0; i < plans.size(); ++i) {
+    beginnings.push_back(begin);
+    begin += plans[i].frames - (i < fades.size() ? fades[i] : 0);
+  }
+  beginnings.push_back(begin);
+  return beginnings;
+}
+
+ShowFilm::ShowFilm(std::string module, ShowScenes scenes, PixelLayout layout)
+    : module_(std::move(module)),
+      scenes_(std::move(scenes)),
+      layout_(layout),
+      beginnings_(BeginningsOf(scenes_.plans, scenes_.fades)),
+      fade_(scenes_.plans.front().format, layout, scenes_.fadeKind) {}
+
+EffectSession& ShowFilm::SessionOf(size_t picture) {
+  Turn& turn = turns_[picture % turns_.size()];
+  if (turn.session == nullptr || turn.picture != picture) {
+    turn.session.reset();  // first: two would hold two photos
+    turn.session = std::make_unique<EffectSession>(module_, scenes_.plans[picture],
+                                                   scenes_.photos[picture], layout_);
+    turn.picture = picture;
+    if (query_) turn.session->SetAbortQuery(query_);
+    for (const Setting& change : changes_) turn.session->Change(change);
+  }
+  return *turn.session;
+}
+
+FrameView ShowFilm::Render(int32_t number, double quality) {
+  // The last picture that has begun. The film's length is no picture's beginning.
+  const auto after = std::upper_bound(beginnings_.begin(), beginnings_.end() - 1, number);
+  const auto picture = static_cast<size_t>(after - beginnings_.begin()) - 1;
+  const int32_t step = number - beginnings_[picture];
+  EffectSession& shown = SessionOf(picture);
+  const int32_t fade = picture > 0 ? scenes_.fades[picture - 1] : 0;
+  if (step >= fade) return shown.Render(step, quality);
+  EffectSession& before = SessionOf(picture - 1);
+  const FrameView from = before.Render(number - beginnings_[picture - 1], quality);
+  return fade_.Blend(from, shown.Render(step, quality), step, fade);
+}
+
+void ShowFilm::Change(const Setting& setting) {
+  changes_.push_back(setting);
+  for (Turn& turn : turns_) {
+    if (turn.session != nullptr) turn.session->Change(setting);
+  }
+}
+
+}  // namespace kelto::host

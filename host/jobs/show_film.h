@@ -1,0 +1,54 @@
+// A slideshow whose frames may be asked for in any order.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/effect/photo.h"
+#include "host/frames/effect_session.h"
+#include "host/jobs/cross_fade.h"
+
+namespace kelto::host {
+
+/// The pictures of a show, and where each is seen.
+struct ShowScenes {
+  std::vector<RenderPlan> plans;  ///< one at least, all of one film format
+  std::vector<Photo> photos;      ///< of the plans, opened
+  std::vector<int32_t> fades;     ///< frames of the fade from each picture to the next
+  FadeKind fadeKind = FadeKind::kCross;
+};
+
+/// The frame of the film at which each picture appears, and behind these the film's length.
+std::vector<int32_t> BeginningsOf(const std::vector<RenderPlan>& plans,
+                                  const std::vector<int32_t>& fades);
+
+/// Renders a show in this process. Two pictures are in memory at a time; going from one to the next
+/// in order loads each once.
+class ShowFilm : public PlayedFilm {
+ public:
+  ShowFilm(std::string module, ShowScenes scenes, PixelLayout layout);
+
+  void SetAbortQuery(std::function<bool()> query) override { query_ = std::move(query); }
+  FrameView Render(int32_t number, double quality) override;
+  void Change(const Setting& setting) override;
+
+ private:
+  struct Turn {
+    size_t picture = 0;
+    std::unique_ptr<EffectSession> session;  ///< null while nothing is loaded
+  };
+  EffectSession& SessionOf(size_t picture);
+
+  std::string module_;
+  ShowScenes scenes_;
+  PixelLayout layout_;
+  std::vector<int32_t> beginnings_;
+  CrossFade fade_;
+  std::function<bool()> query_;
+  std::vector<Setting> changes_;  ///< made since the beginning
+  std::array<Turn, 2> turns_;     ///< picture i is in turn i modulo 2
+};
+
+}  // namespace kelto::host

@@ -1,0 +1,21 @@
+// A plan as the JSON of a project has it, and the JSON of a plan.
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+#include "host/plan/render_plan.h"
+
+namespace kelto::host {
+
+/// The plan of a document that keeps to the schema, is of one picture, and stands in the file
+/// `path`. Throws Error, "FIELD: what is wrong".
+RenderPlan PlanOfFilm(const nlohmann::json& document, const std::string& path);
+
+/// Throws what PlanOfFilm would for its field "film".
+void CheckFilm(const nlohmann::json& film);
+
+/// The fields of a document of which PlanOfFilm makes the same plan, for the file `path`.
+nlohmann::ordered_json FilmJson(const std::string& path, const RenderPlan& plan);
+
+}  // namespace kelto::host
