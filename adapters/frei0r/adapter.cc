@@ -9,6 +9,7 @@
 #include <string>
 
 #include "adapters/frei0r/console.h"
+#include "adapters/frei0r/covered_pixels.h"
 #include "adapters/frei0r/photo_effect.h"
 #include "adapters/frei0r/scene.h"
 
@@ -26,6 +27,13 @@ constexpr uint32_t kBlack = 0xff000000;
 
 /// What a host means by 0 where 0 is nothing: it left the place in its list of values empty.
 double ZeroMeans(int index, double value) { return index == kZoom && value == 0.0 ? 1.0 : value; }
+
+host::SampleAspect SampleAspectOf(double ratio) {
+  constexpr double kSteps = 2520.0;  // the shapes of video's pixels in few digits: 16/15, 64/45 ...
+  if (ratio == 1.0) return {};
+  const double wide = std::clamp(std::round(ratio * kSteps), 1.0, 65535.0);
+  return {static_cast<int32_t>(wide), static_cast<int32_t>(kSteps)};
+}
 
 }  // namespace
 
@@ -101,12 +109,42 @@ void Adapter::Render(double time, const uint32_t* in, uint32_t* out) noexcept {
           rate);
       SayOnce(text);
     }
-    RenderOver(in, out, frame);
+    RenderOver(in, out, frame, nullptr);
   } catch (const std::exception& error) {
     // Beyond what RenderOver minds: memory.
     FillBackground(in, out);
     std::fprintf(stderr, "kelto_pan_zoom: a frame could not be rendered: %s\n", error.what());
   }
+}
+
+void Adapter::RenderFrame(int64_t frame, const uint32_t* in, uint32_t* out,
+                          CoveredPixels* covered) noexcept {
+  if (out == nullptr || width_ == 0 || height_ == 0) return;
+  const std::lock_guard lock(mutex_);
+  CoveredPixels all{0, 0, static_cast<int32_t>(width_), static_cast<int32_t>(height_)};
+  CoveredPixels& touched = covered != nullptr ? *covered : all;
+  touched = all;
+  try {
+    ReadParameters();
+    RenderOver(in, out, frame, &touched);
+  } catch (const std::exception&) {
+    FillBackground(in, out);
+    fault_ = "no memory";  // a text that needs none
+  }
+  // A frame without the photograph is the video's.
+  if (!fault_.empty() && in != nullptr && !scene_->background) touched = {};
+}
+
+void Adapter::SetPixelAspect(double ratio) noexcept {
+  const std::lock_guard lock(mutex_);
+  if (!(ratio > 0.0) || pixelAspect_ == ratio) return;
+  pixelAspect_ = ratio;
+  changed_ = true;
+}
+
+std::string Adapter::Fault() const {
+  const std::lock_guard lock(mutex_);
+  return fault_;
 }
 
 void Adapter::ReadParameters() {
@@ -116,6 +154,7 @@ void Adapter::ReadParameters() {
     effect_.reset();  // first, so that a picture nobody else shows makes room for the new one
     if (!scene.photo.empty()) effect_ = PhotoEffect::Share(scene.photo, scene.levels);
   }
+  if (pixelAspect_ > 0.0) scene.format.sampleAspect = SampleAspectOf(pixelAspect_);
   *scene_ = std::move(scene);
   sceneId_ = NewSceneId();
   changed_ = false;
@@ -127,10 +166,15 @@ Moment Adapter::MomentOf(int64_t frame) const {
   return {static_cast<int32_t>(std::clamp<int64_t>(frame, 0, frames - 1)), frames};
 }
 
-void Adapter::RenderOver(const uint32_t* in, uint32_t* out, int64_t frame) {
-  if (!effect_) return FillBackground(in, out);
+void Adapter::RenderOver(const uint32_t* in, uint32_t* out, int64_t frame, CoveredPixels* covered) {
+  fault_.clear();
+  if (!effect_) {
+    fault_ = "no photo";
+    return FillBackground(in, out);
+  }
 
   FrameRequest request;
+  request.covered = covered;
   request.scene = scene_.get();
   request.sceneId = sceneId_;
   request.moment = MomentOf(frame);
@@ -155,9 +199,9 @@ void Adapter::RenderOver(const uint32_t* in, uint32_t* out, int64_t frame) {
   hfxImage input = ImageOf(behind), output = ImageOf(out);
   request.input = &input;
   request.output = &output;
-  const std::string fault = effect_->Render(request);
-  if (!fault.empty()) {
-    SayOnce(fault);
+  fault_ = effect_->Render(request);
+  if (!fault_.empty()) {
+    SayOnce(fault_);
     FillBackground(in, out);
   } else if (scene_->outlined) {
     MakeOpaque(out);  // the effect's outlines are not

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <vector>
 
 #include "adapters/frei0r/frame_clock.h"
@@ -14,6 +15,7 @@
 namespace kelto::frei0r {
 
 class PhotoEffect;
+struct CoveredPixels;
 struct Moment;
 struct Scene;
 
@@ -44,10 +46,19 @@ class KELTO_PLATFORM_API Adapter {
   /// Renders a frame of pixels B, G, R, A; writes nothing between rows. `in` may be null and may be
   /// `out` itself; `time` may be any number.
   void Render(double time, const uint32_t* in, uint32_t* out) noexcept;
+  /// The same of a motion's frame `frame`, for hosts whose times need no reading. `covered`, unless
+  /// null, gets the pixels that the photograph touches; the others are the video's, or all are
+  /// covered.
+  void RenderFrame(int64_t frame, const uint32_t* in, uint32_t* out,
+                   CoveredPixels* covered) noexcept;
+  /// Width over height of a pixel as shown, for hosts that report it; it overrules a project's.
+  void SetPixelAspect(double ratio) noexcept;
+  /// Why the last frame shows no photograph; empty when it does.
+  std::string Fault() const;
 
  private:
   void ReadParameters();
-  void RenderOver(const uint32_t* in, uint32_t* out, int64_t frame);
+  void RenderOver(const uint32_t* in, uint32_t* out, int64_t frame, CoveredPixels* covered);
   Moment MomentOf(int64_t frame) const;
   hfxImage ImageOf(const uint32_t* pixels) const;
   void FillBackground(const uint32_t* in, uint32_t* out) const;
@@ -58,6 +69,8 @@ class KELTO_PLATFORM_API Adapter {
   uint32_t width_, height_, rowLength_;
   Values values_;
   bool changed_ = true;
+  double pixelAspect_ = 0.0;  ///< 0: as the scene has it
+  std::string fault_;
   FrameClock clock_;
   std::unique_ptr<Scene> scene_;
   uint64_t sceneId_ = 0;

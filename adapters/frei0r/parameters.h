@@ -70,6 +70,6 @@ struct Values {
 };
 
 /// Every parameter's default.
-Values DefaultValues(Role role);
+KELTO_PLATFORM_API Values DefaultValues(Role role);
 
 }  // namespace kelto::frei0r

@@ -153,6 +153,7 @@ void PhotoEffect::KeepVideo(const FrameRequest& request, const host::RenderPlan&
                        host::DrawnEntry(*effect_, key::kFilter) == entry::kFilterRealTime;
   const CoveredPixels covered = CoveredBy(
       frame, host::DrawnView(*effect_), {plan.format.size.width, plan.format.size.height}, nearest);
+  if (request.covered != nullptr) *request.covered = covered;
   if (!plan.format.Interlaced()) return KeepVideoBeside(covered, *request.video, 0, 1, output);
   KeepVideoBeside(covered, hfx::FieldView(*request.video, state.topField), state.topField ? 0 : 1,
                   2, output);

@@ -18,6 +18,7 @@
 #include <memory>
 #include <string>
 
+#include "adapters/frei0r/covered_pixels.h"
 #include "adapters/frei0r/scene.h"
 #include "host/effect/photo.h"
 #include "host/track/view_track.h"
@@ -36,6 +37,7 @@ struct FrameRequest {
   hfxImage* output = nullptr;
   /// The host's video, kept to the bit where the photo does not touch it; null: a colour is behind.
   const hfxImage* video = nullptr;
+  CoveredPixels* covered = nullptr;  ///< gets what the photo touches, where the video was kept
 };
 
 class PhotoEffect {

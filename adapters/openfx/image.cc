@@ -1,0 +1,160 @@
+#include "adapters/openfx/image.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <string>
+
+#include "adapters/openfx/suites.h"
+
+namespace kelto::openfx {
+namespace {
+
+size_t SampleBytes(Depth depth) {
+  return depth == Depth::kByte ? 1 : depth == Depth::kShort ? 2 : 4;
+}
+
+bool IsEmpty(const ofx::RectI& rect) { return rect.x1 >= rect.x2 || rect.y1 >= rect.y2; }
+
+/// The image's own depth and components are believed, since some hosts report others of the clip.
+bool ReadForm(const Reader& reader, Depth& depth, int& components, Alpha& alpha) {
+  const std::string bits = reader.String(ofx::prop::kPixelDepth, "");
+  if (bits == ofx::value::kByte) {
+    depth = Depth::kByte;
+  } else if (bits == ofx::value::kShort) {
+    depth = Depth::kShort;
+  } else if (bits == ofx::value::kFloat) {
+    depth = Depth::kFloat;
+  } else {
+    return false;
+  }
+  const std::string channels = reader.String(ofx::prop::kComponents, "");
+  if (channels != ofx::value::kRgba && channels != ofx::value::kRgb) return false;
+  components = channels == ofx::value::kRgba ? 4 : 3;
+  const std::string state =
+      reader.String(ofx::prop::kPreMultiplication, ofx::value::kPremultiplied);
+  alpha = components == 3 || state == ofx::value::kOpaque ? Alpha::kOpaque
+          : state == ofx::value::kUnpremultiplied         ? Alpha::kUnpremultiplied
+                                                          : Alpha::kPremultiplied;
+  return true;
+}
+
+template <typename Sample>
+Sample Rounded(double value, double scale) {
+  if (!(value > 0.0)) return 0;  // not a number, either
+  return static_cast<Sample>(std::lround(std::min(value, 1.0) * scale));
+}
+
+}  // namespace
+
+Image::Image(ofx::Clip clip, ofx::Time time) {
+  if (clip == nullptr ||
+      TheSuites().effects->clipGetImage(clip, time, nullptr, &handle_) != ofx::kOk) {
+    handle_ = nullptr;
+    return;
+  }
+  const Reader reader(handle_);
+  rowBytes_ = reader.Int(ofx::prop::kImageRowBytes, 0);
+  pixelAspect_ = reader.Double(ofx::prop::kImagePixelAspect, 1.0);
+  if (!reader.Rect(ofx::prop::kImageBounds, bounds_) || IsEmpty(bounds_)) return;
+  if (!reader.Rect(ofx::prop::kImageRegionOfDefinition, frame_) || IsEmpty(frame_)) {
+    frame_ = bounds_;
+  }
+  if (!ReadForm(reader, depth_, components_, alpha_)) return;
+  data_ = static_cast<uint8_t*>(reader.Pointer(ofx::prop::kImageData));
+}
+
+Image::~Image() {
+  if (handle_ != nullptr) TheSuites().effects->clipReleaseImage(handle_);
+}
+
+uint8_t* Image::At(int x, int y) const {
+  const auto pixelBytes = static_cast<ptrdiff_t>(SampleBytes(depth_)) * components_;
+  return data_ + (ptrdiff_t{y} - bounds_.y1) * rowBytes_ + (ptrdiff_t{x} - bounds_.x1) * pixelBytes;
+}
+
+/// By memcpy: a host's rows may be of any length, so samples need not be aligned.
+template <typename Sample>
+void Image::Store(int x, int y, const std::array<Sample, 4>& rgba) const {
+  std::memcpy(At(x, y), rgba.data(), sizeof(Sample) * static_cast<size_t>(components_));
+}
+
+Pixel Image::Read(int x, int y) const {
+  Pixel pixel{0.0, 0.0, 0.0, 1.0};
+  const uint8_t* at = At(x, y);
+  for (size_t i = 0; i < static_cast<size_t>(components_); ++i) {
+    if (depth_ == Depth::kByte) {
+      pixel[i] = at[i] / 255.0;
+    } else if (depth_ == Depth::kShort) {
+      uint16_t sample = 0;
+      std::memcpy(&sample, at + i * sizeof sample, sizeof sample);
+      pixel[i] = sample / 65535.0;
+    } else {
+      float sample = 0.0f;
+      std::memcpy(&sample, at + i * sizeof sample, sizeof sample);
+      pixel[i] = sample;
+    }
+  }
+  if (alpha_ == Alpha::kOpaque) pixel[3] = 1.0;
+  if (alpha_ == Alpha::kUnpremultiplied) {
+    for (size_t i = 0; i < 3; ++i) pixel[i] *= pixel[3];
+  }
+  return pixel;
+}
+
+void Image::Write(int x, int y, const Pixel& pixel) const {
+  Pixel stored = pixel;
+  if (alpha_ == Alpha::kUnpremultiplied && pixel[3] > 0.0) {
+    for (size_t i = 0; i < 3; ++i) stored[i] /= pixel[3];
+  }
+  if (alpha_ == Alpha::kOpaque) stored[3] = 1.0;
+  const auto each = [&](auto convert) {
+    std::array<decltype(convert(0.0)), 4> samples{};
+    std::transform(stored.begin(), stored.end(), samples.begin(), convert);
+    Store(x, y, samples);
+  };
+  switch (depth_) {
+    case Depth::kByte:
+      return each([](double value) { return Rounded<uint8_t>(value, 255.0); });
+    case Depth::kShort:
+      return each([](double value) { return Rounded<uint16_t>(value, 65535.0); });
+    case Depth::kFloat:
+      return each([](double value) { return static_cast<float>(value); });
+  }
+}
+
+void Image::WriteBgra(int x, int y, uint32_t pixel) const {
+  uint8_t bgra[4];
+  std::memcpy(bgra, &pixel, sizeof bgra);
+  const auto each = [&](auto convert) {
+    Store(x, y, std::array{convert(bgra[2]), convert(bgra[1]), convert(bgra[0]), convert(255)});
+  };
+  switch (depth_) {
+    case Depth::kByte:
+      return each([](int level) { return static_cast<uint8_t>(level); });
+    case Depth::kShort:
+      return each([](int level) { return static_cast<uint16_t>(level * 257); });
+    case Depth::kFloat:
+      return each([](int level) { return static_cast<float>(level / 255.0); });
+  }
+}
+
+uint32_t Image::ReadBgra(int x, int y) const {
+  const Pixel pixel = Read(x, y);
+  const uint8_t bgra[4] = {Rounded<uint8_t>(pixel[2], 255.0), Rounded<uint8_t>(pixel[1], 255.0),
+                           Rounded<uint8_t>(pixel[0], 255.0), 255};
+  uint32_t packed = 0;
+  std::memcpy(&packed, bgra, sizeof packed);
+  return packed;
+}
+
+void Image::CopyFrom(const Image& from, int x, int y) const {
+  if (!from.Holds(x, y)) return Write(x, y, {});
+  if (depth_ == from.depth_ && components_ == from.components_ && alpha_ == from.alpha_) {
+    std::memcpy(At(x, y), from.At(x, y), SampleBytes(depth_) * static_cast<size_t>(components_));
+  } else {
+    Write(x, y, from.Read(x, y));
+  }
+}
+
+}  // namespace kelto::openfx
