@@ -3,7 +3,6 @@
 #include <nlohmann/json.hpp>
 
 #include "editor/document/tour_changes.h"
-#include "host/effect/photo.h"
 #include "host/files/output_file.h"
 #include "host/files/path_text.h"
 #include "host/plan/default_plan.h"
@@ -15,13 +14,12 @@ namespace kelto::editor {
 
 using nlohmann::ordered_json;
 
-Document NewDocument(const std::string& photo, const std::string& path) {
-  const host::Photo opened = host::OpenPhoto(photo);
+Document NewDocument(const std::string& photo, const PixelSize& size, const std::string& path) {
   host::RenderPlan plan = host::DefaultPlan(photo);
   plan.motion = host::MotionLaw::kSteady;
   plan.SetTour({{View{}}, {View{}}});
   const Document still{path, host::ProjectText(path, plan)};
-  return WithMove(still, {opened.width, opened.height}, "in");
+  return WithMove(still, size, "in");
 }
 
 std::string ProjectBeside(const std::string& photo) {

@@ -9,6 +9,7 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 
+#include "framing/pixel_size.h"
 #include "host/plan/render_plan.h"
 
 namespace kelto::editor {
@@ -19,9 +20,8 @@ struct Document {
   bool operator==(const Document&) const = default;
 };
 
-/// A project of a photo that lies in `path` once it is saved: a gentle move in. Throws Error for a
-/// photo that cannot be opened.
-Document NewDocument(const std::string& photo, const std::string& path);
+/// A project of a photo of this size that lies in `path` once it is saved: a gentle move in.
+Document NewDocument(const std::string& photo, const PixelSize& size, const std::string& path);
 
 /// The name of a project beside its photo: "beach.json" for "beach.jpg".
 std::string ProjectBeside(const std::string& photo);

@@ -51,6 +51,8 @@ class Server {
           return Send(MessageKind::kWay, BodyOf(Film().Way(FromBytes<int32_t>(request.body))));
         case MessageKind::kPhoto:
           return SendPhoto();
+        case MessageKind::kSize:
+          return SendSize(request.body);
         default:
           throw host::Error("the editor asked for what is no request");
       }
@@ -115,6 +117,14 @@ class Server {
     const std::vector<uint8_t> pixels = Film().PhotoPixels(kPhotoPixels, head.size);
     SendHead(MessageKind::kPhoto, head);
     Write({reinterpret_cast<const char*>(pixels.data()), pixels.size()});
+  }
+
+  /// For an editor that has no film of the photo yet.
+  void SendSize(const std::string& path) {
+    host::EnterSandbox({{path}, {}});
+    host::CheckNotReplaced(path);
+    const host::Photo photo = host::OpenPhoto(path);
+    Send(MessageKind::kSize, BodyOf(PixelSize{photo.width, photo.height}));
   }
 
   /// Ahead of the pixels.

@@ -6,8 +6,9 @@
 namespace kelto::editor {
 
 /// Answers the requests that come from file descriptor `in` through `out` until `in` ends. Enters
-/// the sandbox with the first plan, so that later plans must be of the same photo and video; others
-/// are refused. Throws Error where nothing more can be answered.
+/// the sandbox with the first plan, or with the first photo whose size is asked for, so that what
+/// follows must be of the same photo and video; others are refused. Throws Error where nothing more
+/// can be answered.
 void ServeDrawing(const std::string& module, int in, int out);
 
 }  // namespace kelto::editor

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 #include "editor/messages/plain_bytes.h"
 
@@ -16,6 +17,17 @@ PictureBody PictureOf(std::string_view body) {
     throw host::Error("the preview sent what is no picture");
   }
   return {head, reinterpret_cast<const uint8_t*>(body.data()) + sizeof head};
+}
+
+std::string BodyOf(const PixelSize& photo) { return BytesOf(photo); }
+
+PixelSize SizeOf(std::string_view body) {
+  constexpr int32_t kMostSide = std::numeric_limits<int16_t>::max();  // as the importer has it
+  const auto size = FromBytes<PixelSize>(body);
+  for (const int32_t side : {size.width, size.height}) {
+    if (side < 1 || side > kMostSide) throw host::Error("the preview sent what is no size");
+  }
+  return size;
 }
 
 std::string BodyOf(const FilmWay& way) {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "editor/rules/film_way.h"
+#include "framing/pixel_size.h"
 #include "host/base/film_format.h"
 
 namespace kelto::editor {
@@ -24,6 +25,10 @@ struct PictureBody {
 
 /// Throws Error where the body is no picture.
 PictureBody PictureOf(std::string_view body);
+
+std::string BodyOf(const PixelSize& photo);
+/// Throws Error where the body is no size that a photo can have.
+PixelSize SizeOf(std::string_view body);
 
 std::string BodyOf(const FilmWay& way);
 FilmWay WayOf(std::string_view body);

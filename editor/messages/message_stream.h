@@ -15,6 +15,7 @@ enum class MessageKind : uint32_t {
   kWay,       ///< editor: samples of the film's way that are wanted at the most; process: the way
   kPhoto,     ///< editor: the photo is wanted; process: its pixels
   kFrame,     ///< process: a frame
+  kSize,      ///< editor: the size of the photo of a path is wanted; process: the size
   kFailed,    ///< process: the sentence that says why a request cannot be met
 };
 

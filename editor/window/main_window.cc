@@ -5,6 +5,7 @@
 
 #include "editor/document/settings.h"
 #include "editor/document/tour_changes.h"
+#include "editor/preview/photo_size.h"
 #include "editor/window/film_panel.h"
 #include "editor/window/render_queue.h"
 #include "editor/window/scenes.h"
@@ -14,7 +15,12 @@
 namespace kelto::editor {
 
 MainWindow::MainWindow(const Programs& programs, QWidget* parent)
-    : QMainWindow(parent), programs_(programs), preview_(programs.preview, programs.module) {
+    : QMainWindow(parent),
+      programs_(programs),
+      session_([programs](const std::string& photo) {
+        return FindPhotoSize(programs.preview, programs.module, photo);
+      }),
+      preview_(programs.preview, programs.module) {
   setAcceptDrops(true);
   MakeWidgets();
   MakeActions();
@@ -38,6 +44,8 @@ void MainWindow::MakeWidgets() {
   filmPanel_ = new FilmPanel;
   notice_ = new QLabel;
   notice_->setObjectName("notice");
+  // Names from strangers are in it, which rich text would have read files.
+  notice_->setTextFormat(Qt::PlainText);
   notice_->setWordWrap(true);
   notice_->setMargin(8);
   notice_->setAutoFillBackground(true);

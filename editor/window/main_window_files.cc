@@ -60,6 +60,7 @@ bool MainWindow::AskKeep() {
   QMessageBox box(QMessageBox::Question, tr("Unsaved Changes"),
                   tr("Save the changes to %1?").arg(QFileInfo(session_.Path()).fileName()),
                   QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
+  box.setTextFormat(Qt::PlainText);
   box.setDefaultButton(QMessageBox::Save);
   const int answer = box.exec();
   if (answer == QMessageBox::Cancel) return false;
@@ -88,6 +89,7 @@ void MainWindow::OnFileChanged() {
                      "Undo brings yours back.")
                       .arg(name),
                   QMessageBox::Yes | QMessageBox::No, this);
+  box.setTextFormat(Qt::PlainText);
   if (box.exec() == QMessageBox::Yes) session_.Reload();
 }
 
@@ -97,6 +99,7 @@ void MainWindow::OfferRecovery() {
                   tr("The editor stopped before %1 was saved. Take up the unsaved changes?")
                       .arg(QFileInfo(session_.Path()).fileName()),
                   QMessageBox::Yes | QMessageBox::No, this);
+  box.setTextFormat(Qt::PlainText);
   box.setDefaultButton(QMessageBox::Yes);
   if (box.exec() == QMessageBox::Yes) {
     session_.Recover();
@@ -118,7 +121,7 @@ void MainWindow::FillRecent(QMenu* menu) {
   menu->clear();
   for (const QString& path : QSettings().value(kRecent).toStringList()) {
     menu->addAction(QFileInfo(path).fileName(), this, [this, path] { Open(path); })
-        ->setToolTip(path);
+        ->setToolTip(Qt::convertFromPlainText(path));
   }
   if (menu->isEmpty()) menu->addAction(tr("None yet"))->setEnabled(false);
 }

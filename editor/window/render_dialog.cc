@@ -67,6 +67,7 @@ RenderDialog::RenderDialog(QString command, const Document& document, QWidget* p
   filter_->addItem(tr("Draft (Triangle)"), QString("triangle"));
   estimate_ = new QLabel;
   estimate_->setWordWrap(true);
+  estimate_->setTextFormat(Qt::PlainText);
 
   auto* form = new QFormLayout;
   form->addRow(tr("Name"), nameRow);
@@ -96,8 +97,9 @@ RenderDialog::RenderDialog(QString command, const Document& document, QWidget* p
   connect(name_, &QLineEdit::textEdited, this, &RenderDialog::ShowKind);
   connect(buttons_, &QDialogButtonBox::accepted, this, [this] {
     if (QFileInfo::exists(Film()) &&
-        QMessageBox::question(this, windowTitle(),
-                              tr("%1 already exists. Replace it?").arg(Film())) !=
+        QMessageBox::question(
+            this, windowTitle(),
+            Qt::convertFromPlainText(tr("%1 already exists. Replace it?").arg(Film()))) !=
             QMessageBox::Yes) {
       return;
     }

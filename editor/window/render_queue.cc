@@ -84,7 +84,7 @@ void RenderQueue::AddRow(RenderJob* job) {
   auto* line = new QHBoxLayout(row);
   line->setContentsMargins(0, 0, 0, 0);
   auto* name = new QLabel(QFileInfo(job->Film()).fileName());
-  name->setToolTip(job->Film());
+  name->setToolTip(Qt::convertFromPlainText(job->Film()));
   name->setTextFormat(Qt::PlainText);
   auto* bar = new QProgressBar;
   bar->setAccessibleName(tr("Progress of %1").arg(name->text()));

@@ -4,7 +4,6 @@
 
 #include "editor/document/recovery.h"
 #include "host/base/error.h"
-#include "host/effect/photo.h"
 #include "host/project/project_file.h"
 
 namespace kelto::editor {
@@ -15,7 +14,7 @@ constexpr int kKeepAfterMilliseconds = 300;
 
 }  // namespace
 
-Session::Session(QObject* parent) : QObject(parent) {
+Session::Session(PhotoSizes sizes, QObject* parent) : QObject(parent), sizes_(std::move(sizes)) {
   keeper_.setMaxThreadCount(1);
   keepSoon_.setSingleShot(true);
   keepSoon_.setInterval(kKeepAfterMilliseconds);
@@ -44,13 +43,18 @@ bool Session::Open(const QString& path) {
   return Try([&] {
     const std::string name = path.toStdString();
     const bool project = host::IsProjectName(name);
-    const Document document = project ? ReadDocument(name) : NewDocument(name, ProjectBeside(name));
+    PixelSize size;
+    const auto created = [&] {
+      size = sizes_(name);
+      return NewDocument(name, size, ProjectBeside(name));
+    };
+    const Document document = project ? ReadDocument(name) : created();
     host::RenderPlan plan = PlanOf(document);
-    const host::Photo photo = host::OpenPhoto(plan.photo);
+    if (project) size = sizes_(plan.photo);
     Settle();
     history_.Begin(document, project);
     plan_ = std::move(plan);
-    photo_ = {photo.width, photo.height};
+    photo_ = size;
     openedPhoto_ = plan_.photo;
     open_ = true;
     Watch();
@@ -76,8 +80,7 @@ void Session::Apply(const QString& name, const Change& change, Gesture gesture) 
     Document next = change(Current());
     host::RenderPlan plan = PlanOf(next);
     if (plan.photo != openedPhoto_) {
-      const host::Photo photo = host::OpenPhoto(plan.photo);
-      photo_ = {photo.width, photo.height};
+      photo_ = sizes_(plan.photo);
       openedPhoto_ = plan.photo;
     }
     history_.Do(std::move(next), name.toStdString(), gesture.id);

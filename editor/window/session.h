@@ -23,7 +23,10 @@ class Session : public QObject {
  public:
   using Change = std::function<Document(const Document&)>;
 
-  explicit Session(QObject* parent = nullptr);
+  /// The size of a photo, or Error.
+  using PhotoSizes = std::function<PixelSize(const std::string& photo)>;
+
+  explicit Session(PhotoSizes sizes, QObject* parent = nullptr);
   ~Session() override;
 
   /// Opens a photo, as a new project beside it, or a project. Whether it could be opened.
@@ -73,6 +76,7 @@ class Session : public QObject {
 
   History history_;
   host::RenderPlan plan_;
+  PhotoSizes sizes_;
   PixelSize photo_{1, 1};
   std::string openedPhoto_;
   bool open_ = false;

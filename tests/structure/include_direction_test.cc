@@ -88,26 +88,27 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"host",
      {"platform", "runtime/hfx", "host/base", "host/commands", "host/effect", "host/files",
       "host/terminal"}},
-    // The editor, a program of its own made of the command's parts.
+    // The editor, a program of its own made of the command's parts. It decodes nothing itself: only
+    // editor/drawing, which is another process, may open photos (host/effect).
     {"editor/document",
-     {"catalogue", "framing", "motion", "host/base", "host/effect", "host/files", "host/moves",
-      "host/options", "host/plan", "host/project", "host/track"}},
+     {"catalogue", "framing", "motion", "host/base", "host/files", "host/moves", "host/options",
+      "host/plan", "host/project", "host/track"}},
     {"editor/rules",
      {"catalogue", "framing", "host/base", "host/options", "host/plan", "host/track"}},
-    {"editor/messages", {"editor/rules", "host/base", "host/options"}},
+    {"editor/messages", {"framing", "editor/rules", "host/base", "host/options"}},
     // The process that draws, which has no windows.
     {"editor/drawing",
      {"catalogue", "framing", "runtime/hfx", "host/base", "host/effect", "host/facts",
       "host/frames", "host/options", "host/plan", "host/project", "host/sandbox", "editor/messages",
       "editor/rules"}},
     {"editor/preview",
-     {"host/base", "host/plan", "host/playback", "host/project", "editor/messages",
+     {"framing", "host/base", "host/plan", "host/playback", "host/project", "editor/messages",
       "editor/rules"}},
     {"editor/widgets", {"host/base", "host/options", "host/playback", "editor/rules"}},
     {"editor/window",
-     {"catalogue", "framing", "motion", "host/base", "host/effect", "host/film", "host/moves",
-      "host/options", "host/plan", "host/project", "host/track", "editor/document",
-      "editor/preview", "editor/rules", "editor/widgets"}},
+     {"catalogue", "framing", "motion", "host/base", "host/film", "host/moves", "host/options",
+      "host/plan", "host/project", "host/track", "editor/document", "editor/preview",
+      "editor/rules", "editor/widgets"}},
     // main.cc alone.
     {"editor", {"host/base", "host/effect", "host/files", "editor/window"}},
     // Hosts too, made of the command's parts.

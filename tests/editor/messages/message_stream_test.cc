@@ -52,6 +52,14 @@ TEST(Answers, ReadBackAsTheyWereWritten) {
   EXPECT_TRUE(WayOf(BodyOf(FilmWay{})).empty());
 }
 
+TEST(Answers, ASizeIsOneThatAPhotoCanHave) {
+  EXPECT_EQ(SizeOf(BodyOf(PixelSize{32767, 1})), (PixelSize{32767, 1}));
+  for (const PixelSize size : {PixelSize{0, 10}, {10, -1}, {32768, 10}}) {
+    EXPECT_THROW(SizeOf(BodyOf(size)), host::Error);
+  }
+  EXPECT_THROW(SizeOf("short"), host::Error);
+}
+
 TEST(Answers, HaveAsManyPixelsAsTheySay) {
   const PictureHead head{3, {2, 1}};
   const std::string body = BytesOf(head) + "BGRABGRA";

@@ -17,7 +17,7 @@ namespace {
 Document SmallFilm(const PhotoFolder& folder) {
   qputenv("KELTO_MODULE", KELTO_MODULE);
   const Document document =
-      NewDocument(folder.Photo().toStdString(), folder.Project().toStdString());
+      NewDocument(folder.Photo().toStdString(), {1600, 1200}, folder.Project().toStdString());
   return WithLength(WithSize(document, 160, 90), 1.0);
 }
 

@@ -3,12 +3,16 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <QFile>
+#include <QFileInfo>
 #include <QSignalSpy>
 
 #include "editor/document/recovery.h"
 #include "editor/document/settings.h"
 #include "editor/document/tour_changes.h"
+#include "editor/preview/photo_size.h"
 #include "tests/editor/window/support.h"
 
 namespace kelto::editor {
@@ -18,6 +22,10 @@ QByteArray BytesOf(const QString& path) {
   QFile file(path);
   EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
   return file.readAll();
+}
+
+PixelSize FindSize(const std::string& photo) {
+  return FindPhotoSize(KELTO_PREVIEW, KELTO_MODULE, photo);
 }
 
 /// A change as a drag makes them.
@@ -31,21 +39,21 @@ void Drag(Session& session, int64_t id, double left, bool finished) {
 
 TEST(Session, APhotoIsANewProjectBesideIt) {
   const PhotoFolder folder;
-  Session session;
+  Session session(FindSize);
   ASSERT_TRUE(session.Open(folder.Photo()));
   EXPECT_EQ(session.Path(), folder.Project());
   EXPECT_EQ(session.Plan().views.size(), 2u);
   EXPECT_FALSE(QFile::exists(folder.Project())) << "nothing is written before it is saved";
   ASSERT_TRUE(session.Save());
   EXPECT_FALSE(session.Modified());
-  Session again;
+  Session again(FindSize);
   ASSERT_TRUE(again.Open(folder.Project()));
   EXPECT_EQ(again.Current().text, session.Current().text);
 }
 
 TEST(Session, WhatCannotBeOpenedLeavesWhatIsOpen) {
   const PhotoFolder folder;
-  Session session;
+  Session session(FindSize);
   ASSERT_TRUE(session.Open(folder.Photo()));
   QSignalSpy failed(&session, &Session::Failed);
   EXPECT_FALSE(session.Open(folder.File("missing.json")));
@@ -55,9 +63,90 @@ TEST(Session, WhatCannotBeOpenedLeavesWhatIsOpen) {
   EXPECT_EQ(session.Path(), folder.Project());
 }
 
+TEST(Session, KnowsThePhotosSize) {
+  const PhotoFolder folder;
+  Session session(FindSize);
+  ASSERT_TRUE(session.Open(folder.Photo()));
+  EXPECT_EQ(session.Photo(), (PixelSize{1600, 1200}));
+}
+
+TEST(Session, APhotoThatIsNoneIsRefusedInTheCommandsWords) {
+  const PhotoFolder folder;
+  QFile text(folder.File("text.jpg"));
+  ASSERT_TRUE(text.open(QIODevice::WriteOnly));
+  text.write("no photograph");
+  text.close();
+  Session session(FindSize);
+  QSignalSpy failed(&session, &Session::Failed);
+  EXPECT_FALSE(session.Open(text.fileName()));
+  ASSERT_EQ(failed.size(), 1);
+  EXPECT_EQ(failed[0][0].toString(),
+            text.fileName() + ": cannot be read as a picture: not a picture in a known format");
+}
+
+/// A decoder with a fault, preloaded into whatever this process starts.
+class FaultyDecoder {
+ public:
+  FaultyDecoder() {
+    qputenv("LD_PRELOAD", KELTO_MISBEHAVING_DECODER);
+    // The sanitizers want to be loaded first, and read a list at the end that the sandbox hides.
+    Set("ASAN_OPTIONS", qgetenv("ASAN_OPTIONS") + ":verify_asan_link_order=0:detect_leaks=0");
+  }
+  ~FaultyDecoder() {
+    for (const std::string& name : set_) qunsetenv(name.c_str());
+  }
+  void Set(const char* name, const QByteArray& value) {
+    qputenv(name, value);
+    set_.push_back(name);
+  }
+
+ private:
+  std::vector<std::string> set_{"LD_PRELOAD"};
+};
+
+TEST(Session, AFaultInADecoderLeavesTheEditorAsItIs) {
+  const PhotoFolder folder;
+  const QString photo = folder.File("photo.jpg");
+  ASSERT_TRUE(QImage(folder.Photo()).save(photo));
+  FaultyDecoder faulty;
+  faulty.Set("KELTO_TEST_PRINTS_IN", "jpeg_read_header");
+  faulty.Set("KELTO_TEST_PRINTS", "corrupt marker\n");
+  faulty.Set("KELTO_TEST_ABORTS", "1");
+  Session session(FindSize);
+  QSignalSpy failed(&session, &Session::Failed);
+  EXPECT_FALSE(session.Open(photo));
+  ASSERT_EQ(failed.size(), 1);
+  EXPECT_EQ(failed[0][0].toString(), photo + ": the process that reads it stopped unexpectedly");
+}
+
+TEST(Session, ADecoderThatAFileHasTakenOverReachesNothingElse) {
+  const PhotoFolder folder, films;
+  const QString photo = folder.File("photo.jpg"), secret = folder.File("secret");
+  ASSERT_TRUE(QImage(folder.Photo()).save(photo));
+  ASSERT_TRUE(QFile::copy(folder.Photo(), secret));
+  QFile report(films.File("report"));
+  ASSERT_TRUE(report.open(QIODevice::ReadWrite));
+  FaultyDecoder faulty;
+  // Qt's own files do not pass to other processes.
+  const int passed = dup(report.handle());
+  faulty.Set("KELTO_TEST_REPORT", QByteArray::number(passed));
+  faulty.Set("KELTO_TEST_FOLDER", QFileInfo(photo).path().toUtf8());
+  faulty.Set("KELTO_TEST_FILMS", QFileInfo(report).path().toUtf8());
+  faulty.Set("KELTO_TEST_PORT", "1");
+  Session session(FindSize);
+  EXPECT_TRUE(session.Open(photo));
+  close(passed);
+  const QByteArray said = BytesOf(report.fileName());
+  EXPECT_GE(said.count('\n'), 11) << "the decoder was not tried";
+  for (const QByteArray& line : said.split('\n')) {
+    EXPECT_FALSE(line.startsWith("0 ")) << line.toStdString();
+  }
+  EXPECT_FALSE(QFile::exists(folder.File("planted")));
+}
+
 TEST(Session, ADragIsOneStepAndKeptWhenItEnds) {
   const PhotoFolder folder;
-  Session session;
+  Session session(FindSize);
   ASSERT_TRUE(session.Open(folder.Photo()));
   const Document before = session.Current();
   for (int i = 0; i < 10; ++i) Drag(session, 5, 100.0 + i, i == 9);
@@ -72,7 +161,7 @@ TEST(Session, ADragIsOneStepAndKeptWhenItEnds) {
 
 TEST(Session, AChangeThatCannotBeChangesNothing) {
   const PhotoFolder folder;
-  Session session;
+  Session session(FindSize);
   ASSERT_TRUE(session.Open(folder.Photo()));
   const Document before = session.Current();
   QSignalSpy failed(&session, &Session::Failed);
@@ -85,13 +174,13 @@ TEST(Session, UnsavedWorkIsTakenUpAgainAndGoneOnceSaved) {
   const PhotoFolder folder;
   std::string dragged;
   {
-    Session session;
+    Session session(FindSize);
     ASSERT_TRUE(session.Open(folder.Photo()));
     ASSERT_TRUE(session.Save());
     Drag(session, 1, 321.0, false);  // and the program ends, in the middle of the drag
     dragged = session.Current().text;
   }
-  Session session;
+  Session session(FindSize);
   ASSERT_TRUE(session.Open(folder.Project()));
   ASSERT_TRUE(session.CanRecover());
   session.Recover();
@@ -105,7 +194,7 @@ TEST(Session, UnsavedWorkIsTakenUpAgainAndGoneOnceSaved) {
 TEST(Session, SavedElsewhereItShowsTheSamePhoto) {
   const PhotoFolder folder;
   const PhotoFolder other;
-  Session session;
+  Session session(FindSize);
   ASSERT_TRUE(session.Open(folder.Photo()));
   ASSERT_TRUE(session.SaveAs(other.File("copy.json")));
   EXPECT_EQ(session.Path(), other.File("copy.json"));
@@ -115,7 +204,7 @@ TEST(Session, SavedElsewhereItShowsTheSamePhoto) {
 
 TEST(Session, SaysThatTheFileHasChangedAndReadsItAgain) {
   const PhotoFolder folder;
-  Session session;
+  Session session(FindSize);
   ASSERT_TRUE(session.Open(folder.Photo()));
   ASSERT_TRUE(session.Save());
   QSignalSpy changed(&session, &Session::FileChanged);
@@ -131,7 +220,7 @@ TEST(Session, SaysThatTheFileHasChangedAndReadsItAgain) {
 
 TEST(Session, ItsOwnSavesAreNoChangesOfOthers) {
   const PhotoFolder folder;
-  Session session;
+  Session session(FindSize);
   ASSERT_TRUE(session.Open(folder.Photo()));
   ASSERT_TRUE(session.Save());
   QSignalSpy changed(&session, &Session::FileChanged);

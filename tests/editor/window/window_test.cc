@@ -191,6 +191,35 @@ TEST_F(Window, ClosingAsksBeforeWorkIsLost) {
   EXPECT_TRUE(QFileInfo::exists(folder_.Project()));
 }
 
+// Rich text reads pictures that it names, which are then decoded outside of every sandbox.
+TEST_F(Window, NamesOfFilesAreNeverTakenForRichText) {
+  const QString photo = folder_.File("<img src=photo.png><b>.png");
+  EXPECT_FALSE(window_.Open(photo));
+  EXPECT_TRUE(window_.findChild<QLabel*>("notice")->text().contains("<img"));
+  ASSERT_TRUE(QFile::copy(folder_.Photo(), photo));
+  ASSERT_TRUE(window_.Open(photo));
+  for (const QLabel* label : window_.findChildren<QLabel*>()) {
+    EXPECT_TRUE(label->textFormat() == Qt::PlainText || !Qt::mightBeRichText(label->text()))
+        << label->text().toStdString();
+  }
+  for (const QAction* action : window_.findChildren<QAction*>()) {
+    EXPECT_FALSE(action->toolTip().contains("<img")) << action->toolTip().toStdString();
+  }
+  window_.Select(1);
+  QTest::keyClick(&window_.TheCanvas(), Qt::Key_Left);
+  bool asked = false;
+  QTimer::singleShot(0, &window_, [&] {
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    ASSERT_NE(box, nullptr);
+    asked = true;
+    EXPECT_TRUE(box->text().contains("<img"));
+    EXPECT_EQ(box->textFormat(), Qt::PlainText);
+    box->button(QMessageBox::Cancel)->click();
+  });
+  EXPECT_FALSE(window_.close());
+  EXPECT_TRUE(asked);
+}
+
 TEST_F(Window, ThePreviewIsTheFilm) {
   Choose("Save");
   auto& preview = window_.ThePreview();

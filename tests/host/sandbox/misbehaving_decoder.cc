@@ -144,6 +144,7 @@ __attribute__((visibility("default"))) int prctl(int option, ...) {
 
 __attribute__((visibility("default"))) int jpeg_read_header(void* picture, int image) {
   TryAll("jpeg_read_header");
+  Print("jpeg_read_header");
   return Real(&jpeg_read_header, "jpeg_read_header")(picture, image);
 }
 
