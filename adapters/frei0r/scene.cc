@@ -1,6 +1,5 @@
 #include "adapters/frei0r/scene.h"
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -136,12 +135,7 @@ std::optional<host::Colour> ColourBehind(const host::RenderPlan& plan) {
   const host::SettingValue* value = host::HeldValue(plan.FindSetting(key::kBackgroundColor));
   const auto* rgb = value == nullptr ? nullptr : std::get_if<std::array<double, 3>>(value);
   if (rgb == nullptr) return host::Colour{};
-  // Back from the studio levels that the effect takes.
-  const auto seen = [](double channel) {
-    return static_cast<uint8_t>(
-        std::lround(std::clamp((channel * 255.0 - 16.0) * 255.0 / 219.0, 0.0, 255.0)));
-  };
-  return host::Colour{seen((*rgb)[0]), seen((*rgb)[1]), seen((*rgb)[2])};
+  return host::ColourOf(*rgb);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "host/film/container_output.h"
 #include "host/film/libav.h"
 #include "host/film/palette_filter.h"
+#include "host/film/three_channels.h"
 
 namespace kelto::host {
 namespace {
@@ -28,15 +29,14 @@ constexpr AnimationForm kWebp = {"webp", "libwebp_anim", AV_PIX_FMT_BGRA, "quali
 void Fill(const FrameView& from, AVFrame& to) {
   const bool rgb = to.format == AV_PIX_FMT_RGB24;
   for (int32_t row = 0; row < to.height; ++row) {
-    const uint8_t* pixel = from.Row(row);
-    uint8_t* out = to.data[0] + ptrdiff_t{row} * to.linesize[0];
-    for (int32_t column = 0; column < to.width; ++column, pixel += 4) {
-      const uint8_t first = rgb ? pixel[2] : pixel[0], last = rgb ? pixel[0] : pixel[2];
-      *out++ = first;
-      *out++ = pixel[1];
-      *out++ = last;
-      if (!rgb) *out++ = 255;
+    const uint8_t* const pixels = from.Row(row);
+    uint8_t* const out = to.data[0] + ptrdiff_t{row} * to.linesize[0];
+    if (rgb) {
+      CopyThreeChannels(pixels, to.width, ChannelOrder::kRgb, out);
+      continue;
     }
+    std::memcpy(out, pixels, static_cast<size_t>(to.width) * 4);
+    for (int32_t column = 0; column < to.width; ++column) out[column * 4 + 3] = 255;
   }
 }
 

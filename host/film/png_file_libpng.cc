@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/film/png_file.h"
+#include "host/film/three_channels.h"
 
 namespace kelto::host {
 
@@ -14,12 +15,8 @@ std::vector<uint8_t> EncodePng(const FrameView& frame) {
   std::vector<uint8_t> rgb(static_cast<size_t>(width) * height * 3);
   uint8_t* to = rgb.data();
   for (int32_t row = 0; row < height; ++row) {
-    const uint8_t* from = frame.Row(row);
-    for (int32_t column = 0; column < width; ++column, from += 4, to += 3) {
-      to[0] = from[2];
-      to[1] = from[1];
-      to[2] = from[0];
-    }
+    CopyThreeChannels(frame.Row(row), width, ChannelOrder::kRgb, to);
+    to += ptrdiff_t{width} * 3;
   }
   png_image image{};
   image.version = PNG_IMAGE_VERSION;

@@ -13,6 +13,7 @@
 #include <string>
 
 #include "host/film/png_file.h"
+#include "host/film/three_channels.h"
 
 namespace kelto::host {
 namespace {
@@ -57,12 +58,8 @@ std::vector<uint8_t> WithoutAlpha(const FrameView& frame) {
   std::vector<uint8_t> bgr(static_cast<size_t>(frame.size.width) * frame.size.height * 3);
   uint8_t* to = bgr.data();
   for (int32_t row = 0; row < frame.size.height; ++row) {
-    const uint8_t* from = frame.Row(row);
-    for (int32_t column = 0; column < frame.size.width; ++column, from += 4, to += 3) {
-      to[0] = from[0];
-      to[1] = from[1];
-      to[2] = from[2];
-    }
+    CopyThreeChannels(frame.Row(row), frame.size.width, ChannelOrder::kBgr, to);
+    to += ptrdiff_t{frame.size.width} * 3;
   }
   return bgr;
 }

@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "host/film/three_channels.h"
+
 namespace kelto::host {
 namespace {
 
@@ -87,12 +89,7 @@ std::vector<uint8_t> EncodeTiff(const FrameView& frame, SampleAspect aspect) {
   Describe(tiff.get(), frame.size, aspect);
   std::vector<uint8_t> rgb(static_cast<size_t>(frame.size.width) * 3);
   for (int32_t row = 0; row < frame.size.height; ++row) {
-    const uint8_t* from = frame.Row(row);
-    for (size_t at = 0; at < rgb.size(); at += 3, from += 4) {
-      rgb[at] = from[2];
-      rgb[at + 1] = from[1];
-      rgb[at + 2] = from[0];
-    }
+    CopyThreeChannels(frame.Row(row), frame.size.width, ChannelOrder::kRgb, rgb.data());
     Check(TIFFWriteScanline(tiff.get(), rgb.data(), static_cast<uint32_t>(row), 0) == 1);
   }
   Check(TIFFFlush(tiff.get()) == 1);

@@ -1,6 +1,7 @@
 #include "host/plan/render_plan.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "catalogue/parameters.h"
@@ -69,6 +70,14 @@ std::array<double, 3> BackgroundFor(Colour colour) {
   // where it minds at all, it cuts them to 16..235 without scaling. So they are scaled here.
   const auto studio = [](uint8_t level) { return static_cast<int>(level * 219 / 255.0 + 16.5); };
   return {studio(colour.red) / 255.0, studio(colour.green) / 255.0, studio(colour.blue) / 255.0};
+}
+
+Colour ColourOf(const std::array<double, 3>& background) {
+  const auto full = [](double channel) {
+    return static_cast<uint8_t>(
+        std::lround(std::clamp((channel * 255.0 - 16.0) * 255.0 / 219.0, 0.0, 255.0)));
+  };
+  return {full(background[0]), full(background[1]), full(background[2])};
 }
 
 }  // namespace kelto::host

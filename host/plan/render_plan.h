@@ -60,4 +60,7 @@ struct RenderPlan {
 /// The value of the effect's parameter "bgcolor" that is seen as `colour` in the film.
 std::array<double, 3> BackgroundFor(Colour colour);
 
+/// The colour that is seen where the effect is given `background`: the inverse of BackgroundFor.
+Colour ColourOf(const std::array<double, 3>& background);
+
 }  // namespace kelto::host

@@ -18,5 +18,16 @@ TEST(Background, ReachesTheEffectInStudioLevels) {
   }
 }
 
+TEST(Background, IsSeenAsTheColourThatWasAskedFor) {
+  for (int level = 0; level < 256; ++level) {
+    const uint8_t byte = static_cast<uint8_t>(level);
+    const Colour seen = ColourOf(BackgroundFor({byte, 0, 255}));
+    // Studio range has fewer levels.
+    EXPECT_NEAR(seen.red, level, 1) << level;
+    EXPECT_EQ(seen.green, 0);
+    EXPECT_EQ(seen.blue, 255);
+  }
+}
+
 }  // namespace
 }  // namespace kelto::host
