@@ -40,18 +40,19 @@ class DeepFinish {
     if (plan.backdrop.pixels == nullptr) FillBehindWith(0, columns_, Used(plan.background));
   }
 
-  /// Draws row `row` of those that the picture touches from its filtered pixels, followed by as
-  /// many floats as make the last vector whole.
-  void Row(size_t row, const float* filtered) {
+  /// Draws `count` columns from `column` on of row `row`, counted among those that the picture
+  /// touches, from their filtered pixels, followed by as many floats as make the last vector whole.
+  void Row(size_t row, size_t column, size_t count, const float* filtered) {
     // Behind opaque pixels that are covered whole nothing is looked at.
     const bool opaque = !plan_.picture.hasAlpha;
     const bool whole = opaque && !plan_.linearLight && plan_.rowCoverage[row] >= 1.0f;
-    const size_t first = whole ? wholeFirst_ : columns_;
-    const size_t end = whole ? wholeEnd_ : columns_;
-    if (plan_.backdrop.pixels != nullptr && (first > 0 || end < columns_)) ReadBackdrop(row);
-    Draw<false>(row, filtered, 0, first);
-    Draw<true>(row, filtered, first, end);
-    Draw<false>(row, filtered, end, columns_);
+    const size_t end = column + count;
+    const size_t plainFirst = whole ? std::clamp(wholeFirst_, column, end) : end;
+    const size_t plainEnd = whole ? std::clamp(wholeEnd_, plainFirst, end) : end;
+    const Part part = {row, column, filtered};
+    Draw<false>(part, column, plainFirst);
+    Draw<true>(part, plainFirst, plainEnd);
+    Draw<false>(part, plainEnd, end);
   }
 
  private:
@@ -65,24 +66,32 @@ class DeepFinish {
     }
   }
 
-  void ReadBackdrop(size_t row) {
+  void ReadBackdrop(size_t row, size_t first, size_t end) {
     const int32_t y = plan_.rows.first + static_cast<int32_t>(row);
-    for (size_t i = 0; i < columns_; ++i) {
+    for (size_t i = first; i < end; ++i) {
       FillBehindWith(i, i + 1,
                      Used(plan_.Behind(plan_.columns.first + static_cast<int32_t>(i), y)));
     }
   }
 
+  /// The filtered pixels of a row from a column on.
+  struct Part {
+    size_t row, column;
+    const float* filtered;
+  };
+
   /// Draws columns `first` to `end`, as they are where `kPlain`.
   template <bool kPlain>
-  HWY_NOINLINE void Draw(size_t row, const float* filtered, size_t first, size_t end) {
-    const int32_t y = plan_.rows.first + static_cast<int32_t>(row);
+  HWY_NOINLINE void Draw(const Part& part, size_t first, size_t end) {
+    if (!kPlain && plan_.backdrop.pixels != nullptr) ReadBackdrop(part.row, first, end);
+    const int32_t y = plan_.rows.first + static_cast<int32_t>(part.row);
     const size_t pixelBytes = PixelBytes(plan_.target.sample);
     uint8_t* const to =
         plan_.target.Row<uint8_t>(y) + pixelBytes * static_cast<size_t>(plan_.columns.first);
     for (size_t x = first; x < end; x += kPixels) {
       const size_t count = std::min(kPixels, end - x);
-      const auto pixels = Finished<kPlain>(row, hn::LoadU(Floats(), filtered + 4 * x), x);
+      const auto filtered = hn::LoadU(Floats(), part.filtered + 4 * (x - part.column));
+      const auto pixels = Finished<kPlain>(part.row, filtered, x);
       if (count == kPixels) {
         Write(pixels, to + pixelBytes * x);
       } else {

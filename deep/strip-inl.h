@@ -1,6 +1,5 @@
 // A strip of a deep picture's columns as floats. Compiled for each target by the source that
 // includes it behind Highway's foreach_target.h.
-#include <hwy/cache_control.h>
 #include <hwy/highway.h>
 
 #include <algorithm>
@@ -23,13 +22,14 @@ HWY_BEFORE_NAMESPACE();
 namespace kelto {
 namespace HWY_NAMESPACE {
 
-#if HWY_MAX_BYTES == 64
-constexpr size_t kStripVectors = 6;  // two rows' sums and the samples stay in 32 registers
-#else
-constexpr size_t kStripVectors = 4;
-#endif
-constexpr size_t kStripFloats = kStripVectors * kLanes;
-constexpr size_t kStripPixels = kStripFloats / 4;
+/// Vectors that are summed at a time, for two rows: sums and samples stay in registers.
+constexpr size_t kSumVectors = HWY_MAX_BYTES == 64 ? 6 : 4;
+constexpr size_t kSumFloats = kSumVectors * kLanes;
+
+/// Rows of the picture that are taken at a time, and how much of each. A block's part of a strip
+/// stays in the first-level cache.
+constexpr int32_t kBlockRows = 32;
+constexpr size_t kStripFloats = 2 * kSumFloats;
 
 /// Floats aligned for vectors, not cleared.
 class FloatBuffer {
@@ -51,54 +51,76 @@ class FloatBuffer {
   size_t count_;
 };
 
-/// The rows of one strip after the other, read as they are needed.
-class DeepStrip {
+/// Rows of the picture that will be needed soon, on their way to the second-level cache. Asked for
+/// little by little while others are summed: all at a time they would wait for each other.
+class RowsAhead {
  public:
-  /// Strips begin at column `base` of the picture.
-  DeepStrip(const DeepPlan& plan, int32_t base) : plan_(plan), base_(base) {}
-
-  /// Starts the strip that begins `pixel` columns past the base, of which `rows` will be needed.
-  void Begin(size_t pixel, Range rows) {
-    first_ = base_ + static_cast<int32_t>(pixel);
-    rows_ = rows;
-    next_ = rows.first;
-    const size_t needed = static_cast<size_t>(rows.end - rows.first) * kStripFloats;
-    if (samples_.count() < needed) samples_ = FloatBuffer(needed);
+  /// `count` pixels from `pixel` on of some rows.
+  void Begin(const DeepSource& picture, int32_t pixel, int32_t count, Range rows) {
+    const size_t pixelBytes = PixelBytes(picture.sample);
+    next_ = picture.Row<uint8_t>(rows.first) + pixelBytes * static_cast<size_t>(pixel);
+    rowBytes_ = picture.rowBytes;
+    lines_ = (pixelBytes * static_cast<size_t>(count) + kLine - 1) / kLine;
+    line_ = 0;
+    rows_ = rows.end - rows.first;
   }
 
-  /// Row `y`, which has been read.
-  const float* Row(int32_t y) const {
-    return samples_.get() + static_cast<size_t>(y - rows_.first) * kStripFloats;
-  }
+  size_t Lines() const { return lines_ * static_cast<size_t>(rows_); }
 
-  void ReadUpTo(int32_t end) {
-    if (next_ >= end) return;
-    const int32_t inside = plan_.picture.width - first_;
-    const bool whole = inside >= static_cast<int32_t>(kStripPixels);
-    if (plan_.picture.sample == DeepSample::Unsigned16) {
-      for (; next_ < end; ++next_) Read<uint16_t>(whole, inside);
-    } else {
-      for (; next_ < end; ++next_) Read<float>(whole, inside);
+  HWY_INLINE void Fetch(size_t lines) {
+    for (size_t i = 0; i < lines && rows_ > 0; ++i) {
+      __builtin_prefetch(next_ + kLine * line_, 0, 2);
+      if (++line_ < lines_) continue;
+      line_ = 0;
+      next_ += rowBytes_;
+      --rows_;
     }
   }
 
  private:
   static constexpr size_t kLine = 64;
+  const uint8_t* next_ = nullptr;
+  ptrdiff_t rowBytes_ = 0;
+  size_t lines_ = 0, line_ = 0;
+  int32_t rows_ = 0;
+};
 
+/// A strip of a block of the picture's rows.
+class DeepStrip {
+ public:
+  explicit DeepStrip(const DeepPlan& plan)
+      : plan_(plan), samples_(static_cast<size_t>(kBlockRows) * kStripFloats) {}
+
+  /// Strips begin at column `base` of the picture.
+  void Begin(int32_t base) { base_ = base; }
+
+  /// Reads the strip that begins `pixel` columns past the base of at most kBlockRows rows.
+  void Read(size_t pixel, Range rows) {
+    first_ = base_ + static_cast<int32_t>(pixel);
+    rows_ = rows;
+    if (plan_.picture.sample == DeepSample::Unsigned16) {
+      for (int32_t y = rows.first; y < rows.end; ++y) ReadRow<uint16_t>(y);
+    } else {
+      for (int32_t y = rows.first; y < rows.end; ++y) ReadRow<float>(y);
+    }
+  }
+
+  const float* Row(int32_t y) const {
+    return samples_.get() + static_cast<size_t>(y - rows_.first) * kStripFloats;
+  }
+
+ private:
   template <typename Sample>
-  HWY_INLINE void Read(bool whole, int32_t inside) {
-    const Sample* const from = plan_.picture.Row<Sample>(next_) + ptrdiff_t{4} * first_;
-    float* const to = samples_.get() + static_cast<size_t>(next_ - rows_.first) * kStripFloats;
-    if (whole) {
-      constexpr size_t kBytes = kStripFloats * sizeof(Sample);
-      for (size_t byte = 0; byte < kBytes; byte += kLine) {
-        hwy::Prefetch(reinterpret_cast<const uint8_t*>(from) + kBytes + byte);
-      }
+  HWY_INLINE void ReadRow(int32_t y) {
+    const Sample* const from = plan_.picture.Row<Sample>(y) + ptrdiff_t{4} * first_;
+    float* const to = samples_.get() + static_cast<size_t>(y - rows_.first) * kStripFloats;
+    const auto inside = static_cast<size_t>(plan_.picture.width - first_) * 4;
+    if (inside >= kStripFloats) {
       Convert(from, to);
     } else {
       // The picture's last columns: zeros follow, which are multiplied by nothing.
       Sample samples[kStripFloats] = {};
-      std::memcpy(samples, from, 4 * static_cast<size_t>(inside) * sizeof(Sample));
+      std::memcpy(samples, from, inside * sizeof(Sample));
       Convert(samples, to);
     }
     if (plan_.linearLight) Light(to);
@@ -131,10 +153,9 @@ class DeepStrip {
   }
 
   const DeepPlan& plan_;
-  int32_t base_;
+  int32_t base_ = 0;
   int32_t first_ = 0;
   Range rows_;
-  int32_t next_ = 0;
   FloatBuffer samples_;
 };
 
