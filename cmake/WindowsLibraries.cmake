@@ -4,12 +4,15 @@ execute_process(
   COMMAND sh -c ". '${CMAKE_SOURCE_DIR}/tools/windows/cache.sh'; printf %s \"$kelto_cache\""
   OUTPUT_VARIABLE kelto_cache)
 set(libraries ${kelto_cache}/libraries-i686)
-if(NOT EXISTS ${libraries}/.made-by)
-  message(FATAL_ERROR "${libraries} is missing; run tools/windows/setup.sh first")
-endif()
+set(codecs ${kelto_cache}/codecs-i686)
+foreach(folder ${libraries} ${codecs})
+  if(NOT EXISTS ${folder}/.made-by)
+    message(FATAL_ERROR "${folder} is missing; run tools/windows/setup.sh first")
+  endif()
+endforeach()
 
 # Header-only libraries need nothing more.
-include_directories(SYSTEM ${libraries}/include)
+include_directories(SYSTEM ${libraries}/include ${codecs}/include)
 add_library(CLI11::CLI11 INTERFACE IMPORTED GLOBAL)
 
 add_library(Boost::filesystem STATIC IMPORTED GLOBAL)
@@ -23,6 +26,11 @@ set_target_properties(PkgConfig::HIGHWAY PROPERTIES
   # Unasked, Highway leaves AVX2 out in 32 bits, where not all compilers manage it; this one does.
   # AVX-512 uses instructions of 64 bits.
   INTERFACE_COMPILE_DEFINITIONS "HWY_BROKEN_TARGETS=(HWY_AVX3|HWY_AVX3_DL)")
+
+add_library(PkgConfig::STILL_CODECS INTERFACE IMPORTED GLOBAL)
+target_link_libraries(PkgConfig::STILL_CODECS INTERFACE
+  ${codecs}/lib/libwebp.a ${codecs}/lib/liblcms2.a ${codecs}/lib/libtiff.a
+  ${codecs}/lib/libjpeg.a z ${KELTO_STACK_PROTECTOR})
 
 if(KELTO_TESTS)
   set(INSTALL_GTEST OFF)

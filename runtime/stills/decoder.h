@@ -75,7 +75,7 @@ const Decoder& GifDecoder();
 const Decoder& BmpDecoder();
 const Decoder& HeifDecoder();
 const Decoder& TgaDecoder();
-/// Every format that Windows decodes, the only decoder there.
+/// Every format that Windows decodes, but for those of the decoders that are asked before it there.
 const Decoder& WicDecoder();
 
 /// The decoder that knows the file; throws StillError (noCodecErr) when none does.

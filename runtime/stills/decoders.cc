@@ -21,7 +21,8 @@ const Decoder& FindDecoder(StillFile& file) {
   file.Rewind();
   if (length == 0) throw StillError(noCodecErr, "an empty file");
 #if defined(_WIN32)
-  const Decoder* const decoders[] = {&WicDecoder()};
+  // The component comes last: it takes whatever the others leave, and says what it cannot read.
+  const Decoder* const decoders[] = {&TiffDecoder(), &WebpDecoder(), &TgaDecoder(), &WicDecoder()};
 #else
   // TGA comes last: it has no signature, only plausible fields.
   const Decoder* const decoders[] = {&JpegDecoder(), &PngDecoder(), &TiffDecoder(), &WebpDecoder(),

@@ -21,8 +21,8 @@ constexpr cmsUInt32Number kInterfaceVersion = 2060;
 /// As with the library's own allocator.
 constexpr uint32_t kMostBytes = 512u << 20;
 
-/// Lies before every block.
-struct alignas(std::max_align_t) Header {
+/// Lies before every block, which is aligned as the heap's are.
+struct alignas(__STDCPP_DEFAULT_NEW_ALIGNMENT__) Header {
   uint32_t bytes;
   bool reserved;
 };

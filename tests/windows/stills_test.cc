@@ -242,11 +242,14 @@ TEST_F(WicStills, WhatIsNoPictureIsTold) {
 }
 
 TEST_F(WicStills, FormatsThatOnlySomeVersionsOfTheComponentKnowAreRefused) {
-  Bytes tga = {0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 0, 2, 0, 24, 0};
-  Append(tga, Bytes(12, 77));
-  const Loaded loaded = Load(tga, "picture.tga");
+  // An icon of one white pixel, as a bitmap of 32 bits and its mask.
+  Bytes icon = {0, 0, 1, 0, 1, 0, 1, 1, 0, 0, 1, 0, 32, 0, 48, 0, 0, 0, 22, 0, 0, 0};
+  Append(icon, {40, 0, 0, 0, 1, 0, 0, 0, 2, 0, 0, 0, 1, 0, 32, 0});
+  Append(icon, Bytes(24, 0));
+  Append(icon, {255, 255, 255, 255, 0, 0, 0, 0});
+  const Loaded loaded = Load(icon, "picture.ico");
   EXPECT_EQ(loaded.error, noCodecErr);
-  EXPECT_EQ(loaded.text, "picture.tga: not a picture in a known format");
+  EXPECT_EQ(loaded.text, "picture.ico: not a picture in a known format");
 }
 
 /// Half of a picture's file.

@@ -25,6 +25,7 @@ i686-w64-mingw32-strip -p -s "$to"/*.exe "$to"/*.dll "$to"/*.hfx
 sed 's/$/\r/' "$here/README.txt" >"$to/README.txt"
 cp "$kelto_cache/libraries-i686/boost-licence.txt" "$to/licences/boost.txt"
 cp "$kelto_cache/libraries-i686/highway-licence.txt" "$to/licences/highway.txt"
+cp "$kelto_cache"/codecs-i686/licences/*.txt "$to/licences"
 cp /usr/share/doc/gcc-mingw-w64-i686-posix-runtime/copyright "$to/licences/gcc-runtime.txt"
 cp /usr/share/doc/mingw-w64-i686-dev/copyright "$to/licences/mingw-w64.txt"
 for library in libcli11 nlohmann-json3; do

@@ -22,7 +22,7 @@ bool IsTaken(const GUID& container) {
   for (const GUID* known :
        {&GUID_ContainerFormatJpeg, &GUID_ContainerFormatPng, &GUID_ContainerFormatTiff,
         &GUID_ContainerFormatGif, &GUID_ContainerFormatBmp, &GUID_ContainerFormatWmp,
-        &GUID_ContainerFormatWebp, &GUID_ContainerFormatHeif}) {
+        &GUID_ContainerFormatHeif}) {
     if (container == *known) return true;
   }
   return false;
