@@ -5,6 +5,10 @@
 # sanitizers' builds, whose own checks find more and would be hidden by these.
 set(shipped $<NOT:$<BOOL:$<TARGET_PROPERTY:KELTO_TEST>>>)
 set(optimised $<NOT:$<CONFIG:Debug>>)
+# Of a target with KELTO_PIXEL_LOOPS only what holds text or bytes: the check at the end of each piece of
+# a row would be most of what hardening costs a frame.
+set(stack_protector
+  -fstack-protector$<$<NOT:$<BOOL:$<TARGET_PROPERTY:KELTO_PIXEL_LOOPS>>>:-strong>)
 
 if(WIN32)
   # Loaded where an attacker does not know, and data never run as code; addresses of 32 bits leave no
@@ -12,7 +16,7 @@ if(WIN32)
   target_link_options(kelto_options INTERFACE -Wl,--dynamicbase,--nxcompat
     -Wl,--exclude-libs,libssp.a)  # from what libraries that export everything export
   target_compile_options(kelto_options INTERFACE
-    "$<$<AND:${shipped},${optimised}>:-fstack-protector-strong>")
+    "$<$<AND:${shipped},${optimised}>:${stack_protector}>")
   # What a found overflow calls lies in each file by itself: a library beside them would be one more
   # that could be replaced. It is named behind all that calls it.
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libssp.a
@@ -45,7 +49,7 @@ else()
   set(fortify 2)
 endif()
 
-set(flags -fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=${fortify})
+set(flags ${stack_protector} -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=${fortify})
 foreach(flag -fcf-protection=full -fstack-clash-protection)
   string(MAKE_C_IDENTIFIER "KELTO${flag}" known)
   check_cxx_compiler_flag(${flag} ${known})
