@@ -26,6 +26,9 @@ name=JPEG420 form=jpg convert -pix_fmt yuvj420p -q:v 2
 name=PNG48 form=png convert -pix_fmt rgb48be
 name=PNG24 form=png convert -pix_fmt rgb24
 name=TIFF form=tif convert -pix_fmt rgb24 -compression_algo lzw
+name=TGA form=tga convert -pix_fmt bgr24
+name=WEBP form=webp convert -c:v libwebp -quality 80
+env convert "tga:$folder/TGA" -compress JPEG -quality 85 "tiff:$folder/JPEGTIFF"
 
 # 256 x 192 pixels with each level of each colour.
 python3 - "$folder/MADE" <<'PYTHON'
