@@ -17,27 +17,27 @@ using nlohmann::ordered_json;
 /// A picture with all that it shows.
 ordered_json PictureJson(const std::string& path, const ShowPicture& picture) {
   ordered_json film = FilmJson(path, picture.plan);
-  ordered_json json;
-  json["image"] = film["image"];
-  if (picture.each) json["each"] = *picture.each;
-  if (picture.fade) json["fade"] = *picture.fade;
-  json["playMode"] = film["playMode"];
+  ordered_json written;
+  written["image"] = film["image"];
+  if (picture.each) written["each"] = *picture.each;
+  if (picture.fade) written["fade"] = *picture.fade;
+  written["playMode"] = film["playMode"];
   if (picture.hasViews) {
-    json["motion"] = film["motion"];
-    if (film.contains("views")) json["views"] = film["views"];
+    written["motion"] = film["motion"];
+    if (film.contains("views")) written["views"] = film["views"];
   } else {
-    if (!picture.move.empty()) json["move"] = picture.move;
-    if (!picture.fit.empty()) json["fit"] = picture.fit;
-    if (const auto amount = ParseNumber(picture.amount)) json["amount"] = *amount;
-    if (!picture.motion.empty()) json["motion"] = picture.motion;
+    if (!picture.move.empty()) written["move"] = picture.move;
+    if (!picture.fit.empty()) written["fit"] = picture.fit;
+    if (const auto amount = ParseNumber(picture.amount)) written["amount"] = *amount;
+    if (!picture.motion.empty()) written["motion"] = picture.motion;
   }
   ordered_json parameters = ordered_json::object();
   for (const auto& [name, value] : film["parameters"].items()) {
     // A picture without views holds still in its plan, which is not what it says.
     if (picture.hasViews || !MovesTheView(name)) parameters[name] = value;
   }
-  json["parameters"] = parameters;
-  return json;
+  written["parameters"] = parameters;
+  return written;
 }
 
 /// Takes what all pictures say alike out of them and says it of the show.
