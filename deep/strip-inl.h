@@ -22,14 +22,15 @@ HWY_BEFORE_NAMESPACE();
 namespace kelto {
 namespace HWY_NAMESPACE {
 
-/// Vectors that are summed at a time, for two rows: sums and samples stay in registers.
-constexpr size_t kSumVectors = HWY_MAX_BYTES == 64 ? 6 : 4;
+/// Vectors that are summed at a time, for two rows: the sums stay in registers.
+constexpr size_t kSumVectors = HWY_MAX_BYTES == 64 ? 8 : 4;
 constexpr size_t kSumFloats = kSumVectors * kLanes;
 
 /// Rows of the picture that are taken at a time, and how much of each. A block's part of a strip
 /// stays in the first-level cache.
-constexpr int32_t kBlockRows = 32;
-constexpr size_t kStripFloats = 2 * kSumFloats;
+constexpr int32_t kBlockRows = 16;
+constexpr size_t kStripFloats = 24 * kLanes;
+static_assert(kStripFloats % kSumFloats == 0);
 
 /// Floats aligned for vectors, not cleared.
 class FloatBuffer {
@@ -68,13 +69,15 @@ class RowsAhead {
   size_t Lines() const { return lines_ * static_cast<size_t>(rows_); }
 
   HWY_INLINE void Fetch(size_t lines) {
-    for (size_t i = 0; i < lines && rows_ > 0; ++i) {
-      __builtin_prefetch(next_ + kLine * line_, 0, 2);
-      if (++line_ < lines_) continue;
-      line_ = 0;
-      next_ += rowBytes_;
-      --rows_;
-    }
+    if (rows_ == 0) return;
+    const size_t end = std::min(line_ + lines, lines_);
+    const uint8_t* const row = next_;
+    for (size_t line = line_; line < end; ++line) __builtin_prefetch(row + kLine * line, 0, 2);
+    line_ = end;
+    if (end < lines_) return;
+    line_ = 0;
+    next_ += rowBytes_;
+    --rows_;
   }
 
  private:

@@ -17,6 +17,12 @@ void Frame(benchmark::State& state, int32_t mode, double scale, Target target) {
   SetTarget(AvailableTargets().back());
 }
 
+void FourChannels(benchmark::State& state) {
+  Shared();
+  int frame = 0;
+  for ([[maybe_unused]] auto _ : state) ResampleTo4Byte(Job(FilterHiQual, 3.125, frame++, 4));
+}
+
 void Reduction(benchmark::State& state) {
   Shared();
   for ([[maybe_unused]] auto _ : state) {
@@ -55,6 +61,7 @@ const bool kRegistered = [] {
     benchmark::RegisterBenchmark(("kelto_on/" + std::string(TargetName(target)) + "/3.125").c_str(),
                                  Frame, static_cast<int32_t>(FilterHiQual), 3.125, target);
   }
+  benchmark::RegisterBenchmark("kelto/four channels/hiqual/3.125", FourChannels);
   benchmark::RegisterBenchmark("kelto/reduction/24MP to 1620x1080", Reduction);
   benchmark::RegisterBenchmark("kelto/background", Background422);
   return true;
