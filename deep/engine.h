@@ -67,8 +67,9 @@ struct DeepJob {
 /// that overlaps the next; and std::bad_alloc when memory runs out, after which the target's
 /// contents are not defined. The picture must not overlap the target.
 ///
-/// Memory: sixteen bytes for each column of the picture that shows, in as many rows as are made at
-/// a time (16), and the tables of weights.
+/// Memory: some half a MiB of rows on their way, more where a pixel is made of very many rows, and
+/// the tables of weights. Samples that are not finite make the pixels near them not finite either,
+/// and 0 in 16 bits.
 void RenderDeep(const DeepJob& job, const DeepSource& picture, const DeepTarget& target);
 
 }  // namespace kelto

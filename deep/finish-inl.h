@@ -124,7 +124,9 @@ class DeepFinish {
     const auto below = hn::Min(alpha, zero);
     const auto raised =
         hn::IfThenElse(hn::Lt(pixels, zero), hn::Min(hn::Sub(pixels, below), zero), pixels);
-    const auto held = hn::Div(raised, hn::Max(alpha, one));
+    // Rarely: a division takes longer than all the rest.
+    const auto above = hn::Gt(alpha, hn::Set(floats, 1.0f + 0x1p-22f));
+    const auto held = hn::AllFalse(floats, above) ? raised : hn::Div(raised, hn::Max(alpha, one));
     const auto heldAlpha = hn::Min(hn::Max(alpha, zero), one);
     if (clamped_) return hn::Min(hn::Max(held, zero), heldAlpha);
     return hn::IfThenElse(AlphaLanes(), heldAlpha, held);
