@@ -205,7 +205,7 @@ class Batch {
                      AccessFor(options_.film.module, {item.film, item.record}));
     });
     job.module = module_;
-    job.scene = WholeScene(plan, item.options->plan);
+    job.scene = WholeScene(plan);
     job.kind = &kind_;
     job.request = RequestFor(item.film, plan);
     job.ends = EndsAsked(options_.film, plan.format, plan.frames);

@@ -71,7 +71,7 @@ PictureOptions Read(const ListedPicture& picture, const std::vector<std::string>
   }
   Parse(line, picture.options);
   std::vector<std::string> words = Joined(common, WordsGiven(line));
-  for (const char* shows : {"--each", "--fade"}) {
+  for (const char* shows : {"--each", "--fade", "--fade-kind", "--title"}) {
     const auto found = std::find(words.begin(), words.end(), shows);
     if (found != words.end()) words.erase(found, found + 2);
   }

@@ -5,9 +5,11 @@
 
 #include "catalogue/parameters.h"
 #include "host/base/error.h"
+#include "host/commands/captions.h"
 #include "host/commands/option_text.h"
 #include "host/commands/sandbox_option.h"
 #include "host/film/coded_films.h"
+#include "host/lettering/lettering.h"
 #include "host/options/choices.h"
 #include "host/options/colour.h"
 #include "host/options/number.h"
@@ -119,6 +121,27 @@ void ForEachEntry(const PlanOptions& options, Use use) {
   }
 }
 
+/// What is seen beside the photo, of which a video, a colour and the photo are one at a time.
+void ApplyBeside(const PlanOptions& options, RenderPlan& plan) {
+  if (!options.beside.empty()) {
+    plan.beside = ReadOption("--beside", options.beside, [](const std::string& word) {
+      if (word != "colour" && word != "blur") throw UsageError("choose one of colour, blur");
+      return word == "blur" ? Beside::kBlur : Beside::kColour;
+    });
+    if (plan.beside == Beside::kBlur && (!plan.over.empty() || !options.background.empty())) {
+      throw UsageError(std::string("--beside blur and ") +
+                       (plan.over.empty() ? "--background" : "--over") +
+                       " both say what is beside the photo; give one of them");
+    }
+  } else if (!options.over.empty() || !options.background.empty()) {
+    plan.beside = Beside::kColour;
+  }
+  if (options.background.empty()) return;
+  plan.Set(key::kBackgroundColor,
+           BackgroundFor(ReadOption("--background", options.background, ParseColour)));
+  plan.Set(key::kCompositeOver, std::string(entry::kOverColor));
+}
+
 /// All lists but the velocities, which are only looked at: they need the views.
 void ApplyLists(const PlanOptions& options, RenderPlan& plan) {
   ForEachEntry(options, [&](const ChoiceList& list, const std::string& entry) {
@@ -210,6 +233,16 @@ void DeclarePicture(CLI::App& command, PlanOptions& options) {
   ease->excludes("--in")->excludes("--out");
   declare("--background", "COLOUR", options.background,
           "Colour beside the photo, '#rrggbb' [#000000]");
+  declare("--beside", "WORD", options.beside,
+          "What is seen where the frame shows more than the photo: colour, that of --background; "
+          "blur, the photo itself, enlarged, blurred and darkened; photographs much narrower or "
+          "longer than the frame are then shown whole unless --fit says otherwise [colour]");
+  if (CanDrawLetters()) {
+    declare("--caption", "TEXT", options.caption,
+            "Text over the photo, near the frame's lower edge; {name} stands for its file's name, "
+            "{date} for the day on which it was taken, {description} for what it says of itself, "
+            "\\n for a new line");
+  }
   declare("--play-mode", "N", options.playMode,
           "What the effect renders for: 0 final quality, 1 preview [0]");
 }
@@ -246,9 +279,9 @@ RenderPlan PlanFor(const std::string& input, const PlanOptions& options, Sandbox
   return Changed(std::move(plan), input, options);
 }
 
-Scene WholeScene(RenderPlan plan, const PlanOptions& options) {
+Scene WholeScene(RenderPlan plan) {
   const FrameRange whole{0, plan.frames};
-  if (options.views.loop) ++plan.frames;
+  if (plan.loop) ++plan.frames;
   return {std::move(plan), whole};
 }
 
@@ -265,10 +298,11 @@ bool ApplyOptions(const PlanOptions& options, RenderPlan& plan) {
   ApplyMedia(options, plan);
   ApplyFilm(options, plan);
   ApplyLists(options, plan);
-  if (!options.background.empty()) {
-    plan.Set(key::kBackgroundColor,
-             BackgroundFor(ReadOption("--background", options.background, ParseColour)));
-    plan.Set(key::kCompositeOver, std::string(entry::kOverColor));
+  ApplyBeside(options, plan);
+  if (!options.caption.empty()) {
+    plan.caption.text = ReadOption("--caption", options.caption, [&](const std::string& text) {
+      return CaptionFor(text, plan.photo);
+    });
   }
   if (!options.playMode.empty()) {
     plan.playMode = ReadOption("--play-mode", options.playMode, ParsePlayMode);

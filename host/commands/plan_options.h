@@ -19,7 +19,7 @@ namespace kelto::host {
 struct PlanOptions {
   std::string size, rate, seconds, frames, fields;
   ViewOptions views;
-  std::string background, playMode, ease;
+  std::string background, playMode, ease, caption, beside;
   std::string over, audio;
   bool fitAudio = false;  ///< whether the film is as long as its sound
   /// A word for each of ChoiceLists(), in its order.
@@ -42,9 +42,9 @@ RenderPlan PlanOf(const std::string& input);
 /// UsageError that names the option, and Error.
 RenderPlan PlanFor(const std::string& input, const PlanOptions& options, SandboxAccess others);
 
-/// All frames of a plan with these options. One more frame of a film that comes back to its
+/// All frames of a plan. One more frame of a film that comes back to its
 /// beginning would be the first one again: it is left out.
-Scene WholeScene(RenderPlan plan, const PlanOptions& options);
+Scene WholeScene(RenderPlan plan);
 
 /// PlanFor in a process that is in a sandbox already, one that allows AddSources.
 RenderPlan ChangedPlan(const std::string& input, const PlanOptions& options);

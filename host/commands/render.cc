@@ -37,11 +37,11 @@ Scene SceneFor(const RenderOptions& options) {
   const SandboxAccess access =
       AccessFor(options.film.module, {options.output, options.project, options.record});
   if (!IsFrameRange(frames)) {
-    return WholeScene(PlanFor(options.photo, options.plan, access), options.plan);
+    return WholeScene(PlanFor(options.photo, options.plan, access));
   }
   PlanOptions others = options.plan;
   others.frames.clear();
-  Scene scene = WholeScene(PlanFor(options.photo, others, access), options.plan);
+  Scene scene = WholeScene(PlanFor(options.photo, others, access));
   scene.part = ReadOption("--frames", frames, [&](const std::string& text) {
     return ParseFrameRange(text, scene.part.Count());
   });
@@ -117,7 +117,7 @@ void Run(const RenderOptions& options, const CLI::App& command) {
   if (!options.project.empty()) {
     RenderPlan saved = job.scene.plan;
     // Without the frame that a loop ends before.
-    if (options.plan.views.loop) --saved.frames;
+    if (saved.loop) --saved.frames;
     WriteProject(options.project, saved);
   }
   const FilmClock clock;

@@ -64,6 +64,7 @@ ShowPictures PicturesOfProject(const std::string& path, ShowProject project,
   ShowPictures pictures;
   pictures.audio = project.audio;
   pictures.fadeKind = project.fadeKind;
+  pictures.title = project.title;
   for (size_t i = 0; i < project.pictures.size(); ++i) {
     ShowPicture& said = project.pictures[i];
     PictureInShow picture{{said.plan.photo}, common, options.each, options.fade, options.fadeGiven};
@@ -114,6 +115,16 @@ bool Succeeds(const PictureInShow& picture, const std::function<void()>& work) {
     if (IsStrict()) throw Error(named);
     PrintMessage(named + "; it is left out");
     return false;
+  }
+}
+
+/// Fades that nobody asked for take a quarter of a picture's share of the show at the most: many
+/// pictures to a short piece of music would be seen in nothing but fades.
+void ShortenFades(double seconds, std::vector<PictureInShow>& pictures) {
+  const double longest = seconds / static_cast<double>(pictures.size()) / 4;
+  for (PictureInShow& picture : pictures) {
+    if (picture.fadeGiven || ParseSeconds(picture.fade) <= longest) continue;
+    picture.fade = FixedText(std::max(longest, 0.01), 2);
   }
 }
 
@@ -177,7 +188,7 @@ ShowPlans PlansFor(ShowPictures& show,
     asked.fitAudio = false;  // of the show, not of each picture
     asked.views.turn = static_cast<int32_t>(plans.plans.size());
     RenderPlan plan = AtPlaceOf(picture.listed, [&] { return PlanOfPicture(picture, asked); });
-    Photo photo = CheckPhoto(plan.photo);
+    Photo photo = CheckWholePhoto(plan.photo);
     looked(plan, photo);
     plans.plans.push_back(std::move(plan));
     plans.photos.push_back(std::move(photo));
@@ -185,10 +196,19 @@ ShowPlans PlansFor(ShowPictures& show,
   return plans;
 }
 
-void FitToSound(const std::string& audio, ShowPictures& show, ShowPlans& plans) {
+int32_t TitleFadeFor(int32_t titleFrames, const ShowPictures& show, const ShowPlans& plans) {
+  const RenderPlan& first = plans.plans.front();
+  return std::min(ParseFade(show.pictures.front().fade, first.format.rate),
+                  std::min(titleFrames, first.frames) / 2);
+}
+
+void FitToSound(const std::string& audio, int32_t titleFrames, ShowPictures& show,
+                ShowPlans& plans) {
   if (audio.empty()) throw UsageError("--fit-audio: there is no sound; name it with --audio");
   std::vector<PictureInShow>& pictures = show.pictures;
   const FrameRate rate = plans.plans.front().format.rate;
+  const int32_t total = FramesOf(LookAtSound(audio), rate);
+  ShortenFades(total / rate.PerSecond(), pictures);
   std::vector<std::optional<int32_t>> given;
   std::vector<int32_t> fades;
   for (size_t i = 0; i < pictures.size(); ++i) {
@@ -196,16 +216,21 @@ void FitToSound(const std::string& audio, ShowPictures& show, ShowPlans& plans) 
     given.push_back(own ? std::optional(plans.plans[i].frames) : std::nullopt);
     fades.push_back(ParseFade(pictures[i].fade, rate));
   }
-  const int32_t total = FramesOf(LookAtSound(audio), rate);
+  if (titleFrames > 0) {
+    given.insert(given.begin(), titleFrames);
+    fades.insert(fades.begin(), fades.front());
+  }
   std::vector<int32_t> times;
   try {
     times = FittedTimes(total, given, fades);
   } catch (const UsageError& error) {
     throw UsageError(std::string("--fit-audio: ") + error.what());
   }
+  if (titleFrames > 0) times.erase(times.begin());
   for (size_t i = 0; i < pictures.size(); ++i) {
     plans.plans[i].frames = times[i];
-    if (!given[i]) pictures[i].each = FixedText(times[i] / rate.PerSecond(), 2);
+    if (pictures[i].options.each.empty())
+      pictures[i].each = FixedText(times[i] / rate.PerSecond(), 2);
   }
 }
 

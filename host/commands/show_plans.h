@@ -36,7 +36,7 @@ struct PictureInShow {
 
 struct ShowPictures {
   std::vector<PictureInShow> pictures;
-  std::string audio{}, fadeKind{};  ///< of the show's project; empty where nothing is said
+  std::string audio{}, fadeKind{}, title{};  ///< of the show's project; empty where nothing is said
 };
 
 /// The pictures that the inputs name: a project of a show alone, or else as PicturesOf has it.
@@ -65,9 +65,13 @@ struct ShowPlans {
 ShowPlans PlansFor(ShowPictures& show,
                    const std::function<void(const RenderPlan&, const Photo&)>& looked);
 
-/// Sets how long each picture is seen so that the film is as long as its sound. Throws UsageError
-/// where that cannot be.
-void FitToSound(const std::string& audio, ShowPictures& show, ShowPlans& plans);
+/// Sets how long each picture is seen so that the film, with a card of `titleFrames` at its
+/// beginning or 0 for none, is as long as its sound. Throws UsageError where that cannot be.
+void FitToSound(const std::string& audio, int32_t titleFrames, ShowPictures& show,
+                ShowPlans& plans);
+
+/// Frames of the fade from such a card into the first picture, which is as that picture's own.
+int32_t TitleFadeFor(int32_t titleFrames, const ShowPictures& show, const ShowPlans& plans);
 
 /// Sets the fades. Throws UsageError for one that is too long.
 void SetFades(const ShowPictures& show, ShowPlans& plans);

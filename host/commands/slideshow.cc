@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "host/base/error.h"
+#include "host/commands/captions.h"
 #include "host/commands/film_options.h"
 #include "host/commands/film_report.h"
 #include "host/commands/option_text.h"
@@ -19,7 +20,9 @@
 #include "host/jobs/film_job.h"
 #include "host/jobs/picture_memory.h"
 #include "host/jobs/slideshow.h"
+#include "host/lettering/lettering.h"
 #include "host/options/number.h"
+#include "host/options/rate.h"
 #include "host/project/show_project.h"
 #include "host/terminal/events.h"
 #include "host/terminal/progress.h"
@@ -31,13 +34,16 @@ namespace {
 /// The options as they were typed; empty where nothing was.
 struct SlideshowOptions {
   ShowOptions show;
-  std::string output, project, fadeKind;
+  std::string output, project, fadeKind, title;
   bool force = false;
   FilmOptions film;
 };
 
 /// A dip, which goes twice as far as a cross-fade, is no quicker.
 constexpr const char* kUsualDip = "2";
+
+/// A title is read by then.
+constexpr double kTitleSeconds = 4.0;
 
 /// Reads --fade-kind; what goes without saying of --fade depends on it.
 FadeKind ApplyFadeKind(SlideshowOptions& options) {
@@ -77,10 +83,16 @@ Slideshow ShowFor(const SlideshowOptions& options, ShowPictures& pictures, ShowP
   });
   const std::string& audio =
       options.show.plan.audio.empty() ? pictures.audio : options.show.plan.audio;
-  if (options.show.plan.fitAudio) FitToSound(audio, pictures, plans);
+  if (!options.title.empty()) {
+    show.title.text = ReadOption("--title", options.title, TitleText);
+    show.title.frames = FramesOf(kTitleSeconds, plans.plans.front().format.rate);
+  }
+  if (options.show.plan.fitAudio) FitToSound(audio, show.title.frames, pictures, plans);
   SetFades(pictures, plans);
+  show.title.fade = TitleFadeFor(show.title.frames, pictures, plans);
   show.plans = plans.plans;
   show.fades = plans.fades;
+  PlaceCaptions(show);
   show.request.output = options.output;
   show.request.format = show.plans.front().format;
   show.request.frames = SlideshowFrames(show);
@@ -134,6 +146,7 @@ void Run(const SlideshowOptions& given, const CLI::App& command) {
   FadeKind fadeKind = ApplyFadeKind(options);
   ShowPictures pictures = PicturesFor(options.show, WordsGiven(command));
   ShowPlans plans;
+  if (options.title.empty()) options.title = pictures.title;
   if (options.fadeKind.empty() && pictures.fadeKind == "dip") fadeKind = FadeKind::kDip;
   Slideshow show = ShowFor(options, pictures, plans);
   show.fadeKind = fadeKind;
@@ -141,6 +154,7 @@ void Run(const SlideshowOptions& given, const CLI::App& command) {
   TellOfLostSound(pictures, show);
   if (!options.project.empty()) {
     ShowProject project = ProjectOf(plans, show.request.audio);
+    project.title = show.title.text;
     if (fadeKind == FadeKind::kDip) project.fadeKind = "dip";
     WriteShow(options.project, project);
   }
@@ -186,6 +200,14 @@ CLI::App* AddSlideshow(CLI::App& app) {
                    "through the colour of --fade-colour; none, a cut [cross]")
       ->group("Film")
       ->type_name("WORD");
+  if (CanDrawLetters()) {
+    command
+        ->add_option("--title", options->title,
+                     "Text on a card at the beginning, seen for four seconds, on the colour of "
+                     "--fade-colour; \\n begins a line")
+        ->group("Film")
+        ->type_name("TEXT");
+  }
   DeclarePlan(*command, options->show.plan);
   CLI::Option* move = command->get_option("--move");
   move->description(move->get_description() +

@@ -9,12 +9,14 @@
 #include "host/commands/option_text.h"
 #include "host/effect/photo.h"
 #include "host/moves/auto_move.h"
+#include "host/moves/face_move.h"
 #include "host/moves/presets.h"
 #include "host/options/motion_law.h"
 #include "host/options/number.h"
 #include "host/options/rate.h"
 #include "host/plan/default_plan.h"
 #include "host/processes/reader_process.h"
+#include "host/sources/metadata.h"
 #include "host/sources/photos.h"
 #include "host/terminal/terminal.h"
 #include "host/track/photo_views.h"
@@ -62,6 +64,8 @@ class ViewReader {
     return view;
   }
 
+  const RenderPlan& Plan() const { return plan_; }
+
   const Photo& OpenedPhoto() {
     if (!photo_) photo_ = LookAtPhoto(plan_.photo);
     return *photo_;
@@ -95,41 +99,83 @@ std::string MoveWord(const ViewOptions& options) {
   return CanFindInterest() ? kAuto : "in";
 }
 
-/// AutoMove in a process of its own, since it decodes all of the photo.
-std::vector<PhotoRect> PartsOfAutoMove(const PhotoViews& views, const Photo& photo, Fit fit,
-                                       double amount) {
-  const std::vector<double> found = NumbersApart(photo.given, 8, [&] {
-    std::vector<double> numbers;
-    for (const PhotoRect& part :
-         AutoMove(views, {{photo.width, photo.height}, DecodePhoto(photo)}, fit, amount)) {
+/// What a move is to be found by.
+enum class FoundBy { kFacesOrInterest, kFaces };
+
+/// FaceMove to the faces that the photo's metadata have, else AutoMove, in a process of its own,
+/// since it reads all of the photo; nothing where only faces will do and there are none.
+std::optional<std::vector<PhotoRect>> FindMove(const PhotoViews& views, const Photo& photo, Fit fit,
+                                               double amount, FoundBy by) {
+  const std::vector<double> found = NumbersApart(photo.given, 9, [&] {
+    std::vector<PhotoRect> faces;
+    for (const FaceRegion& face : ReadNotes(photo.given).faces) {
+      faces.push_back({face.left * photo.width, face.top * photo.height, face.width * photo.width,
+                       face.height * photo.height});
+    }
+    const bool interest = faces.empty() && by == FoundBy::kFacesOrInterest;
+    std::vector<PhotoRect> parts(2);
+    if (!faces.empty()) parts = FaceMove(views, faces, fit, amount);
+    if (interest) {
+      parts = AutoMove(views, {{photo.width, photo.height}, DecodePhoto(photo)}, fit, amount);
+    }
+    std::vector<double> numbers{!faces.empty() || interest ? 1.0 : 0.0};
+    for (const PhotoRect& part : parts) {
       numbers.insert(numbers.end(), {part.x, part.y, part.width, part.height});
     }
     return numbers;
   });
-  return {{found[0], found[1], found[2], found[3]}, {found[4], found[5], found[6], found[7]}};
+  if (found[0] == 0.0) return std::nullopt;
+  return std::vector<PhotoRect>{{found[1], found[2], found[3], found[4]},
+                                {found[5], found[6], found[7], found[8]}};
+}
+
+/// The move of a show's picture: what MixedMoveAt says, but that faces are never panned over; they
+/// are gone in to and drawn back from in turns.
+std::vector<PhotoRect> PartsOfMixedMove(const ViewOptions& options, ViewReader& reader, Fit fit,
+                                        std::optional<double> amount);
+
+Fit FitFor(const ViewOptions& options, ViewReader& reader) {
+  const bool beside = reader.Plan().beside == Beside::kBlur;
+  if (!options.fit.empty()) {
+    const Fit fit = ReadOption("--fit", options.fit, ParseFit);
+    return beside && fit == Fit::kWhole ? Fit::kBeside : fit;
+  }
+  return beside ? FitBeside(reader.Views()) : Fit::kFill;
 }
 
 /// The parts of the photo that the move called `name` goes between.
 std::vector<PhotoRect> PartsOfMove(const ViewOptions& options, const std::string& name,
                                    ViewReader& reader, std::optional<double> amount) {
-  const Fit fit = options.fit.empty() ? Fit::kFill : ReadOption("--fit", options.fit, ParseFit);
   if (name == kMixed) {
     if (!options.turn) {
       throw UsageError("is for the pictures of a slideshow; choose one of " + MoveNames() +
                        ", auto");
     }
-    MixedMove mixed = MixedMoveAt(reader.Views(), *options.turn);
-    if (mixed.name == kAuto && !CanFindInterest()) mixed.name = "in";
-    std::vector<PhotoRect> parts = PartsOfMove(options, mixed.name, reader, amount);
-    if (mixed.backwards) std::reverse(parts.begin(), parts.end());
-    return parts;
+    return PartsOfMixedMove(options, reader, FitFor(options, reader), amount);
   }
   // Names are looked at before the photo is opened.
   if (name != kAuto) CheckMoveName(name);
   const PhotoViews& views = reader.Views();
+  const Fit fit = FitFor(options, reader);
   if (name != kAuto) return MoveViews(views, name, fit, amount);
   const Photo& photo = reader.OpenedPhoto();
-  return PartsOfAutoMove(views, photo, fit, amount.value_or(kUsualAutoAmount));
+  return *FindMove(views, photo, fit, amount.value_or(kUsualAutoAmount), FoundBy::kFacesOrInterest);
+}
+
+std::vector<PhotoRect> PartsOfMixedMove(const ViewOptions& options, ViewReader& reader, Fit fit,
+                                        std::optional<double> amount) {
+  const int32_t turn = *options.turn;
+  auto parts = FindMove(reader.Views(), reader.OpenedPhoto(), fit,
+                        amount.value_or(kUsualAutoAmount), FoundBy::kFaces);
+  if (parts) {
+    if (turn % 2 == 1) std::reverse(parts->begin(), parts->end());
+    return *parts;
+  }
+  MixedMove mixed = MixedMoveAt(reader.Views(), turn);
+  if (mixed.name == kAuto && !CanFindInterest()) mixed.name = "in";
+  parts = PartsOfMove(options, mixed.name, reader, amount);
+  if (mixed.backwards) std::reverse(parts->begin(), parts->end());
+  return *parts;
 }
 
 std::vector<View> ViewsOfMove(const ViewOptions& options, ViewReader& reader) {
@@ -159,7 +205,7 @@ std::vector<View> EndsGiven(const ViewOptions& options, ViewReader& reader) {
 void SetTour(const ViewOptions& options, ViewReader& reader, RenderPlan& plan) {
   std::vector<TourView> given = TourOf(
       options.tour, [&](const std::string& text) { return reader.ReadGiven("--view", text); });
-  if (options.loop) CloseTour(given);
+  if (options.loop || plan.loop) CloseTour(given);
   plan.SetTour(std::move(given));
   if (HasTimes(plan.views) && !options.lengthGiven) {
     plan.frames = FramesOf(SecondsOf(plan.views), plan.format.rate);
@@ -229,10 +275,11 @@ bool ApplyViews(const ViewOptions& options, RenderPlan& plan) {
     SetMove(plan, ViewsOfMove(options, reader));
   }
   const bool views = tour || ends || move;
-  if (options.loop && plan.views.empty()) {
+  plan.loop = plan.loop || options.loop;
+  if (plan.loop && plan.views.empty()) {
     throw UsageError("--loop: the project has keys of its own; give it a list of views, or --view");
   }
-  if (options.loop) CloseTour(plan.views);
+  if (plan.loop) CloseTour(plan.views);
   if (views) {
     if (plan.motion == MotionLaw::kLinear) plan.motion = MotionLaw::kSteady;
   }

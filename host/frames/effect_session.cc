@@ -8,6 +8,7 @@
 #include "host/effect/effect_settings.h"
 #include "host/effect/render_state.h"
 #include "host/files/path_text.h"
+#include "host/terminal/terminal.h"
 #include "host/track/keyed_plan.h"
 
 namespace kelto::host {
@@ -28,19 +29,31 @@ bool Replaces(const Setting& later, const Setting& earlier) {
 bool SameLoading(const RenderPlan& a, const RenderPlan& b) {
   const Setting *levels = a.FindSetting(key::kLevels), *others = b.FindSetting(key::kLevels);
   const bool same = levels == nullptr || others == nullptr ? levels == others : *levels == *others;
-  return same && a.photo == b.photo && a.over == b.over && a.playMode == b.playMode &&
-         a.format.fields == b.format.fields;
+  return same && a.photo == b.photo && a.over == b.over && a.beside == b.beside &&
+         a.playMode == b.playMode && a.format.fields == b.format.fields;
+}
+
+/// The plan as the effect gets it: with keys, and drawn over its input where something is there.
+RenderPlan PreparedPlan(const RenderPlan& given, PixelSize photo) {
+  RenderPlan plan = KeyedPlan(given, photo);
+  if (plan.beside == Beside::kBlur) plan.Set(key::kCompositeOver, std::string(entry::kOverVideo));
+  return plan;
 }
 
 }  // namespace
 
 EffectSession::EffectSession(const std::string& modulePath, const RenderPlan& plan,
                              const Photo& photo, PixelLayout layout)
-    : plan_(KeyedPlan(plan, {photo.width, photo.height})),
+    : plan_(PreparedPlan(plan, {photo.width, photo.height})),
       layout_(layout),
       photo_(photo),
       track_(ViewTrack::For(plan_, {photo.width, photo.height})) {
+  // Before the effect loads the photo, so that the two do not add up in memory.
+  if (plan_.beside == Beside::kBlur) {
+    beside_.emplace(DecodePhoto(photo_), photo_.width, photo_.height);
+  }
   MakeImages();
+  MakeCaption();
   std::string error;
   module_ = hfx::Module::Load(ForCalls(PathOf(modulePath)), &error);
   if (!module_) throw Error(error);
@@ -67,7 +80,19 @@ void EffectSession::MakeImages() {
   const FrameSize size = plan_.format.size;
   input_.emplace(size.width, size.height, ColorspaceOf(layout_));
   output_.emplace(size.width, size.height, ColorspaceOf(layout_));
-  backdrop_.emplace(plan_, layout_);
+  backdrop_.emplace(plan_, layout_, beside_ ? &*beside_ : nullptr);
+}
+
+void EffectSession::MakeCaption() {
+  caption_.reset();
+  const std::string& text = plan_.caption.text;
+  if (text.empty()) return;
+  caption_.emplace(text, LetterPlace::kCaption, plan_.format, layout_);
+  if (caption_->MissingLetters() > 0) {
+    PrintMessage(photo_.given + ": no font on this machine has " +
+                 std::to_string(caption_->MissingLetters()) +
+                 " of its caption's letters; install one that has them, such as fonts-noto");
+  }
 }
 
 EffectSession::~EffectSession() { effect_->EndRender(nullptr); }
@@ -103,6 +128,17 @@ void EffectSession::RenderFrame(hfxImage& whole, int32_t number, double quality)
       RenderField(state, *input_->image(), whole);
     }
   }
+  if (caption_) DrawCaption(whole.GetRowPtr(0), whole.GetRowDelta(), number);
+}
+
+void EffectSession::DrawCaption(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number) const {
+  constexpr double kField = 0.5;
+  const Caption& caption = plan_.caption;
+  const int32_t until = caption.until > 0 ? caption.until : plan_.frames;
+  const auto at = [&](double frame) {
+    return CaptionOpacity(frame, caption.from, until, plan_.format.rate);
+  };
+  caption_->Over(pixels, rowBytes, at(number), at(number + kField));
 }
 
 void EffectSession::Change(const Setting& setting) {
@@ -112,7 +148,7 @@ void EffectSession::Change(const Setting& setting) {
 }
 
 bool EffectSession::Adopt(const RenderPlan& given) {
-  const RenderPlan plan = KeyedPlan(given, {photo_.width, photo_.height});
+  const RenderPlan plan = PreparedPlan(given, {photo_.width, photo_.height});
   if (!SameLoading(plan_, plan)) return false;
   auto track = ViewTrack::For(plan, {photo_.width, photo_.height});
   if ((track == nullptr) != (track_ == nullptr)) return false;
@@ -124,6 +160,7 @@ bool EffectSession::Adopt(const RenderPlan& given) {
   track_ = std::move(track);
   const bool sameVideo = plan.over.empty() || (plan.frames == before.frames);
   if (plan.format != before.format || !sameVideo) MakeImages();
+  if (plan.format != before.format || plan.caption.text != before.caption.text) MakeCaption();
   std::vector<Setting> changed;
   for (const Setting& setting : plan.settings) {
     const Setting* earlier = before.FindSetting(setting.parameter);

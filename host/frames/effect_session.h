@@ -11,6 +11,7 @@
 #include "host/effect/photo.h"
 #include "host/frames/backdrop.h"
 #include "host/frames/played_film.h"
+#include "host/lettering/lettering.h"
 #include "host/plan/render_plan.h"
 #include "host/track/view_track.h"
 #include "runtime/hfx/host.h"
@@ -50,6 +51,8 @@ class EffectSession : public PlayedFilm {
 
  private:
   void MakeImages();
+  void MakeCaption();
+  void DrawCaption(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number) const;
   void RenderFrame(hfxImage& whole, int32_t number, double quality);
   void RenderField(const hfx::RenderState& state, hfxImage& input, hfxImage& output);
 
@@ -59,7 +62,9 @@ class EffectSession : public PlayedFilm {
   std::unique_ptr<const ViewTrack> track_;  ///< null where the effect's keys make the move
   // The effect demands an input even where nothing of it is seen.
   std::optional<hfx::ImageBuffer> input_, output_;  ///< of the plan's frames
+  std::optional<BlurredPhoto> beside_;
   std::optional<Backdrop> backdrop_;
+  std::optional<Lettering> caption_;
   std::unique_ptr<hfx::Module> module_;
   std::unique_ptr<hfx::Effect> effect_;  // goes before its module
 };

@@ -2,12 +2,16 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "host/base/error.h"
 #include "host/jobs/cross_fade.h"
 #include "host/jobs/frame_source.h"
+#include "host/jobs/solid_frame.h"
+#include "host/lettering/lettering.h"
 #include "host/options/rate.h"
 
 namespace kelto::host {
@@ -24,10 +28,43 @@ std::unique_ptr<FrameSource> OpenTurns(const Slideshow& show, size_t first) {
   return RenderInWorkers(std::move(list), std::max(1, show.workers / 2));
 }
 
+/// The frames of the card at the beginning: the letters come softly, and go with the card.
+class TitleFrames {
+ public:
+  explicit TitleFrames(const Slideshow& show)
+      : show_(show),
+        card_(show.ends.colour, show.request.format.size, show.kind->layout),
+        letters_(show.title.text, LetterPlace::kTitle, show.request.format, show.kind->layout) {}
+
+  FrameView Next() {
+    const FrameView card = card_.View();
+    const size_t rowBytes =
+        static_cast<size_t>(card.size.width) * BytesPerPixel(show_.kind->layout);
+    bytes_.resize(rowBytes * card.size.height);
+    for (int32_t row = 0; row < card.size.height; ++row) {
+      std::memcpy(&bytes_[row * rowBytes], card.Row(row), rowBytes);
+    }
+    const auto at = [&](double frame) {
+      // As if it stayed: what takes the letters away is the fade into the first picture.
+      return CaptionOpacity(frame, 0, 4 * show_.title.frames, show_.request.format.rate);
+    };
+    letters_.Over(bytes_.data(), static_cast<ptrdiff_t>(rowBytes), at(number_), at(number_ + 0.5));
+    ++number_;
+    return {bytes_.data(), static_cast<ptrdiff_t>(rowBytes), card.size};
+  }
+
+ private:
+  const Slideshow& show_;
+  SolidFrame card_;
+  Lettering letters_;
+  std::vector<uint8_t> bytes_;
+  int32_t number_ = 0;
+};
+
 }  // namespace
 
 int32_t SlideshowFrames(const Slideshow& show) {
-  int64_t frames = 0;
+  int64_t frames = int64_t{show.title.frames} - show.title.fade;
   for (const RenderPlan& plan : show.plans) frames += plan.frames;
   for (const int32_t fade : show.fades) frames -= fade;
   if (frames > kMaxFrames) {
@@ -35,6 +72,14 @@ int32_t SlideshowFrames(const Slideshow& show) {
                      std::to_string(kMaxFrames) + " are the most");
   }
   return static_cast<int32_t>(frames);
+}
+
+void PlaceCaptions(Slideshow& show) {
+  for (size_t i = 0; i < show.plans.size(); ++i) {
+    Caption& caption = show.plans[i].caption;
+    caption.from = i > 0 ? show.fades[i - 1] : show.title.fade;
+    caption.until = show.plans[i].frames - (i < show.fades.size() ? show.fades[i] : 0);
+  }
 }
 
 void MakeSlideshow(const Slideshow& show, const std::function<void(int32_t done)>& shown) {
@@ -47,15 +92,25 @@ void MakeSlideshow(const Slideshow& show, const std::function<void(int32_t done)
     film->Write(ends.Of(frame, done));
     shown(++done);
   };
+  const auto fadeInto = [&](const auto& next, FrameSource& to, int32_t steps) {
+    for (int32_t step = 0; step < steps; ++step) {
+      const FrameView from = next();
+      write(fade.Blend(from, to.Next(), step, steps));
+    }
+  };
+  if (show.title.frames > 0) {
+    TitleFrames title(show);
+    const auto next = [&] { return title.Next(); };
+    for (int32_t i = show.title.fade; i < show.title.frames; ++i) write(next());
+    fadeInto(next, *turns[0], show.title.fade);
+  }
   for (size_t i = 0; i < show.plans.size(); ++i) {
-    const int32_t before = i > 0 ? show.fades[i - 1] : 0;
+    const int32_t before = i > 0 ? show.fades[i - 1] : show.title.fade;
     const int32_t after = i + 1 < show.plans.size() ? show.fades[i] : 0;
     const int32_t alone = show.plans[i].frames - before - after;
-    for (int32_t frame = 0; frame < alone; ++frame) write(turns[i % 2]->Next());
-    for (int32_t step = 0; step < after; ++step) {
-      const FrameView from = turns[i % 2]->Next();
-      write(fade.Blend(from, turns[(i + 1) % 2]->Next(), step, after));
-    }
+    FrameSource& picture = *turns[i % 2];
+    for (int32_t frame = 0; frame < alone; ++frame) write(picture.Next());
+    if (after > 0) fadeInto([&] { return picture.Next(); }, *turns[(i + 1) % 2], after);
   }
   film->Finish();
 }

@@ -13,6 +13,13 @@
 
 namespace kelto::host {
 
+/// A text on the colour of the film's ends, before the pictures.
+struct TitleCard {
+  std::string text{};
+  int32_t frames = 0;  ///< for which it is seen, the fade included; 0 for no card
+  int32_t fade = 0;    ///< frames of the fade into the first picture, half of `frames` at the most
+};
+
 struct Slideshow {
   std::string module;  ///< path of the effect's module
   /// Of one film format; each as long as its picture is seen, fades included.
@@ -24,11 +31,15 @@ struct Slideshow {
   const FilmKind* kind = nullptr;
   FilmRequest request;  ///< of SlideshowFrames frames
   EndFadeLengths ends{};
+  TitleCard title{};
   int32_t workers = 2;  ///< processes that render, two at the least
 };
 
 /// Length of the film: neighbours overlap while they fade. Throws UsageError for one too long.
 int32_t SlideshowFrames(const Slideshow& show);
+
+/// Has each picture's caption seen while no other picture is: two would cover each other.
+void PlaceCaptions(Slideshow& show);
 
 /// Makes the film; `shown` is called with the number of frames done. Two pictures are in memory at
 /// a time, however many there are. Throws Error.

@@ -93,12 +93,13 @@ Libraries AutoMoveLibraries() { return {{"OpenCV", cv::getVersionString()}}; }
 std::vector<PhotoRect> AutoMove(const PhotoViews& views, const PhotoPixels& pixels, Fit fit,
                                 double amount) {
   const PhotoRect fill = views.Fill();
-  const PhotoRect window = views.About(0, 0, fill.width / amount);
+  const PhotoRect wide = fit == Fit::kBeside ? views.Whole() : fill;
+  const PhotoRect window = views.About(0, 0, wide.width / amount);
   const cv::Point2d centre = BestCentre(pixels, window);
   const PhotoRect last = views.Inside(views.About(centre.x, centre.y, window.width));
   const PhotoRect first =
-      fit == Fit::kWhole ? views.Whole()
-                         : views.Inside(views.About(last.CentreX(), last.CentreY(), fill.width));
+      fit != Fit::kFill ? views.Whole()
+                        : views.Inside(views.About(last.CentreX(), last.CentreY(), fill.width));
   return {first, last};
 }
 

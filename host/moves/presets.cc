@@ -66,6 +66,12 @@ Fit ParseFit(std::string_view text) {
   throw UsageError("choose one of fill, whole");
 }
 
+Fit FitBeside(const PhotoViews& views) {
+  // 4:3 in 16:9 loses a quarter, which is cropped without regret.
+  constexpr double kMuch = 1.4;
+  return views.Whole().width > kMuch * views.Fill().width ? Fit::kBeside : Fit::kFill;
+}
+
 std::vector<std::string> MoveWords() {
   std::vector<std::string> words;
   for (const Move& move : kMoves) words.emplace_back(move.name);
@@ -83,7 +89,8 @@ std::vector<PhotoRect> MoveViews(const PhotoViews& views, std::string_view name,
   const PhotoRect wide = fit == Fit::kFill ? fill : views.Whole();
   // Where a view of the whole photo has bars beside it, the close one fills the frame.
   const PhotoRect close = views.About(wide.CentreX(), wide.CentreY(),
-                                      std::min(fill.width, wide.width / amount.value_or(kZoomBy)));
+                                      std::min(fit == Fit::kBeside ? wide.width : fill.width,
+                                               wide.width / amount.value_or(kZoomBy)));
   switch (move.kind) {
     case Kind::kIn:
       return {wide, close};

@@ -11,8 +11,16 @@
 
 namespace kelto::host {
 
-/// What the widest view of a move shows: nothing but photo, or all of the photo.
-enum class Fit { kFill, kWhole };
+/// What a move shows.
+enum class Fit {
+  kFill,    ///< nothing but photo
+  kWhole,   ///< all of the photo at its widest, nothing but photo at its closest
+  kBeside,  ///< all of the photo at its widest, and what lies beside it throughout
+};
+
+/// The fit of moves over a blurred photo: what is much narrower or longer than the frame is shown
+/// with what lies beside it, the rest fills the frame.
+Fit FitBeside(const PhotoViews& views);
 
 /// Reads "fill" or "whole". Throws UsageError.
 Fit ParseFit(std::string_view text);

@@ -29,6 +29,20 @@ struct ViewKey {
 /// "position", "invelocity", "outvelocity".
 bool MovesTheView(const std::string& parameter);
 
+/// What is seen where the frame shows more than the photo and there is no video.
+enum class Beside {
+  kColour,  ///< the background colour
+  kBlur,    ///< the photo itself, enlarged, blurred and darkened
+};
+
+/// Text over a film's frames.
+struct Caption {
+  std::string text{};  ///< UTF-8; empty for none
+  /// The frames that have it: the first, and the one behind the last; 0 for the film's end.
+  int32_t from = 0, until = 0;
+  bool operator==(const Caption&) const = default;
+};
+
 struct RenderPlan {
   std::string photo;
   std::string over{};   ///< the video behind the photo; empty for none
@@ -41,6 +55,11 @@ struct RenderPlan {
   std::vector<TourView> views;
   MotionLaw motion = MotionLaw::kLinear;  ///< how the view goes from key to key
   int32_t playMode = 0;                   ///< a hfxPlayMode
+  /// Whether the film is to be played over and over: its list of views ends with the first one,
+  /// which the frame after the film's last one would show.
+  bool loop = false;
+  Caption caption{};
+  Beside beside = Beside::kColour;
 
   /// The setting of `parameter`, added when there is none yet.
   Setting& SettingOf(const std::string& parameter);

@@ -12,6 +12,10 @@ namespace kelto::host {
 /// `path`. Throws Error, "FIELD: what is wrong".
 RenderPlan PlanOfFilm(const nlohmann::json& document, const std::string& path);
 
+/// The text of a field that is drawn into frames; empty where the document lacks it. Throws Error
+/// for one that is too long.
+std::string ReadLetters(const nlohmann::json& document, const char* field);
+
 /// Throws what PlanOfFilm would for its field "film".
 void CheckFilm(const nlohmann::json& film);
 

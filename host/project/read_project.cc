@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "catalogue/parameters.h"
+#include "host/base/caption_length.h"
 #include "host/base/error.h"
 #include "host/files/input_file.h"
 #include "host/files/path_text.h"
@@ -181,13 +182,26 @@ std::string ReadText(const std::string& path) {
   return text;
 }
 
+}  // namespace
+
+std::string ReadLetters(const json& document, const char* field) {
+  std::string text = document.value(field, "");
+  if (text.size() > kLongestCaption) {
+    throw Error(std::string(field) + ": is longer than " + std::to_string(kLongestCaption) +
+                " bytes");
+  }
+  return text;
+}
+
+namespace {
+
 void RefuseShow(const json& document) {
   if (!document.contains("pictures")) return;
   throw Error("pictures: this is a slideshow, whose film kelto slideshow makes");
 }
 
 void RefuseShowsFields(const json& document) {
-  for (const char* field : {"each", "fade", "fadeKind", "move", "fit", "amount"}) {
+  for (const char* field : {"each", "fade", "fadeKind", "title", "move", "fit", "amount"}) {
     if (document.contains(field)) {
       throw Error(std::string(field) + ": is for slideshows, which have \"pictures\"");
     }
@@ -206,8 +220,18 @@ RenderPlan PlanOfFilm(const json& document, const std::string& path) {
   plan.over = ReadPath(document, "over", path);
   plan.audio = ReadPath(document, "audio", path);
   plan.playMode = document.value("playMode", plan.playMode);
+  if (document.value("beside", "colour") == "blur") plan.beside = Beside::kBlur;
+  if (plan.beside == Beside::kBlur && !plan.over.empty()) {
+    throw Error("beside: a video lies beside the picture; leave one of beside and over out");
+  }
+  plan.caption.text = ReadLetters(document, "caption");
   const json parameters = document.value("parameters", json::object());
   ReadViews(document, parameters, plan);
+  plan.loop = document.value("loop", false);
+  if (plan.loop && plan.views.empty()) {
+    throw Error("loop: the film has keys of its own; give it a list of views");
+  }
+  if (plan.loop) CloseTour(plan.views);
   const MotionLaw usual = plan.views.empty() ? MotionLaw::kLinear : MotionLaw::kSteady;
   plan.motion = ParseMotionLaw(document.value("motion", WordOf(usual)));
   ReadFilm(document.value("film", json::object()), plan);

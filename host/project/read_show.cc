@@ -19,7 +19,7 @@ using nlohmann::ordered_json;
 
 /// Fields that belong to a single film.
 void RefuseFilmsFields(const json& document) {
-  for (const char* field : {"views", "over"}) {
+  for (const char* field : {"views", "over", "loop"}) {
     if (document.contains(field)) {
       throw Error(std::string(field) +
                   ": a show has none of its own; say it of a picture or of "
@@ -62,7 +62,7 @@ Json FilmAt(const Json& show, size_t index) {
   for (const char* field : {"each", "fade", "move", "fit", "amount"}) film.erase(field);
   if (show.contains("film")) film["film"] = show["film"];
   if (const Json* each = SaidOf(show, picture, "each")) film["film"]["seconds"] = *each;
-  for (const char* field : {"motion", "playMode"}) {
+  for (const char* field : {"motion", "playMode", "beside", "caption"}) {
     if (const Json* said = SaidOf(show, picture, field)) film[field] = *said;
   }
   if (show.contains("parameters")) {
@@ -137,6 +137,7 @@ ShowProject ShowOf(const json& document, const std::string& path) {
   CheckShared(document.value("parameters", json::object()));
   ShowProject show;
   show.audio = AudioOf(document, path);
+  show.title = ReadLetters(document, "title");
   show.fadeKind = document.value("fadeKind", "");
   const size_t count = document["pictures"].size();
   show.pictures.reserve(count);

@@ -27,6 +27,7 @@ struct ShowPicture {
 struct ShowProject {
   std::vector<ShowPicture> pictures;  ///< all of one film format
   std::string audio{};                ///< the show's sound; empty for none
+  std::string title{};                ///< of the card at its beginning; empty for none
   std::string fadeKind{};             ///< as --fade-kind has it; empty where nothing is said
 };
 

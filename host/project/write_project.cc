@@ -99,6 +99,9 @@ ordered_json FilmJson(const std::string& path, const RenderPlan& plan) {
   document["image"] = ForProject(path, plan.photo);
   if (!plan.over.empty()) document["over"] = ForProject(path, plan.over);
   if (!plan.audio.empty()) document["audio"] = ForProject(path, plan.audio);
+  if (plan.loop) document["loop"] = true;
+  if (plan.beside == Beside::kBlur) document["beside"] = "blur";
+  if (!plan.caption.text.empty()) document["caption"] = plan.caption.text;
   document["film"] = FilmOf(plan);
   document["motion"] = WordOf(plan.motion);
   if (!plan.views.empty()) document["views"] = JsonOf(plan.views);

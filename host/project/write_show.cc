@@ -22,6 +22,9 @@ ordered_json PictureJson(const std::string& path, const ShowPicture& picture) {
   if (picture.each) written["each"] = *picture.each;
   if (picture.fade) written["fade"] = *picture.fade;
   written["playMode"] = film["playMode"];
+  for (const char* field : {"beside", "caption"}) {
+    if (film.contains(field)) written[field] = film[field];
+  }
   if (picture.hasViews) {
     written["motion"] = film["motion"];
     if (film.contains("views")) written["views"] = film["views"];
@@ -78,6 +81,7 @@ ordered_json ShowJson(const std::string& path, const ShowProject& show) {
   ordered_json film = FilmJson(path, first);
   document["$schema"] = film["$schema"];
   if (!show.audio.empty()) document["audio"] = ForProject(path, show.audio);
+  if (!show.title.empty()) document["title"] = show.title;
   if (!show.fadeKind.empty()) document["fadeKind"] = show.fadeKind;
   document["film"] = film["film"];
   document["film"].erase("frames");
@@ -89,7 +93,9 @@ ordered_json ShowJson(const std::string& path, const ShowProject& show) {
     pictures.push_back(PictureJson(path, picture));
   }
   document["pictures"] = std::move(pictures);
-  for (const char* field : {"each", "fade", "motion", "playMode"}) SayOnce(document, field);
+  for (const char* field : {"each", "fade", "motion", "playMode", "beside", "caption"}) {
+    SayOnce(document, field);
+  }
   SayParametersOnce(document);
   // The list stands last, where it does not come between the few shared fields.
   ordered_json ordered;

@@ -27,6 +27,7 @@ std::vector<std::string> SystemFiles() {
                                  "/lib64",
                                  "/etc/ld.so.cache",
                                  "/etc/fonts",
+                                 "/var/cache/fontconfig",
                                  "/etc/localtime",
                                  "/dev/zero",
                                  "/dev/urandom",

@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "host/base/error.h"
 #include "host/effect/effect_name.h"
 #include "host/processes/reader_process.h"
 #include "host/terminal/terminal.h"
@@ -11,11 +12,18 @@
 namespace kelto::host {
 namespace {
 
-Photo Looked(const std::string& path, bool warns) {
+enum class LookingFor { kSize, kFlaws, kFaults };
+
+Photo Looked(const std::string& path, LookingFor what) {
   std::optional<Photo> opened;  // where the work is done in this process
   const std::vector<double> found = NumbersApart(path, 3, [&] {
     opened = OpenPhoto(path);
-    if (warns) {
+    if (what == LookingFor::kFaults) {
+      if (const auto fault = FindFault(*opened)) {
+        throw Error(path + ": cannot be read as a picture: " + *fault);
+      }
+    }
+    if (what != LookingFor::kSize) {
       if (const auto flaw = FindFlaw(*opened)) Warn(*flaw);
     }
     return std::vector<double>{static_cast<double>(opened->width),
@@ -36,8 +44,10 @@ Photo Looked(const std::string& path, bool warns) {
 
 }  // namespace
 
-Photo LookAtPhoto(const std::string& path) { return Looked(path, false); }
+Photo LookAtPhoto(const std::string& path) { return Looked(path, LookingFor::kSize); }
 
-Photo CheckPhoto(const std::string& path) { return Looked(path, true); }
+Photo CheckPhoto(const std::string& path) { return Looked(path, LookingFor::kFlaws); }
+
+Photo CheckWholePhoto(const std::string& path) { return Looked(path, LookingFor::kFaults); }
 
 }  // namespace kelto::host

@@ -14,4 +14,8 @@ Photo LookAtPhoto(const std::string& path);
 /// The same; and warns of what the photo will be shown without (see FindFlaw and Warn).
 Photo CheckPhoto(const std::string& path);
 
+/// The same; and decodes all of it, so that one whose file ends early is found out before the work
+/// on a film of many begins.
+Photo CheckWholePhoto(const std::string& path);
+
 }  // namespace kelto::host

@@ -109,5 +109,17 @@ TEST_F(FilmEnds, SayWhatIsCutOfTheSound) {
               HasSubstr("--audio-loop and --audio-fade are for films with sound"));
 }
 
+TEST_F(FilmEnds, OfALoopMeetInItsProjectToo) {
+  WritePng(photo_, MakePicture(192, 128, [](int x, int y) {
+             return Rgb{uint8_t(x), uint8_t(y), 0};
+           }));
+  const std::string film = Film(
+      "f.bgra", {"--frames", "10", "--to", "2", "--loop", "--save-project", folder_ / "p.json"});
+  ASSERT_EQ(RunKelto({"render", folder_ / "p.json", "-o", folder_ / "g.bgra"}).err, "");
+  EXPECT_EQ(BytesOf(folder_ / "g.bgra"), film);
+  const std::string first = film.substr(0, kFrameBytes);
+  EXPECT_NE(film.substr(9 * kFrameBytes), first) << "the first view is not seen twice";
+}
+
 }  // namespace
 }  // namespace kelto::test

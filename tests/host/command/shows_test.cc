@@ -78,6 +78,18 @@ TEST_F(Shows, OfNamesInAnOrderOfTheirOwnKeepIt) {
             "kelto: --order size: choose one of natural, given\n");
 }
 
+TEST_F(Shows, LeaveOutAPictureWhoseFileEndsEarlyAlsoWhereNothingLooksAtIt) {
+  const std::string whole = BytesOf(photos_ / "IMG_2.png");
+  std::ofstream(photos_ / "IMG_2.png", std::ios::binary | std::ios::trunc)
+      << whole.substr(0, whole.size() * 2 / 3);
+  const Outcome outcome = Show({photos_ / ""}, {"--fade", "0", "--move", "in"});
+  EXPECT_EQ(outcome.code, 0);
+  EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+  EXPECT_THAT(outcome.err, HasSubstr("IMG_2.png: cannot be read as a picture: "));
+  EXPECT_THAT(outcome.err, HasSubstr("; it is left out"));
+  EXPECT_EQ(Seen(), "rrbb");
+}
+
 TEST_F(Shows, LeaveOutABadPictureAndSaySo) {
   std::ofstream(photos_ / "IMG_3.jpg") << "not a picture";
   const Outcome outcome = Show({photos_ / ""});
@@ -196,6 +208,18 @@ TEST_F(ShowsToMusic, AreAsLongAsItWithoutAWarning) {
   }
 }
 
+TEST_F(ShowsToMusic, AreSeenMostOfTheTimeWithoutAFade) {
+  ASSERT_EQ(ShowTo(2.4, {photos_ / ""}, {}).err, "");
+  const DecodedFilm film = ReadFilm(film_ + ".mkv");
+  ASSERT_EQ(film.frames.size(), 60u);
+  int alone = 0;
+  for (const DecodedFrame& frame : film.frames) {
+    const Rgb seen = ColourAt(frame, film.matrix, 48, 32);
+    for (const Rgb colour : {kRed, kGreen, kBlue}) alone += Distance(seen, colour) < 14 ? 1 : 0;
+  }
+  EXPECT_GE(alone, 44) << "two fades of five frames, where half of each would be ten and more";
+}
+
 TEST_F(ShowsToMusic, LeaveALineItsOwnTime) {
   const std::string list = List("IMG_1.png --each 0.2\nIMG_2.png\n");
   ASSERT_EQ(ShowTo(1.0, {list}, {"--fade", "0"}).err, "");
@@ -233,6 +257,12 @@ TEST_F(Shows, DipIntoAColourBetweenPictures) {
   ASSERT_EQ(outcome.err, "");
   // Ten frames each, five of which are the dip: red, mixtures, the colour alone, mixtures, green.
   EXPECT_EQ(Seen(), "rrrrr..b..ggggg");
+}
+
+TEST_F(Shows, OfAListWithOptionsFadeAsTheCommandLineSays) {
+  const std::string list = List("IMG_1.png --each 0.16\nIMG_2.png\n");
+  ASSERT_EQ(Show({list}, {"--fade-kind", "none"}).err, "");
+  EXPECT_EQ(Seen(), "rrrrgg");
 }
 
 TEST_F(Shows, AreCutWhereTheFadeIsNone) {

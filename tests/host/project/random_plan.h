@@ -31,9 +31,13 @@ class RandomPlan {
     for (const catalogue::Parameter& parameter : catalogue::kParameters) {
       plan.SettingOf(parameter.key) = SettingOf(parameter);
     }
+    if (plan.over.empty() && Whole(1) == 1) plan.beside = host::Beside::kBlur;
+    if (Whole(2) == 0) plan.caption.text = "Gr\u00fc\u00dfe\n\u05e9\u05dc\u05d5\u05dd \"quoted\"";
     plan.motion = Pick<host::MotionLaw>(
         {host::MotionLaw::kLinear, host::MotionLaw::kSteady, host::MotionLaw::kFly});
     if (Whole(1) == 1) plan.SetTour(Tour());
+    plan.loop = !plan.views.empty() && Whole(3) == 0;
+    if (plan.loop) host::CloseTour(plan.views);
     return plan;
   }
 

@@ -30,6 +30,9 @@ void ExpectSame(const RenderPlan& a, const RenderPlan& b) {
   EXPECT_EQ(a.frames, b.frames);
   EXPECT_EQ(a.playMode, b.playMode);
   EXPECT_EQ(a.motion, b.motion);
+  EXPECT_EQ(a.beside, b.beside);
+  EXPECT_EQ(a.loop, b.loop);
+  EXPECT_EQ(a.caption.text, b.caption.text);
   EXPECT_EQ(a.views, b.views);
   for (const catalogue::Parameter& entry : catalogue::kParameters) {
     const std::string parameter = entry.key;
