@@ -33,4 +33,8 @@ law linear --from 1 --to 12@0,0.22 --motion linear
 law steady --from 1 --to 12@0,0.22 --motion steady
 law fly --from 12@0,0.22 --to 6@0.36,-0.1 --motion fly
 convert linear-row.png steady-row.png fly-row.png -append -resize 1400x -quality 85 "$guide/laws.jpg"
+# The moving picture of README.md.
+kelto slideshow photos/sunset.jpg photos/friends.jpg photos/picosdeeuropa.jpg \
+  -o "$guide/show.webp" --order given --size 320x180 --fps 8 --each 2 --fade 0.5 --beside blur \
+  --move mixed --quiet
 ls -l "$guide"
