@@ -10,8 +10,10 @@
 
 #include "adapters/frei0r/console.h"
 #include "adapters/frei0r/covered_pixels.h"
+#include "adapters/frei0r/frame_parts.h"
 #include "adapters/frei0r/photo_effect.h"
 #include "adapters/frei0r/scene.h"
+#include "catalogue/parameters.h"
 
 namespace kelto::frei0r {
 namespace {
@@ -133,6 +135,28 @@ void Adapter::RenderFrame(int64_t frame, const uint32_t* in, uint32_t* out,
   }
   // A frame without the photograph is the video's.
   if (!fault_.empty() && in != nullptr && !scene_->background) touched = {};
+}
+
+bool Adapter::TakeApart(int64_t frame, Parts& parts) noexcept try {
+  const std::lock_guard lock(mutex_);
+  ReadParameters();
+  if (!effect_ || scene_->outlined || scene_->format.Interlaced() ||
+      scene_->levels != entry::kLevelsRGB || scene_->playMode != hfxPlayModeRender) {
+    return false;
+  }
+  FrameRequest request;
+  request.scene = scene_.get();
+  request.sceneId = sceneId_;
+  request.moment = MomentOf(frame);
+  request.quality = values_.numbers[kQuality];
+  request.size = {static_cast<int32_t>(width_), static_cast<int32_t>(height_)};
+  if (!effect_->Look(request, parts.shown).empty()) return false;
+  parts.photo = scene_->photo;
+  parts.background = scene_->background;
+  fault_.clear();
+  return true;
+} catch (const std::exception&) {
+  return false;  // no memory; RenderFrame says so
 }
 
 void Adapter::SetPixelAspect(double ratio) noexcept {

@@ -51,6 +51,12 @@ class KELTO_PLATFORM_API Adapter {
   /// covered.
   void RenderFrame(int64_t frame, const uint32_t* in, uint32_t* out,
                    CoveredPixels* covered) noexcept;
+  /// What a frame of such an instance is made of, for those who draw it with more than 8 bits.
+  struct Parts;
+  /// Gets them. False, with or without a fault, where only RenderFrame can draw it: outlines,
+  /// fields, studio levels and pictures reduced for playing are the effect's own.
+  bool TakeApart(int64_t frame, Parts& parts) noexcept;
+
   /// Width over height of a pixel as shown, for hosts that report it; it overrules a project's.
   void SetPixelAspect(double ratio) noexcept;
   /// Why the last frame shows no photograph; empty when it does.

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "framing/drawn_area.h"
+#include "platform/api.h"
 #include "platform/hfx.h"
 
 namespace kelto::frei0r {
@@ -17,7 +18,8 @@ struct CoveredPixels {
 
 /// The pixels that the photo covers wholly or in part, of a frame of `size`; `nearest`: those whose
 /// centres it covers, which are all that the nearest-neighbour filter draws.
-CoveredPixels CoveredBy(const DrawnFrame& frame, const View& view, PixelSize size, bool nearest);
+KELTO_PLATFORM_API CoveredPixels CoveredBy(const DrawnFrame& frame, const View& view,
+                                           PixelSize size, bool nearest);
 
 /// Copies the pixels outside `covered` from `video` to `output`, opaque. Both are images of a
 /// frame, or of one of its fields: then row n is the frame's row `firstRow` + n * `rowStep`.

@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <exception>
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <new>
@@ -42,6 +43,16 @@ std::shared_ptr<hfx::Module> LoadedModule() {
   if (!module) throw host::Error(error);
   loaded = module;
   return module;
+}
+
+host::RenderPlan PlanOf(const FrameRequest& request) {
+  host::RenderPlan plan;
+  plan.format = request.scene->format;
+  plan.format.size = {request.output->GetWidth(), request.output->GetHeight()};
+  if (request.size.width > 0) plan.format.size = {request.size.width, request.size.height};
+  plan.frames = request.moment.frames;
+  plan.playMode = request.scene->playMode;
+  return plan;
 }
 
 }  // namespace
@@ -100,29 +111,57 @@ void PhotoEffect::Load() {
   if (!reason.empty()) throw host::Error(reason);
 }
 
+std::string PhotoEffect::Prepare(const FrameRequest& request) {
+  // What was wrong may pass: memory comes back, a photograph is saved to its end. Each try that
+  // fails doubles the frames until the next.
+  if (!effect_ && std::has_single_bit(missed_++)) TryToLoad();
+  if (!effect_) return fault_;
+  if (sceneId_ != request.sceneId) SetUp(request);
+  sceneId_ = request.sceneId;
+  return "";
+}
+
 std::string PhotoEffect::Render(const FrameRequest& request) {
   const std::lock_guard lock(ModuleLock());
   try {
-    // What was wrong may pass: memory comes back, a photograph is saved to its end. Each try that
-    // fails doubles the frames until the next.
-    if (!effect_ && std::has_single_bit(missed_++)) TryToLoad();
-    if (!effect_) return fault_;
-    if (sceneId_ != request.sceneId) SetUp(request);
-    sceneId_ = request.sceneId;
+    std::string fault = Prepare(request);
+    if (fault.empty()) Draw(request);
+    return fault;
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+}
+
+std::string PhotoEffect::Look(FrameRequest request, ShownPhoto& shown) {
+  const std::lock_guard lock(ModuleLock());
+  try {
+    // The effect works out its view when it draws: a few pixels are enough.
+    hfx::ImageBuffer input(kProbeSize, kProbeSize, hfxColorspaceRGB);
+    hfx::ImageBuffer output(kProbeSize, kProbeSize, hfxColorspaceRGB);
+    request.input = input.image();
+    request.output = output.image();
+    request.video = nullptr;
+    std::string fault = Prepare(request);
+    if (!fault.empty()) return fault;
     Draw(request);
-    return "";
+    const host::RenderPlan plan = PlanOf(request);
+    const hfx::RenderState state = host::FieldState(plan, request.moment.frame, 0, request.quality);
+    shown.frame = host::FrameToDraw(plan, size_, state, host::DrewSquarePixels(*effect_));
+    shown.view = host::DrawnView(*effect_);
+    const std::string filter = host::DrawnEntry(*effect_, key::kFilter);
+    shown.nearest = request.quality <= host::kFastQuality || filter == entry::kFilterRealTime;
+    shown.filter = static_cast<int>(
+        std::find_if(std::begin(catalogue::kFilter), std::end(catalogue::kFilter),
+                     [&](const catalogue::Entry& choice) { return filter == choice.text; }) -
+        std::begin(catalogue::kFilter));
+    return fault;
   } catch (const std::exception& error) {
     return error.what();
   }
 }
 
 void PhotoEffect::Draw(const FrameRequest& request) {
-  const hfxImage& output = *request.output;
-  host::RenderPlan plan;
-  plan.format = request.scene->format;
-  plan.format.size = {output.GetWidth(), output.GetHeight()};
-  plan.frames = request.moment.frames;
-  plan.playMode = request.scene->playMode;
+  const host::RenderPlan plan = PlanOf(request);
   std::string error;
   if (!effect_->BeginRender(plan.playMode, &error)) {
     throw host::Error("the effect: " + error);
@@ -163,8 +202,7 @@ void PhotoEffect::SetUp(const FrameRequest& request) {
   sceneId_ = 0;  // until all is set
   const Scene& scene = *request.scene;
   host::RenderPlan plan;
-  plan.format = scene.format;
-  plan.format.size = {request.output->GetWidth(), request.output->GetHeight()};
+  plan.format = PlanOf(request).format;
   plan.settings = scene.settings;
   plan.views = scene.views;
   plan.motion = scene.motion;

@@ -27,6 +27,14 @@
 
 namespace kelto::frei0r {
 
+/// How a frame shows the photo, for those who draw it themselves.
+struct ShownPhoto {
+  DrawnFrame frame;
+  View view;
+  bool nearest = false;  ///< by nearest neighbour, whatever the filter
+  int filter = 0;        ///< index in the effect's list
+};
+
 /// One frame's surroundings. Pixels are B, G, R, A without row padding.
 struct FrameRequest {
   const Scene* scene = nullptr;
@@ -35,6 +43,7 @@ struct FrameRequest {
   double quality = 1.0;
   hfxImage* input = nullptr;  ///< overwritten
   hfxImage* output = nullptr;
+  PixelSize size{};  ///< of the frame, where the images stand for a larger one
   /// The host's video, kept to the bit where the photo does not touch it; null: a colour is behind.
   const hfxImage* video = nullptr;
   CoveredPixels* covered = nullptr;  ///< gets what the photo touches, where the video was kept
@@ -53,12 +62,18 @@ class PhotoEffect {
   /// output may hold anything.
   std::string Render(const FrameRequest& request);
 
+  /// Finds out how a frame of the request's size shows the photo; its images are not used. Returns
+  /// as Render does.
+  std::string Look(FrameRequest request, ShownPhoto& shown);
+
  private:
   PhotoEffect(std::string photo, std::string levels);
   ~PhotoEffect() = default;
   /// Leaves an effect, or none and why in `fault_`.
   void TryToLoad();
   void Load();
+  /// Loads what has to be and sets the effect up; returns why there is none.
+  std::string Prepare(const FrameRequest& request);
   void Draw(const FrameRequest& request);
   void KeepVideo(const FrameRequest& request, const host::RenderPlan& plan,
                  const hfx::RenderState& state, hfxImage& output);

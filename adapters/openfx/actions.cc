@@ -4,6 +4,7 @@
 #include <new>
 #include <string_view>
 
+#include "adapters/openfx/deep_photos.h"
 #include "adapters/openfx/describe.h"
 #include "adapters/openfx/frame_store.h"
 #include "adapters/openfx/instance.h"
@@ -58,6 +59,7 @@ ofx::Status Act(std::string_view action, ofx::Effect effect, ofx::Properties inA
   }
   if (action == ofx::action::kUnload || action == ofx::action::kPurgeCaches) {
     EmptyFrameStore();
+    ForgetDeepPhotos();
     return ofx::kOk;
   }
   if (effect == nullptr || TheSuites().effects == nullptr) return ofx::kBadHandle;

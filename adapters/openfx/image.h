@@ -28,6 +28,7 @@ class Image {
   const ofx::RectI& bounds() const { return bounds_; }
   /// What the image is a part of, in its pixels.
   const ofx::RectI& frame() const { return frame_; }
+  Depth depth() const { return depth_; }
   double pixelAspect() const { return pixelAspect_; }
   bool Holds(int x, int y) const {
     return x >= bounds_.x1 && x < bounds_.x2 && y >= bounds_.y1 && y < bounds_.y2;

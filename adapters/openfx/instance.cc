@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "adapters/frei0r/covered_pixels.h"
+#include "adapters/openfx/deep_frame.h"
 #include "adapters/openfx/frame_store.h"
 #include "adapters/openfx/image.h"
 #include "adapters/openfx/suites.h"
@@ -46,6 +47,42 @@ std::vector<uint32_t> VideoOf(const Image& source, const ofx::RectI& frame) {
     }
   }
   return video;
+}
+
+/// What of a window lies outside the frame has nothing in it.
+void Clear(const Image& output, const ofx::RectI& window) {
+  const ofx::RectI& frame = output.frame();
+  for (int y = window.y1; y < window.y2; ++y) {
+    for (int x = window.x1; x < window.x2; ++x) {
+      if (x < frame.x1 || x >= frame.x2 || y < frame.y1 || y >= frame.y2) output.Write(x, y, {});
+    }
+  }
+}
+
+/// A window of a frame as the effect itself draws it, with 8 bits.
+void DrawFrame(FrameMaker& maker, int64_t number, const Image* source, const ofx::RectI& frame,
+               const ofx::RectI& window, const Image& output) {
+  const auto width = static_cast<size_t>(frame.x2 - frame.x1);
+  const auto height = static_cast<size_t>(frame.y2 - frame.y1);
+  const std::vector<uint32_t> behind =
+      source != nullptr ? VideoOf(*source, frame) : std::vector<uint32_t>();
+  std::vector<uint32_t> drawn(width * height);
+  frei0r::CoveredPixels covered;
+  maker.RenderFrame(number, source != nullptr ? behind.data() : nullptr, drawn.data(), &covered);
+  for (int y = window.y1; y < window.y2; ++y) {
+    const int row = frame.y2 - 1 - y;
+    for (int x = window.x1; x < window.x2; ++x) {
+      const int column = x - frame.x1;
+      const bool beside = row < covered.top || row >= covered.bottom || column < covered.left ||
+                          column >= covered.right;
+      if (source != nullptr && beside) {
+        output.CopyFrom(*source, x, y);
+      } else {
+        output.WriteBgra(x, y,
+                         drawn[static_cast<size_t>(row) * width + static_cast<size_t>(column)]);
+      }
+    }
+  }
 }
 
 }  // namespace
@@ -130,34 +167,24 @@ ofx::Status Instance::Render(ofx::Properties inArgs) {
     values.texts[frei0r::kBackground].clear();  // nothing lies behind: black
   }
 
-  const std::vector<uint32_t> behind = video ? VideoOf(source, frame) : std::vector<uint32_t>();
-  std::vector<uint32_t> drawn(static_cast<size_t>(width * height));
-  frei0r::CoveredPixels covered;
-  {
-    const LentMaker maker(video ? frei0r::Role::kFilter : frei0r::Role::kSource,
-                          static_cast<uint32_t>(width), static_cast<uint32_t>(height));
-    SetAll(*maker.operator->(), values);
-    // A scale that differs by axis changes the shape of the image's pixels.
-    const double shape = arguments.Double(ofx::prop::kRenderScale, 1.0, 1) /
-                         arguments.Double(ofx::prop::kRenderScale, 1.0, 0);
-    maker->SetPixelAspect(output.pixelAspect() * shape);
-    maker->RenderFrame(FrameAt(time), video ? behind.data() : nullptr, drawn.data(), &covered);
-    ShowOnce(maker->Fault());
+  const LentMaker maker(video ? frei0r::Role::kFilter : frei0r::Role::kSource,
+                        static_cast<uint32_t>(width), static_cast<uint32_t>(height));
+  SetAll(*maker.operator->(), values);
+  // A scale that differs by axis changes the shape of the image's pixels.
+  const double shape = arguments.Double(ofx::prop::kRenderScale, 1.0, 1) /
+                       arguments.Double(ofx::prop::kRenderScale, 1.0, 0);
+  maker->SetPixelAspect(output.pixelAspect() * shape);
+
+  Clear(output, window);
+  const ofx::RectI part = Common(window, frame);
+  if (part.x1 >= part.x2 || part.y1 >= part.y2) return ofx::kOk;
+  const Image* behind = video ? &source : nullptr;
+  frei0r::Adapter::Parts parts;
+  if (output.depth() == Depth::kByte || !maker->TakeApart(FrameAt(time), parts) ||
+      !DrawDeepFrame(parts, behind, frame, part, output)) {
+    DrawFrame(*maker.operator->(), FrameAt(time), behind, frame, part, output);
   }
-  for (int y = window.y1; y < window.y2; ++y) {
-    const int row = frame.y2 - 1 - y;
-    for (int x = window.x1; x < window.x2; ++x) {
-      const int column = x - frame.x1;
-      if (row < 0 || row >= height || column < 0 || column >= width) {
-        output.Write(x, y, {});
-      } else if (video && (row < covered.top || row >= covered.bottom || column < covered.left ||
-                           column >= covered.right)) {
-        output.CopyFrom(source, x, y);
-      } else {
-        output.WriteBgra(x, y, drawn[static_cast<size_t>(row * width + column)]);
-      }
-    }
-  }
+  ShowOnce(maker->Fault());
   return ofx::kOk;
 }
 

@@ -115,8 +115,8 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"editor", {"host/base", "host/effect", "host/files", "editor/window"}},
     // Hosts too, made of the command's parts.
     {"adapters",
-     {"catalogue", "platform", "framing", "runtime/hfx", "host/base", "host/effect", "host/files",
-      "host/options", "host/plan", "host/project", "host/track"}},
+     {"catalogue", "platform", "framing", "deep", "runtime/hfx", "runtime/stills", "host/base",
+      "host/effect", "host/files", "host/options", "host/plan", "host/project", "host/track"}},
 };
 
 /// The longest folder of the table that holds `path`.

@@ -1,0 +1,74 @@
+#include "adapters/openfx/deep_photos.h"
+
+#include <algorithm>
+#include <mutex>
+#include <vector>
+
+#include "runtime/stills/deep_reader.h"
+
+namespace kelto::openfx {
+namespace {
+
+constexpr size_t kBudget = size_t{512} << 20;
+
+struct Kept {
+  std::string file;
+  std::shared_ptr<const DeepPicture> photo;
+};
+
+struct Photos {
+  std::mutex mutex;        ///< one decodes at a time, so that a photograph is not decoded twice
+  std::vector<Kept> kept;  ///< the one asked for last at the end
+};
+
+Photos& ThePhotos() {
+  static auto& photos = *new Photos;  // outlives render threads that outlive exit()
+  return photos;
+}
+
+std::shared_ptr<const DeepPicture> Decoded(const std::string& file) {
+  try {
+    stills::DeepReader reader(file);
+    const stills::DeepInfo& info = reader.info();
+    const DeepSample sample = info.floats ? DeepSample::Float32 : DeepSample::Unsigned16;
+    auto photo = std::make_shared<DeepPicture>(
+        static_cast<int32_t>(info.width), static_cast<int32_t>(info.height), sample, info.alpha);
+    const DeepTarget rows = photo->view();
+    reader.Read(rows.pixels, rows.rowBytes);
+    return photo;
+  } catch (const stills::StillError&) {
+    return nullptr;
+  }
+}
+
+}  // namespace
+
+std::shared_ptr<const DeepPicture> DeepPhoto(const std::string& file) {
+  Photos& photos = ThePhotos();
+  const std::lock_guard lock(photos.mutex);
+  std::vector<Kept>& kept = photos.kept;
+  const auto found =
+      std::find_if(kept.begin(), kept.end(), [&](const Kept& entry) { return entry.file == file; });
+  if (found != kept.end()) {
+    std::rotate(found, found + 1, kept.end());
+    return kept.back().photo;
+  }
+  std::shared_ptr<const DeepPicture> photo = Decoded(file);
+  if (!photo) return nullptr;
+  kept.push_back({file, photo});
+  size_t bytes = 0;
+  for (const Kept& entry : kept) bytes += entry.photo->bytes();
+  while (kept.size() > 1 && bytes > kBudget) {
+    bytes -= kept.front().photo->bytes();
+    kept.erase(kept.begin());
+  }
+  return photo;
+}
+
+void ForgetDeepPhotos() {
+  Photos& photos = ThePhotos();
+  const std::lock_guard lock(photos.mutex);
+  photos.kept.clear();
+}
+
+}  // namespace kelto::openfx
