@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <QLibraryInfo>
 #include <QLocale>
+#include <QSettings>
 #include <QStyleFactory>
 #include <QTranslator>
 
@@ -46,10 +47,12 @@ int main(int argc, char** argv) {
   parser.addHelpOption();
   parser.addVersionOption();
   parser.addPositionalArgument(
-      "file", QCoreApplication::translate("main", "The photograph or project to open"), "[FILE]");
+      "file",
+      QCoreApplication::translate("main", "Photographs, a folder of them, or a project to open"),
+      "[FILE …]");
   const QCommandLineOption theme(
       "theme", QCoreApplication::translate("main", "Colours: light, dark or system"), "name",
-      "system");
+      QSettings().value(kelto::editor::kThemeSetting, "system").toString());
   parser.addOption(theme);
   parser.process(application);
   kelto::editor::UseTheme(parser.value(theme));
@@ -64,6 +67,6 @@ int main(int argc, char** argv) {
   kelto::editor::MainWindow window({Beside("kelto"), Beside("kelto-preview"), module});
   window.show();
   const QStringList files = parser.positionalArguments();
-  if (!files.isEmpty()) window.Open(files.first());
+  if (!files.isEmpty()) window.Open(files);
   return QApplication::exec();
 }

@@ -1,6 +1,7 @@
 // bench_editor PHOTO: what a drag costs, from the event to the painted canvas and to the frame.
 #include <QApplication>
 #include <QMouseEvent>
+#include <QTemporaryDir>
 #include <QTest>
 #include <algorithm>
 #include <chrono>
@@ -11,7 +12,9 @@
 #include "editor/preview/preview.h"
 #include "editor/widgets/canvas.h"
 #include "editor/widgets/timeline.h"
+#include "editor/window/main_window.h"
 #include "host/plan/default_plan.h"
+#include "host/project/project_file.h"
 
 namespace {
 
@@ -125,6 +128,52 @@ void MeasurePreview(const host::RenderPlan& first, const char* what) {
   Report(what, times);
 }
 
+/// The editor's window, from nothing to the photo, and what a key takes in a film of 500 stops
+/// until all of the window shows what came of it.
+void MeasureWindow(const char* path) {
+  const auto begin = Clock::now();
+  MainWindow window({KELTO_COMMAND, KELTO_PREVIEW, KELTO_MODULE});
+  window.resize(1440, 900);
+  window.show();
+  if (!QTest::qWaitForWindowExposed(&window, kPatience)) return;
+  Report("window up", {Since(begin)});
+  bool read = false;
+  QObject::connect(&window.ThePreview(), &Preview::PhotoRead, &window, [&] { read = true; });
+  const auto opened = Clock::now();
+  window.Open(path);
+  if (!QTest::qWaitFor([&] { return read; }, kPatience)) return;
+  window.TheCanvas().repaint();
+  Report("photo shown in the window, from its name on", {Since(opened)});
+
+  host::RenderPlan plan = window.TheSession().Plan();
+  const PixelSize photo = window.TheSession().Photo();
+  std::vector<host::TourView> stops;
+  for (int stop = 0; stop < 500; ++stop) {
+    const double x = photo.width * (0.1 + 0.5 * stop / 500), y = photo.height * 0.1 * (stop % 5);
+    stops.push_back({host::PhotoRect{x, y, photo.width / 4.0, photo.width * 9 / 64.0}, 1.0, 2.0});
+  }
+  stops.back().go = 0.0;
+  plan.SetTour(stops);
+  const QTemporaryDir folder;
+  const QString project = folder.filePath("stops.json");
+  host::WriteProject(project.toStdString(), plan);
+  window.Open(project);
+  window.Select(250);
+  QTest::qWait(2000);  // the way has been found
+  std::vector<double> events, idle;
+  for (int key = 0; key < 60; ++key) {
+    const auto pressed = Clock::now();
+    QTest::keyClick(&window.TheCanvas(), key % 2 == 0 ? Qt::Key_Right : Qt::Key_Left);
+    events.push_back(Since(pressed));
+    QCoreApplication::processEvents();
+    idle.push_back(Since(pressed));
+    QTest::qWait(30);
+  }
+  Report("500 stops: a key in the canvas", events);
+  Report("500 stops: and all that it changes painted", idle);
+  window.TheSession().Save();
+}
+
 int Measure(const char* path) {
   std::printf("%-52s %8s %8s\n", "", "median", "95 %");
   host::RenderPlan plan = host::DefaultPlan(path);
@@ -155,6 +204,7 @@ int Measure(const char* path) {
     if (!QTest::qWaitFor([&] { return drawn; }, kPatience)) return 1;
     Report("first frame, from its name on", {Since(begin)});
   }
+  MeasureWindow(path);
   MeasureCanvas(photo, 3, "canvas, 3 views: a step of a drag, painted");
   MeasureCanvas(photo, 500, "canvas, 500 views: a step of a drag, painted");
   MeasureTimeline();

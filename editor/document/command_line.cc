@@ -1,11 +1,12 @@
 #include "editor/document/command_line.h"
 
+#include "editor/document/show_changes.h"
 #include "host/base/shell_word.h"
 
 namespace kelto::editor {
 
-std::vector<std::string> RenderWords(const std::string& project, const std::string& film) {
-  return {"kelto", "render", project, "-o", film};
+std::vector<std::string> RenderWords(const Document& document, const std::string& film) {
+  return {"kelto", IsShow(document) ? "slideshow" : "render", document.path, "-o", film};
 }
 
 std::string ShellLine(const std::vector<std::string>& words) {

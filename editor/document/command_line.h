@@ -8,8 +8,8 @@
 
 namespace kelto::editor {
 
-/// The words of `kelto render PROJECT -o FILM`.
-std::vector<std::string> RenderWords(const std::string& project, const std::string& film);
+/// The words of `kelto render PROJECT -o FILM`, or of `kelto slideshow` where it is a show.
+std::vector<std::string> RenderWords(const Document& document, const std::string& film);
 
 /// A line for a shell, whose quoting keeps every word as it is.
 std::string ShellLine(const std::vector<std::string>& words);

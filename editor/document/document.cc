@@ -1,7 +1,11 @@
 #include "editor/document/document.h"
 
+#include <array>
 #include <nlohmann/json.hpp>
+#include <optional>
+#include <utility>
 
+#include "editor/document/picture_film.h"
 #include "editor/document/tour_changes.h"
 #include "host/files/output_file.h"
 #include "host/files/path_text.h"
@@ -9,6 +13,7 @@
 #include "host/project/json_patch.h"
 #include "host/project/paths.h"
 #include "host/project/project_file.h"
+#include "host/project/show_project.h"
 
 namespace kelto::editor {
 
@@ -41,24 +46,47 @@ void WriteDocument(const Document& document) {
 }
 
 host::RenderPlan PlanOf(const Document& document) {
-  return host::ParseProject(document.text, document.path);
+  // Asked for the same again and again: by the change that makes a document, by those who show it
+  // and by the next change. With 500 stops, reading takes some milliseconds.
+  struct Known {
+    Document document;
+    host::RenderPlan plan;
+  };
+  static thread_local std::array<std::optional<Known>, 2> known;
+  for (const std::optional<Known>& one : known) {
+    if (one && one->document == document) return one->plan;
+  }
+  host::RenderPlan plan = host::ParsePicture(document.text, document.path, document.picture);
+  known[1] = std::move(known[0]);
+  known[0] = Known{document, plan};
+  return plan;
 }
 
 Document Changed(const Document& document, const std::function<void(ordered_json&)>& change) {
   ordered_json json = ordered_json::parse(document.text);
-  change(json);
-  Document changed{document.path, host::PatchedJson(document.text, json)};
+  if (json.contains("pictures")) {
+    ChangePicture(json, document.picture, change);
+  } else {
+    change(json);
+  }
+  Document changed{document.path, host::PatchedJson(document.text, json), document.picture};
   PlanOf(changed);
   return changed;
 }
 
 Document MovedTo(const Document& document, const std::string& path) {
-  const host::RenderPlan plan = PlanOf(document);
-  Document moved = Changed({path, document.text}, [&](ordered_json& json) {
-    json["image"] = host::ForProject(path, plan.photo);
-    if (!plan.over.empty()) json["over"] = host::ForProject(path, plan.over);
-    if (!plan.audio.empty()) json["audio"] = host::ForProject(path, plan.audio);
-  });
+  ordered_json json = ordered_json::parse(document.text);
+  const auto move = [&](ordered_json& named, const char* field) {
+    if (!named.contains(field)) return;
+    const std::string file = host::FromProject(document.path, named[field].get<std::string>());
+    named[field] = host::ForProject(path, file);
+  };
+  for (const char* field : {"image", "over", "audio"}) move(json, field);
+  if (json.contains("pictures")) {
+    for (ordered_json& picture : json["pictures"]) move(picture, "image");
+  }
+  Document moved{path, host::PatchedJson(document.text, json), document.picture};
+  PlanOf(moved);
   return moved;
 }
 

@@ -17,6 +17,7 @@ namespace kelto::editor {
 struct Document {
   std::string path;  ///< of the project; where it would lie while it has not been saved yet
   std::string text;
+  size_t picture = 0;  ///< of a show, the one being edited
   bool operator==(const Document&) const = default;
 };
 
@@ -32,11 +33,13 @@ Document ReadDocument(const std::string& path);
 /// Writes the document to its path, at once or not at all. Throws Error.
 void WriteDocument(const Document& document);
 
-/// What the document means. Throws Error as ReadDocument does.
+/// What the document means; of a show, what the picture being edited shows. Throws Error as
+/// ReadDocument does.
 host::RenderPlan PlanOf(const Document& document);
 
-/// The document after `change` of its JSON. Throws Error where the result would be no project, so
-/// that no change can make a document that could not be read again.
+/// The document after `change` of its JSON; of a show, of the JSON that the picture being edited
+/// would have as a film of its own (see show_changes.h for the others). Throws Error where the
+/// result would be no project, so that no change can make a document that could not be read again.
 Document Changed(const Document& document,
                  const std::function<void(nlohmann::ordered_json&)>& change);
 

@@ -22,6 +22,10 @@ class History {
   /// that follow each other become one step; 0 is no gesture. `name` is what the user reads in the
   /// menu, such as "Move view". A change that changes nothing is no step.
   void Do(Document next, const std::string& name, int64_t gesture = 0);
+  /// Another picture of a show is edited from now on; that is no step.
+  void Look(size_t picture) { steps_[at_].document.picture = picture; }
+  /// The document began as another text than its file has.
+  void BeganFrom(const std::string& savedText) { savedText_ = savedText; }
   /// The next change is another step, whatever its gesture.
   void EndGesture() { gesture_ = 0; }
 

@@ -18,6 +18,7 @@
 #include "editor/messages/requests.h"
 #include "host/base/error.h"
 #include "host/effect/module_file.h"
+#include "host/film/sound_peaks.h"
 #include "host/project/project_file.h"
 #include "host/sandbox/sandbox.h"
 
@@ -53,6 +54,8 @@ class Server {
           return SendPhoto();
         case MessageKind::kSize:
           return SendSize(request.body);
+        case MessageKind::kSound:
+          return SendSound(request.body);
         default:
           throw host::Error("the editor asked for what is no request");
       }
@@ -90,6 +93,7 @@ class Server {
 
   void ReadPlan(const std::string& text) {
     host::RenderPlan plan = host::ParseProject(text, "/film.json");
+    if (!soundFile_.empty()) throw host::Error("the preview cannot open another file");
     if (!film_) {
       host::SandboxAccess access{host::ModuleFolders(module_), {}};
       access.reads.insert(access.reads.end(), {plan.photo, plan.over});
@@ -127,6 +131,14 @@ class Server {
     Send(MessageKind::kSize, BodyOf(PixelSize{photo.width, photo.height}));
   }
 
+  void SendSound(const std::string& file) {
+    if (film_ || !soundFile_.empty()) throw host::Error("the preview cannot open another file");
+    soundFile_ = file;
+    host::EnterSandbox({{file}, {}});
+    constexpr double kLongest = 6 * 3600.0;
+    Send(MessageKind::kSound, BodyOf(host::SoundPeaks(file, kPeaksPerSecond, kLongest)));
+  }
+
   /// Ahead of the pixels.
   void SendHead(MessageKind kind, const PictureHead& head) {
     const size_t pixels = static_cast<size_t>(head.size.width) * head.size.height;
@@ -145,7 +157,7 @@ class Server {
 
   std::string module_;
   int out_;
-  std::string photo_, over_, fault_;
+  std::string photo_, over_, soundFile_, fault_;
   std::optional<FilmDrawing> film_;
 };
 

@@ -41,4 +41,14 @@ FilmWay WayOf(std::string_view body) {
   return way;
 }
 
+std::string BodyOf(const std::vector<float>& peaks) {
+  return {reinterpret_cast<const char*>(peaks.data()), peaks.size() * sizeof(float)};
+}
+
+std::vector<float> PeaksOf(std::string_view body) {
+  std::vector<float> peaks(body.size() / sizeof(float));
+  if (!peaks.empty()) std::memcpy(peaks.data(), body.data(), peaks.size() * sizeof(float));
+  return peaks;
+}
+
 }  // namespace kelto::editor

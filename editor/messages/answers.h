@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "editor/rules/film_way.h"
 #include "framing/pixel_size.h"
@@ -32,5 +33,11 @@ PixelSize SizeOf(std::string_view body);
 
 std::string BodyOf(const FilmWay& way);
 FilmWay WayOf(std::string_view body);
+
+/// Peaks of a sound in a second of it.
+inline constexpr double kPeaksPerSecond = 50.0;
+
+std::string BodyOf(const std::vector<float>& peaks);
+std::vector<float> PeaksOf(std::string_view body);
 
 }  // namespace kelto::editor

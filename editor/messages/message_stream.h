@@ -16,6 +16,7 @@ enum class MessageKind : uint32_t {
   kPhoto,     ///< editor: the photo is wanted; process: its pixels
   kFrame,     ///< process: a frame
   kSize,      ///< editor: the size of the photo of a path is wanted; process: the size
+  kSound,     ///< editor: the sound of the file named, asked of a run of its own; process: peaks
   kFailed,    ///< process: the sentence that says why a request cannot be met
 };
 

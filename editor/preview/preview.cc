@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
 
@@ -14,7 +15,8 @@
 #include "host/base/error.h"
 #include "host/playback/playback.h"
 #include "host/playback/quality_control.h"
-#include "host/project/project_file.h"
+#include "host/project/layout.h"
+#include "host/project/plan_json.h"
 
 namespace kelto::editor {
 namespace {
@@ -67,19 +69,22 @@ class Preview::Private {
   bool Playing() const { return playing_; }
 
  private:
-  enum class Asked { kNothing, kPhoto, kFrame, kWay };
+  enum class Asked { kNothing, kPhoto, kFrame };
 
   /// What has been asked for is what has changed since: one turn of the event loop for all of it.
   void PumpSoon() { soon_.start(0); }
   /// Asks for what is wanted most, unless an answer is still due.
   void Pump();
-  void Start();
+  DrawingProcess* Start();
+  /// Ends the processes.
   void Drop();
-  bool SendPlan();
+  void Drop(DrawingProcess*& process);
+  bool SendPlan(DrawingProcess& process, bool& unsent);
   bool AskFrame();
-  bool AskWay();
+  void PumpWay();
   void Ask(Asked what, MessageKind kind, const std::string& body);
   void Take(const StreamMessage& answer);
+  void TakeWay(const StreamMessage& answer);
   void TakeFrame(const StreamMessage& answer);
   void Fail(const QString& reason);
   void StartClock(int32_t frame, bool playing);
@@ -87,9 +92,11 @@ class Preview::Private {
 
   Preview* owner_;
   QString program_, module_;
-  DrawingProcess* process_ = nullptr;  ///< the owner's, once it is needed
+  // The owner's, once they are needed. One finds out the way, which needs no pixels, so that no
+  // frame waits for it.
+  DrawingProcess *process_ = nullptr, *wayProcess_ = nullptr;
   host::RenderPlan plan_;
-  bool hasPlan_ = false, planUnsent_ = false;
+  bool hasPlan_ = false, planUnsent_ = false, wayPlanUnsent_ = false;
   uint64_t version_ = 0;  ///< of the plan, counted
   uint64_t failed_ = 0;   ///< the version that could not be drawn
   bool photoWanted_ = false;
@@ -100,7 +107,9 @@ class Preview::Private {
 
   Asked asked_ = Asked::kNothing;
   DrawRequest request_;        ///< the frame asked for
-  uint64_t askedVersion_ = 0;  ///< what it is a frame, or the way, of
+  uint64_t askedVersion_ = 0;  ///< what it is a frame of
+  bool wayAsked_ = false;
+  uint64_t askedWayVersion_ = 0;
   int32_t askedSamples_ = 0;
   double askedAt_ = 0.0;
 
@@ -117,7 +126,7 @@ void Preview::Private::SetPlan(const host::RenderPlan& plan) {
       !hasPlan_ || plan.frames != plan_.frames || plan.format.rate != plan_.format.rate;
   const int32_t frame = Frame();
   plan_ = plan;
-  hasPlan_ = planUnsent_ = true;
+  hasPlan_ = planUnsent_ = wayPlanUnsent_ = true;
   ++version_;
   if (otherClock) StartClock(frame, playing_);
   if (otherFiles) {
@@ -173,49 +182,59 @@ void Preview::Private::NoticePlaying(bool playing) {
 }
 
 void Preview::Private::Pump() {
-  if (asked_ != Asked::kNothing || !hasPlan_ || failed_ == version_) return;
-  if (process_ == nullptr) Start();
-  if (planUnsent_ && !SendPlan()) return;
+  if (!hasPlan_ || failed_ == version_) return;
+  PumpWay();
+  if (asked_ != Asked::kNothing) return;
+  if (process_ == nullptr) {
+    process_ = Start();
+    planUnsent_ = true;
+    shownVersion_ = 0;
+  }
+  if (planUnsent_ && !SendPlan(*process_, planUnsent_)) return;
   if (photoWanted_) return Ask(Asked::kPhoto, MessageKind::kPhoto, {});
-  // While a view is dragged, way and frames take turns.
-  if (shownVersion_ > wayVersion_ && AskWay()) return;
-  if (AskFrame() || AskWay()) return;
-  if (!playing_) return;
+  if (AskFrame() || !playing_) return;
   due_.start(std::chrono::milliseconds(
       std::max<int64_t>(0, std::llround((clock_.NextDue(Now()) - Now()) * 1000))));
 }
 
-void Preview::Private::Start() {
-  process_ = new DrawingProcess(program_, module_, owner_);
-  planUnsent_ = true;
-  shownVersion_ = wayVersion_ = 0;
-  QObject::connect(process_, &DrawingProcess::Answered, owner_,
-                   [this](const StreamMessage& answer) { Take(answer); });
-  QObject::connect(process_, &DrawingProcess::Ended, owner_,
-                   [this, ended = process_](const QString& reason) {
-                     if (process_ != ended) return;
-                     Drop();
-                     Fail(reason);
+DrawingProcess* Preview::Private::Start() {
+  auto* process = new DrawingProcess(program_, module_, owner_);
+  QObject::connect(process, &DrawingProcess::Answered, owner_,
+                   [this, process](const StreamMessage& answer) {
+                     process == wayProcess_ ? TakeWay(answer) : Take(answer);
                    });
+  QObject::connect(process, &DrawingProcess::Ended, owner_, [this, process](const QString& reason) {
+    if (process_ != process && wayProcess_ != process) return;
+    Drop();
+    Fail(reason);
+  });
+  return process;
 }
 
 void Preview::Private::Drop() {
-  if (process_ == nullptr) return;
-  // Later: it may be the process that is speaking.
-  process_->disconnect(owner_);
-  process_->deleteLater();
-  process_ = nullptr;
+  Drop(process_);
+  Drop(wayProcess_);
   asked_ = Asked::kNothing;
+  wayAsked_ = false;
 }
 
-bool Preview::Private::SendPlan() {
+void Preview::Private::Drop(DrawingProcess*& process) {
+  if (process == nullptr) return;
+  // Later: it may be the process that is speaking.
+  process->disconnect(owner_);
+  process->deleteLater();
+  process = nullptr;
+}
+
+bool Preview::Private::SendPlan(DrawingProcess& process, bool& unsent) {
   try {
-    process_->Send(MessageKind::kPlan, host::ProjectText("/film.json", plan_));
+    // Whether it can be read is found out by the process, which says so.
+    process.Send(MessageKind::kPlan, host::LaidOut(host::FilmJson("/film.json", plan_)));
   } catch (const host::Error& error) {
     Fail(QString::fromUtf8(error.what()));
     return false;
   }
-  planUnsent_ = false;
+  unsent = false;
   return true;
 }
 
@@ -236,12 +255,19 @@ bool Preview::Private::AskFrame() {
   return true;
 }
 
-bool Preview::Private::AskWay() {
+void Preview::Private::PumpWay() {
   const int32_t samples = rest_.isActive() ? kQuickWay : kFullWay;
-  if (wayVersion_ == version_ && waySamples_ >= std::min(samples, plan_.frames)) return false;
+  const bool known = wayVersion_ == version_ && waySamples_ >= std::min(samples, plan_.frames);
+  if (wayAsked_ || (known && wayProcess_ != nullptr)) return;
+  if (wayProcess_ == nullptr) {
+    wayProcess_ = Start();
+    wayPlanUnsent_ = true;
+  }
+  if (wayPlanUnsent_ && !SendPlan(*wayProcess_, wayPlanUnsent_)) return;
+  wayAsked_ = true;
+  askedWayVersion_ = version_;
   askedSamples_ = samples;
-  Ask(Asked::kWay, MessageKind::kWay, BytesOf(samples));
-  return true;
+  wayProcess_->Send(MessageKind::kWay, BytesOf(samples));
 }
 
 void Preview::Private::Ask(Asked what, MessageKind kind, const std::string& body) {
@@ -267,15 +293,27 @@ void Preview::Private::Take(const StreamMessage& answer) {
       case MessageKind::kFrame:
         TakeFrame(answer);
         break;
-      case MessageKind::kWay:
-        wayVersion_ = askedVersion_;
-        waySamples_ = askedSamples_;
-        emit owner_->WayFound(WayOf(answer.body));
-        break;
       default:
         // What is wrong with a plan that has been replaced is no news.
         if (askedVersion_ == version_) Fail(QString::fromStdString(answer.body));
         break;
+    }
+  } catch (const host::Error& error) {
+    Fail(QString::fromUtf8(error.what()));
+  }
+  PumpSoon();
+}
+
+void Preview::Private::TakeWay(const StreamMessage& answer) {
+  wayAsked_ = false;
+  try {
+    if (answer.kind == MessageKind::kWay) {
+      wayVersion_ = askedWayVersion_;
+      waySamples_ = askedSamples_;
+      emit owner_->WayFound(WayOf(answer.body));
+    } else if (askedWayVersion_ == version_) {
+      // What is wrong with a plan that has been replaced is no news.
+      Fail(QString::fromStdString(answer.body));
     }
   } catch (const host::Error& error) {
     Fail(QString::fromUtf8(error.what()));
@@ -299,7 +337,9 @@ void Preview::Private::TakeFrame(const StreamMessage& answer) {
 
 void Preview::Private::Fail(const QString& reason) {
   asked_ = Asked::kNothing;
-  failed_ = version_;
+  wayAsked_ = false;
+  // Frame and way fail for the same reason.
+  if (std::exchange(failed_, version_) == version_) return;
   clock_.Pause(Now());
   NoticePlaying(false);
   emit owner_->Failed(reason);

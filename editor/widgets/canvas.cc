@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 
+#include "editor/widgets/canvas_accessible.h"
 #include "editor/widgets/canvas_private.h"
 
 namespace kelto::editor {
@@ -21,6 +22,7 @@ Canvas::Canvas(QWidget* parent) : QWidget(parent), p_(std::make_unique<Private>(
   setMouseTracking(true);
   setAttribute(Qt::WA_OpaquePaintEvent);
   setAccessibleName(tr("Photo with views"));
+  DescribeCanvasViews();
 }
 
 Canvas::~Canvas() = default;
@@ -45,6 +47,24 @@ void Canvas::SetNotice(const QString& notice) {
   p_->notice_ = notice;
   p_->background_ = {};
   update();
+}
+
+int Canvas::ViewCount() const { return static_cast<int>(p_->scene_.views.size()); }
+int Canvas::SelectedView() const { return p_->scene_.selected; }
+
+QString Canvas::ViewText(int view) const {
+  return tr("View %1 of %2, %3 pixels wide")
+      .arg(view + 1)
+      .arg(ViewCount())
+      .arg(std::lround(p_->scene_.views.at(static_cast<size_t>(view)).width));
+}
+
+QRect Canvas::ViewPlace(int view) const {
+  if (view < 0 || view >= ViewCount()) return {};
+  const host::PhotoRect& part = p_->scene_.views[static_cast<size_t>(view)];
+  const CanvasPoint corner = p_->transform_.ToCanvas({part.x, part.y});
+  const double scale = p_->transform_.scale;
+  return QRectF(corner.x, corner.y, part.width * scale, part.height * scale).toAlignedRect();
 }
 
 QSize Canvas::sizeHint() const { return {800, 520}; }

@@ -47,6 +47,14 @@ class Canvas : public QWidget {
   /// A text in the middle instead of the photo, such as why it could not be read; empty for none.
   void SetNotice(const QString& notice);
 
+  // What screen readers ask for.
+  int ViewCount() const;
+  int SelectedView() const;
+  /// What is said of a view.
+  QString ViewText(int view) const;
+  /// Where a view lies on the canvas.
+  QRect ViewPlace(int view) const;
+
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
 

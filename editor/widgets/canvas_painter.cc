@@ -207,6 +207,14 @@ QRectF OnCanvas(const host::PhotoRect& part, const CanvasTransform& transform) {
   return {at.x, at.y, part.width * transform.scale, part.height * transform.scale};
 }
 
+void DrawOtherViews(QPainter& painter, const CanvasOverlay& overlay) {
+  painter.setRenderHint(QPainter::Antialiasing);
+  LabelRoom room;
+  for (int view = static_cast<int>(overlay.scene.views.size()) - 1; view >= 0; --view) {
+    if (view != overlay.scene.selected) DrawView(painter, overlay, view, &room);
+  }
+}
+
 void DrawOverlay(QPainter& painter, const CanvasOverlay& overlay) {
   painter.setRenderHint(QPainter::Antialiasing);
   const CanvasScene& scene = overlay.scene;
@@ -216,14 +224,6 @@ void DrawOverlay(QPainter& painter, const CanvasOverlay& overlay) {
     DrawLine(painter, path, Qt::white, 1.0, Qt::DashLine);
   }
   const bool selects = scene.selected >= 0 && scene.selected < static_cast<int>(scene.views.size());
-  LabelRoom room;
-  if (selects) {
-    room.Take(NumberOf(painter, overlay, scene.selected).box);
-    if (const auto factor = FactorOf(painter, overlay, scene.selected)) room.Take(factor->box);
-  }
-  for (int view = static_cast<int>(scene.views.size()) - 1; view >= 0; --view) {
-    if (view != scene.selected) DrawView(painter, overlay, view, &room);
-  }
   DrawWay(painter, overlay);
   if (selects) DrawView(painter, overlay, scene.selected, nullptr);
   painter.setPen(QPen(kSnapLine, 1.0));

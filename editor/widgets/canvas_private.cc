@@ -66,11 +66,7 @@ void Canvas::Private::SetScene(const CanvasScene& scene) {
 
 void Canvas::Private::Describe() {
   if (!HasSelection()) return owner_->setAccessibleDescription({});
-  const PhotoRect& view = scene_.views[scene_.selected];
-  owner_->setAccessibleDescription(Canvas::tr("View %1 of %2, %3 pixels wide")
-                                       .arg(scene_.selected + 1)
-                                       .arg(scene_.views.size())
-                                       .arg(std::lround(view.width)));
+  owner_->setAccessibleDescription(owner_->ViewText(scene_.selected));
   QAccessibleEvent changed(owner_, QAccessible::DescriptionChanged);
   QAccessible::updateAccessibility(&changed);
 }
@@ -103,13 +99,15 @@ void Canvas::Private::Paint(QPainter& painter) {
     const PhotoRect whole{0.0, 0.0, scene_.limits.photoWidth, scene_.limits.photoHeight};
     if (notice_.isEmpty()) photo_.Draw(below, OnCanvas(whole, transform_), canvas);
   }
-  painter.drawPixmap(0, 0, background_);
   if (!notice_.isEmpty()) {
+    painter.drawPixmap(0, 0, background_);
     painter.setPen(Qt::white);
     painter.drawText(canvas.adjusted(kMargin, kMargin, -kMargin, -kMargin),
                      Qt::AlignCenter | Qt::TextWordWrap, notice_);
     return;
   }
+  UpdateOthers(canvas);
+  painter.drawPixmap(0, 0, others_.picture);
   const bool dragging = doing_ == Doing::kDrag && dragged_;
   DrawOverlay(painter,
               {scene_, transform_, canvas, seconds_, dragging ? now_.snappedX : std::nullopt,
@@ -119,6 +117,18 @@ void Canvas::Private::Paint(QPainter& painter) {
   painter.setPen(owner_->palette().color(QPalette::Highlight));
   painter.setBrush(Qt::NoBrush);
   painter.drawRect(canvas.adjusted(0, 0, -1, -1));
+}
+
+void Canvas::Private::UpdateOthers(const QRectF& canvas) {
+  std::vector<PhotoRect> views = scene_.views;
+  if (HasSelection()) views[static_cast<size_t>(scene_.selected)] = {};
+  if (others_.background == background_.cacheKey() && others_.selected == scene_.selected &&
+      others_.limits == scene_.limits && others_.views == views) {
+    return;
+  }
+  others_ = {background_, background_.cacheKey(), std::move(views), scene_.selected, scene_.limits};
+  QPainter painter(&others_.picture);
+  DrawOtherViews(painter, {scene_, transform_, canvas, -1.0, std::nullopt, std::nullopt});
 }
 
 void Canvas::Private::Select(int view) {

@@ -71,6 +71,17 @@ class Canvas::Private {
   CanvasTransform transform_;
   bool fitted_ = true;  ///< follows the canvas's size
   QPixmap background_;  ///< the photo as it lies now; null when it has to be drawn
+  /// The same with the views that are not selected, for as long as neither changes: hundreds of
+  /// them take longer than all else.
+  struct Others {
+    QPixmap picture;
+    qint64 background = 0;  ///< cache key of the photo below
+    std::vector<host::PhotoRect> views;
+    int selected = -1;
+    ViewLimits limits{};
+  } others_;
+  /// Draws them anew where something has changed.
+  void UpdateOthers(const QRectF& canvas);
 
   enum class Doing { kNothing, kDrag, kPan } doing_ = Doing::kNothing;
   QPointF pressedAt_, lastAt_;

@@ -269,6 +269,8 @@ Timeline::Timeline(QWidget* parent) : QWidget(parent), p_(std::make_unique<Priva
 
 Timeline::~Timeline() = default;
 
+const TimelineScene& Timeline::Scene() const { return p_->scene_; }
+
 void Timeline::SetScene(const TimelineScene& scene) {
   const StopTimes dragged = p_->scene_.stops;
   const bool dragging =

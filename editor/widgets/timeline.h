@@ -54,6 +54,7 @@ class Timeline : public QWidget {
   ~Timeline() override;
 
   void SetScene(const TimelineScene& scene);
+  const TimelineScene& Scene() const;
   /// Where the film stands.
   void SetTime(double seconds);
   const std::vector<KeyPlace>& SelectedKeys() const;

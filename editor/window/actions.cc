@@ -7,6 +7,7 @@
 #include "editor/document/tour_changes.h"
 #include "editor/window/main_window.h"
 #include "editor/window/move_finder.h"
+#include "editor/window/palettes.h"
 #include "editor/window/scenes.h"
 #include "editor/window/shortcuts_page.h"
 #include "host/moves/presets.h"
@@ -64,6 +65,8 @@ void MainWindow::MakeActions() {
   QMenu* file = menuBar()->addMenu(tr("&File"));
   QAction* open = Add(
       file, tr("&Open…"), QKeySequence::Open, [this] { AskOpen(); }, false);
+  Add(
+      file, tr("Open &Folder…"), QKeySequence("Ctrl+Shift+O"), [this] { AskOpenFolder(); }, false);
   QMenu* recent = file->addMenu(tr("Open &Recent"));
   connect(recent, &QMenu::aboutToShow, this, [this, recent] { FillRecent(recent); });
   file->addSeparator();
@@ -96,6 +99,8 @@ void MainWindow::MakeActions() {
   QMenu* moves = menuBar()->addMenu(tr("&Moves"));
   MakeMoveMenu(moves);
 
+  MakePictureMenu(menuBar()->addMenu(tr("&Pictures")));
+
   QMenu* show = menuBar()->addMenu(tr("&Show"));
   Add(show, tr("&Play or Pause"), QKeySequence("Ctrl+Space"),
       [this] { preview_.Playing() ? preview_.Pause() : preview_.Play(); });
@@ -109,6 +114,7 @@ void MainWindow::MakeActions() {
   connect(safe, &QAction::toggled, previewView_, &PreviewView::SetActionSafe);
   Add(show, tr("F&ull Screen Preview"), QKeySequence("F11"),
       [this] { previewView_->SwitchFullScreen(); });
+  MakeThemeMenu(show->addMenu(tr("&Colours")));
   QAction* films = queueDock_->toggleViewAction();
   films->setText(tr("Fi&lms Being Made"));
   show->addAction(films);
@@ -143,6 +149,22 @@ void MainWindow::MakeActions() {
   gap->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
   bar->addWidget(gap);
   bar->addAction(render);
+}
+
+void MainWindow::MakeThemeMenu(QMenu* menu) {
+  auto* themes = new QActionGroup(this);
+  const QString now = QSettings().value(kThemeSetting, "system").toString();
+  for (const auto& [text, name] :
+       {std::pair{tr("&System"), "system"}, {tr("&Light"), "light"}, {tr("&Dark"), "dark"}}) {
+    QAction* action = themes->addAction(text);
+    action->setCheckable(true);
+    action->setChecked(now == name);
+    connect(action, &QAction::triggered, this, [theme = QString(name)] {
+      QSettings().setValue(kThemeSetting, theme);
+      UseTheme(theme);
+    });
+  }
+  menu->addActions(themes->actions());
 }
 
 void MainWindow::MakeMoveMenu(QMenu* menu) {
@@ -187,6 +209,9 @@ void MainWindow::ShowStates() {
   const bool open = session_.IsOpen();
   for (QAction* action : documentActions_) action->setEnabled(open);
   const History& steps = session_.Steps();
+  for (QAction* action : showActions_) {
+    action->setEnabled(open && session_.Pictures().size() > 1);
+  }
   undo_->setEnabled(open && steps.CanUndo());
   redo_->setEnabled(open && steps.CanRedo());
   const QString undone = QString::fromStdString(steps.UndoName());
@@ -237,7 +262,7 @@ void MainWindow::FitView() {
 QString MainWindow::CommandLine() const {
   const std::string path = session_.Current().path;
   const std::string film = path.substr(0, path.rfind('.')) + ".mp4";
-  return QString::fromStdString(ShellLine(RenderWords(path, film)));
+  return QString::fromStdString(ShellLine(RenderWords(session_.Current(), film)));
 }
 
 void MainWindow::AskEasing(int stop, const QPoint& screen) {

@@ -20,7 +20,9 @@ MainWindow::MainWindow(const Programs& programs, QWidget* parent)
       session_([programs](const std::string& photo) {
         return FindPhotoSize(programs.preview, programs.module, photo);
       }),
-      preview_(programs.preview, programs.module) {
+      preview_(programs.preview, programs.module),
+      thumbnails_(programs.preview, programs.module, Strip::kThumbnail),
+      wave_(programs.preview, programs.module) {
   setAcceptDrops(true);
   MakeWidgets();
   MakeActions();
@@ -40,6 +42,8 @@ void MainWindow::MakeWidgets() {
   previewView_ = new PreviewView;
   previewView_->setAccessibleName(tr("Film"));
   timeline_ = new Timeline;
+  strip_ = new Strip;
+  strip_->hide();
   viewPanel_ = new ViewPanel;
   filmPanel_ = new FilmPanel;
   notice_ = new QLabel;
@@ -96,6 +100,7 @@ void MainWindow::MakeWidgets() {
   column->setSpacing(0);
   column->addWidget(notice_);
   column->addWidget(all, 1);
+  column->addWidget(strip_);
   setCentralWidget(central);
 
   queue_ = new RenderQueue(programs_.command);
@@ -230,6 +235,9 @@ void MainWindow::Connect() {
     times[static_cast<size_t>(selected_)] = {hold, go};
     emit timeline_->StopTimesChanged(times, NewGesture());
   });
+  ConnectStrip();
+  connect(&wave_, &SoundWave::Read, this, &MainWindow::ShowDocument);
+  connect(&wave_, &SoundWave::Failed, this, &MainWindow::ShowFailure);
   connect(filmPanel_, &FilmPanel::Changed, this,
           [this](const QString& name, const Session::Change& change) { Change(name, change); });
 }
@@ -266,6 +274,7 @@ void MainWindow::ShowDocument() {
                           static_cast<QWidget*>(viewPanel_), static_cast<QWidget*>(filmPanel_)}) {
     widget->setEnabled(open);
   }
+  ShowPictures();
   if (!open) {
     canvas_->SetNotice(tr("Open a photograph, or drop one here"));
     return;
@@ -277,7 +286,10 @@ void MainWindow::ShowDocument() {
     const CanvasScene scene =
         CanvasSceneOf(plan, session_.Photo(), selected_, beyond_->isChecked(), way_);
     canvas_->SetScene(scene);
-    timeline_->SetScene(TimelineSceneOf(plan, selected_, way_));
+    TimelineScene times = TimelineSceneOf(plan, selected_, way_);
+    wave_.Want(plan.audio);
+    times.sound = SoundDuring(wave_.Peaks(), session_.SoundBegin(), times.length);
+    timeline_->SetScene(times);
     previewView_->SetFilm(plan.format, plan.frames);
     viewPanel_->Show(scene, StopTimesOf(plan));
     filmPanel_->Show(plan);

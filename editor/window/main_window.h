@@ -6,8 +6,11 @@
 
 #include "editor/document/document.h"
 #include "editor/preview/preview.h"
+#include "editor/preview/sound_wave.h"
+#include "editor/preview/thumbnails.h"
 #include "editor/widgets/canvas.h"
 #include "editor/widgets/preview_view.h"
+#include "editor/widgets/strip.h"
 #include "editor/widgets/timeline.h"
 #include "editor/window/session.h"
 
@@ -36,11 +39,14 @@ class MainWindow : public QMainWindow {
   explicit MainWindow(const Programs& programs, QWidget* parent = nullptr);
   ~MainWindow() override;
 
-  /// Opens a photo or a project; asks before that loses work. Whether it is open now.
-  bool Open(const QString& path);
+  /// Opens a photo or a project, or several photos, a folder or a list as a slideshow; asks before
+  /// that loses work. Whether it is open now.
+  bool Open(const QStringList& paths);
+  bool Open(const QString& path) { return Open(QStringList{path}); }
   Session& TheSession() { return session_; }
   Canvas& TheCanvas() { return *canvas_; }
   Timeline& TheTimeline() { return *timeline_; }
+  Strip& TheStrip() { return *strip_; }
   Preview& ThePreview() { return preview_; }
   RenderQueue& TheQueue() { return *queue_; }
   int Selected() const { return selected_; }
@@ -73,6 +79,7 @@ class MainWindow : public QMainWindow {
   QAction* Add(QMenu* menu, const QString& text, const QKeySequence& keys,
                const std::function<void()>& work, bool needsDocument = true);
   void MakeMoveMenu(QMenu* menu);
+  void MakeThemeMenu(QMenu* menu);
   void MakeViewMenu(QMenu* menu);
   void ShowStates();
   void SuggestMove();
@@ -80,8 +87,17 @@ class MainWindow : public QMainWindow {
   void PasteView();
   void FitView();
 
+  // show_actions.cc: the pictures of a slideshow
+  void MakePictureMenu(QMenu* menu);
+  void ConnectStrip();
+  void ShowPictures();
+  void AskPhotos(int at);
+  void MovePicture(int from, int to);
+  void RemovePicture(int at);
+
   // main_window_files.cc: files and questions
   void AskOpen();
+  void AskOpenFolder();
   bool Save();
   bool AskSaveAs();
   /// Whether the document may be closed: saved, or to be dropped.
@@ -99,6 +115,9 @@ class MainWindow : public QMainWindow {
   Preview preview_;
   Canvas* canvas_ = nullptr;
   PreviewView* previewView_ = nullptr;
+  Strip* strip_ = nullptr;
+  Thumbnails thumbnails_;
+  SoundWave wave_;
   Timeline* timeline_ = nullptr;
   ViewPanel* viewPanel_ = nullptr;
   FilmPanel* filmPanel_ = nullptr;
@@ -106,6 +125,7 @@ class MainWindow : public QMainWindow {
   QDockWidget* queueDock_ = nullptr;
   QLabel* notice_ = nullptr;
   std::vector<QAction*> documentActions_;
+  std::vector<QAction*> showActions_;  ///< of slideshows
   QAction *undo_ = nullptr, *redo_ = nullptr, *beyond_ = nullptr, *removeStop_ = nullptr,
           *keysToViews_ = nullptr;
   FilmWay way_;

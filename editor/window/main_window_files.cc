@@ -15,26 +15,33 @@ constexpr const char* kRecent = "files/recent";
 
 }  // namespace
 
-bool MainWindow::Open(const QString& path) {
-  if (!AskKeep()) return false;
+bool MainWindow::Open(const QStringList& paths) {
+  if (paths.isEmpty() || !AskKeep()) return false;
   notice_->hide();
   way_.clear();
-  const QString whole = QFileInfo(path).absoluteFilePath();
+  QStringList whole;
+  for (const QString& path : paths) whole << QFileInfo(path).absoluteFilePath();
   if (!session_.Open(whole)) return false;
   selected_ = static_cast<int>(session_.Plan().views.size()) - 1;
   canvas_->FitPhoto();
   ShowDocument();
-  NoteRecent(whole);
+  if (whole.size() == 1) NoteRecent(whole.first());
   OfferRecovery();
   return true;
 }
 
 void MainWindow::AskOpen() {
-  const QString path = QFileDialog::getOpenFileName(
-      this, tr("Open a Photograph or Project"), QString(),
+  const QStringList paths = QFileDialog::getOpenFileNames(
+      this, tr("Open Photographs or a Project"), QString(),
       tr("Photographs and projects (*.json *.jpg *.jpeg *.png *.tif *.tiff *.webp *.gif *.bmp "
          "*.tga *.heic *.heif);;All files (*)"));
-  if (!path.isEmpty()) Open(path);
+  if (!paths.isEmpty()) Open(paths);
+}
+
+void MainWindow::AskOpenFolder() {
+  const QString folder =
+      QFileDialog::getExistingDirectory(this, tr("Open a Folder of Photographs"));
+  if (!folder.isEmpty()) Open(folder);
 }
 
 bool MainWindow::Save() {
@@ -156,7 +163,11 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
 
 void MainWindow::dropEvent(QDropEvent* event) {
   const QList<QUrl> urls = event->mimeData()->urls();
-  if (!urls.isEmpty() && urls.first().isLocalFile()) Open(urls.first().toLocalFile());
+  QStringList paths;
+  for (const QUrl& url : urls) {
+    if (url.isLocalFile()) paths << url.toLocalFile();
+  }
+  if (!paths.isEmpty()) Open(paths);
 }
 
 }  // namespace kelto::editor

@@ -3,12 +3,13 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include "editor/document/show_changes.h"
 #include "host/base/error.h"
 
 namespace kelto::editor {
 
 MoveFinder::MoveFinder(QString command, const Document& document, QObject* parent)
-    : QObject(parent), command_(std::move(command)), document_(document) {
+    : QObject(parent), command_(std::move(command)), document_(PictureAlone(document)) {
   connect(&process_, &QProcess::finished, this, [this](int code, QProcess::ExitStatus status) {
     Read(status == QProcess::NormalExit && code == 0);
     deleteLater();

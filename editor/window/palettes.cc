@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QPalette>
 #include <QString>
+#include <QStyle>
 #include <QStyleFactory>
 
 namespace kelto::editor {
@@ -34,7 +35,15 @@ QPalette PaletteOf(QColor window, QColor base, QColor button, QColor text, QColo
 }  // namespace
 
 void UseTheme(const QString& name) {
-  if (name != "light" && name != "dark") return;
+  static const QString desktops = QApplication::style()->name();
+  if (name != "light" && name != "dark") {
+    // An empty palette is the desktop's.
+    if (QApplication::style()->name() != desktops) {
+      QApplication::setStyle(QStyleFactory::create(desktops));
+    }
+    QApplication::setPalette(QPalette());
+    return;
+  }
   QApplication::setStyle(QStyleFactory::create("Fusion"));
   QApplication::setPalette(
       name == "dark" ? PaletteOf(0x26282b, 0x1d1f21, 0x34373b, 0xe6e6e6, 0x8a8d91, 0x3d7eda)

@@ -5,7 +5,10 @@ class QString;
 
 namespace kelto::editor {
 
-/// "light", "dark", or anything else for what the desktop says.
+/// Where the user's choice is kept among the program's settings.
+inline constexpr const char* kThemeSetting = "window/theme";
+
+/// "light", "dark", or anything else for what the desktop says. May be called again.
 void UseTheme(const QString& name);
 
 }  // namespace kelto::editor

@@ -2,7 +2,9 @@
 
 #include <QtWidgets>
 #include <algorithm>
+#include <cmath>
 
+#include "editor/document/show_changes.h"
 #include "editor/window/render_queue.h"
 #include "host/base/error.h"
 #include "host/film/codecs.h"
@@ -33,13 +35,21 @@ QString Stem(QString name) {
   return name;
 }
 
+/// Frames of the whole film; of a show, before fades.
+int32_t FramesOf(const Document& document, const host::RenderPlan& plan) {
+  if (!IsShow(document)) return plan.frames;
+  double seconds = 0.0;
+  for (const PictureEntry& picture : PicturesOf(document)) seconds += picture.seconds;
+  return static_cast<int32_t>(std::lround(seconds * plan.format.rate.PerSecond()));
+}
+
 }  // namespace
 
 RenderDialog::RenderDialog(QString command, const Document& document, QWidget* parent)
     : QDialog(parent), command_(std::move(command)), document_(document) {
   setWindowTitle(tr("Make a Film"));
   const host::RenderPlan plan = PlanOf(document);
-  frames_ = plan.frames;
+  frames_ = FramesOf(document, plan);
 
   name_ = new QLineEdit(Stem(QString::fromStdString(document.path).chopped(5)) + ".mp4");
   name_->setAccessibleName(tr("Name"));
@@ -60,6 +70,13 @@ RenderDialog::RenderDialog(QString command, const Document& document, QWidget* p
     const int w = width / share / 2 * 2, h = height / share / 2 * 2;
     if (w >= 2 && h >= 2) size_->addItem(text.arg(w).arg(h), share == 1 ? QSize() : QSize(w, h));
   }
+  quality_ = new QComboBox;
+  for (const auto& [text, word] : {std::pair{tr("High"), "high"},
+                                   {tr("Best"), "best"},
+                                   {tr("Medium"), "medium"},
+                                   {tr("Low"), "low"}}) {
+    quality_->addItem(text, QString(word));
+  }
   filter_ = new QComboBox;
   filter_->addItem(tr("As in the project"), QString());
   filter_->addItem(tr("Best (Ultra Qual)"), QString("ultra"));
@@ -74,7 +91,8 @@ RenderDialog::RenderDialog(QString command, const Document& document, QWidget* p
   form->addRow(tr("Format"), kind_);
   form->addRow(tr("Codec"), codec_);
   form->addRow(tr("Size"), size_);
-  form->addRow(tr("Quality"), filter_);
+  form->addRow(tr("Quality"), quality_);
+  form->addRow(tr("Filter"), filter_);
   form->addRow(tr("Estimate"), estimate_);
   buttons_ = new QDialogButtonBox(QDialogButtonBox::Cancel);
   auto* make = buttons_->addButton(tr("Make Film"), QDialogButtonBox::AcceptRole);
@@ -91,7 +109,7 @@ RenderDialog::RenderDialog(QString command, const Document& document, QWidget* p
     ShowCodecs();
     Estimate();
   });
-  for (QComboBox* box : {codec_, size_, filter_}) {
+  for (QComboBox* box : {codec_, size_, quality_, filter_}) {
     connect(box, &QComboBox::activated, this, &RenderDialog::Estimate);
   }
   connect(name_, &QLineEdit::textEdited, this, &RenderDialog::ShowKind);
@@ -119,6 +137,8 @@ QStringList RenderDialog::Options() const {
   QStringList options;
   const QString codec = codec_->currentData().toString();
   if (!codec.isEmpty()) options << "--codec" << codec;
+  const QString quality = quality_->currentData().toString();
+  if (quality_->isEnabled() && quality != "high") options << "--quality" << quality;
   const QSize size = size_->currentData().toSize();
   if (size.isValid()) {
     options << "--size" << QString("%1x%2").arg(size.width()).arg(size.height());
@@ -137,6 +157,8 @@ void RenderDialog::ShowCodecs() {
     if (fits) codec_->addItem(codec.title, QString(codec.name));
   }
   codec_->setEnabled(codec_->count() > 0);
+  quality_->setEnabled(codec_->count() >
+                       0);  // stills are coded without loss, or as the kind has it
 }
 
 void RenderDialog::ShowKind() {
@@ -160,19 +182,22 @@ void RenderDialog::AskName() {
 void RenderDialog::Estimate() {
   estimate_->setText(tr("Making a sample…"));
   try {
-    const QString project = SnapshotOf(document_, folder_.path(), 0);
+    // Of a show, the picture being edited stands for all.
+    const Document sampled = PictureAlone(document_);
+    const QString project = SnapshotOf(sampled, folder_.path(), 0);
     // From the middle, where films move.
-    sampleFrames_ = std::min(frames_, 25);
-    const int first = (frames_ - sampleFrames_) / 2;
+    const int whole = PlanOf(sampled).frames;
+    sampleFrames_ = std::min(whole, 25);
+    const int first = (whole - sampleFrames_) / 2;
     const QString film = folder_.path() + "/sample" + kind_->currentData().toString();
     for (const QFileInfo& old : QDir(folder_.path()).entryInfoList({"sample*"})) {
       QFile::remove(old.filePath());
     }
     QStringList options = Options();
-    if (sampleFrames_ < frames_) {
+    if (sampleFrames_ < whole) {
       options << "--frames" << QString("%1..%2").arg(first).arg(first + sampleFrames_);
     }
-    sample_ = std::make_unique<RenderJob>(command_, project, film, options);
+    sample_ = std::make_unique<RenderJob>(command_, "render", project, film, options);
     connect(sample_.get(), &RenderJob::Ended, this, &RenderDialog::ShowEstimate);
     sample_->Start();
   } catch (const host::Error& error) {

@@ -41,7 +41,7 @@ class RenderDialog : public QDialog {
   std::unique_ptr<RenderJob> sample_;
   int32_t sampleFrames_ = 1;
   QLineEdit* name_;
-  QComboBox *kind_, *codec_, *size_, *filter_;
+  QComboBox *kind_, *codec_, *size_, *quality_, *filter_;
   QLabel* estimate_;
   QDialogButtonBox* buttons_;
 };

@@ -5,10 +5,10 @@
 
 namespace kelto::editor {
 
-RenderJob::RenderJob(QString command, QString project, QString film, QStringList options,
-                     QObject* parent)
+RenderJob::RenderJob(QString command, QString verb, QString project, QString film,
+                     QStringList options, QObject* parent)
     : QObject(parent), command_(std::move(command)), film_(std::move(film)) {
-  words_ = QStringList{"render", project, "-o", film_, "--json"} + options;
+  words_ = QStringList{verb, project, "-o", film_, "--json"} + options;
   connect(&process_, &QProcess::readyReadStandardError, this, &RenderJob::ReadEvents);
   connect(&process_, &QProcess::finished, this, [this](int code, QProcess::ExitStatus status) {
     ReadEvents();

@@ -9,8 +9,9 @@
 
 namespace kelto::editor {
 
-/// Runs `kelto render PROJECT -o FILM ...` and reads its events. Its end, whatever it is, comes as
-/// `Ended`; a film that failed leaves no file, as the command sees to.
+/// Runs `kelto render PROJECT -o FILM ...`, or another verb such as slideshow, and reads its
+/// events. Its end, whatever it is, comes as `Ended`; a film that failed leaves no file, as the
+/// command sees to.
 class RenderJob : public QObject {
   Q_OBJECT
 
@@ -18,7 +19,7 @@ class RenderJob : public QObject {
   enum class State { kWaiting, kRunning, kDone, kFailed, kCancelled };
 
   /// `options` are further words for the command.
-  RenderJob(QString command, QString project, QString film, QStringList options,
+  RenderJob(QString command, QString verb, QString project, QString film, QStringList options,
             QObject* parent = nullptr);
   ~RenderJob() override;
 

@@ -39,6 +39,9 @@ class RenderQueue : public QWidget {
   QVBoxLayout* rows_;
 };
 
+/// The command's verb that makes the document's film.
+QString VerbFor(const Document& document);
+
 /// Writes `document` into `folder` as a project of its own; its path. Throws Error.
 QString SnapshotOf(const Document& document, const QString& folder, int number);
 

@@ -2,10 +2,14 @@
 
 #include <QCoreApplication>
 #include <QLocale>
+#include <algorithm>
 #include <array>
+#include <map>
+#include <utility>
 
 #include "catalogue/parameters.h"
 #include "editor/document/tour_changes.h"
+#include "editor/messages/answers.h"
 #include "host/options/choices.h"
 #include "host/track/planned_stops.h"
 #include "motion/easing.h"
@@ -72,6 +76,16 @@ CanvasScene CanvasSceneOf(const host::RenderPlan& plan, PixelSize photo, int sel
   return scene;
 }
 
+std::vector<float> SoundDuring(const std::vector<float>& peaks, double begin, double seconds) {
+  if (peaks.empty()) return {};
+  const auto first = static_cast<size_t>(std::max(0.0, begin * kPeaksPerSecond));
+  std::vector<float> heard(std::max<size_t>(1, static_cast<size_t>(seconds * kPeaksPerSecond)));
+  for (size_t i = 0; i < heard.size() && first + i < peaks.size(); ++i) {
+    heard[i] = peaks[first + i];
+  }
+  return heard;
+}
+
 StopTimes StopTimesOf(const host::RenderPlan& plan) {
   StopTimes times;
   for (const host::TourView& one : TimedTour(plan)) times.push_back({one.hold, one.go});
@@ -94,6 +108,8 @@ TimelineScene TimelineSceneOf(const host::RenderPlan& plan, int selected, const 
   scene.length = plan.frames / rate;
   scene.frameSeconds = 1.0 / rate;
   scene.way = way;
+  // A film of many stops has few ways of easing.
+  std::map<std::pair<std::string, std::string>, WayEasing> easings;
   for (size_t i = 0; i + 1 < plan.views.size(); ++i) {
     const EasingWords words = EasingBehind(plan, i);
     const auto usual = [](const std::string& word, const char* list) {
@@ -101,8 +117,11 @@ TimelineScene TimelineSceneOf(const host::RenderPlan& plan, int selected, const 
     };
     const std::string out = usual(words.out, key::kOutVelocity);
     const std::string in = usual(words.in, key::kInVelocity);
-    scene.easing.push_back(
-        {QString::fromStdString(out == in ? out : out + " – " + in), CurveOf(out, in)});
+    WayEasing& easing = easings[{out, in}];
+    if (easing.curve.empty()) {
+      easing = {QString::fromStdString(out == in ? out : out + " – " + in), CurveOf(out, in)};
+    }
+    scene.easing.push_back(easing);
   }
   if (!plan.views.empty()) return scene;
   for (const std::string& parameter : LaneParameters()) {

@@ -15,6 +15,10 @@ CanvasScene CanvasSceneOf(const host::RenderPlan& plan, PixelSize photo, int sel
 
 TimelineScene TimelineSceneOf(const host::RenderPlan& plan, int selected, const FilmWay& way);
 
+/// What is heard during a film of so many seconds that begins at `begin` of a sound with these
+/// peaks, kPeaksPerSecond of them: at even times over the film.
+std::vector<float> SoundDuring(const std::vector<float>& peaks, double begin, double seconds);
+
 /// The times that a film's views really take; empty for a film of keys.
 StopTimes StopTimesOf(const host::RenderPlan& plan);
 

@@ -1,9 +1,13 @@
 #include "editor/window/session.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <algorithm>
 
 #include "editor/document/recovery.h"
 #include "host/base/error.h"
+#include "host/jobs/picture_list.h"
 #include "host/project/project_file.h"
 
 namespace kelto::editor {
@@ -11,6 +15,42 @@ namespace {
 
 /// While a drag goes on.
 constexpr int kKeepAfterMilliseconds = 300;
+
+struct Opened {
+  Document document;
+  std::optional<std::string> saved;  ///< the file's text, where there is a file
+};
+
+/// Where the show of these photos lies once it is saved: in their folder, and named after it.
+std::string ShowBeside(const QString& first) {
+  const QFileInfo info(first);
+  const QDir folder = info.isDir() ? QDir(first) : info.absoluteDir();
+  const QString name = folder.dirName().isEmpty() ? QString("slideshow") : folder.dirName();
+  return folder.absoluteFilePath(name + ".json").toStdString();
+}
+
+Opened OpenedOf(const QStringList& paths, const PhotoSizes& sizes) {
+  const std::string name = paths.first().toStdString();
+  if (paths.size() == 1 && host::IsProjectName(name)) {
+    const Document document = ReadDocument(name);
+    return {WithMovesAsViews(document, sizes), document.text};
+  }
+  if (paths.size() == 1 && !QFileInfo(paths.first()).isDir()) {
+    try {
+      return {NewDocument(name, sizes(name), ProjectBeside(name)), {}};
+    } catch (const host::Error&) {
+      // A list is no photo.
+      if (host::EndsLikeAPicture(name)) throw;
+    }
+  }
+  std::vector<std::string> inputs;
+  for (const QString& path : paths) inputs.push_back(path.toStdString());
+  std::vector<std::string> photos;
+  for (const host::ListedPicture& picture : host::PicturesOf(inputs)) {
+    photos.push_back(picture.path);
+  }
+  return {NewShow(photos, ShowBeside(paths.first()), sizes), {}};
+}
 
 }  // namespace
 
@@ -39,28 +79,61 @@ bool Session::Try(const std::function<void()>& work) {
   return false;
 }
 
-bool Session::Open(const QString& path) {
+bool Session::Open(const QStringList& paths) {
   return Try([&] {
-    const std::string name = path.toStdString();
-    const bool project = host::IsProjectName(name);
-    PixelSize size;
-    const auto created = [&] {
-      size = sizes_(name);
-      return NewDocument(name, size, ProjectBeside(name));
-    };
-    const Document document = project ? ReadDocument(name) : created();
-    host::RenderPlan plan = PlanOf(document);
-    if (project) size = sizes_(plan.photo);
+    known_.clear();
+    const Opened opened =
+        OpenedOf(paths, [this](const std::string& photo) { return SizeOf(photo); });
+    Take(opened.document);
     Settle();
-    history_.Begin(document, project);
-    plan_ = std::move(plan);
-    photo_ = size;
-    openedPhoto_ = plan_.photo;
+    history_.Begin(opened.document, opened.saved.has_value());
+    if (opened.saved) history_.BeganFrom(*opened.saved);
     open_ = true;
     Watch();
     emit Changed();
     emit StateChanged();
   });
+}
+
+PixelSize Session::SizeOf(const std::string& photo) {
+  const auto found = known_.find(photo);
+  if (found != known_.end()) return found->second;
+  return known_[photo] = sizes_(photo);
+}
+
+void Session::Take(const Document& document) {
+  host::RenderPlan plan = PlanOf(document);
+  std::vector<PictureEntry> pictures = PicturesOf(document);
+  if (plan.photo != openedPhoto_) {
+    photo_ = SizeOf(plan.photo);
+    openedPhoto_ = plan.photo;
+  }
+  plan_ = std::move(plan);
+  pictures_ = std::move(pictures);
+}
+
+double Session::SoundBegin() const {
+  constexpr double kUsualFade = 1.0;
+  double begin = 0.0;
+  for (size_t i = 0; i < Current().picture && i + 1 < pictures_.size(); ++i) {
+    const double longest = std::min(pictures_[i].seconds, pictures_[i + 1].seconds) / 2;
+    begin += pictures_[i].seconds - std::min(pictures_[i].fade.value_or(kUsualFade), longest);
+  }
+  return begin;
+}
+
+void Session::SelectPicture(int picture) {
+  if (!open_ || picture < 0 || picture >= static_cast<int>(pictures_.size())) return;
+  const bool could = Try([&] {
+    Document other = Current();
+    other.picture = static_cast<size_t>(picture);
+    Take(other);
+    history_.EndGesture();
+    history_.Look(other.picture);
+  });
+  if (!could) return;
+  emit Changed();
+  emit StateChanged();
 }
 
 QString Session::Path() const { return QString::fromStdString(Current().path); }
@@ -78,13 +151,10 @@ void Session::Apply(const QString& name, const Change& change, Gesture gesture) 
   if (!open_) return;
   Try([&] {
     Document next = change(Current());
-    host::RenderPlan plan = PlanOf(next);
-    if (plan.photo != openedPhoto_) {
-      photo_ = sizes_(plan.photo);
-      openedPhoto_ = plan.photo;
-    }
+    Take(next);
+    // Another program may have left fewer pictures.
+    if (!pictures_.empty()) next.picture = std::min(next.picture, pictures_.size() - 1);
     history_.Do(std::move(next), name.toStdString(), gesture.id);
-    plan_ = std::move(plan);
     emit Changed();
     emit StateChanged();
   });
@@ -93,7 +163,7 @@ void Session::Apply(const QString& name, const Change& change, Gesture gesture) 
 }
 
 void Session::Show() {
-  Try([&] { plan_ = PlanOf(Current()); });
+  Try([&] { Take(Current()); });
   emit Changed();
   emit StateChanged();
   KeepSoon(true);
@@ -122,18 +192,24 @@ bool Session::SaveAs(const QString& path) {
            Settle();
            ForgetUnsaved(before);
            ForgetUnsaved(name);
-           plan_ = PlanOf(Current());
+           Take(Current());
            Watch();
            emit StateChanged();
          });
 }
 
 void Session::Reload() {
+  std::string text;
   Apply(tr("Reload"), [&](const Document& document) {
     Document there = ReadDocument(document.path);
-    return there;
+    text = there.text;
+    there.picture = document.picture;
+    return WithMovesAsViews(there, [this](const std::string& photo) { return SizeOf(photo); });
   });
-  if (history_.HasFile()) history_.Saved(Current().path);
+  if (history_.HasFile()) {
+    history_.Saved(Current().path);
+    if (!text.empty()) history_.BeganFrom(text);
+  }
   emit StateChanged();
 }
 

@@ -7,8 +7,10 @@
 #include <QThreadPool>
 #include <QTimer>
 #include <functional>
+#include <map>
 
 #include "editor/document/history.h"
+#include "editor/document/show_changes.h"
 #include "editor/widgets/gesture.h"
 #include "framing/pixel_size.h"
 #include "host/plan/render_plan.h"
@@ -23,14 +25,13 @@ class Session : public QObject {
  public:
   using Change = std::function<Document(const Document&)>;
 
-  /// The size of a photo, or Error.
-  using PhotoSizes = std::function<PixelSize(const std::string& photo)>;
-
   explicit Session(PhotoSizes sizes, QObject* parent = nullptr);
   ~Session() override;
 
-  /// Opens a photo, as a new project beside it, or a project. Whether it could be opened.
-  bool Open(const QString& path);
+  /// Opens a photo, as a new project beside it, or a project; several photos, a folder of them or a
+  /// list as a new slideshow. Whether it could be opened.
+  bool Open(const QStringList& paths);
+  bool Open(const QString& path) { return Open(QStringList{path}); }
   /// Takes up what was not saved when the editor stopped, as a change that can be undone.
   void Recover();
   /// Whether the project has such a state.
@@ -43,6 +44,15 @@ class Session : public QObject {
   const host::RenderPlan& Plan() const { return plan_; }
   PixelSize Photo() const { return photo_; }
   QString Path() const;
+  /// The pictures of a show; empty for a film of one.
+  const std::vector<PictureEntry>& Pictures() const { return pictures_; }
+  int Picture() const { return static_cast<int>(Current().picture); }
+  /// Seconds of the sound before the film that is edited begins.
+  double SoundBegin() const;
+  /// Throws Error.
+  PixelSize SizeOf(const std::string& photo);
+  /// Edits this picture of a show from now on.
+  void SelectPicture(int picture);
   bool Modified() const { return open_ && history_.Modified(); }
 
   /// Changes the document; `name` is what the user reads beside "Undo".
@@ -67,6 +77,8 @@ class Session : public QObject {
   void Failed(const QString& reason);
 
  private:
+  /// Makes what `document` means what is shown. Throws Error, with nothing changed.
+  void Take(const Document& document);
   bool Try(const std::function<void()>& work);
   void Show();
   void KeepSoon(bool now);
@@ -77,6 +89,8 @@ class Session : public QObject {
   History history_;
   host::RenderPlan plan_;
   PhotoSizes sizes_;
+  std::map<std::string, PixelSize> known_;  ///< sizes of the photos of what is open
+  std::vector<PictureEntry> pictures_;
   PixelSize photo_{1, 1};
   std::string openedPhoto_;
   bool open_ = false;

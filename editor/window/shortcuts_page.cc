@@ -47,6 +47,15 @@ constexpr Key kCanvas[] = {
      QT_TRANSLATE_NOOP("Shortcuts", "Fit the photo; show its pixels as they are")},
 };
 
+constexpr Key kStrip[] = {
+    {QT_TRANSLATE_NOOP("Shortcuts", "Drag between others, Alt+Left, Alt+Right"),
+     QT_TRANSLATE_NOOP("Shortcuts", "Move the picture")},
+    {QT_TRANSLATE_NOOP("Shortcuts", "Left, Right"),
+     QT_TRANSLATE_NOOP("Shortcuts", "Previous and next picture")},
+    {QT_TRANSLATE_NOOP("Shortcuts", "Insert, Delete"),
+     QT_TRANSLATE_NOOP("Shortcuts", "Add pictures; remove the picture")},
+};
+
 }  // namespace
 
 void ShowShortcuts(QMainWindow& window) {
@@ -61,6 +70,8 @@ void ShowShortcuts(QMainWindow& window) {
   }
   page += Head(Text(QT_TRANSLATE_NOOP("Shortcuts", "On the photo")));
   for (const Key& key : kCanvas) page += Row(Text(key.keys), Text(key.what));
+  page += Head(Text(QT_TRANSLATE_NOOP("Shortcuts", "On the pictures of a slideshow")));
+  for (const Key& key : kStrip) page += Row(Text(key.keys), Text(key.what));
   page += "</table>";
 
   auto* dialog = new QDialog(&window);

@@ -59,7 +59,8 @@ CLI::App* AddEdit(CLI::App& app) {
   CLI::App* command =
       app.add_subcommand("edit", "Choose views by eye: start the editor, kelto-edit");
   const auto files = std::make_shared<std::vector<std::string>>();
-  command->add_option("FILE", *files, "The photograph or project to open")->type_name("");
+  command->add_option("FILE", *files, "Photographs, a folder of them, or a project to open")
+      ->type_name("");
   command->final_callback([files] { Run(*files); });
   return command;
 }

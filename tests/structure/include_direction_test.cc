@@ -100,7 +100,7 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"editor/messages", {"framing", "editor/rules", "host/base", "host/options"}},
     // The process that draws, which has no windows.
     {"editor/drawing",
-     {"catalogue", "framing", "runtime/hfx", "host/base", "host/effect", "host/facts",
+     {"catalogue", "framing", "runtime/hfx", "host/base", "host/effect", "host/facts", "host/film",
       "host/frames", "host/options", "host/plan", "host/project", "host/sandbox", "editor/messages",
       "editor/rules"}},
     {"editor/preview",
@@ -108,9 +108,9 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
       "editor/rules"}},
     {"editor/widgets", {"host/base", "host/options", "host/playback", "editor/rules"}},
     {"editor/window",
-     {"catalogue", "framing", "motion", "host/base", "host/film", "host/moves", "host/options",
-      "host/plan", "host/project", "host/track", "editor/document", "editor/preview",
-      "editor/rules", "editor/widgets"}},
+     {"catalogue", "framing", "motion", "host/base", "host/film", "host/jobs", "host/moves",
+      "host/options", "host/plan", "host/project", "host/track", "editor/document",
+      "editor/messages", "editor/preview", "editor/rules", "editor/widgets"}},
     // main.cc alone.
     {"editor", {"host/base", "host/effect", "host/files", "editor/window"}},
     // Hosts too, made of the command's parts.

@@ -200,6 +200,34 @@
         <source>Keyboard and Mouse</source>
         <translation>Tastatur und Maus</translation>
     </message>
+    <message>
+        <source>Drag between others, Alt+Left, Alt+Right</source>
+        <translation>Zwischen andere ziehen, Alt+Links, Alt+Rechts</translation>
+    </message>
+    <message>
+        <source>Move the picture</source>
+        <translation>Bild verschieben</translation>
+    </message>
+    <message>
+        <source>Left, Right</source>
+        <translation>Links, Rechts</translation>
+    </message>
+    <message>
+        <source>Previous and next picture</source>
+        <translation>Voriges und nächstes Bild</translation>
+    </message>
+    <message>
+        <source>Insert, Delete</source>
+        <translation>Einfg, Entf</translation>
+    </message>
+    <message>
+        <source>Add pictures; remove the picture</source>
+        <translation>Bilder hinzufügen; Bild entfernen</translation>
+    </message>
+    <message>
+        <source>On the pictures of a slideshow</source>
+        <translation>Auf den Bildern einer Diaschau</translation>
+    </message>
 </context>
 <context>
     <name>Timeline</name>
@@ -632,10 +660,6 @@ Macht aus Fotos Filme mit bewegtem Ausschnitt.</translation>
         <translation>Ein Foto öffnen oder hier ablegen</translation>
     </message>
     <message>
-        <source>Open a Photograph or Project</source>
-        <translation>Foto oder Projekt öffnen</translation>
-    </message>
-    <message>
         <source>Photographs and projects (*.json *.jpg *.jpeg *.png *.tif *.tiff *.webp *.gif *.bmp *.tga *.heic *.heif);;All files (*)</source>
         <translation>Fotos und Projekte (*.json *.jpg *.jpeg *.png *.tif *.tiff *.webp *.gif *.bmp *.tga *.heic *.heif);;Alle Dateien (*)</translation>
     </message>
@@ -690,6 +714,86 @@ Macht aus Fotos Filme mit bewegtem Ausschnitt.</translation>
     <message>
         <source>Film</source>
         <translation>Film</translation>
+    </message>
+    <message>
+        <source>Open &amp;Folder…</source>
+        <translation>&amp;Ordner öffnen …</translation>
+    </message>
+    <message>
+        <source>&amp;Pictures</source>
+        <translation>&amp;Bilder</translation>
+    </message>
+    <message>
+        <source>Open Photographs or a Project</source>
+        <translation>Fotos oder Projekt öffnen</translation>
+    </message>
+    <message>
+        <source>Open a Folder of Photographs</source>
+        <translation>Ordner mit Fotos öffnen</translation>
+    </message>
+    <message>
+        <source>&amp;Add Photographs…</source>
+        <translation>Fotos &amp;hinzufügen …</translation>
+    </message>
+    <message>
+        <source>&amp;Remove Picture</source>
+        <translation>Bild &amp;entfernen</translation>
+    </message>
+    <message>
+        <source>&amp;Previous Picture</source>
+        <translation>&amp;Voriges Bild</translation>
+    </message>
+    <message>
+        <source>&amp;Next Picture</source>
+        <translation>&amp;Nächstes Bild</translation>
+    </message>
+    <message>
+        <source>Move to the &amp;Left</source>
+        <translation>Nach &amp;links rücken</translation>
+    </message>
+    <message>
+        <source>Move to the R&amp;ight</source>
+        <translation>Nach &amp;rechts rücken</translation>
+    </message>
+    <message>
+        <source>Change Seconds</source>
+        <translation>Dauer ändern</translation>
+    </message>
+    <message>
+        <source>Change Fade</source>
+        <translation>Blende ändern</translation>
+    </message>
+    <message>
+        <source>Add Photographs</source>
+        <translation>Fotos hinzufügen</translation>
+    </message>
+    <message>
+        <source>Photographs (*.jpg *.jpeg *.png *.tif *.tiff *.webp *.gif *.bmp *.tga *.heic *.heif);;All files (*)</source>
+        <translation>Fotos (*.jpg *.jpeg *.png *.tif *.tiff *.webp *.gif *.bmp *.tga *.heic *.heif);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>Move Picture</source>
+        <translation>Bild verschieben</translation>
+    </message>
+    <message>
+        <source>Remove Picture</source>
+        <translation>Bild entfernen</translation>
+    </message>
+    <message>
+        <source>&amp;Colours</source>
+        <translation>&amp;Farben</translation>
+    </message>
+    <message>
+        <source>&amp;System</source>
+        <translation>&amp;System</translation>
+    </message>
+    <message>
+        <source>&amp;Light</source>
+        <translation>&amp;Hell</translation>
+    </message>
+    <message>
+        <source>&amp;Dark</source>
+        <translation>&amp;Dunkel</translation>
     </message>
 </context>
 <context>
@@ -847,6 +951,26 @@ Macht aus Fotos Filme mit bewegtem Ausschnitt.</translation>
         <source>About %1, made in about %2 s</source>
         <translation>Etwa %1, fertig in etwa %2 s</translation>
     </message>
+    <message>
+        <source>High</source>
+        <translation>Hoch</translation>
+    </message>
+    <message>
+        <source>Best</source>
+        <translation>Beste</translation>
+    </message>
+    <message>
+        <source>Medium</source>
+        <translation>Mittel</translation>
+    </message>
+    <message>
+        <source>Low</source>
+        <translation>Niedrig</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>Filter</translation>
+    </message>
 </context>
 <context>
     <name>kelto::editor::RenderJob</name>
@@ -903,6 +1027,33 @@ Macht aus Fotos Filme mit bewegtem Ausschnitt.</translation>
     <message>
         <source>Reload</source>
         <translation>Neu laden</translation>
+    </message>
+</context>
+<context>
+    <name>kelto::editor::Strip</name>
+    <message>
+        <source> s</source>
+        <translation> s</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+    <message>
+        <source>, fade %1 s</source>
+        <translation>, Blende %1 s</translation>
+    </message>
+    <message>
+        <source>Seen for</source>
+        <translation>Zu sehen</translation>
+    </message>
+    <message>
+        <source>Fade to the next</source>
+        <translation>Blende zum nächsten</translation>
+    </message>
+    <message>
+        <source>Pictures</source>
+        <translation>Bilder</translation>
     </message>
 </context>
 <context>
@@ -998,12 +1149,12 @@ Macht aus Fotos Filme mit bewegtem Ausschnitt.</translation>
         <translation>Mit dem Auge wählen, was ein Film aus einem Foto zeigt.</translation>
     </message>
     <message>
-        <source>The photograph or project to open</source>
-        <translation>Das Foto oder Projekt, das geöffnet wird</translation>
-    </message>
-    <message>
         <source>Colours: light, dark or system</source>
         <translation>Farben: light (hell), dark (dunkel) oder system</translation>
+    </message>
+    <message>
+        <source>Photographs, a folder of them, or a project to open</source>
+        <translation>Fotos, ein Ordner mit Fotos oder ein Projekt</translation>
     </message>
 </context>
 </TS>

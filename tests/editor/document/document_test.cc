@@ -94,7 +94,7 @@ TEST(Document, KeysAreWrittenAsProjectsHaveThem) {
 }
 
 TEST(CommandLine, QuotesWhatAShellWouldTakeApart) {
-  EXPECT_EQ(ShellLine(RenderWords("/a/tour.json", "/a/tour.mp4")),
+  EXPECT_EQ(ShellLine(RenderWords({"/a/tour.json", R"({"image": "a.jpg"})"}, "/a/tour.mp4")),
             "kelto render /a/tour.json -o /a/tour.mp4");
   EXPECT_EQ(ShellLine({"kelto", "it's here", ""}), "kelto 'it'\\''s here' ''");
 }

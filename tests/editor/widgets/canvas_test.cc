@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <QAccessible>
 #include <cmath>
 #include <map>
 #include <vector>
@@ -291,6 +292,30 @@ TEST_F(CanvasWidget, FivehundredStopsAreDrawnAndDragged) {
   Drag(canvas_, At(3100, 2040), At(3100, 1800));
   Release(canvas_, At(3100, 1800));
   ExpectOneGesture();
+}
+
+TEST_F(CanvasWidget, IsAListOfItsViewsForScreenReaders) {
+  QAccessibleInterface* canvas = QAccessible::queryAccessibleInterface(&canvas_);
+  ASSERT_NE(canvas, nullptr);
+  EXPECT_EQ(canvas->role(), QAccessible::List);
+  ASSERT_EQ(canvas->childCount(), 2);
+  QAccessibleInterface* view = canvas->child(1);
+  EXPECT_EQ(view->text(QAccessible::Name), "View 2 of 2, 800 pixels wide");
+  const QPoint corner = canvas_.mapToGlobal(At(1000.0, 1000.0));
+  EXPECT_LE((view->rect().topLeft() - corner).manhattanLength(), 2);
+  EXPECT_NEAR(view->rect().width(), 200, 2);
+  EXPECT_EQ(canvas->indexOfChild(view), 1);
+  EXPECT_EQ(view->parent(), canvas);
+  EXPECT_EQ(canvas->childAt(corner.x() + 20, corner.y() + 20), view);
+  EXPECT_FALSE(view->state().selected);
+  view->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
+  EXPECT_EQ(scene_.selected, 1);
+  EXPECT_TRUE(view->state().selected);
+  scene_.views.pop_back();
+  scene_.selected = 0;
+  canvas_.SetScene(scene_);
+  EXPECT_EQ(canvas->childCount(), 1);
+  EXPECT_FALSE(view->isValid());
 }
 
 }  // namespace

@@ -5,7 +5,9 @@
 #include <nlohmann/json.hpp>
 
 #include "editor/document/recovery.h"
+#include "editor/document/settings.h"
 #include "editor/window/main_window.h"
+#include "editor/window/render_dialog.h"
 #include "host/files/start.h"
 #include "tests/editor/window/support.h"
 
@@ -271,6 +273,66 @@ TEST_F(Window, EveryControlHasANameForScreenReaders) {
     EXPECT_FALSE(face->text(QAccessible::Name).isEmpty())
         << widget->metaObject()->className() << " " << widget->objectName().toStdString();
   }
+}
+
+TEST_F(Window, ColoursAreChosenAndKept) {
+  const QPalette before = QApplication::palette();
+  Choose("Dark");
+  EXPECT_LT(QApplication::palette().color(QPalette::Window).lightness(), 100);
+  EXPECT_EQ(QSettings().value("window/theme").toString(), "dark");
+  Choose("Light");
+  EXPECT_GT(QApplication::palette().color(QPalette::Window).lightness(), 200);
+  Choose("System");
+  EXPECT_EQ(QApplication::palette().color(QPalette::Window), before.color(QPalette::Window));
+}
+
+TEST_F(Window, TheFilmDialogHasTheCommandsWordsForQuality) {
+  RenderDialog dialog(KELTO_COMMAND, window_.TheSession().Current());
+  QComboBox* quality = nullptr;
+  for (QComboBox* box : dialog.findChildren<QComboBox*>()) {
+    if (box->findData("best") >= 0) quality = box;
+  }
+  ASSERT_NE(quality, nullptr);
+  EXPECT_EQ(quality->currentData(), "high");
+  EXPECT_FALSE(dialog.Options().contains("--quality")) << "as the command has it";
+  quality->setCurrentIndex(quality->findData("low"));
+  EXPECT_EQ(dialog.Options().mid(dialog.Options().indexOf("--quality"), 2),
+            QStringList({"--quality", "low"}));
+}
+
+TEST_F(Window, TheSoundIsDrawnOnceItHasBeenRead) {
+  // A second of silence and a second of a square wave.
+  constexpr int kRate = 8000;
+  QFile wav(folder_.File("sound.wav"));
+  ASSERT_TRUE(wav.open(QIODevice::WriteOnly));
+  QDataStream out(&wav);
+  out.setByteOrder(QDataStream::LittleEndian);
+  out.writeRawData("RIFF", 4);
+  out << quint32(36 + 4 * kRate);
+  out.writeRawData("WAVEfmt ", 8);
+  out << quint32(16) << quint16(1) << quint16(1) << quint32(kRate) << quint32(2 * kRate)
+      << quint16(2) << quint16(16);
+  out.writeRawData("data", 4);
+  out << quint32(4 * kRate);
+  for (int i = 0; i < 2 * kRate; ++i) {
+    out << qint16(i < kRate ? 0 : i % 20 < 10 ? 16384 : -16384);
+  }
+  wav.close();
+  window_.TheSession().Apply("Sound", [&](const Document& d) {
+    return WithAudio(d, folder_.File("sound.wav").toStdString());
+  });
+  const auto sound = [&] { return window_.TheTimeline().Scene().sound; };
+  ASSERT_TRUE(WaitFor([&] { return !sound().empty(); }));
+  const double perSecond =
+      static_cast<double>(sound().size()) / window_.TheTimeline().Scene().length;
+  const auto peak = [&](double seconds) {
+    return sound()[static_cast<size_t>(seconds * perSecond)];
+  };
+  EXPECT_NEAR(peak(0.5), 0.0F, 0.01F);
+  EXPECT_NEAR(peak(1.5), 0.5F, 0.02F);
+  EXPECT_EQ(peak(3.0), 0.0F) << "the film is longer than its sound";
+  window_.TheSession().Undo();
+  EXPECT_TRUE(sound().empty());
 }
 
 }  // namespace
