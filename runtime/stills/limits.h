@@ -16,9 +16,9 @@ constexpr uint64_t kUnquestionedPixels = uint64_t{128} << 20;
 /// 512 in JPEG; photographs stay under 100.
 constexpr uint64_t kMaxPixelsPerFileByte = 10000;
 
-/// The caller's buffer: four bytes a pixel in rows of a multiple of eight bytes, or eight or sixteen
-/// of a picture that is read with all its bits. Images have their size in 31 bits, which is room for
-/// 536 million pixels of four bytes.
+/// The caller's buffer: four bytes a pixel in rows of a multiple of eight bytes, or eight or
+/// sixteen of a picture that is read with all its bits. Images have their size in 31 bits, which is
+/// room for 536 million pixels of four bytes.
 constexpr uint64_t kMaxPixelBytes = (uint64_t{1} << 31) - 1;
 
 /// Memory of a codec beside the caller's buffer: coefficients of a progressive JPEG, a picture that
