@@ -21,9 +21,9 @@ namespace kelto::stills {
 namespace {
 
 /// A reader with its error handling, everything before the pixels read.
-class Session {
+class PngSession {
  public:
-  explicit Session(StillFile& file) : file_(file) {
+  explicit PngSession(StillFile& file) : file_(file) {
     file.Rewind();
     Run([&] {
       library.png = png_create_read_struct(PNG_LIBPNG_VER_STRING, this, OnError, OnWarning);
@@ -42,8 +42,8 @@ class Session {
     if (out_of_memory_) throw std::bad_alloc();
     if (over_limit_) throw StillError(codecBadDataErr, std::string("PNG: ") + message_);
   }
-  Session(const Session&) = delete;
-  Session& operator=(const Session&) = delete;
+  PngSession(const PngSession&) = delete;
+  PngSession& operator=(const PngSession&) = delete;
 
   template <typename Body>
   void Run(const Body& body) {
@@ -63,7 +63,9 @@ class Session {
   bool icc_damaged() const { return icc_damaged_; }
 
  private:
-  static Session& From(png_structp png) { return *static_cast<Session*>(png_get_error_ptr(png)); }
+  static PngSession& From(png_structp png) {
+    return *static_cast<PngSession*>(png_get_error_ptr(png));
+  }
 
   [[noreturn]] void OutOfMemory() {
     out_of_memory_ = true;
@@ -83,7 +85,7 @@ class Session {
   static void OnWarning(png_structp png, png_const_charp message) {
     // libpng drops a chunk over the limits, or that it has no memory for; drawn without its profile
     // the picture would be wrong.
-    Session& session = From(png);
+    PngSession& session = From(png);
     if (std::strncmp(message, "iCCP: ", 6) == 0) session.icc_damaged_ = true;
     if (std::strstr(message, "emory") != nullptr) session.out_of_memory_ = true;
     if (std::strstr(message, "exceeds application limits") == nullptr) return;
@@ -155,7 +157,7 @@ class Png final : public Decoder {
   }
 
   StillInfo ReadInfo(StillFile& file) const override {
-    Session session(file);
+    PngSession session(file);
     const png_structp png = session.library.png;
     const png_infop png_info = session.library.info;
     StillInfo info;
@@ -180,7 +182,7 @@ class Png final : public Decoder {
   }
 
   void Decode(StillFile& file, const StillInfo& info, const PixelBuffer& target) const override {
-    Session session(file);
+    PngSession session(file);
     const png_structp png = session.library.png;
     const png_infop png_info = session.library.info;
     CheckUnchanged(info, png_get_image_width(png, png_info), png_get_image_height(png, png_info));
@@ -249,8 +251,8 @@ class Png final : public Decoder {
   }
 
   /// Every pass adds pixels to all rows, so all of them wait, in the caller's buffer if they can.
-  static void ReadInterlaced(Session& session, const StillInfo& info, int passes, size_t row_bytes,
-                             RowWriter& writer) {
+  static void ReadInterlaced(PngSession& session, const StillInfo& info, int passes,
+                             size_t row_bytes, RowWriter& writer) {
     const png_structp png = session.library.png;
     std::unique_ptr<uint8_t[]> all;
     if (!writer.RowsStay()) all = AllocateScratch(uint64_t{row_bytes} * info.height);
