@@ -65,6 +65,8 @@ class DeepPicture {
   int32_t height() const { return shape_.height; }
   DeepSample sample() const { return shape_.sample; }
   bool hasAlpha() const { return shape_.hasAlpha; }
+  /// For pictures of which it is known when they have been filled.
+  void SetHasAlpha(bool hasAlpha) { shape_.hasAlpha = hasAlpha; }
   /// What the pixels take, for budgets: the padding of rows included.
   size_t bytes() const { return bytes_; }
   /// What DeepPicture(width, height, sample, ...) would take. Sizes as above.

@@ -50,9 +50,12 @@ struct FilmFormat {
 enum class PixelLayout {
   kYCbYCr,  ///< Y Cb Y Cr for two pixels; the effect's own scaling, see colour_matrix.h
   kBGRA,    ///< B, G, R, A; sRGB, full range
+  kRgba16,  ///< R, G, B, A in words of the machine; sRGB, full range, colours multiplied by alpha
 };
 
-constexpr int32_t BytesPerPixel(PixelLayout layout) { return layout == PixelLayout::kBGRA ? 4 : 2; }
+constexpr int32_t BytesPerPixel(PixelLayout layout) {
+  return layout == PixelLayout::kRgba16 ? 8 : layout == PixelLayout::kBGRA ? 4 : 2;
+}
 
 /// A whole frame (fields already woven) that someone else owns.
 struct FrameView {

@@ -209,6 +209,7 @@ class Batch {
     job.kind = &kind_;
     job.request = RequestFor(item.film, plan);
     job.ends = EndsAsked(options_.film, plan.format, plan.frames);
+    job.depth = DepthAskedBy(options_.film);
     CheckJob(job);
     await(job.memory);
     MakeOnRecord(item.record,
@@ -288,6 +289,7 @@ CLI::App* AddBatch(CLI::App& app) {
       ->required();
   DeclareFilm(*command, options->film,
               "Films made side by side, each by a process [one for each core]");
+  DeclareDepth(*command, options->film);
   command->get_option("--format")
       ->description(std::string("Kind of the films; see kelto render --help [") + UsualFilmKind() +
                     "]");

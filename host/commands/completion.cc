@@ -34,6 +34,7 @@ std::vector<std::string> WordsFor(const std::string& name) {
   if (name == "--quality") words.assign(QualityWords().begin(), QualityWords().end());
   if (name == "--speed") words.assign(SpeedWords().begin(), SpeedWords().end());
   if (name == "--ease") words = {"smooth", "linear", "in", "out"};
+  if (name == "--depth") words = {"auto", "8", "10", "16"};
   if (name == "--order") words = {"natural", "given"};
   if (name == "--fit") words = {"fill", "whole"};
   if (name == "--move") {

@@ -12,6 +12,7 @@
 #include "host/files/path_text.h"
 #include "host/film/codecs.h"
 #include "host/film/coded_films.h"
+#include "host/film/depth.h"
 #include "host/options/colour.h"
 #include "host/options/number.h"
 #include "host/options/rate.h"
@@ -122,6 +123,20 @@ void DeclareFilm(CLI::App& command, FilmOptions& options, const std::string& job
                 "such as of a damaged colour profile, or of sound or a video behind the photo that "
                 "ends before the film")
       ->group(kWork);
+}
+
+void DeclareDepth(CLI::App& command, FilmOptions& options) {
+  command
+      .add_option("--depth", options.depth,
+                  "Bits a channel: 8, 10, 16, or auto, as many as the photo and the film have; a "
+                  "photo of more bits in a film of fewer is dithered [auto]")
+      ->group(kFiles)
+      ->type_name("BITS");
+}
+
+int32_t DepthAskedBy(const FilmOptions& options) {
+  if (options.depth.empty()) return 0;
+  return ReadOption("--depth", options.depth, ParseDepth);
 }
 
 void ApplyReporting(const FilmOptions& options) {

@@ -15,7 +15,8 @@ namespace kelto::host {
 
 /// The options as they were typed; empty where nothing was.
 struct FilmOptions {
-  std::string format, codec, quality, speed, fadeIn, fadeOut, fadeColour, audioFade, module, jobs;
+  std::string format, codec, quality, speed, depth, fadeIn, fadeOut, fadeColour, audioFade, module,
+      jobs;
   bool audioLoop = false;
   bool quiet = false, json = false, strict = false;
 };
@@ -27,6 +28,12 @@ void DeclareOutput(CLI::App& command, std::string& output);
 /// Declares the options on `command`, to be parsed into `options`, which must outlive the parsing.
 /// `jobs` is the help text of --jobs.
 void DeclareFilm(CLI::App& command, FilmOptions& options, const std::string& jobs);
+
+/// Declares --depth, of commands whose films have one photo each.
+void DeclareDepth(CLI::App& command, FilmOptions& options);
+
+/// The bits a channel that --depth asks for; 0 for what photo and film allow. Throws UsageError.
+int32_t DepthAskedBy(const FilmOptions& options);
 
 /// Sets how the command reports from now on, and whether warnings are errors.
 void ApplyReporting(const FilmOptions& options);

@@ -61,7 +61,8 @@ std::string Formats() {
   for (const NamedSize& named : NamedSizes()) text += Line(named.name, ToString(named.size));
   return text +
          "\n--quality low, medium, high or best, and --speed slow, medium, fast or fastest "
-         "say how a codec works. kelto doctor tries what this machine can write.\n";
+         "say how a codec works. --depth 8, 10 or 16 says how many bits a channel the film has; photos "
+         "of more bits than eight keep them where the film can. kelto doctor tries what this machine can write.\n";
 }
 
 std::string Lists() {

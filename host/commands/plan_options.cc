@@ -137,8 +137,10 @@ void ApplyBeside(const PlanOptions& options, RenderPlan& plan) {
     plan.beside = Beside::kColour;
   }
   if (options.background.empty()) return;
-  plan.Set(key::kBackgroundColor,
-           BackgroundFor(ReadOption("--background", options.background, ParseColour)));
+  plan.transparent = options.background == "none";
+  const Colour seen =
+      plan.transparent ? Colour{} : ReadOption("--background", options.background, ParseColour);
+  plan.Set(key::kBackgroundColor, BackgroundFor(seen));
   plan.Set(key::kCompositeOver, std::string(entry::kOverColor));
 }
 
@@ -231,8 +233,15 @@ void DeclarePicture(CLI::App& command, PlanOptions& options) {
       "Both ends of the move: smooth, which starts and ends softly; linear, at one speed; in, "
       "a soft start; out, a soft end [smooth]");
   ease->excludes("--in")->excludes("--out");
-  declare("--background", "COLOUR", options.background,
-          "Colour beside the photo, '#rrggbb' [#000000]");
+  declare(
+      "--background", "COLOUR", options.background,
+      "Colour beside the photo and behind it where it is transparent, '#rrggbb'; or none, for a "
+      "film that is transparent there [#000000]");
+  command
+      .add_flag("--linear-light", options.linearLight,
+                "Mix light in the filters, not levels: fine detail keeps its brightness when it is "
+                "reduced; for films, which are drawn with 16 bits for it")
+      ->group(kPicture);
   declare("--beside", "WORD", options.beside,
           "What is seen where the frame shows more than the photo: colour, that of --background; "
           "blur, the photo itself, enlarged, blurred and darkened; photographs much narrower or "
@@ -304,6 +313,7 @@ bool ApplyOptions(const PlanOptions& options, RenderPlan& plan) {
       return CaptionFor(text, plan.photo);
     });
   }
+  plan.linearLight |= options.linearLight;
   if (!options.playMode.empty()) {
     plan.playMode = ReadOption("--play-mode", options.playMode, ParsePlayMode);
   }

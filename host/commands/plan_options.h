@@ -21,7 +21,8 @@ struct PlanOptions {
   ViewOptions views;
   std::string background, playMode, ease, caption, beside;
   std::string over, audio;
-  bool fitAudio = false;  ///< whether the film is as long as its sound
+  bool linearLight = false;  ///< whether filters mix light
+  bool fitAudio = false;     ///< whether the film is as long as its sound
   /// A word for each of ChoiceLists(), in its order.
   std::vector<std::string> words;
 };

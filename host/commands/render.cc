@@ -69,6 +69,7 @@ FilmJob JobFor(const RenderOptions& options) {
   if (!whole && !options.plan.audio.empty()) {
     throw UsageError("--audio: parts of a film are silent; add the sound when they are joined");
   }
+  job.depth = DepthAskedBy(options.film);
   job.workers = JobsAsked(options.film, UsualWorkers(part.Count()));
   return job;
 }
@@ -157,6 +158,7 @@ CLI::App* AddRender(CLI::App& app) {
   DeclareFilm(*command, options->film,
               "Processes that render, each with a photograph of its own in memory; the film is the "
               "same [one for each core, and for every 25 frames]");
+  DeclareDepth(*command, options->film);
   command
       ->add_option("--record", options->record,
                    "Note in this file how the film was made, for kelto batch --resume")

@@ -17,6 +17,7 @@
 #include "host/effect/module_file.h"
 #include "host/files/output_file.h"
 #include "host/film/codecs.h"
+#include "host/jobs/deep_choice.h"
 #include "host/jobs/film_job.h"
 #include "host/jobs/picture_memory.h"
 #include "host/jobs/slideshow.h"
@@ -113,6 +114,7 @@ void Check(const SlideshowOptions& options, const ShowPictures& pictures, const 
   sources.insert(show.request.audio);
   for (const RenderPlan& plan : show.plans) sources.insert({plan.photo, plan.over});
   CheckFilm(*show.kind, show.request, {sources.begin(), sources.end()});
+  for (const RenderPlan& plan : show.plans) CheckEffectDraws(*show.kind, plan);
   CheckFormats(show.plans);
   if (options.project.empty()) return;
   if (options.output == kStandardOutput && options.project == kStandardOutput) {

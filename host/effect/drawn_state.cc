@@ -32,6 +32,10 @@ View DrawnView(hfx::Effect& effect) {
 
 bool DrewSquarePixels(hfx::Effect& effect) { return ReadField<bool>(effect, key::kSquarePixels); }
 
+std::array<double, 3> DrawnBackground(hfx::Effect& effect) {
+  return ReadField<std::array<double, 3>>(effect, key::kBackgroundColor);
+}
+
 std::string DrawnEntry(hfx::Effect& effect, const char* list) {
   const auto index = ReadField<int32_t>(effect, list);
   const auto* entries = dynamic_cast<const hfxPList*>(&Find(effect, list));

@@ -1,6 +1,7 @@
 // What an effect's instance holds after a frame: the values that it drew with.
 #pragma once
 
+#include <array>
 #include <string>
 
 #include "framing/view.h"
@@ -14,6 +15,9 @@ View DrawnView(hfx::Effect& effect);
 
 /// Whether the photo's pixels counted as square.
 bool DrewSquarePixels(hfx::Effect& effect);
+
+/// The colour beside the photo, red, green and blue: the value of "bgcolor".
+std::array<double, 3> DrawnBackground(hfx::Effect& effect);
 
 /// At this quality and below the effect draws by nearest neighbour, whatever its filter.
 constexpr double kFastQuality = 0.5;

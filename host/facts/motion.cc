@@ -51,6 +51,8 @@ FrameMotion Motion::At(int32_t number, int32_t field) {
   motion.target = DrawnEntry(*effect_, key::kDisplay) == entry::kDisplayTarget;
   motion.squarePixels = DrewSquarePixels(*effect_);
   motion.filter = DrawnEntry(*effect_, key::kFilter);
+  motion.overVideo = DrawnEntry(*effect_, key::kCompositeOver) == entry::kOverVideo;
+  motion.background = DrawnBackground(*effect_);
   return motion;
 }
 

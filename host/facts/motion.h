@@ -5,6 +5,7 @@
 // four pixels without a picture, which takes microseconds.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -25,6 +26,8 @@ struct FrameMotion {
   bool target = true;        ///< "Display: Target": the view, not what zoom 1 shows
   bool squarePixels = true;  ///< of the photo
   std::string filter;        ///< entry of the list "filter"
+  bool overVideo = false;  ///< "Background: Video": that shows beside the photo, else this colour:
+  std::array<double, 3> background{};  ///< value of "bgcolor": red, green, blue
 };
 
 /// Asks an instance of its own of the module's first effect. Operations throw Error.

@@ -39,6 +39,9 @@ struct FilmCodec {
   bool fields;
   std::vector<const char*> kinds;     ///< names of the film kinds that hold it
   std::vector<FilmEncoder> encoders;  ///< the first one that is there and fits is taken
+  std::vector<int32_t> depths = {8};  ///< bits a channel that films can have, ascending
+  /// More options where the film is transparent; null where it cannot be.
+  const char* alphaOptions = nullptr;
 
   int32_t HeightStep(bool interlaced) const {
     return (form == CodedForm::k420 ? 2 : 1) * (interlaced ? 2 : 1);

@@ -10,6 +10,7 @@ extern "C" {
 #include "host/base/error.h"
 #include "host/film/coded_films.h"
 #include "host/film/container_output.h"
+#include "host/film/deep_planes.h"
 #include "host/film/libav.h"
 #include "host/film/planes.h"
 #include "host/film/sound_apart.h"
@@ -25,6 +26,20 @@ struct Container {
   const char* muxer;
   bool fragments;  ///< of the MP4 family, with an index that a pipe has to do without
 };
+
+/// What a film of deep frames is coded from.
+AVPixelFormat DeepFormatOf(CodedForm form, bool eightBits, bool transparent) {
+  switch (form) {
+    case CodedForm::k422TenBit:
+      return transparent ? AV_PIX_FMT_YUVA444P10 : AV_PIX_FMT_YUV422P10;
+    case CodedForm::k422:
+      if (eightBits) return AV_PIX_FMT_YUVA422P;
+      return transparent ? AV_PIX_FMT_YUVA422P10 : AV_PIX_FMT_YUV422P10;
+    case CodedForm::k420:
+      break;
+  }
+  return transparent ? AV_PIX_FMT_YUVA420P : AV_PIX_FMT_YUV420P10;
+}
 
 AVPixelFormat PixelFormatOf(CodedForm form) {
   switch (form) {
@@ -86,7 +101,11 @@ class Encoder : public FrameSink {
 
   void Write(const FrameView& frame) override {
     Check(av_frame_make_writable(frame_.get()), "take a frame");
-    Fill(frame, map_, format_.Interlaced(), *frame_);
+    if (deep_) {
+      deep_->Fill(frame, *frame_);
+    } else {
+      Fill(frame, map_, format_.Interlaced(), *frame_);
+    }
     frame_->pts = next_++;
     Encode(frame_.get());
     // In step with the pictures, so that neither has to wait in memory for the other.
@@ -136,7 +155,10 @@ class Encoder : public FrameSink {
     codec_ = Own(avcodec_alloc_context3(encoder));
     codec_->width = format_.size.width;
     codec_->height = format_.size.height;
-    codec_->pix_fmt = PixelFormatOf(choice_.form);
+    codec_->pix_fmt = request.deep
+                          ? DeepFormatOf(choice_.form, request.depth == 8, request.transparent)
+                          : PixelFormatOf(choice_.form);
+    if (request.deep) deep_ = std::make_unique<DeepPlanes>(format_.size, codec_->pix_fmt);
     codec_->framerate = {format_.rate.numerator, format_.rate.denominator};
     codec_->time_base = av_inv_q(codec_->framerate);
     codec_->sample_aspect_ratio = {format_.sampleAspect.width, format_.sampleAspect.height};
@@ -147,9 +169,9 @@ class Encoder : public FrameSink {
     }
     codec_->flags |= AV_CODEC_FLAG_BITEXACT;
     AVDictionary* options = nullptr;
-    int code = av_dict_parse_string(
-        &options, EncoderOptions(choice_, *chosen, request.quality, request.speed).c_str(), "=",
-        " ", 0);
+    std::string words = EncoderOptions(choice_, *chosen, request.quality, request.speed);
+    if (request.transparent) words += std::string(" ") + choice_.alphaOptions;
+    int code = av_dict_parse_string(&options, words.c_str(), "=", " ", 0);
     // The order of the frames alone comes too late for what the encoder says of the film.
     if (chosen->name == std::string("libx264") && format_.fields == FieldOrder::kBottomFirst) {
       av_dict_set(&options, "x264-params", "bff=1", 0);
@@ -239,7 +261,8 @@ class Encoder : public FrameSink {
   FilmFormat format_;
   const FilmCodec& choice_;
   ChromaMap map_;
-  ContainerOutput output_;  // outlives the container, which writes to it
+  std::unique_ptr<DeepPlanes> deep_;  ///< where the frames are
+  ContainerOutput output_;            // outlives the container, which writes to it
   Owned<AVFrame> frame_;
   Owned<AVPacket> packet_;
   Owned<AVFormatContext> container_;

@@ -27,19 +27,43 @@ namespace fs = std::filesystem;
 
 constexpr PixelLayout kYCbYCr = PixelLayout::kYCbYCr;
 constexpr PixelLayout kBGRA = PixelLayout::kBGRA;
+constexpr PixelLayout kRgba16 = PixelLayout::kRgba16;
+
+#if defined(_WIN32)
+constexpr FilmDepths kPictureDepths = {8, 0};
+constexpr bool kPictureAlpha = false;
+#else
+constexpr FilmDepths kPictureDepths = {8, 16};
+constexpr bool kPictureAlpha = true;
+#endif
 
 /// Those that need no encoder of the FFmpeg libraries.
 constexpr FilmKind kPlainKinds[] = {
     {"png", nullptr, "numbered pictures, as in frame-%04d.png, the first one 0", kBGRA, 1, 1, 2,
-     true, OpenPngSequence},
+     true, OpenPngSequence, nullptr, kPictureDepths, kPictureAlpha},
 #if !defined(_WIN32)
-    {"tiff", "tif", "numbered pictures, lossless", kBGRA, 1, 1, 2, true, OpenTiffSequence},
+    {"tiff", "tif", "numbered pictures, lossless", kBGRA, 1, 1, 2, true, OpenTiffSequence, nullptr,
+     kPictureDepths, kPictureAlpha},
     {"jpeg", "jpg", "numbered pictures of quality 95", kBGRA, 1, 1, 2, true, OpenJpegSequence},
 #endif
     {"y4m", nullptr, "uncompressed planar 4:2:2 with a header", kYCbYCr, 2, 1, 2, false, OpenY4m},
     {"yuyv", nullptr, "raw bytes Y Cb Y Cr as the effect gives them, BT.601", kYCbYCr, 2, 1, 2,
      false, OpenRawYCbYCr},
     {"bgra", nullptr, "raw bytes B G R A", kBGRA, 1, 1, 2, false, OpenRawBGRA},
+#if !defined(_WIN32)
+    {"rgba64",
+     nullptr,
+     "raw words R G B A of 16 bits, colours not multiplied by alpha",
+     kRgba16,
+     1,
+     1,
+     2,
+     false,
+     OpenRawRgba64,
+     nullptr,
+     {16, 0},
+     true},
+#endif
 };
 
 /// All kinds, in the order in which they are offered.

@@ -1,6 +1,7 @@
 // Every kind of film that can be written, as one table: names, rules and how to open one.
 #pragma once
 
+#include <array>
 #include <memory>
 #include <span>
 #include <string>
@@ -22,19 +23,27 @@ struct FilmRequest {
   std::string speed{};       ///< takes them
   bool repeatSound = false;  ///< whether the sound begins again where it ends before the film
   double soundFade = 0.0;    ///< seconds in which it fades out at the film's end
+  int32_t depth = 8;         ///< bits a channel, one of DepthsOf
+  bool deep = false;         ///< whether its frames come in PixelLayout::kRgba16
+  bool transparent = false;  ///< whether their alpha is kept
 };
+
+/// Ascending; 0 for none.
+using FilmDepths = std::array<int32_t, 2>;
 
 struct FilmKind {
   const char* name;         ///< as --format takes it; a dot before it makes the file name's ending
   const char* otherEnding;  ///< another ending that means this kind, else null
   const char* description;  ///< for the help text
-  PixelLayout layout;       ///< of the frames that its sinks take
+  PixelLayout layout;       ///< of the frames that its sinks take, unless the request is deep
   /// Width and height must be multiples of these; of a container, the codec asks for more.
   int32_t widthStep, heightStep, interlacedHeightStep;
   bool pictures;  ///< a file a frame
   std::unique_ptr<FrameSink> (*open)(const FilmRequest& request);
   /// Throws UsageError for what only this kind cannot hold; null where that is nothing.
   void (*check)(const FilmKind& kind, const FilmRequest& request) = nullptr;
+  FilmDepths depths = {8, 0};  ///< bits a channel that films can have; codecs have their own
+  bool alpha = false;          ///< whether films can be transparent; codecs say so themselves
 };
 
 std::span<const FilmKind> FilmKinds();

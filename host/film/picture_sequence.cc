@@ -1,6 +1,8 @@
 #include "host/film/picture_sequence.h"
 
+#include <functional>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 #include "host/base/error.h"
@@ -9,6 +11,7 @@
 #include "host/film/png_file.h"
 #include "host/film/png_pixel_shape.h"
 #if !defined(_WIN32)
+#include "host/film/deep_pictures.h"
 #include "host/film/jpeg_file.h"
 #include "host/film/tiff_file.h"
 #endif
@@ -19,7 +22,7 @@ namespace {
 /// A form of picture: its name in messages, and a frame as the bytes of such a file.
 struct PictureForm {
   const char* name;
-  std::vector<uint8_t> (*encode)(const FrameView& frame, SampleAspect aspect);
+  std::function<std::vector<uint8_t>(const FrameView& frame, SampleAspect aspect)> encode;
 };
 
 std::vector<uint8_t> EncodeShapedPng(const FrameView& frame, SampleAspect aspect) {
@@ -29,7 +32,7 @@ std::vector<uint8_t> EncodeShapedPng(const FrameView& frame, SampleAspect aspect
 class PictureSequence : public FrameSink {
  public:
   PictureSequence(const FilmRequest& request, PictureForm form)
-      : form_(form),
+      : form_(std::move(form)),
         aspect_(request.format.sampleAspect),
         pipe_(request.output == kStandardOutput),
         pattern_(request.output),
@@ -73,14 +76,36 @@ class PictureSequence : public FrameSink {
   int32_t number_;
 };
 
+#if !defined(_WIN32)
+PictureDepth PictureDepthOf(const FilmRequest& request) {
+  return {request.depth, request.transparent};
+}
+#endif
+
 }  // namespace
 
 std::unique_ptr<FrameSink> OpenPngSequence(const FilmRequest& request) {
+#if !defined(_WIN32)
+  if (request.deep) {
+    const auto encode = [depth = PictureDepthOf(request)](const FrameView& frame,
+                                                          SampleAspect aspect) {
+      return WithPixelShape(EncodeDeepPng(frame, depth), aspect);
+    };
+    return std::make_unique<PictureSequence>(request, PictureForm{"PNG", encode});
+  }
+#endif
   return std::make_unique<PictureSequence>(request, PictureForm{"PNG", &EncodeShapedPng});
 }
 
 #if !defined(_WIN32)
 std::unique_ptr<FrameSink> OpenTiffSequence(const FilmRequest& request) {
+  if (request.deep) {
+    const auto encode = [depth = PictureDepthOf(request)](const FrameView& frame,
+                                                          SampleAspect aspect) {
+      return EncodeDeepTiff(frame, depth, aspect);
+    };
+    return std::make_unique<PictureSequence>(request, PictureForm{"TIFF", encode});
+  }
   return std::make_unique<PictureSequence>(request, PictureForm{"TIFF", &EncodeTiff});
 }
 

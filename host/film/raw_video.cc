@@ -1,6 +1,7 @@
 #include "host/film/raw_video.h"
 
 #include "host/files/output_file.h"
+#include "host/film/deep_frame.h"
 
 namespace kelto::host {
 namespace {
@@ -26,7 +27,24 @@ class RawVideo : public FrameSink {
   size_t rowBytes_;
 };
 
+class RawWords final : public FrameSink {
+ public:
+  explicit RawWords(const FilmRequest& request) : file_(request.output) {}
+  void Write(const FrameView& frame) override {
+    const std::vector<uint16_t> words = StraightWords(frame);
+    file_.Write(words.data(), words.size() * sizeof(uint16_t));
+  }
+  void Finish() override { file_.Finish(); }
+
+ private:
+  OutputFile file_;
+};
+
 }  // namespace
+
+std::unique_ptr<FrameSink> OpenRawRgba64(const FilmRequest& request) {
+  return std::make_unique<RawWords>(request);
+}
 
 std::unique_ptr<FrameSink> OpenRawYCbYCr(const FilmRequest& request) {
   return std::make_unique<RawVideo>(request, BytesPerPixel(PixelLayout::kYCbYCr));

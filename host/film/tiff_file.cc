@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "host/film/deep_pictures.h"
 #include "host/film/three_channels.h"
 
 namespace kelto::host {
@@ -61,12 +62,16 @@ void Check(bool done) {
   if (!done) throw std::runtime_error("the TIFF library refuses the picture");
 }
 
-void Describe(TIFF* tiff, FrameSize size, SampleAspect aspect) {
+void Describe(TIFF* tiff, FrameSize size, SampleAspect aspect, PictureDepth depth) {
   const auto set = [&](uint32_t tag, auto value) { Check(TIFFSetField(tiff, tag, value) == 1); };
   set(TIFFTAG_IMAGEWIDTH, static_cast<uint32_t>(size.width));
   set(TIFFTAG_IMAGELENGTH, static_cast<uint32_t>(size.height));
-  set(TIFFTAG_SAMPLESPERPIXEL, 3);
-  set(TIFFTAG_BITSPERSAMPLE, 8);
+  set(TIFFTAG_SAMPLESPERPIXEL, depth.alpha ? 4 : 3);
+  set(TIFFTAG_BITSPERSAMPLE, depth.bits);
+  if (depth.alpha) {
+    const uint16_t kind = EXTRASAMPLE_UNASSALPHA;
+    Check(TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &kind) == 1);
+  }
   set(TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
   set(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
   set(TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
@@ -79,22 +84,39 @@ void Describe(TIFF* tiff, FrameSize size, SampleAspect aspect) {
   set(TIFFTAG_YRESOLUTION, static_cast<double>(aspect.width));
 }
 
-}  // namespace
-
-std::vector<uint8_t> EncodeTiff(const FrameView& frame, SampleAspect aspect) {
+/// Codes rows of samples; `row` gives row y of them, valid until the next call.
+template <typename Row>
+std::vector<uint8_t> EncodeRows(FrameSize size, SampleAspect aspect, PictureDepth depth,
+                                const Row& row) {
   Memory file;
   std::unique_ptr<TIFF, CloseTiff> tiff(
       TIFFClientOpen("frame", "w", &file, &Read, &Write, &Seek, &Close, &Size, nullptr, nullptr));
   Check(tiff != nullptr);
-  Describe(tiff.get(), frame.size, aspect);
-  std::vector<uint8_t> rgb(static_cast<size_t>(frame.size.width) * 3);
-  for (int32_t row = 0; row < frame.size.height; ++row) {
-    CopyThreeChannels(frame.Row(row), frame.size.width, ChannelOrder::kRgb, rgb.data());
-    Check(TIFFWriteScanline(tiff.get(), rgb.data(), static_cast<uint32_t>(row), 0) == 1);
+  Describe(tiff.get(), size, aspect, depth);
+  for (int32_t y = 0; y < size.height; ++y) {
+    Check(TIFFWriteScanline(tiff.get(), row(y), static_cast<uint32_t>(y), 0) == 1);
   }
   Check(TIFFFlush(tiff.get()) == 1);
   tiff.reset();
   return std::move(file.bytes);
+}
+
+}  // namespace
+
+std::vector<uint8_t> EncodeTiff(const FrameView& frame, SampleAspect aspect) {
+  std::vector<uint8_t> rgb(static_cast<size_t>(frame.size.width) * 3);
+  return EncodeRows(frame.size, aspect, {8, false}, [&](int32_t row) {
+    CopyThreeChannels(frame.Row(row), frame.size.width, ChannelOrder::kRgb, rgb.data());
+    return rgb.data();
+  });
+}
+
+std::vector<uint8_t> EncodeDeepTiff(const FrameView& frame, PictureDepth depth,
+                                    SampleAspect aspect) {
+  // The library changes the rows that it gets.
+  std::vector<uint8_t> samples = SamplesOf(frame, depth);
+  const size_t bytes = samples.size() / frame.size.height;
+  return EncodeRows(frame.size, aspect, depth, [&](int32_t row) { return &samples[bytes * row]; });
 }
 
 }  // namespace kelto::host

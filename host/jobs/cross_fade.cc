@@ -15,9 +15,21 @@ uint32_t WeightAt(int32_t halves, int32_t steps) {
   return WeightOf(int64_t{halves} + 2, 2 * (int64_t{steps} + 1));
 }
 
-void BlendRow(const uint8_t* from, const uint8_t* to, uint32_t weight, size_t count, uint8_t* out) {
-  for (size_t i = 0; i < count; ++i) {
-    out[i] = static_cast<uint8_t>((from[i] * (256 - weight) + to[i] * weight + 128) >> 8);
+template <typename Sample>
+void BlendSamples(const void* from, const void* to, uint32_t weight, size_t bytes, void* out) {
+  const Sample *before = static_cast<const Sample*>(from), *after = static_cast<const Sample*>(to);
+  Sample* mixed = static_cast<Sample*>(out);
+  for (size_t i = 0; i < bytes / sizeof(Sample); ++i) {
+    mixed[i] = static_cast<Sample>((before[i] * (256 - weight) + after[i] * weight + 128) >> 8);
+  }
+}
+
+void BlendRow(PixelLayout layout, const uint8_t* from, const uint8_t* to, uint32_t weight,
+              size_t bytes, uint8_t* out) {
+  if (layout == PixelLayout::kRgba16) {
+    BlendSamples<uint16_t>(from, to, weight, bytes, out);
+  } else {
+    BlendSamples<uint8_t>(from, to, weight, bytes, out);
   }
 }
 
@@ -25,6 +37,7 @@ void BlendRow(const uint8_t* from, const uint8_t* to, uint32_t weight, size_t co
 
 CrossFade::CrossFade(const FilmFormat& format, PixelLayout layout, FadeKind kind, Colour colour)
     : format_(format),
+      layout_(layout),
       kind_(kind),
       colour_(colour, format.size, layout),
       rowBytes_(static_cast<size_t>(format.size.width) * BytesPerPixel(layout)),
@@ -44,7 +57,7 @@ FrameView CrossFade::Blend(const FrameView& from, const FrameView& to, int32_t s
       (goes ? after : before) = colour.Row(row);
       weight = WeightOf(goes ? done : done - middle, middle);
     }
-    BlendRow(before, after, weight, rowBytes_, &bytes_[row * rowBytes_]);
+    BlendRow(layout_, before, after, weight, rowBytes_, &bytes_[row * rowBytes_]);
   }
   return {bytes_.data(), static_cast<ptrdiff_t>(rowBytes_), format_.size};
 }

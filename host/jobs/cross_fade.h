@@ -32,6 +32,7 @@ class CrossFade {
   bool IsLaterField(int32_t row) const;
 
   FilmFormat format_;
+  PixelLayout layout_;
   FadeKind kind_;
   SolidFrame colour_;
   size_t rowBytes_;

@@ -7,6 +7,8 @@
 #include "host/effect/photo.h"
 #include "host/files/output_file.h"
 #include "host/film/codecs.h"
+#include "host/film/depth.h"
+#include "host/jobs/deep_choice.h"
 #include "host/jobs/picture_memory.h"
 #include "host/sources/photos.h"
 #include "host/terminal/interrupt.h"
@@ -55,19 +57,23 @@ void CheckFilm(const FilmKind& kind, const FilmRequest& request,
 void CheckJob(FilmJob& job) {
   const RenderPlan& plan = job.scene.plan;
   CheckFilm(*job.kind, job.request, {plan.photo, plan.over, job.request.audio});
+  CheckDepth(*job.kind, plan, job.depth, job.request);
   const InterruptsEndAtOnce whileItOpens;
-  const Photo photo = CheckPhoto(plan.photo);
+  Photo photo = CheckPhoto(plan.photo);
+  ChooseDepth(*job.kind, plan, photo, job.depth, job.request);
+  if (job.request.deep) photo.memory = photo.deepMemory;
   job.workers = WorkersFor(photo, job.workers);
   job.memory = photo.memory * static_cast<uint64_t>(job.workers);
 }
 
 void MakeFilm(const FilmJob& job, const std::function<void(int32_t done)>& shown) {
-  SceneList list{job.module, job.kind->layout, {job.scene}};
+  const PixelLayout layout = FrameLayout(*job.kind, job.request);
+  SceneList list{job.module, layout, {job.scene}};
   // Workers before the encoder, which has threads.
   const std::unique_ptr<FrameSource> frames = RenderInWorkers(std::move(list), job.workers);
-  const std::unique_ptr<FrameSink> film = job.kind->open(job.request);
+  const std::unique_ptr<FrameSink> film = OpenFilm(*job.kind, job.request);
   const int32_t count = job.scene.part.Count();
-  EndFades ends(job.ends, job.request.format, job.kind->layout, count);
+  EndFades ends(job.ends, job.request.format, layout, count);
   for (int32_t done = 0; done < count;) {
     film->Write(ends.Of(frames->Next(), done));
     shown(++done);

@@ -19,6 +19,7 @@ struct FilmJob {
   const FilmKind* kind = nullptr;
   FilmRequest request;
   EndFadeLengths ends{};
+  int32_t depth = 0;    ///< bits a channel that are asked for; 0 for what photo and film allow
   int32_t workers = 1;  ///< processes that render
   uint64_t memory = 0;  ///< bytes that the photograph takes in all of them, as CheckJob found
 };
@@ -39,8 +40,9 @@ std::string SoundFor(const RenderPlan& plan, const FilmKind& kind);
 void CheckFilm(const FilmKind& kind, const FilmRequest& request,
                const std::vector<std::string>& sources);
 
-/// Throws what can be known to go wrong before any work: UsageError or Error. Leaves the job no
-/// more workers than may load its photograph at a time, with a message.
+/// Throws what can be known to go wrong before any work: UsageError or Error. Settles the depth of
+/// the request, and leaves the job no more workers than may load its photograph at a time, with a
+/// message.
 void CheckJob(FilmJob& job);
 
 /// Makes the film of a job that CheckJob let pass; the same bytes for any number of workers.

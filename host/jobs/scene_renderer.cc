@@ -13,20 +13,27 @@ SceneRenderer::SceneRenderer(SceneList list, std::function<bool()> aborted)
     : list_(std::move(list)), aborted_(std::move(aborted)), open_(list_.scenes.size()) {}
 
 FrameView SceneRenderer::Render(size_t scene, int32_t number) {
-  const FrameView frame = Open(scene).Render(number);
+  Open(scene);
+  const FrameView frame = deep_ ? deep_->Render(number) : session_->Render(number);
   Settle();
   return frame;
 }
 
 void SceneRenderer::RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, size_t scene, int32_t number) {
-  Open(scene).RenderInto(pixels, rowBytes, number);
+  Open(scene);
+  if (deep_) {
+    deep_->RenderInto(pixels, rowBytes, number);
+  } else {
+    session_->RenderInto(pixels, rowBytes, number);
+  }
   Settle();
 }
 
-EffectSession& SceneRenderer::Open(size_t scene) {
-  if (scene == open_) return *session_;
+void SceneRenderer::Open(size_t scene) {
+  if (scene == open_) return;
   // First the old one goes: two pictures at a time would take turns in the module's memory.
   session_.reset();
+  deep_.reset();
   open_ = list_.scenes.size();
   const RenderPlan& plan = list_.scenes[scene].plan;
   const InterruptsEndAtOnce whileItLoads;
@@ -38,12 +45,15 @@ EffectSession& SceneRenderer::Open(size_t scene) {
   Photo photo = OpenPhoto(plan.photo);
   // Where the system has no other path of an open file, the name that the effect can open stays.
   if (std::string held = photo_->Path(); held != plan.photo) photo.path = std::move(held);
-  session_ = std::make_unique<EffectSession>(list_.module, plan, photo, list_.layout);
-  session_->SetAbortQuery(aborted_);
+  if (list_.layout == PixelLayout::kRgba16) {
+    deep_ = std::make_unique<DeepSession>(list_.module, plan, photo);
+  } else {
+    session_ = std::make_unique<EffectSession>(list_.module, plan, photo, list_.layout);
+    session_->SetAbortQuery(aborted_);
+  }
   CheckFiles(list_.scenes[scene]);
   settled_ = false;
   open_ = scene;
-  return *session_;
 }
 
 void SceneRenderer::Settle() {

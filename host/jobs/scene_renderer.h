@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 
+#include "host/deep/deep_session.h"
 #include "host/frames/effect_session.h"
 #include "host/jobs/frame_source.h"
 
@@ -25,7 +26,7 @@ class SceneRenderer {
   void RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, size_t scene, int32_t number);
 
  private:
-  EffectSession& Open(size_t scene);
+  void Open(size_t scene);
   /// To be called when a frame has been rendered.
   void Settle();
   /// Throws unless the files that the session of `scene` has read are those noted.
@@ -33,9 +34,11 @@ class SceneRenderer {
 
   SceneList list_;
   std::function<bool()> aborted_;
-  size_t open_;  ///< the scene of session_
+  size_t open_;  ///< the scene that is
   std::unique_ptr<HeldFile> photo_;
+  // One of the two while a scene is open: deep frames come from the second.
   std::unique_ptr<EffectSession> session_;
+  std::unique_ptr<DeepSession> deep_;
   bool settled_ = false;  ///< whether the session has read all that it needs of the photo
 };
 

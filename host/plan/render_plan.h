@@ -60,6 +60,9 @@ struct RenderPlan {
   bool loop = false;
   Caption caption{};
   Beside beside = Beside::kColour;
+  // Frames of which one of these is true are drawn by the command itself, with 16 bits a channel.
+  bool transparent = false;  ///< whether nothing lies beside and behind the photo
+  bool linearLight = false;  ///< whether the filters mix light instead of levels
 
   /// The setting of `parameter`, added when there is none yet.
   Setting& SettingOf(const std::string& parameter);

@@ -225,6 +225,8 @@ RenderPlan PlanOfFilm(const json& document, const std::string& path) {
     throw Error("beside: a video lies beside the picture; leave one of beside and over out");
   }
   plan.caption.text = ReadLetters(document, "caption");
+  plan.transparent = document.value("transparent", plan.transparent);
+  plan.linearLight = document.value("linearLight", plan.linearLight);
   const json parameters = document.value("parameters", json::object());
   ReadViews(document, parameters, plan);
   plan.loop = document.value("loop", false);

@@ -106,6 +106,8 @@ ordered_json FilmJson(const std::string& path, const RenderPlan& plan) {
   document["motion"] = WordOf(plan.motion);
   if (!plan.views.empty()) document["views"] = JsonOf(plan.views);
   document["playMode"] = plan.playMode;
+  if (plan.transparent) document["transparent"] = true;
+  if (plan.linearLight) document["linearLight"] = true;
   document["parameters"] = ParametersOf(plan);
   return document;
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/base/error.h"
+#include "host/effect/deep_photo.h"
 #include "host/effect/effect_name.h"
 #include "host/processes/reader_process.h"
 #include "host/terminal/terminal.h"
@@ -16,8 +17,9 @@ enum class LookingFor { kSize, kFlaws, kFaults };
 
 Photo Looked(const std::string& path, LookingFor what) {
   std::optional<Photo> opened;  // where the work is done in this process
-  const std::vector<double> found = NumbersApart(path, 3, [&] {
+  const std::vector<double> found = NumbersApart(path, 6, [&] {
     opened = OpenPhoto(path);
+    FindDepth(*opened);
     if (what == LookingFor::kFaults) {
       if (const auto fault = FindFault(*opened)) {
         throw Error(path + ": cannot be read as a picture: " + *fault);
@@ -25,10 +27,12 @@ Photo Looked(const std::string& path, LookingFor what) {
     }
     if (what != LookingFor::kSize) {
       if (const auto flaw = FindFlaw(*opened)) Warn(*flaw);
+      opened->transparent = IsTransparent(*opened);
     }
-    return std::vector<double>{static_cast<double>(opened->width),
-                               static_cast<double>(opened->height),
-                               static_cast<double>(opened->memory)};
+    return std::vector<double>{
+        static_cast<double>(opened->width),      static_cast<double>(opened->height),
+        static_cast<double>(opened->memory),     static_cast<double>(opened->bits),
+        static_cast<double>(opened->deepMemory), opened->transparent ? 1.0 : 0.0};
   });
   if (opened) return *opened;
   constexpr int64_t kMostSide = std::numeric_limits<int16_t>::max();  // as the importer has it
@@ -38,6 +42,9 @@ Photo Looked(const std::string& path, LookingFor what) {
   photo.width = static_cast<int32_t>(IntegerFrom(found[0], 1, kMostSide, path));
   photo.height = static_cast<int32_t>(IntegerFrom(found[1], 1, kMostSide, path));
   photo.memory = static_cast<uint64_t>(IntegerFrom(found[2], 0, kMostMemory, path));
+  photo.bits = static_cast<int32_t>(IntegerFrom(found[3], 8, 32, path));
+  photo.deepMemory = static_cast<uint64_t>(IntegerFrom(found[4], 0, kMostMemory, path));
+  photo.transparent = IntegerFrom(found[5], 0, 1, path) == 1;
   photo.file = name.file;
   return photo;
 }

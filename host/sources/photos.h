@@ -11,7 +11,8 @@ namespace kelto::host {
 /// OpenPhoto in a process of its own. Throws Error when there is no such picture.
 Photo LookAtPhoto(const std::string& path);
 
-/// The same; and warns of what the photo will be shown without (see FindFlaw and Warn).
+/// The same; and warns of what the photo will be shown without (see FindFlaw and Warn), and finds
+/// out whether it is transparent anywhere, for which it may have to be decoded.
 Photo CheckPhoto(const std::string& path);
 
 /// The same; and decodes all of it, so that one whose file ends early is found out before the work

@@ -13,3 +13,9 @@ done
   -i sine=frequency=440 -t 2 -pix_fmt yuv420p clip.mp4
 ln -sf clip.mp4 video.mp4
 [ -f music.wav ] || ffmpeg -nostdin -v error -f lavfi -i sine=frequency=330:duration=6 music.wav
+# A sky of 16 bits, and a logo on nothing.
+[ -f sky.png ] || ffmpeg -nostdin -v error -f lavfi -i \
+  "nullsrc=size=960x540,format=gray16le,geq=lum='30000+15*Y'" -frames:v 1 -pix_fmt rgb48be sky.png
+[ -f logo.png ] || ffmpeg -nostdin -v error -f lavfi -i \
+  "nullsrc=size=640x640,format=rgba,geq=r=255:g=160:b=0:a='255*lte(hypot(X-320,Y-320),300)'" \
+  -frames:v 1 logo.png

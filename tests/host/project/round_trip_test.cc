@@ -29,6 +29,8 @@ void ExpectSame(const RenderPlan& a, const RenderPlan& b) {
   EXPECT_EQ(a.format.sampleAspect, b.format.sampleAspect);
   EXPECT_EQ(a.frames, b.frames);
   EXPECT_EQ(a.playMode, b.playMode);
+  EXPECT_EQ(a.transparent, b.transparent);
+  EXPECT_EQ(a.linearLight, b.linearLight);
   EXPECT_EQ(a.motion, b.motion);
   EXPECT_EQ(a.beside, b.beside);
   EXPECT_EQ(a.loop, b.loop);

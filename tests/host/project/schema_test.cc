@@ -65,14 +65,14 @@ TEST(Schema, AcceptsWhatIsWritten) {
 
 TEST(Schema, RefusesEveryFieldOfAWrongKind) {
   const json document = json::parse(R"({"image": "a", "over": "b", "audio": "c", "playMode": 1,
-    "film": {"width": 8, "height": 8, "rate": 25, "frames": 4, "fields": "top",
+    "transparent": true, "linearLight": true, "film": {"width": 8, "height": 8, "rate": 25, "frames": 4, "fields": "top",
              "displayAspect": "1:1"},
     "parameters": {"size": [{"time": 0, "value": 1, "active": true}], "path": {"value": 1},
                    "position": {"value": [0, 0]}, "progressive": {"value": true}},
     "views": [{"view": "2", "hold": 1, "go": 1, "in": "linear", "out": "ease"}]})");
   EXPECT_NO_THROW(CheckProject(document));
   const json flat = document.flatten();
-  EXPECT_EQ(flat.size(), 22u);
+  EXPECT_EQ(flat.size(), 24u);
   for (const auto& [pointer, value] : flat.items()) {
     json changed = document;
     changed[json::json_pointer(pointer)] = nullptr;
