@@ -39,7 +39,7 @@ void DitherFrame(const DeepSource& frame, Level* levels, ptrdiff_t rowBytes, int
     }
     uint8_t* const row = reinterpret_cast<uint8_t*>(levels) + y * rowBytes;
     Level* const to = reinterpret_cast<Level*>(row);
-    if (frame.sample == DeepSample::Unsigned16) {
+    if (frame.sample == DeepSample::kUnsigned16) {
       DitherRow<kMost>(frame.Row<uint16_t>(y), frame.hasAlpha, thresholds, to);
     } else {
       DitherRow<kMost>(frame.Row<float>(y), frame.hasAlpha, thresholds, to);

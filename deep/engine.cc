@@ -49,11 +49,11 @@ Target DrawDeep(const DeepPlan& plan) {
   if (shown.Empty()) return CurrentTarget();
   if (plan.nearest) {
     DrawDeepNearest(plan);
-    return Target::Scalar;
+    return Target::kScalar;
   }
-  if (CurrentTarget() != Target::Scalar) return DrawDeepVectors(plan);
+  if (CurrentTarget() != Target::kScalar) return DrawDeepVectors(plan);
   DrawDeepPlain(plan);
-  return Target::Scalar;
+  return Target::kScalar;
 }
 
 void RenderDeep(const DeepJob& job, const DeepSource& picture, const DeepTarget& target) {

@@ -5,9 +5,9 @@
 // transparency, and kernels that are not cut short. No file of the effect is needed, and nothing is
 // kept between calls; calls in several threads do not disturb each other.
 //
-//   kelto::DeepPicture picture(6000, 4000, kelto::DeepSample::Unsigned16, true);
+//   kelto::DeepPicture picture(6000, 4000, kelto::DeepSample::kUnsigned16, true);
 //   ...                                                  // fill picture.view()
-//   kelto::DeepPicture frame(1920, 1080, kelto::DeepSample::Unsigned16, true);
+//   kelto::DeepPicture frame(1920, 1080, kelto::DeepSample::kUnsigned16, true);
 //   kelto::DeepJob job;
 //   job.frame = {1920, 1080};
 //   const kelto::FrameRects rects = kelto::ComputeFrameRects(
@@ -37,8 +37,8 @@ struct DeepJob {
   /// `fieldRows` names a field, of that field. A frame drawn in parts of any size is to the bit the
   /// one that is drawn at once.
   int32_t left = 0, top = 0;
-  int32_t fieldRows = AllRows;        ///< FieldRows
-  int32_t filterMode = FilterHiQual;  ///< FilterMode; others mean FilterRealTime
+  int32_t fieldRows = kAllRows;        ///< FieldRows
+  int32_t filterMode = kFilterHiQual;  ///< FilterMode; others mean kFilterRealTime
   /// What shows where the picture does not, and through it where it is transparent: red, green,
   /// blue and alpha of 0 .. 1, colours multiplied by alpha.
   std::array<float, 4> background = {0.0f, 0.0f, 0.0f, 1.0f};

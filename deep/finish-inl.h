@@ -27,7 +27,7 @@ class DeepFinish {
  public:
   explicit DeepFinish(const DeepPlan& plan)
       : plan_(plan),
-        clamped_(plan.target.sample == DeepSample::Unsigned16),
+        clamped_(plan.target.sample == DeepSample::kUnsigned16),
         columns_(static_cast<size_t>(plan.columns.end - plan.columns.first)),
         wholeFirst_(0),
         wholeEnd_(columns_),

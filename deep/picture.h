@@ -10,17 +10,19 @@ namespace kelto {
 
 /// How a channel is stored, in the machine's byte order.
 enum class DeepSample : int32_t {
-  Unsigned16,  ///< 0 .. 65535, all of it: 65535 is white, or opaque
-  Float32,     ///< 0 .. 1 likewise; colours may lie beyond
+  kUnsigned16,  ///< 0 .. 65535, all of it: 65535 is white, or opaque
+  kFloat32,     ///< 0 .. 1 likewise; colours may lie beyond
 };
 
 /// 65535 or 1.
 constexpr float FullScale(DeepSample sample) {
-  return sample == DeepSample::Unsigned16 ? 65535.0f : 1.0f;
+  return sample == DeepSample::kUnsigned16 ? 65535.0f : 1.0f;
 }
 
 /// Of one pixel: 8 or 16.
-constexpr size_t PixelBytes(DeepSample sample) { return sample == DeepSample::Unsigned16 ? 8 : 16; }
+constexpr size_t PixelBytes(DeepSample sample) {
+  return sample == DeepSample::kUnsigned16 ? 8 : 16;
+}
 
 /// Pixels of somebody else's: red, green, blue and alpha one after the other, colours multiplied by
 /// alpha. `Pixels` is void or const void.
@@ -32,7 +34,7 @@ struct DeepRows {
   Pixels* pixels = nullptr;  ///< the top left pixel, aligned for its samples; null for no picture
   int32_t width = 0, height = 0;
   ptrdiff_t rowBytes = 0;  ///< from a row to the row below it, of either sign
-  DeepSample sample = DeepSample::Unsigned16;
+  DeepSample sample = DeepSample::kUnsigned16;
   /// False: every pixel is opaque whatever its fourth sample holds, which is written as full scale.
   bool hasAlpha = true;
 

@@ -24,7 +24,7 @@ uint16_t Rounded(double value, double most) {
 DeepPixel ReadPixel(const DeepSource& from, int32_t x, int32_t y) {
   DeepPixel pixel;
   for (int32_t c = 0; c < 4; ++c) {
-    pixel[static_cast<size_t>(c)] = from.sample == DeepSample::Unsigned16
+    pixel[static_cast<size_t>(c)] = from.sample == DeepSample::kUnsigned16
                                         ? from.Row<uint16_t>(y)[4 * x + c] / 65535.0
                                         : double{from.Row<float>(y)[4 * x + c]};
   }
@@ -34,7 +34,7 @@ DeepPixel ReadPixel(const DeepSource& from, int32_t x, int32_t y) {
 
 void WritePixel(const DeepTarget& to, int32_t x, int32_t y, const DeepPixel& pixel) {
   const double alpha = to.hasAlpha ? pixel[3] : 1.0;
-  if (to.sample == DeepSample::Float32) {
+  if (to.sample == DeepSample::kFloat32) {
     float* const at = to.Row<float>(y) + 4 * x;
     for (size_t c = 0; c < 3; ++c) at[c] = static_cast<float>(pixel[c]);
     at[3] = static_cast<float>(alpha);

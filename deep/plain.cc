@@ -40,7 +40,7 @@ class PlainRows {
 /// Draws a pixel that the picture covers in part or in whole, over what lies behind.
 void MixPixel(const DeepPlan& plan, int32_t x, int32_t y, const DeepPixel& picture,
               double coverage) {
-  const DeepPixel held = HeldWithinAlpha(picture, plan.target.sample == DeepSample::Unsigned16);
+  const DeepPixel held = HeldWithinAlpha(picture, plan.target.sample == DeepSample::kUnsigned16);
   const DeepPixel behind = plan.Behind(x, y);
   if (plan.linearLight) {
     WritePixel(plan.target, x, y, EncodeLight(Over(held, coverage, DecodeLight(behind))));

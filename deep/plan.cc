@@ -79,7 +79,7 @@ DeepPlan PlanDeep(const DeepJob& job, const DeepSource& picture, const DeepTarge
   ResampleJob geometry = GeometryJob(job, picture);
   const Picture shown = ClipJob(geometry) ? FramePicture(geometry) : Picture{};
   if (shown.Empty() || target.pixels == nullptr) return plan;
-  const Canvas canvas = MakeCanvas(geometry, PixelFormat::FourByte, true);
+  const Canvas canvas = MakeCanvas(geometry, PixelFormat::kFourByte, true);
   const FilterSpec* const filter = FrameFilter(job.filterMode);
   const Range wholeColumns = filter ? shown.columns.span.pixels : shown.columns.span.Centres();
   const Range wholeRows =

@@ -101,7 +101,7 @@ class DeepStrip {
   void Read(size_t pixel, Range rows) {
     first_ = base_ + static_cast<int32_t>(pixel);
     rows_ = rows;
-    if (plan_.picture.sample == DeepSample::Unsigned16) {
+    if (plan_.picture.sample == DeepSample::kUnsigned16) {
       for (int32_t y = rows.first; y < rows.end; ++y) ReadRow<uint16_t>(y);
     } else {
       for (int32_t y = rows.first; y < rows.end; ++y) ReadRow<float>(y);

@@ -115,7 +115,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   ResampleJob job;
   job.source = {source.Row0(), source.rowBytes / 4, source.rowCount, source.stride};
   job.fieldRows = in.Mostly(0, 3);
-  const bool field = job.fieldRows == EvenRows || job.fieldRows == OddRows;
+  const bool field = job.fieldRows == kEvenRows || job.fieldRows == kOddRows;
   // A field's frame may have a row more than twice the field's.
   job.dest = {nullptr, width, field ? rows * 2 + (in.Bool() ? 1 : 0) : rows, dest.stride};
   job.interlaceSelector = in.Mostly(0, 3);
@@ -136,13 +136,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
 
   const auto targets = AvailableTargets();
-  const auto expected = DrawOn(Target::Scalar, kDraws[entry], job, dest);
+  const auto expected = DrawOn(Target::kScalar, kDraws[entry], job, dest);
   CheckPadding(dest, expected);
   std::vector<uint8_t> first;
   for (const Target target : targets) {
-    if (target == Target::Scalar) continue;
+    if (target == Target::kScalar) continue;
     const auto drawn = DrawOn(target, kDraws[entry], job, dest);
-    const bool filtered = mode >= FilterTriangle && mode <= FilterUltraQual;
+    const bool filtered = mode >= kFilterTriangle && mode <= kFilterUltraQual;
     Require(LargestDifference(drawn, expected) <= (filtered ? 1 : 0),
             "vectors come within one level of the scalar engine");
     if (first.empty()) first = drawn;

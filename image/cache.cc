@@ -33,7 +33,7 @@ void Reduce(const IplImage& from, const IplImage& to) {
                   .top = 0.0f,
                   .right = static_cast<float>(to.width) - 0.5f,
                   .bottom = static_cast<float>(to.height) - 0.5f};
-  job.filterMode = FilterHiQual;
+  job.filterMode = kFilterHiQual;
   ReduceImage(job);
 }
 
@@ -116,7 +116,7 @@ void ReduceToVideoResolution(PanZoomState& state) {
 }
 
 IplImage* SelectCachedLevel(const PanZoomState& state, const hfxImage& output) {
-  const double zoom = state.settings.display != DisplaySource ? state.settings.view.zoom : 1.0;
+  const double zoom = state.settings.display != kDisplaySource ? state.settings.view.zoom : 1.0;
   const double fieldsPerFrame = state.GetFieldMode() == hfxFieldModeSeparate ? 2.0 : 1.0;
   const double neededWidth = output.GetWidth() * zoom;
   const double neededHeight = output.GetHeight() * fieldsPerFrame * zoom;

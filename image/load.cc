@@ -139,7 +139,7 @@ bool Load(PanZoomState& state, bool interactive) {
 
   ImagePtr converted(NewHeader(3, "YCr", "YCr", IPL_ALIGN_QWORD, size));
   if (!AllocateOrReport(state, converted.get())) return false;
-  ConvertLevels(*decoded, *converted, state.settings.levels == LevelsRGB);
+  ConvertLevels(*decoded, *converted, state.settings.levels == kLevelsRGB);
   if (LibraryFailed()) return false;
   decoded.reset();  // before the next allocation: two full-size images at a time, never three
 

@@ -28,7 +28,7 @@ bool ConstantAt(const VelocityKeys& velocities, double t) {
   if (!velocities) return false;
   const auto key = std::lower_bound(velocities->begin(), velocities->end(), t,
                                     [](const auto& each, double time) { return each.time < time; });
-  return key != velocities->end() && key->time == t && key->value == VelocityConstant;
+  return key != velocities->end() && key->time == t && key->value == kVelocityConstant;
 }
 
 /// Measures a path and adds what it finds to a table.
@@ -64,7 +64,7 @@ class Surveyor {
     for (size_t k = a; k < b; ++k) {
       const auto& from = position_[k];
       const auto& to = position_[k + 1];
-      if (keys_.pathType == PathSpline && to.time - from.time > step) {
+      if (keys_.pathType == kPathSpline && to.time - from.time > step) {
         SampleSpline(from.time, to.time, step);
       } else {
         length_ += Distance(from.value, to.value);

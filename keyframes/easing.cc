@@ -8,7 +8,7 @@ namespace {
 
 /// The velocity of key `index`; Linear where that key does not exist.
 int32_t VelocityAt(const std::vector<MotionKey<int32_t>>& velocities, size_t index) {
-  return index < velocities.size() ? velocities[index].value : int32_t{VelocityLinear};
+  return index < velocities.size() ? velocities[index].value : int32_t{kVelocityLinear};
 }
 
 }  // namespace
@@ -21,10 +21,10 @@ VelocityEasing::VelocityEasing(const MotionKeys& keys) : eased_(keys.in && keys.
   // Where the run of Constant keys that a key lies in begins and ends.
   std::vector<size_t> begins(n), ends(n);
   for (size_t k = 0; k < n; ++k) {
-    begins[k] = k > 0 && outs[k].value == VelocityConstant ? begins[k - 1] : k;
+    begins[k] = k > 0 && outs[k].value == kVelocityConstant ? begins[k - 1] : k;
   }
   for (size_t k = n; k-- > 0;) {
-    ends[k] = k + 1 < n && VelocityAt(ins, k) == VelocityConstant ? ends[k + 1] : k;
+    ends[k] = k + 1 < n && VelocityAt(ins, k) == kVelocityConstant ? ends[k + 1] : k;
   }
   times_.reserve(n);
   for (const auto& key : outs) times_.push_back(key.time);
@@ -51,21 +51,21 @@ EasedTime VelocityEasing::At(double t) const {
 }
 
 VelocityEasing::Shoulder VelocityEasing::ShoulderOf(int32_t velocity) {
-  if (velocity == VelocityLinear || velocity == VelocityConstant) return ShoulderEven;
-  return velocity == VelocityEase ? ShoulderEased : ShoulderNone;
+  if (velocity == kVelocityLinear || velocity == kVelocityConstant) return kShoulderEven;
+  return velocity == kVelocityEase ? kShoulderEased : kShoulderNone;
 }
 
 // The shoulders (0.25, 0.1) and (0.75, 0.9) are the whole design of the velocity modes; both halves
 // meet in the middle.
 CurvePtr VelocityEasing::MakeShape(Shoulder departure, Shoulder arrival) {
   CurvePtr shape = NewCurve(NaturalSpline, 5);
-  if (departure != ShoulderNone) {
+  if (departure != kShoulderNone) {
     CurveAppendXY(shape.get(), 0.0, 0.0);
-    if (departure == ShoulderEased) CurveAppendXY(shape.get(), 0.25, 0.1);
+    if (departure == kShoulderEased) CurveAppendXY(shape.get(), 0.25, 0.1);
     CurveAppendXY(shape.get(), 0.5, 0.5);
   }
-  if (arrival != ShoulderNone) {
-    if (arrival == ShoulderEased) CurveAppendXY(shape.get(), 0.75, 0.9);
+  if (arrival != kShoulderNone) {
+    if (arrival == kShoulderEased) CurveAppendXY(shape.get(), 0.75, 0.9);
     CurveAppendXY(shape.get(), 1.0, 1.0);
   }
   Prepare(*shape);
@@ -74,7 +74,7 @@ CurvePtr VelocityEasing::MakeShape(Shoulder departure, Shoulder arrival) {
 
 /// The shape of a stretch, made when it is first asked for; null for one that holds.
 const Curve* VelocityEasing::ShapeOf(int32_t outVelocity, int32_t inVelocity) {
-  if (outVelocity == VelocityHold) return nullptr;
+  if (outVelocity == kVelocityHold) return nullptr;
   const Shoulder departure = ShoulderOf(outVelocity), arrival = ShoulderOf(inVelocity);
   CurvePtr& shape = shapes_[departure][arrival];
   if (!shape) shape = MakeShape(departure, arrival);

@@ -33,13 +33,13 @@ class VelocityEasing {
     const Curve* shape;  ///< in the unit square; null: the view stands at `from`
   };
   /// How a stretch leaves its first key, or arrives at its last.
-  enum Shoulder { ShoulderNone, ShoulderEven, ShoulderEased, ShoulderCount };
+  enum Shoulder { kShoulderNone, kShoulderEven, kShoulderEased, kShoulderCount };
 
   static Shoulder ShoulderOf(int32_t velocity);
   static CurvePtr MakeShape(Shoulder departure, Shoulder arrival);
   const Curve* ShapeOf(int32_t outVelocity, int32_t inVelocity);
 
-  std::array<std::array<CurvePtr, ShoulderCount>, ShoulderCount> shapes_;
+  std::array<std::array<CurvePtr, kShoulderCount>, kShoulderCount> shapes_;
   std::vector<double> times_;       ///< of the out keys
   std::vector<Stretch> stretches_;  ///< up to each of the times, and past the last
   bool eased_ = false;

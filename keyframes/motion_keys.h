@@ -11,14 +11,14 @@ namespace kelto {
 
 /// Values of the lists "invelocity" and "outvelocity".
 enum Velocity : int32_t {
-  VelocityLinear = 0,
-  VelocityEase = 1,
-  VelocityConstant = 2,
-  VelocityHold = 3
+  kVelocityLinear = 0,
+  kVelocityEase = 1,
+  kVelocityConstant = 2,
+  kVelocityHold = 3
 };
 
 /// How the path runs from key to key. Values of the list "path"; any other is a straight path.
-enum PathType : int32_t { PathLinear = 0, PathSpline = 1 };
+enum PathType : int32_t { kPathLinear = 0, kPathSpline = 1 };
 
 /// A place that the view looks at, in base rectangles (framing/view.h).
 struct PathPoint {
@@ -38,8 +38,8 @@ struct MotionKeys {
   std::optional<std::vector<MotionKey<double>>> zoom;
   /// Velocities are keyed at the times of the positions; a key that is missing counts as Linear.
   std::optional<std::vector<MotionKey<int32_t>>> in, out;
-  int32_t pathType = PathLinear;  ///< PathType
-  int32_t totalFrames = 1;        ///< of the effect; settles how finely a spline is measured
+  int32_t pathType = kPathLinear;  ///< PathType
+  int32_t totalFrames = 1;         ///< of the effect; settles how finely a spline is measured
 };
 
 /// The keys of "position", "size" (none where its user data names no instance), "invelocity" and

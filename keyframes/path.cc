@@ -3,7 +3,7 @@
 namespace kelto {
 
 MotionPath::MotionPath(const MotionKeys& keys) {
-  const int32_t kind = keys.pathType == PathSpline ? NaturalSpline : Linear;
+  const int32_t kind = keys.pathType == kPathSpline ? NaturalSpline : Linear;
   const bool moves = keys.position && keys.position->size() > 1;
   const int32_t count = moves ? static_cast<int32_t>(keys.position->size()) : 0;
   x_ = NewCurve(kind, count);

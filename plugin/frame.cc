@@ -34,7 +34,7 @@ bool RenderCurrentFrame(PanZoomState& state, const hfxRect& region) {
   ReloadWhereNeeded(state);
   EvaluateMotion(state);
   const bool loaded = state.picture.workImages[0] && state.picture.workImages[0]->imageData;
-  if (!loaded && state.settings.compositeOver != OverColor) {
+  if (!loaded && state.settings.compositeOver != kOverColor) {
     RenderWithoutImage(state);
   } else {
     RenderFrame(state, region);

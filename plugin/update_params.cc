@@ -63,7 +63,7 @@ void CoupleVelocities(const PanZoomState& state) {
     int32_t inValue, outValue;
     std::memcpy(&inValue, ins->GetKey(i)->GetValue(), sizeof inValue);
     std::memcpy(&outValue, out->GetValue(), sizeof outValue);
-    if ((inValue == VelocityConstant) != (outValue == VelocityConstant)) {
+    if ((inValue == kVelocityConstant) != (outValue == kVelocityConstant)) {
       out->SetValue(&inValue, sizeof inValue);
     }
   }
@@ -87,14 +87,14 @@ bool ApplyCacheCommand(PanZoomState& state, bool read) {
   }
   if (state.settings.cacheMode == state.picture.appliedCacheMode) return true;
   const int32_t command = state.settings.cacheMode;
-  if (command >= CacheVideoResolution && command < FreeCurrentCache) {
+  if (command >= kCacheVideoResolution && command < kFreeCurrentCache) {
     state.picture.appliedCacheMode = command;
     ReleaseWorkImages(state);
-  } else if (command == FreeCurrentCache) {
+  } else if (command == kFreeCurrentCache) {
     ReleaseWorkImages(state);
-    state.settings.cacheMode = CacheImageResolution;
-  } else if (command >= CacheAllFirst && command <= FreeAllCaches) {
-    CommandEveryInstance(command - CacheAllFirst);
+    state.settings.cacheMode = kCacheImageResolution;
+  } else if (command >= kCacheAllFirst && command <= kFreeAllCaches) {
+    CommandEveryInstance(command - kCacheAllFirst);
   }
   for (int32_t i = 0; cache && i < cache->GetNumKeys(); ++i) {
     cache->SetValue(cache->GetKey(i)->GetTime(), state.settings.cacheMode);

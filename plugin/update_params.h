@@ -11,15 +11,15 @@ namespace kelto {
 /// velocities, and has the motion prepared anew. Returns true.
 bool UpdateParams(hfxInstance_v1* instance);
 
-/// Values of the "cache" list. Those from CacheAllFirst on reach every instance, each with the
-/// value less CacheAllFirst.
+/// Values of the "cache" list. Those from kCacheAllFirst on reach every instance, each with the
+/// value less kCacheAllFirst.
 enum CacheCommand : int32_t {
-  CacheVideoResolution = 0,
-  CacheImageResolution = 1,
-  CacheMultiResolution = 2,
-  FreeCurrentCache = 3,
-  CacheAllFirst = 4,
-  FreeAllCaches = 7,
+  kCacheVideoResolution = 0,
+  kCacheImageResolution = 1,
+  kCacheMultiResolution = 2,
+  kFreeCurrentCache = 3,
+  kCacheAllFirst = 4,
+  kFreeAllCaches = 7,
 };
 
 /// Carries out the cache command in `cacheMode`, taken from the "cache" list first when `read` is

@@ -84,9 +84,9 @@ OutlineRect ActionSafeRect(const OutlineRect& rect) {
 void DrawViewOverlay(const PanZoomState& state, hfxImage& image, int32_t colorspace) {
   const OutlineRect view = ViewRect(image.GetWidth(), image.GetHeight(), state.settings.view.zoom,
                                     state.settings.view.centreX, state.settings.view.centreY);
-  DrawFrameOutline(image, colorspace, view, OutlineThick, kOutlineColour);
+  DrawFrameOutline(image, colorspace, view, kOutlineThick, kOutlineColour);
   if (!state.settings.showActionSafe || !state.renderFlag) return;
-  DrawFrameOutline(image, colorspace, ActionSafeRect(view), OutlineThin, kOutlineColour);
+  DrawFrameOutline(image, colorspace, ActionSafeRect(view), kOutlineThin, kOutlineColour);
 }
 
 }  // namespace kelto

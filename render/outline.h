@@ -14,7 +14,7 @@ struct OutlineRect {
 };
 
 /// How thick an outline is, in pixels.
-enum OutlineMode : int32_t { OutlineThin = 1, OutlineThick = 2 };
+enum OutlineMode : int32_t { kOutlineThin = 1, kOutlineThick = 2 };
 
 /// Draws the edges of `rect`, clipped to the image, in the layout of `colorspace` (hfxColorspace):
 /// RGB pixels become 235 in all four bytes; in 4:2:2 the luma below is shifted by 70, so that the

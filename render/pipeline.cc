@@ -61,7 +61,7 @@ ResampleJob JobFor(const PanZoomState& state, hfxImage& output, PixelSize size) 
   // too are drawn as 4:2:2, into the front of each row.
   job.dest = {output.GetRowPtr(0), size.width, oneField ? size.height * 2 : size.height,
               output.GetRowDelta()};
-  job.fieldRows = !oneField ? AllRows : state.IsTopField() ? EvenRows : OddRows;
+  job.fieldRows = !oneField ? kAllRows : state.IsTopField() ? kEvenRows : kOddRows;
   job.interlaceSelector = fieldMode;
   job.layoutCode = LayoutCode(output.GetImgFormat(), output.GetChannelType(0));
   return job;
@@ -145,7 +145,7 @@ void BackgroundBytes(const double rgb[3], int32_t levels, uint8_t bytes[3]) {
   for (int i = 0; i < 3; ++i) {
     const double scaled = rgb[i] * 255.0;
     const int byte = !(scaled > 0.0) ? 0 : scaled >= 255.0 ? 255 : static_cast<int>(scaled);
-    bytes[i] = static_cast<uint8_t>(levels == LevelsRGB ? std::clamp(byte, 16, 235) : byte);
+    bytes[i] = static_cast<uint8_t>(levels == kLevelsRGB ? std::clamp(byte, 16, 235) : byte);
   }
 }
 
@@ -157,7 +157,7 @@ void RenderWithoutImage(PanZoomState& state) {
   if (!Renderable(colorspace) || size.width < 1 || size.height < 1) return;
 
   ResampleJob job = JobFor(state, *output, size);
-  std::memset(job.background.bytes, state.settings.levels == Levels601 ? 0 : 16, 3);
+  std::memset(job.background.bytes, state.settings.levels == kLevels601 ? 0 : 16, 3);
   const FrameRects rects =
       ComputeFrameRects(GeometryOf(state, *output), {0, 0}, {state.settings.view.zoom, 0.0, 0.0});
   job.sourceRect = rects.source;
@@ -176,18 +176,18 @@ void RenderFrame(PanZoomState& state, const hfxRect& region) {
                           Extent(region.y0, region.y1, output->GetHeight())};
   if (size.width < 1 || size.height < 1) return;
 
-  const bool showTarget = state.settings.display == DisplayTarget;
+  const bool showTarget = state.settings.display == kDisplayTarget;
   ResampleJob job = JobFor(state, *output, size);
   const IplImage* picture = SelectCachedLevel(state, *output);
   SetPicture(job, picture);
-  if (state.settings.compositeOver == OverColor) {
+  if (state.settings.compositeOver == kOverColor) {
     BackgroundBytes(state.settings.backgroundColor, state.settings.levels, job.background.bytes);
   } else {
     SetVideoBackground(job, *input, size, colorspace);
   }
   // The source display is always drawn fast and whole.
   const bool fast = !showTarget || state.GetQuality() <= kRealTimeQuality;
-  job.filterMode = fast ? static_cast<int32_t>(FilterRealTime) : state.settings.filter;
+  job.filterMode = fast ? static_cast<int32_t>(kFilterRealTime) : state.settings.filter;
   const View view = showTarget ? state.settings.view : View{};
   const FrameRects rects =
       ComputeFrameRects(GeometryOf(state, *output), {job.source.width, job.source.height}, view);
@@ -195,7 +195,7 @@ void RenderFrame(PanZoomState& state, const hfxRect& region) {
   job.destRect = rects.target;
 
   Draw(job, *output, size, colorspace);
-  if (state.settings.display == DisplaySource && state.overlayOff != 1)
+  if (state.settings.display == kDisplaySource && state.overlayOff != 1)
     DrawViewOverlay(state, *output, colorspace);
 }
 

@@ -72,7 +72,7 @@ void FillBackground(const Canvas& canvas, const Background& background, Range co
   const auto fill = [&](int32_t row, Range part) {
     if (part.Empty()) return;
     uint8_t* const pixels = canvas.Row(row);
-    if (canvas.format == PixelFormat::FourByte) {
+    if (canvas.format == PixelFormat::kFourByte) {
       FillColour(pixels, part, 4, pattern);
     } else if (background.videoRow0 != nullptr) {
       FillVideo(pixels, part, background, row);

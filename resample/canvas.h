@@ -7,8 +7,8 @@
 
 namespace kelto {
 
-/// Packed422: two bytes a pixel, luma and the chroma sample that the column's parity selects.
-enum class PixelFormat { Packed422, FourByte };
+/// kPacked422: two bytes a pixel, luma and the chroma sample that the column's parity selects.
+enum class PixelFormat { kPacked422, kFourByte };
 
 /// Half-open range of rows or columns.
 struct Range {
@@ -22,7 +22,7 @@ struct Canvas {
   int32_t width = 0;
   int32_t rows = 0;  ///< rows that the buffer holds
   ptrdiff_t rowBytes = 0;
-  PixelFormat format = PixelFormat::Packed422;
+  PixelFormat format = PixelFormat::kPacked422;
   int32_t firstFrameRow = 0;  ///< the frame row of buffer row 0
   int32_t frameRowStep = 1;   ///< from a buffer row's frame row to the next one's
 
@@ -44,7 +44,7 @@ struct Canvas {
 /// every second frame row; otherwise for successive ones from the frame's top, never more of them
 /// than the field's buffer holds.
 inline Canvas MakeCanvas(const ResampleJob& job, PixelFormat format, bool alternating) {
-  const bool field = job.fieldRows == EvenRows || job.fieldRows == OddRows;
+  const bool field = job.fieldRows == kEvenRows || job.fieldRows == kOddRows;
   Canvas canvas;
   canvas.pixels = job.dest.pixels;
   canvas.width = job.dest.width;

@@ -99,7 +99,7 @@ uint8_t RoundToByte(float value) {
 void RoundRow(const FilteredPlan& plan, const std::vector<float>& filtered,
               std::vector<uint8_t>& bytes) {
   bytes.clear();
-  if (plan.canvas.format == PixelFormat::FourByte) {
+  if (plan.canvas.format == PixelFormat::kFourByte) {
     for (const float value : filtered) bytes.push_back(RoundToByte(value));
     return;
   }

@@ -16,7 +16,7 @@ uint8_t Mixed(uint8_t picture, float coverage, uint8_t background) {
 
 void StoreFiltered(const FilteredPlan& plan, size_t row, size_t first, size_t count,
                    const uint8_t* bytes) {
-  const size_t pixelBytes = plan.canvas.format == PixelFormat::Packed422 ? 2 : 4;
+  const size_t pixelBytes = plan.canvas.format == PixelFormat::kPacked422 ? 2 : 4;
   uint8_t* const to = plan.canvas.Row(plan.rows.first + static_cast<int32_t>(row)) +
                       pixelBytes * static_cast<size_t>(plan.columns.first) + first;
   const float* const columnCoverage = plan.columnCoverage.data();

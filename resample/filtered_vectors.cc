@@ -259,7 +259,7 @@ void Draw(const FilteredPlan& plan, const FixedFilters& filters) {
 }  // namespace
 
 int64_t DrawFixed(const FilteredPlan& plan, const FixedFilters& filters) {
-  if (plan.canvas.format == PixelFormat::Packed422) {
+  if (plan.canvas.format == PixelFormat::kPacked422) {
     Draw<Layout422>(plan, filters);
   } else {
     Draw<Layout4Byte>(plan, filters);

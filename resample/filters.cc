@@ -36,7 +36,7 @@ const FilterSpec kReductionFilters[] = {
 
 template <size_t N>
 const FilterSpec* Find(const FilterSpec (&filters)[N], int32_t mode) {
-  return mode >= FilterTriangle && mode < static_cast<int32_t>(N) ? &filters[mode] : nullptr;
+  return mode >= kFilterTriangle && mode < static_cast<int32_t>(N) ? &filters[mode] : nullptr;
 }
 
 }  // namespace

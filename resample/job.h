@@ -25,18 +25,18 @@ struct ChromaBytes {
 
 /// Quality levels, in the order of the effect's filter list.
 enum FilterMode : int32_t {
-  FilterRealTime = 0,
-  FilterTriangle = 1,
-  FilterQuadratic = 2,
-  FilterCubic = 3,
-  FilterCatmull = 4,
-  FilterGaussian = 5,
-  FilterHiQual = 6,
-  FilterUltraQual = 7,
+  kFilterRealTime = 0,
+  kFilterTriangle = 1,
+  kFilterQuadratic = 2,
+  kFilterCubic = 3,
+  kFilterCatmull = 4,
+  kFilterGaussian = 5,
+  kFilterHiQual = 6,
+  kFilterUltraQual = 7,
 };
 
 /// Which rows of the frame a call computes. A field's rows go to consecutive destination rows.
-enum FieldRows : int32_t { EvenRows = 0, OddRows = 1, AllRows = 2 };
+enum FieldRows : int32_t { kEvenRows = 0, kOddRows = 1, kAllRows = 2 };
 
 /// What shows where the picture does not cover the destination.
 struct Background {
@@ -61,9 +61,9 @@ struct ResampleJob {
   /// Written by ClipJob: left and top hold the uncovered part of the first pixel (0 when uncut),
   /// right and bottom the covered part of the last (1 when uncut).
   RectF coverage;
-  int32_t fieldRows = AllRows;    ///< FieldRows
+  int32_t fieldRows = kAllRows;   ///< FieldRows
   int32_t interlaceSelector = 0;  ///< the host's field mode; read by the real-time path
-  int32_t filterMode = FilterRealTime;
+  int32_t filterMode = kFilterRealTime;
   ChromaBytes chroma;
   Background background;
   int32_t layoutCode = 0;  ///< the host's pixel layout, carried for diagnostics

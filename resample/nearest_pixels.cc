@@ -14,7 +14,7 @@ TakenBytes TakenBytes422(const ChromaBytes& chroma, int32_t firstColumn) {
 
 Target NearestPixels(const uint8_t* sourceRow, const std::vector<int32_t>& columns,
                      const TakenBytes& taken, uint8_t* to) {
-  const auto copy = CurrentTarget() == Target::Scalar ? NearestPixelsScalar : NearestPixelsVectors;
+  const auto copy = CurrentTarget() == Target::kScalar ? NearestPixelsScalar : NearestPixelsVectors;
   return copy(sourceRow, columns.data(), columns.size(), taken, to);
 }
 
@@ -27,7 +27,7 @@ Target NearestPixelsScalar(const uint8_t* sourceRow, const int32_t* columns, siz
       *to++ = from[bytes[static_cast<size_t>(byte)]];
     }
   }
-  return Target::Scalar;
+  return Target::kScalar;
 }
 
 }  // namespace kelto

@@ -44,7 +44,7 @@ void DrawRealTime(const Canvas& canvas, const PixelBlock& source, const ChromaBy
   if (columns.Empty()) return;
   const std::vector<int32_t> sourceColumns =
       NearestColumns(picture.columns.map, columns, source.width);
-  const bool packed = canvas.format == PixelFormat::Packed422;
+  const bool packed = canvas.format == PixelFormat::kPacked422;
   const TakenBytes taken = packed ? TakenBytes422(chroma, columns.first) : kWholePixels;
   const size_t offset = static_cast<size_t>(columns.first) * (packed ? 2 : 4);
   const size_t count = sourceColumns.size() * (packed ? 2 : 4);

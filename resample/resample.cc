@@ -52,12 +52,12 @@ void DrawFrame(const ResampleJob& request, PixelFormat format) {
 
 }  // namespace
 
-void ResampleTo422(const ResampleJob& job) { DrawFrame(job, PixelFormat::Packed422); }
+void ResampleTo422(const ResampleJob& job) { DrawFrame(job, PixelFormat::kPacked422); }
 
-void ResampleTo4Byte(const ResampleJob& job) { DrawFrame(job, PixelFormat::FourByte); }
+void ResampleTo4Byte(const ResampleJob& job) { DrawFrame(job, PixelFormat::kFourByte); }
 
 void ReduceImage(const ResampleJob& job) {
-  const Canvas canvas = MakeCanvas(job, PixelFormat::FourByte, true);
+  const Canvas canvas = MakeCanvas(job, PixelFormat::kFourByte, true);
   const Picture picture = ReductionPicture(job);
   if (canvas.Empty() || picture.Empty()) return;
   if (const FilterSpec* filter = ReductionFilter(job.filterMode)) {

@@ -15,15 +15,15 @@ bool g_scalar = false;
 
 std::string_view TargetName(Target target) {
   switch (target) {
-    case Target::Sse4:
+    case Target::kSse4:
       return "sse4";
-    case Target::Avx2:
+    case Target::kAvx2:
       return "avx2";
-    case Target::Avx512:
+    case Target::kAvx512:
       return "avx512";
-    case Target::Avx512Vnni:
+    case Target::kAvx512Vnni:
       return "avx512vnni";
-    case Target::Scalar:
+    case Target::kScalar:
       break;
   }
   return "scalar";
@@ -31,7 +31,7 @@ std::string_view TargetName(Target target) {
 
 std::vector<Target> AvailableTargets() {
   std::vector<Target> targets = vectors::Available();
-  targets.insert(targets.begin(), Target::Scalar);
+  targets.insert(targets.begin(), Target::kScalar);
   return targets;
 }
 
@@ -41,10 +41,10 @@ void SetTarget(Target target) {
     throw std::invalid_argument("no engine for " + std::string(TargetName(target)) +
                                 " on this machine");
   }
-  g_scalar = target == Target::Scalar;
+  g_scalar = target == Target::kScalar;
   if (!g_scalar) vectors::Choose(target);
 }
 
-Target CurrentTarget() { return g_scalar ? Target::Scalar : vectors::Running(); }
+Target CurrentTarget() { return g_scalar ? Target::kScalar : vectors::Running(); }
 
 }  // namespace kelto

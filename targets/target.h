@@ -7,7 +7,7 @@
 namespace kelto {
 
 /// Scalar is the straightforward engine; the others run the vector one.
-enum class Target { Scalar, Sse4, Avx2, Avx512, Avx512Vnni };
+enum class Target { kScalar, kSse4, kAvx2, kAvx512, kAvx512Vnni };
 
 std::string_view TargetName(Target target);
 

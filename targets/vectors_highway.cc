@@ -25,10 +25,10 @@ struct Known {
 
 /// Slowest first. Others that Highway can compile, its emulation for one, are slower than the
 /// scalar engine or no faster than one of these.
-constexpr Known kKnown[] = {{HWY_SSE4, Target::Sse4},
-                            {HWY_AVX2, Target::Avx2},
-                            {HWY_AVX3, Target::Avx512},
-                            {HWY_AVX3_DL, Target::Avx512Vnni}};
+constexpr Known kKnown[] = {{HWY_SSE4, Target::kSse4},
+                            {HWY_AVX2, Target::kAvx2},
+                            {HWY_AVX3, Target::kAvx512},
+                            {HWY_AVX3_DL, Target::kAvx512Vnni}};
 
 }  // namespace
 
@@ -55,7 +55,7 @@ Target Named(int64_t highwayTarget) {
   for (const Known& known : kKnown) {
     if (known.bit == highwayTarget) return known.target;
   }
-  return Target::Scalar;
+  return Target::kScalar;
 }
 
 }  // namespace kelto::vectors

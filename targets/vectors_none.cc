@@ -7,8 +7,8 @@ std::vector<Target> Available() { return {}; }
 
 void Choose(Target) {}
 
-Target Running() { return Target::Scalar; }
+Target Running() { return Target::kScalar; }
 
-Target Named(int64_t) { return Target::Scalar; }
+Target Named(int64_t) { return Target::kScalar; }
 
 }  // namespace kelto::vectors

@@ -10,7 +10,7 @@ namespace {
 
 /// The source behind a window, from its top row on.
 DeepPicture Backdrop(const Image& source, const ofx::RectI& window) {
-  DeepPicture picture(window.x2 - window.x1, window.y2 - window.y1, DeepSample::Float32, true);
+  DeepPicture picture(window.x2 - window.x1, window.y2 - window.y1, DeepSample::kFloat32, true);
   const DeepTarget rows = picture.view();
   for (int32_t row = 0; row < picture.height(); ++row) {
     auto* to = rows.Row<float>(row);
@@ -55,7 +55,7 @@ bool DrawDeepFrame(const frei0r::Adapter::Parts& parts, const Image* source,
     backdrop = Backdrop(*source, window);
     job.backdrop = std::as_const(backdrop).view();
   }
-  DeepPicture drawn(window.x2 - window.x1, window.y2 - window.y1, DeepSample::Float32, true);
+  DeepPicture drawn(window.x2 - window.x1, window.y2 - window.y1, DeepSample::kFloat32, true);
   RenderDeep(job, photo->view(), drawn.view());
   const frei0r::CoveredPixels covered =
       frei0r::CoveredBy(parts.shown.frame, parts.shown.view, job.frame, parts.shown.nearest);

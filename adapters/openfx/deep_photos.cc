@@ -30,7 +30,7 @@ std::shared_ptr<const DeepPicture> Decoded(const std::string& file) {
   try {
     stills::DeepReader reader(file);
     const stills::DeepInfo& info = reader.info();
-    const DeepSample sample = info.floats ? DeepSample::Float32 : DeepSample::Unsigned16;
+    const DeepSample sample = info.floats ? DeepSample::kFloat32 : DeepSample::kUnsigned16;
     auto photo = std::make_shared<DeepPicture>(
         static_cast<int32_t>(info.width), static_cast<int32_t>(info.height), sample, info.alpha);
     const DeepTarget rows = photo->view();

@@ -21,7 +21,7 @@ DeepPicture MakeDeep(DeepSample sample, bool hasAlpha) {
   for (int32_t y = 0; y < kImageHeight; ++y) {
     uint8_t* const to = picture.view().Row<uint8_t>(y);
     std::memcpy(to, noise.data() + row * static_cast<size_t>(y % 64), row);
-    if (sample != DeepSample::Float32) continue;
+    if (sample != DeepSample::kFloat32) continue;
     for (size_t at = 3; at < row; at += 4) to[at] = 0x3E;
   }
   return picture;
@@ -60,15 +60,15 @@ const bool kDeepFramesRegistered = [] {
   const Target best = AvailableTargets().back();
   for (const double scale : {3.125, 1 / 1.5}) {
     const std::string at = "/hiqual/" + ScaleName(scale);
-    add("deep/16 bits" + at, DeepSample::Unsigned16, false, scale, false, best);
-    add("deep/16 bits, alpha" + at, DeepSample::Unsigned16, true, scale, false, best);
-    add("deep/float" + at, DeepSample::Float32, false, scale, false, best);
-    add("deep/float, alpha" + at, DeepSample::Float32, true, scale, false, best);
-    add("deep/16 bits, linear light" + at, DeepSample::Unsigned16, false, scale, true, best);
+    add("deep/16 bits" + at, DeepSample::kUnsigned16, false, scale, false, best);
+    add("deep/16 bits, alpha" + at, DeepSample::kUnsigned16, true, scale, false, best);
+    add("deep/float" + at, DeepSample::kFloat32, false, scale, false, best);
+    add("deep/float, alpha" + at, DeepSample::kFloat32, true, scale, false, best);
+    add("deep/16 bits, linear light" + at, DeepSample::kUnsigned16, false, scale, true, best);
   }
   for (const Target target : AvailableTargets()) {
-    if (target == Target::Scalar) continue;  // it is an oracle, and takes seconds
-    add("deep_on/" + std::string(TargetName(target)) + "/3.125", DeepSample::Unsigned16, true,
+    if (target == Target::kScalar) continue;  // it is an oracle, and takes seconds
+    add("deep_on/" + std::string(TargetName(target)) + "/3.125", DeepSample::kUnsigned16, true,
         3.125, false, target);
   }
   return true;

@@ -16,7 +16,7 @@ void Pixels(benchmark::State& state, int32_t width, int32_t height) {
   Shared();
   int frame = 0;
   for ([[maybe_unused]] auto _ : state) {
-    ResampleJob job = Job(FilterHiQual, kScale, frame++, 2);
+    ResampleJob job = Job(kFilterHiQual, kScale, frame++, 2);
     job.dest.width = width;
     job.dest.height = height;
     const auto across = static_cast<float>(width), down = static_cast<float>(height);
@@ -38,9 +38,9 @@ void Taps(benchmark::State& state, double lobes) {
   Shared();
   int frame = 0;
   for ([[maybe_unused]] auto _ : state) {
-    ResampleJob job = Job(FilterHiQual, kScale, frame++, 2);
+    ResampleJob job = Job(kFilterHiQual, kScale, frame++, 2);
     ClipJob(job);
-    const Canvas canvas = MakeCanvas(job, PixelFormat::Packed422, true);
+    const Canvas canvas = MakeCanvas(job, PixelFormat::kPacked422, true);
     DrawFiltered(PlanFiltered(job, canvas, Lobes(&lobes), FramePicture(job)));
   }
 }

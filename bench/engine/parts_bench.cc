@@ -35,7 +35,7 @@ void Kernel(benchmark::State& state, FilterSpec filter) {
 FilteredPlan Plan(int32_t mode, double scale, int frame) {
   ResampleJob job = Job(mode, scale, frame, 2);
   ClipJob(job);
-  const Canvas canvas = MakeCanvas(job, PixelFormat::Packed422, true);
+  const Canvas canvas = MakeCanvas(job, PixelFormat::kPacked422, true);
   return PlanFiltered(job, canvas, *FrameFilter(mode), FramePicture(job));
 }
 
@@ -67,7 +67,7 @@ WeightTable OneTapEach(const WeightTable& table) {
 /// for each of its results, so that the other one has all of its work: what is left of both when
 /// neither has taps is the reading and turning of the view, and the writing.
 void Passes(benchmark::State& state, double scale, bool alongRows, bool downColumns) {
-  FilteredPlan plan = Plan(FilterHiQual, scale, 1);
+  FilteredPlan plan = Plan(kFilterHiQual, scale, 1);
   if (!alongRows) plan.columnWeights = OneTapEach(plan.columnWeights);
   if (!downColumns) plan.rowWeights = OneTapEach(plan.rowWeights);
   const auto filters = MakeFixedFilters(plan.columnWeights, plan.rowWeights);
@@ -76,13 +76,13 @@ void Passes(benchmark::State& state, double scale, bool alongRows, bool downColu
 }
 
 const bool kRegistered = [] {
-  for (int32_t mode = FilterTriangle; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterTriangle; mode <= kFilterUltraQual; ++mode) {
     benchmark::RegisterBenchmark(("kernels/" + std::string(kFilterNames[mode])).c_str(), Kernel,
                                  *FrameFilter(mode));
   }
   // What nearest point is as a kernel; the real-time path itself evaluates none.
   benchmark::RegisterBenchmark("kernels/box", Kernel, FilterSpec{KernelBox, nullptr, -0.5f, 0.5f});
-  for (const int32_t mode : {FilterCatmull, FilterHiQual, FilterUltraQual}) {
+  for (const int32_t mode : {kFilterCatmull, kFilterHiQual, kFilterUltraQual}) {
     for (const double scale : kScales) {
       benchmark::RegisterBenchmark(
           ("tables/" + std::string(kFilterNames[mode]) + "/" + ScaleName(scale)).c_str(), Tables,

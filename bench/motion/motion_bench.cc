@@ -23,7 +23,7 @@ MotionKeys KeysOf(int count, int32_t pathType) {
     const double time = i / (count - 1.0);
     keys.position->push_back({time, {std::sin(i * 0.7), std::cos(i * 1.1)}});
     keys.zoom->push_back({time, 2.0 + std::sin(i * 0.3)});
-    const int32_t velocity = i % 3 == 1 ? VelocityConstant : VelocityEase;
+    const int32_t velocity = i % 3 == 1 ? kVelocityConstant : kVelocityEase;
     keys.in->push_back({time, velocity});
     keys.out->push_back({time, velocity});
   }
@@ -46,8 +46,8 @@ void Ask(benchmark::State& state, int count, int32_t pathType) {
 
 const bool kRegistered = [] {
   for (const int count : {2, 100, 10000}) {
-    for (const int32_t pathType : {PathLinear, PathSpline}) {
-      const std::string path = pathType == PathSpline ? "spline" : "linear";
+    for (const int32_t pathType : {kPathLinear, kPathSpline}) {
+      const std::string path = pathType == kPathSpline ? "spline" : "linear";
       const std::string name = path + "/" + std::to_string(count) + " keys";
       benchmark::RegisterBenchmark(("motion/make/" + name).c_str(), Make, count, pathType);
       benchmark::RegisterBenchmark(("motion/ask/" + name).c_str(), Ask, count, pathType);

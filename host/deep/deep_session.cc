@@ -54,13 +54,13 @@ DeepSession::DeepSession(const std::string& modulePath, const RenderPlan& plan, 
   const FrameSize size = plan.format.size;
   backdrop_.emplace(plan, PixelLayout::kBGRA);
   video_.emplace(size.width, size.height, hfxColorspaceRGB);
-  backdropRows_ = DeepPicture(size.width, size.height, DeepSample::Unsigned16, false);
+  backdropRows_ = DeepPicture(size.width, size.height, DeepSample::kUnsigned16, false);
 }
 
 FrameView DeepSession::Render(int32_t number) {
   const FrameSize size = plan_.format.size;
   if (frame_.width() == 0) {
-    frame_ = DeepPicture(size.width, size.height, DeepSample::Unsigned16, true);
+    frame_ = DeepPicture(size.width, size.height, DeepSample::kUnsigned16, true);
   }
   const DeepTarget rows = frame_.view();
   RenderInto(static_cast<uint8_t*>(rows.pixels), rows.rowBytes, number);
@@ -108,7 +108,7 @@ void DeepSession::RenderField(const DeepTarget& whole, int32_t number, int32_t f
   DeepTarget target = whole;
   DeepSource behind = std::as_const(backdropRows_).view();
   if (plan_.format.Interlaced()) {
-    job.fieldRows = state.topField ? EvenRows : OddRows;
+    job.fieldRows = state.topField ? kEvenRows : kOddRows;
     const int32_t first = state.topField ? 0 : 1;
     target.pixels = static_cast<uint8_t*>(target.pixels) + first * target.rowBytes;
     target.height = (target.height + 1 - first) / 2;

@@ -10,7 +10,7 @@ using stills::DeepInfo;
 using stills::DeepReader;
 
 DeepSample SampleOf(const DeepInfo& info) {
-  return info.floats ? DeepSample::Float32 : DeepSample::Unsigned16;
+  return info.floats ? DeepSample::kFloat32 : DeepSample::kUnsigned16;
 }
 
 template <typename Work>

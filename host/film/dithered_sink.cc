@@ -78,8 +78,8 @@ void DitherFrame(const FrameView& frame, PixelLayout layout, uint8_t* pixels, pt
     }
     return;
   }
-  const DeepSource source{frame.pixels,           size.width, size.height, frame.rowBytes,
-                          DeepSample::Unsigned16, true};
+  const DeepSource source{
+      frame.pixels, size.width, size.height, frame.rowBytes, DeepSample::kUnsigned16, true};
   DitherTo8Bits(source, pixels, rowBytes);
   for (int32_t y = 0; y < size.height; ++y) {
     uint8_t* pixel = pixels + y * rowBytes;

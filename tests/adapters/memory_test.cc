@@ -47,7 +47,7 @@ TEST_F(Memory, ThatIsRefusedOnceCostsOneFrameAtMost) {
 
   for (; fired; ++n) {
     Instance instance(test::FilterPlugin(), 48, 32);
-    FailNth failing(FailingCall::Allocation, n + 1);
+    FailNth failing(FailingCall::kAllocation, n + 1);
     SetAndRender(instance);
     failing.Stop();
     fired = failing.Fired();

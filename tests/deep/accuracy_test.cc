@@ -20,21 +20,21 @@ double ExactSinc(double x, double lobes) {
 double ExactKernel(int32_t mode, double x) {
   const double a = std::abs(x);
   switch (mode) {
-    case FilterTriangle:
+    case kFilterTriangle:
       return std::max(1.0 - a, 0.0);
-    case FilterQuadratic:
+    case kFilterQuadratic:
       return a < 0.5 ? 0.75 - a * a : a < 1.5 ? 0.5 * (a - 1.5) * (a - 1.5) : 0.0;
-    case FilterCubic:
+    case kFilterCubic:
       return a < 1.0   ? (4.0 + a * a * (3.0 * a - 6.0)) / 6.0
              : a < 2.0 ? (2.0 - a) * (2.0 - a) * (2.0 - a) / 6.0
                        : 0.0;
-    case FilterCatmull:
+    case kFilterCatmull:
       return a < 1.0   ? 1.0 + a * a * (1.5 * a - 2.5)
              : a < 2.0 ? 2.0 + a * (-4.0 + a * (2.5 - 0.5 * a))
                        : 0.0;
-    case FilterGaussian:
+    case kFilterGaussian:
       return std::exp(-2.0 * x * x) * std::sqrt(2.0 / kTurn);
-    case FilterHiQual:
+    case kFilterHiQual:
       return ExactSinc(x, 5.0);
     default:
       return ExactSinc(x, 16.0);
@@ -135,13 +135,13 @@ double PeakToNoise(int32_t mode, double scale, DeepSample sample, bool wholeKern
 }
 
 TEST(DeepAccuracy, IsNinetyDecibelsOfExactArithmeticForEveryFilterAtEveryScale) {
-  for (int32_t mode = FilterTriangle; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterTriangle; mode <= kFilterUltraQual; ++mode) {
     for (const double scale : {6.0, 3.125, 1.5, 1.0 / 1.5, 1.0 / 6.0}) {
       const std::string row = "filter " + std::to_string(mode) + " at " + std::to_string(scale);
-      const double decibels = PeakToNoise(mode, scale, DeepSample::Unsigned16, true);
+      const double decibels = PeakToNoise(mode, scale, DeepSample::kUnsigned16, true);
       EXPECT_GE(decibels, 90.0) << row;
-      EXPECT_GE(PeakToNoise(mode, scale, DeepSample::Unsigned16, false), 90.0) << row;
-      EXPECT_GE(PeakToNoise(mode, scale, DeepSample::Float32, true), 90.0) << row;
+      EXPECT_GE(PeakToNoise(mode, scale, DeepSample::kUnsigned16, false), 90.0) << row;
+      EXPECT_GE(PeakToNoise(mode, scale, DeepSample::kFloat32, true), 90.0) << row;
       RecordProperty(row, std::to_string(decibels));
     }
   }
@@ -163,7 +163,7 @@ double SpotAt(const DeepPicture& frame) {
 /// The standard deviation of the second difference of a spot's way, 16 pixels in 60 frames.
 double TrembleOf(int32_t mode, bool wholeKernels) {
   const DeepPicture spot =
-      test::MakePicture(1000, 562, DeepSample::Unsigned16, false, [](int32_t x, int32_t y) {
+      test::MakePicture(1000, 562, DeepSample::kUnsigned16, false, [](int32_t x, int32_t y) {
         const double value =
             std::exp(-(std::pow(x - 500.0, 2) + std::pow(y - 281.0, 2)) / (2 * 62.5 * 62.5));
         return DeepPixel{value, value, value, 1.0};
@@ -174,7 +174,7 @@ double TrembleOf(int32_t mode, bool wholeKernels) {
                                                {1.25, 0.02 - 0.04 * i / 59, 0.0});
     DeepJob job = test::MakeDeepJob(rects.source, 320, 180, mode);
     job.wholeKernels = wholeKernels;
-    at.push_back(SpotAt(test::RenderedFrame(job, spot, DeepSample::Unsigned16)));
+    at.push_back(SpotAt(test::RenderedFrame(job, spot, DeepSample::kUnsigned16)));
   }
   EXPECT_NEAR(std::abs(at.front() - at.back()), 16.0, 0.05);
   double squares = 0.0;
@@ -185,7 +185,7 @@ double TrembleOf(int32_t mode, bool wholeKernels) {
 }
 
 TEST(DeepAccuracy, ASlowPanMovesEvenly) {
-  for (const int32_t mode : {FilterCatmull, FilterHiQual, FilterUltraQual}) {
+  for (const int32_t mode : {kFilterCatmull, kFilterHiQual, kFilterUltraQual}) {
     const double whole = TrembleOf(mode, true), cut = TrembleOf(mode, false);
     EXPECT_LE(whole, 0.0005) << "filter " << mode;
     EXPECT_GT(cut, 0.002) << "kernels that end at whole pixels would do, too";

@@ -11,7 +11,7 @@ using test::MakePicture;
 using test::RenderedFrame;
 
 constexpr DeepPixel kNothing = {0, 0, 0, 0};
-constexpr DeepSample kBothSamples[] = {DeepSample::Unsigned16, DeepSample::Float32};
+constexpr DeepSample kBothSamples[] = {DeepSample::kUnsigned16, DeepSample::kFloat32};
 
 /// A white disc on nothing, whose edge is a pixel wide.
 DeepPicture Disc(DeepSample sample) {
@@ -24,10 +24,10 @@ DeepPicture Disc(DeepSample sample) {
 TEST(DeepAlpha, AWhiteDiscOverRedHasNoFringe) {
   // Enlarged and reduced: every pixel is a mixture of red and white, no darker than either.
   for (const DeepSample sample : kBothSamples) {
-    const double rounding = sample == DeepSample::Unsigned16 ? 1.01 / 65535 : 1e-6;
+    const double rounding = sample == DeepSample::kUnsigned16 ? 1.01 / 65535 : 1e-6;
     const DeepPicture disc = Disc(sample);
     for (const bool linearLight : {false, true}) {
-      for (int32_t mode = FilterRealTime; mode <= FilterUltraQual; ++mode) {
+      for (int32_t mode = kFilterRealTime; mode <= kFilterUltraQual; ++mode) {
         for (const auto& [width, height] : {std::pair(500, 376), {48, 36}, {23, 17}}) {
           DeepJob job = MakeDeepJob(test::WholeOf(120, 90), width, height, mode);
           job.background = {1, 0, 0, 1};
@@ -54,10 +54,10 @@ TEST(DeepAlpha, AWhiteDiscOverRedHasNoFringe) {
 }
 
 TEST(DeepAlpha, AFilmOverNothingKeepsTransparency) {
-  DeepJob job = MakeDeepJob(test::WholeOf(120, 90), 200, 150, FilterHiQual);
+  DeepJob job = MakeDeepJob(test::WholeOf(120, 90), 200, 150, kFilterHiQual);
   job.background = {0, 0, 0, 0};
   const DeepPicture frame =
-      RenderedFrame(job, Disc(DeepSample::Unsigned16), DeepSample::Unsigned16);
+      RenderedFrame(job, Disc(DeepSample::kUnsigned16), DeepSample::kUnsigned16);
   EXPECT_EQ(ReadPixel(frame.view(), 3, 3), kNothing);
   EXPECT_EQ(ReadPixel(frame.view(), 100, 75), (DeepPixel{1, 1, 1, 1}));
   for (int32_t y = 0; y < 150; ++y) {
@@ -69,14 +69,14 @@ TEST(DeepAlpha, AFilmOverNothingKeepsTransparency) {
 }
 
 TEST(DeepAlpha, TheBackdropShowsThroughAndAround) {
-  const DeepPicture half = MakePicture(40, 30, DeepSample::Float32, true, [](int32_t, int32_t) {
+  const DeepPicture half = MakePicture(40, 30, DeepSample::kFloat32, true, [](int32_t, int32_t) {
     return DeepPixel{0.5, 0.25, 0.0, 0.5};
   });
   for (const DeepSample sample : kBothSamples) {
     // A slope behind, which the target holds itself.
     const auto slope = [](int32_t x, int32_t) { return DeepPixel{x / 100.0, 0.5, 1.0, 1.0}; };
     DeepPicture frame = MakePicture(100, 40, sample, true, slope);
-    DeepJob job = MakeDeepJob(test::WholeOf(40, 30), 100, 40, FilterCatmull);
+    DeepJob job = MakeDeepJob(test::WholeOf(40, 30), 100, 40, kFilterCatmull);
     job.targetRect = {20.5f, 5.5f, 59.5f, 34.5f};
     job.backdrop = frame.view();
     RenderDeep(job, half.view(), frame.view());
@@ -95,13 +95,13 @@ TEST(DeepAlpha, TheBackdropShowsThroughAndAround) {
 }
 
 TEST(DeepAlpha, WhatABackdropLacksIsTheBackground) {
-  const DeepPicture small = MakePicture(10, 8, DeepSample::Float32, false, [](int32_t, int32_t) {
+  const DeepPicture small = MakePicture(10, 8, DeepSample::kFloat32, false, [](int32_t, int32_t) {
     return DeepPixel{0, 1, 0, 1};
   });
-  DeepJob job = MakeDeepJob({}, 20, 12, FilterTriangle);
+  DeepJob job = MakeDeepJob({}, 20, 12, kFilterTriangle);
   job.background = {1, 0, 0, 1};
   job.backdrop = small.view();
-  DeepPicture frame(20, 12, DeepSample::Unsigned16, true);
+  DeepPicture frame(20, 12, DeepSample::kUnsigned16, true);
   RenderDeep(job, {}, frame.view());
   EXPECT_EQ(ReadPixel(frame.view(), 9, 7), (DeepPixel{0, 1, 0, 1}));
   EXPECT_EQ(ReadPixel(frame.view(), 10, 7), (DeepPixel{1, 0, 0, 1}));
@@ -114,7 +114,7 @@ TEST(DeepAlpha, WithoutAlphaTheFourthSampleMeansNothing) {
       return DeepPixel{0.3, 0.6, 0.9, (x + y) % 3 / 2.0};
     });
     DeepSource opaque = picture.view();
-    if (sample == DeepSample::Unsigned16) {
+    if (sample == DeepSample::kUnsigned16) {
       // WritePixel has held colours within their alpha.
       for (int32_t y = 0; y < 16; ++y) {
         for (int32_t i = 0; i < 80; i += 4) {
@@ -125,7 +125,7 @@ TEST(DeepAlpha, WithoutAlphaTheFourthSampleMeansNothing) {
     }
     opaque.hasAlpha = false;
     DeepPicture frame(30, 24, sample, false);
-    RenderDeep(MakeDeepJob(test::WholeOf(20, 16), 30, 24, FilterHiQual), opaque, frame.view());
+    RenderDeep(MakeDeepJob(test::WholeOf(20, 16), 30, 24, kFilterHiQual), opaque, frame.view());
     DeepSource all = frame.view();
     all.hasAlpha = true;
     for (int32_t y = 0; y < 24; ++y) {
@@ -141,12 +141,13 @@ TEST(DeepAlpha, WithoutAlphaTheFourthSampleMeansNothing) {
 
 TEST(DeepAlpha, FloatsBeyondWhiteStayInColoursAndNotInAlpha) {
   // A bright half next to nothing: Hi Qual overshoots on both sides of the step.
-  const DeepPicture picture = MakePicture(40, 8, DeepSample::Float32, true, [](int32_t x, int32_t) {
-    return x < 20 ? DeepPixel{5, 5, 5, 1} : kNothing;
-  });
-  DeepJob job = MakeDeepJob(test::WholeOf(40, 8), 130, 26, FilterHiQual);
+  const DeepPicture picture =
+      MakePicture(40, 8, DeepSample::kFloat32, true, [](int32_t x, int32_t) {
+        return x < 20 ? DeepPixel{5, 5, 5, 1} : kNothing;
+      });
+  DeepJob job = MakeDeepJob(test::WholeOf(40, 8), 130, 26, kFilterHiQual);
   job.background = {0, 0, 0, 0};
-  const DeepPicture frame = RenderedFrame(job, picture, DeepSample::Float32);
+  const DeepPicture frame = RenderedFrame(job, picture, DeepSample::kFloat32);
   EXPECT_NEAR(ReadPixel(frame.view(), 20, 13)[0], 5.0, 0.05);
   for (int32_t x = 0; x < 130; ++x) {
     const DeepPixel pixel = ReadPixel(frame.view(), x, 13);
@@ -159,15 +160,15 @@ TEST(DeepAlpha, FloatsBeyondWhiteStayInColoursAndNotInAlpha) {
 TEST(DeepLight, MixesAsLightDoes) {
   // Black and white columns seen from afar: half the light is 0.735 of the signal.
   const DeepPicture stripes =
-      MakePicture(400, 40, DeepSample::Unsigned16, false, [](int32_t x, int32_t) {
+      MakePicture(400, 40, DeepSample::kUnsigned16, false, [](int32_t x, int32_t) {
         const double value = x % 2;
         return DeepPixel{value, value, value, 1.0};
       });
-  DeepJob job = MakeDeepJob(test::WholeOf(400, 40), 40, 4, FilterCubic);
-  EXPECT_NEAR(ReadPixel(RenderedFrame(job, stripes, DeepSample::Float32).view(), 20, 2)[0], 0.5,
+  DeepJob job = MakeDeepJob(test::WholeOf(400, 40), 40, 4, kFilterCubic);
+  EXPECT_NEAR(ReadPixel(RenderedFrame(job, stripes, DeepSample::kFloat32).view(), 20, 2)[0], 0.5,
               0.01);
   job.linearLight = true;
-  EXPECT_NEAR(ReadPixel(RenderedFrame(job, stripes, DeepSample::Float32).view(), 20, 2)[0], 0.7354,
+  EXPECT_NEAR(ReadPixel(RenderedFrame(job, stripes, DeepSample::kFloat32).view(), 20, 2)[0], 0.7354,
               0.01);
 }
 

@@ -27,7 +27,7 @@ std::vector<uint8_t> Dithered(const DeepPicture& frame) {
 }
 
 TEST(Dither, TakesEachValueToOneOfTheTwoLevelsBesideIt) {
-  for (const DeepSample sample : {DeepSample::Unsigned16, DeepSample::Float32}) {
+  for (const DeepSample sample : {DeepSample::kUnsigned16, DeepSample::kFloat32}) {
     const std::vector<uint8_t> bytes = Dithered(Slope(sample));
     for (size_t i = 0; i < bytes.size(); ++i) {
       const auto x = static_cast<int32_t>(i / 4 % kSlopeWidth);
@@ -41,7 +41,7 @@ TEST(Dither, TakesEachValueToOneOfTheTwoLevelsBesideIt) {
 }
 
 TEST(Dither, ShowsNoBandsInASlowSlope) {
-  const std::vector<uint8_t> bytes = Dithered(Slope(DeepSample::Unsigned16));
+  const std::vector<uint8_t> bytes = Dithered(Slope(DeepSample::kUnsigned16));
   // Rounded, a level is a run of 100 pixels.
   int32_t longest = 0;
   for (int32_t y = 0; y < kSlopeHeight; ++y) {
@@ -68,7 +68,7 @@ TEST(Dither, ShowsNoBandsInASlowSlope) {
 
 TEST(Dither, LeavesLevelsAsTheyAre) {
   const DeepPicture levels =
-      test::MakePicture(256, 8, DeepSample::Unsigned16, true, [](int32_t x, int32_t) {
+      test::MakePicture(256, 8, DeepSample::kUnsigned16, true, [](int32_t x, int32_t) {
         return DeepPixel{x / 255.0, x / 510.0, 0.0, x / 255.0};
       });
   const std::vector<uint8_t> bytes = Dithered(levels);
@@ -80,7 +80,7 @@ TEST(Dither, LeavesLevelsAsTheyAre) {
 
 TEST(Dither, KeepsColoursWithinTheirAlpha) {
   const DeepPicture frame =
-      test::MakePicture(300, 40, DeepSample::Unsigned16, true, [](int32_t x, int32_t y) {
+      test::MakePicture(300, 40, DeepSample::kUnsigned16, true, [](int32_t x, int32_t y) {
         const double alpha = (x + 300 * y) / 12000.0;
         return DeepPixel{alpha, alpha * 0.99, alpha * 0.5, alpha};
       });
@@ -92,7 +92,7 @@ TEST(Dither, KeepsColoursWithinTheirAlpha) {
 }
 
 TEST(Dither, FollowsTheFramesPixelsInPartsAndInEveryFrame) {
-  const DeepPicture frame = Slope(DeepSample::Unsigned16);
+  const DeepPicture frame = Slope(DeepSample::kUnsigned16);
   const std::vector<uint8_t> whole = Dithered(frame);
   EXPECT_EQ(Dithered(frame), whole);
   DeepSource part = frame.view();
@@ -109,7 +109,7 @@ TEST(Dither, FollowsTheFramesPixelsInPartsAndInEveryFrame) {
 }
 
 TEST(Dither, HasTenBitsToo) {
-  const DeepPicture frame = Slope(DeepSample::Unsigned16);
+  const DeepPicture frame = Slope(DeepSample::kUnsigned16);
   std::vector<uint16_t> levels(size_t{4} * kSlopeWidth * kSlopeHeight);
   DitherTo10Bits(frame.view(), levels.data(), ptrdiff_t{8} * kSlopeWidth);
   for (size_t i = 0; i < levels.size(); i += 4) {
@@ -121,7 +121,7 @@ TEST(Dither, HasTenBitsToo) {
 
 TEST(Dither, HoldsFloatsWithinTheLevels) {
   const DeepPicture frame =
-      test::MakePicture(4, 1, DeepSample::Float32, true, [](int32_t x, int32_t) {
+      test::MakePicture(4, 1, DeepSample::kFloat32, true, [](int32_t x, int32_t) {
         const double values[] = {-0.5, 1.5, std::nan(""), 1e30};
         return DeepPixel{values[x], 0.0, 1.0, 1.0};
       });

@@ -20,8 +20,8 @@ using test::SameBits;
 DeepJob AnyJob(RandomDeep& random, const DeepPicture& picture) {
   const int32_t width = random.Whole(20, 120), height = 2 * random.Whole(10, 45);
   DeepJob job = MakeDeepJob(random.View(picture, width, height), width, height,
-                            random.Whole(FilterRealTime, FilterUltraQual));
-  job.fieldRows = random.Whole(EvenRows, AllRows);
+                            random.Whole(kFilterRealTime, kFilterUltraQual));
+  job.fieldRows = random.Whole(kEvenRows, kAllRows);
   job.background = {0.125f, 0.25f, 0.5f, 0.5f};
   job.linearLight = random.Whole(0, 3) == 0;
   return job;
@@ -33,7 +33,7 @@ TEST(DeepEngine, DrawsWhatTheEightBitEngineDraws) {
     test::SourceImage image(random.Whole(1, 150), random.Whole(1, 120),
                             [&](int, int, int c) { return c == 3 ? 255 : random.Whole(0, 255); });
     const DeepPicture picture = test::MakePicture(
-        image.width, image.height, DeepSample::Unsigned16, false, [&](int32_t x, int32_t y) {
+        image.width, image.height, DeepSample::kUnsigned16, false, [&](int32_t x, int32_t y) {
           const uint8_t* const at = image.bytes.data() + 4 * (y * image.width + x);
           return DeepPixel{at[0] / 255.0, at[1] / 255.0, at[2] / 255.0, 1.0};
         });
@@ -41,7 +41,7 @@ TEST(DeepEngine, DrawsWhatTheEightBitEngineDraws) {
     job.linearLight = false;
     job.background = {0.2f, 0.4f, 0.8f, 1.0f};
     job.wholeKernels = false;
-    const DeepPicture deep = RenderedFrame(job, picture, DeepSample::Unsigned16);
+    const DeepPicture deep = RenderedFrame(job, picture, DeepSample::kUnsigned16);
 
     test::GuardedBuffer eight(deep.width(), deep.height(), 4);
     ResampleJob eightJob;
@@ -51,7 +51,7 @@ TEST(DeepEngine, DrawsWhatTheEightBitEngineDraws) {
     eightJob.destRect = job.targetRect;
     eightJob.filterMode = job.filterMode;
     eightJob.fieldRows = job.fieldRows;
-    eightJob.interlaceSelector = job.fieldRows == AllRows ? 0 : 2;
+    eightJob.interlaceSelector = job.fieldRows == kAllRows ? 0 : 2;
     eightJob.background.selector = 1;
     const uint8_t colour[4] = {51, 102, 204, 255};
     std::copy_n(colour, 4, eightJob.background.bytes);
@@ -74,7 +74,7 @@ TEST(DeepEngine, DrawsWhatTheEightBitEngineDraws) {
 TEST(DeepEngine, PartsOfAFrameAreTheFrameToTheBit) {
   RandomDeep random(12);
   for (int i = 0; i < 200; ++i) {
-    const DeepSample sample = i % 2 == 0 ? DeepSample::Unsigned16 : DeepSample::Float32;
+    const DeepSample sample = i % 2 == 0 ? DeepSample::kUnsigned16 : DeepSample::kFloat32;
     const DeepPicture picture = random.Picture(sample, i % 3 > 0);
     DeepJob job = AnyJob(random, picture);
     const DeepPicture whole = RenderedFrame(job, picture, sample);
@@ -97,14 +97,14 @@ TEST(DeepEngine, PartsOfAFrameAreTheFrameToTheBit) {
 
 TEST(DeepEngine, AWindowMayReachBeyondTheFrame) {
   const DeepPicture picture =
-      test::MakePicture(30, 20, DeepSample::Unsigned16, false, [](int32_t, int32_t) {
+      test::MakePicture(30, 20, DeepSample::kUnsigned16, false, [](int32_t, int32_t) {
         return DeepPixel{0.25, 0.25, 0.25, 1.0};
       });
-  DeepJob job = MakeDeepJob(test::WholeOf(30, 20), 60, 40, FilterHiQual);
+  DeepJob job = MakeDeepJob(test::WholeOf(30, 20), 60, 40, kFilterHiQual);
   job.background = {1, 0, 0, 1};
   job.left = -5;
   job.top = 30;
-  DeepPicture frame(80, 20, DeepSample::Unsigned16, true);
+  DeepPicture frame(80, 20, DeepSample::kUnsigned16, true);
   RenderDeep(job, picture.view(), frame.view());
   const auto red = [&](int32_t x, int32_t y) { return ReadPixel(frame.view(), x, y)[0]; };
   EXPECT_EQ(red(4, 0), 1.0);
@@ -117,7 +117,7 @@ TEST(DeepEngine, AWindowMayReachBeyondTheFrame) {
 TEST(DeepEngine, RowsMayRunUpwards) {
   RandomDeep random(13);
   for (int i = 0; i < 40; ++i) {
-    const DeepSample sample = i % 2 == 0 ? DeepSample::Unsigned16 : DeepSample::Float32;
+    const DeepSample sample = i % 2 == 0 ? DeepSample::kUnsigned16 : DeepSample::kFloat32;
     const DeepPicture picture = random.Picture(sample, true);
     const DeepJob job = AnyJob(random, picture);
     const DeepPicture expected = RenderedFrame(job, picture, sample);
@@ -144,13 +144,13 @@ TEST(DeepEngine, RowsMayRunUpwards) {
 
 TEST(DeepEngine, FieldsHoldEverySecondRowOfTheFrame) {
   RandomDeep random(14);
-  for (int32_t mode = FilterRealTime; mode <= FilterUltraQual; ++mode) {
-    const DeepPicture picture = random.Picture(DeepSample::Unsigned16, true);
+  for (int32_t mode = kFilterRealTime; mode <= kFilterUltraQual; ++mode) {
+    const DeepPicture picture = random.Picture(DeepSample::kUnsigned16, true);
     DeepJob job = MakeDeepJob(random.View(picture, 60, 40), 60, 40, mode);
-    const DeepPicture frame = RenderedFrame(job, picture, DeepSample::Unsigned16);
-    for (const int32_t field : {EvenRows, OddRows}) {
+    const DeepPicture frame = RenderedFrame(job, picture, DeepSample::kUnsigned16);
+    for (const int32_t field : {kEvenRows, kOddRows}) {
       job.fieldRows = field;
-      const DeepPicture rows = RenderedFrame(job, picture, DeepSample::Unsigned16);
+      const DeepPicture rows = RenderedFrame(job, picture, DeepSample::kUnsigned16);
       for (int32_t y = 0; y < 20; ++y) {
         ASSERT_EQ(std::memcmp(rows.view().Row<uint8_t>(y), frame.view().Row<uint8_t>(2 * y + field),
                               8 * 60),
@@ -163,33 +163,33 @@ TEST(DeepEngine, FieldsHoldEverySecondRowOfTheFrame) {
 
 TEST(DeepEngine, DepthsMayDiffer) {
   RandomDeep random(15);
-  const DeepPicture picture = random.Picture(DeepSample::Unsigned16, true);
+  const DeepPicture picture = random.Picture(DeepSample::kUnsigned16, true);
   const DeepJob job = MakeDeepJob(test::WholeOf(picture.width(), picture.height()), 70, 50, 4);
-  const DeepPicture frame = RenderedFrame(job, picture, DeepSample::Unsigned16);
-  const DeepPicture floats = RenderedFrame(job, picture, DeepSample::Float32);
-  DeepPicture floatPicture(picture.width(), picture.height(), DeepSample::Float32, true);
+  const DeepPicture frame = RenderedFrame(job, picture, DeepSample::kUnsigned16);
+  const DeepPicture floats = RenderedFrame(job, picture, DeepSample::kFloat32);
+  DeepPicture floatPicture(picture.width(), picture.height(), DeepSample::kFloat32, true);
   for (int32_t y = 0; y < picture.height(); ++y) {
     for (int32_t x = 0; x < picture.width(); ++x) {
       WritePixel(floatPicture.view(), x, y, ReadPixel(picture.view(), x, y));
     }
   }
-  EXPECT_LE(test::LargestDifference(RenderedFrame(job, floatPicture, DeepSample::Float32), floats),
+  EXPECT_LE(test::LargestDifference(RenderedFrame(job, floatPicture, DeepSample::kFloat32), floats),
             1e-6);
   EXPECT_LE(
-      test::LargestDifference(RenderedFrame(job, floatPicture, DeepSample::Unsigned16), frame),
+      test::LargestDifference(RenderedFrame(job, floatPicture, DeepSample::kUnsigned16), frame),
       1.01 / 65535);
 }
 
 TEST(DeepEngine, RectanglesThatMakeNoSenseShowTheBackground) {
   RandomDeep random(16);
-  const DeepPicture picture = random.Picture(DeepSample::Unsigned16, true);
+  const DeepPicture picture = random.Picture(DeepSample::kUnsigned16, true);
   const float nan = std::nanf("");
   for (const RectF& view : {RectF{5, 5, 5, 5}, RectF{9, 9, 2, 2}, RectF{nan, 0, 9, 9},
                             RectF{-1e30f, -1e30f, 1e30f, 1e30f}, RectF{900, 900, 950, 950}}) {
-    for (int32_t mode = FilterRealTime; mode <= FilterUltraQual; ++mode) {
+    for (int32_t mode = kFilterRealTime; mode <= kFilterUltraQual; ++mode) {
       DeepJob job = MakeDeepJob(view, 30, 20, mode);
       job.background = {0.0f, 1.0f, 0.0f, 1.0f};
-      const DeepPicture frame = RenderedFrame(job, picture, DeepSample::Float32);
+      const DeepPicture frame = RenderedFrame(job, picture, DeepSample::kFloat32);
       EXPECT_EQ(ReadPixel(frame.view(), 15, 10), (DeepPixel{0, 1, 0, 1}));
     }
   }
@@ -205,7 +205,7 @@ std::string RefusalOf(const DeepSource& picture, const DeepTarget& target) {
 }
 
 TEST(DeepEngine, RefusesRowsThatOverlap) {
-  DeepPicture picture(8, 8, DeepSample::Float32, true), frame(8, 8, DeepSample::Float32, true);
+  DeepPicture picture(8, 8, DeepSample::kFloat32, true), frame(8, 8, DeepSample::kFloat32, true);
   DeepSource source = picture.view();
   source.rowBytes = 127;
   EXPECT_EQ(RefusalOf(source, frame.view()),

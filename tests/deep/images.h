@@ -44,7 +44,7 @@ inline DeepJob MakeDeepJob(const RectF& view, int32_t width, int32_t height, int
 
 inline DeepPicture RenderedFrame(const DeepJob& job, const DeepPicture& picture, DeepSample sample,
                                  bool hasAlpha = true) {
-  const bool field = job.fieldRows == EvenRows || job.fieldRows == OddRows;
+  const bool field = job.fieldRows == kEvenRows || job.fieldRows == kOddRows;
   DeepPicture frame(job.frame.width, field ? job.frame.height / 2 : job.frame.height, sample,
                     hasAlpha);
   RenderDeep(job, picture.view(), frame.view());

@@ -11,7 +11,7 @@ namespace {
 
 TEST(DeepPicture, HasAlignedRowsThatLieApartInTheCache) {
   for (const int32_t width : {1, 7, 512, 1000, 4096}) {
-    for (const DeepSample sample : {DeepSample::Unsigned16, DeepSample::Float32}) {
+    for (const DeepSample sample : {DeepSample::kUnsigned16, DeepSample::kFloat32}) {
       DeepPicture picture(width, 3, sample, true);
       const DeepTarget view = picture.view();
       EXPECT_EQ(reinterpret_cast<uintptr_t>(view.pixels) % 64, 0u);
@@ -25,7 +25,7 @@ TEST(DeepPicture, HasAlignedRowsThatLieApartInTheCache) {
 }
 
 TEST(DeepPicture, MovesWithItsPixels) {
-  DeepPicture first(5, 4, DeepSample::Float32, false);
+  DeepPicture first(5, 4, DeepSample::kFloat32, false);
   first.view().Row<float>(3)[19] = 0.25f;
   const DeepPicture second = std::move(first);
   EXPECT_EQ(second.view().Row<float>(3)[19], 0.25f);
@@ -35,9 +35,9 @@ TEST(DeepPicture, MovesWithItsPixels) {
 }
 
 TEST(DeepPicture, RefusesSizesThatNoMemoryHolds) {
-  EXPECT_THROW(DeepPicture(0, 4, DeepSample::Unsigned16, true), std::invalid_argument);
-  EXPECT_THROW(DeepPicture(4, -1, DeepSample::Unsigned16, true), std::invalid_argument);
-  EXPECT_THROW(DeepPicture::BytesFor(INT32_MAX, INT32_MAX, DeepSample::Float32), std::bad_alloc);
+  EXPECT_THROW(DeepPicture(0, 4, DeepSample::kUnsigned16, true), std::invalid_argument);
+  EXPECT_THROW(DeepPicture(4, -1, DeepSample::kUnsigned16, true), std::invalid_argument);
+  EXPECT_THROW(DeepPicture::BytesFor(INT32_MAX, INT32_MAX, DeepSample::kFloat32), std::bad_alloc);
 }
 
 }  // namespace

@@ -29,8 +29,8 @@ INSTANTIATE_TEST_SUITE_P(Targets, DeepOnEveryTarget, ::testing::ValuesIn(Availab
 TEST_P(DeepOnEveryTarget, TheCodeThatDrawsIsTheTargetsOwn) {
   SetTarget(GetParam());
   RandomDeep random(1);
-  for (int32_t mode = FilterTriangle; mode <= FilterUltraQual; ++mode) {
-    for (const DeepSample sample : {DeepSample::Unsigned16, DeepSample::Float32}) {
+  for (int32_t mode = kFilterTriangle; mode <= kFilterUltraQual; ++mode) {
+    for (const DeepSample sample : {DeepSample::kUnsigned16, DeepSample::kFloat32}) {
       const DeepPicture picture = random.Picture(sample, true);
       DeepPicture frame(40, 30, sample, true);
       const DeepJob job =
@@ -44,8 +44,8 @@ TEST_P(DeepOnEveryTarget, TheCodeThatDrawsIsTheTargetsOwn) {
 DeepJob RandomJob(RandomDeep& random, const DeepPicture& picture) {
   const int32_t width = random.Whole(1, 90), height = 2 * random.Whole(1, 25);
   DeepJob job = MakeDeepJob(random.View(picture, width, height), width, height,
-                            random.Whole(FilterRealTime, FilterUltraQual));
-  job.fieldRows = random.Whole(EvenRows, AllRows);
+                            random.Whole(kFilterRealTime, kFilterUltraQual));
+  job.fieldRows = random.Whole(kEvenRows, kAllRows);
   const float alpha = static_cast<float>(random.Whole(0, 2)) / 2.0f;
   for (size_t c = 0; c < 3; ++c) job.background[c] = static_cast<float>(random.Real(0, alpha));
   job.background[3] = alpha;
@@ -59,7 +59,7 @@ void ExpectAsOnScalarTarget(Target target, DeepSample sample, bool linearLight, 
     DeepJob job = RandomJob(random, picture);
     job.linearLight = linearLight;
     const bool frameAlpha = random.Whole(0, 3) > 0;
-    SetTarget(Target::Scalar);
+    SetTarget(Target::kScalar);
     const DeepPicture expected = RenderedFrame(job, picture, sample, frameAlpha);
     SetTarget(target);
     const DeepPicture frame = RenderedFrame(job, picture, sample, frameAlpha);
@@ -69,29 +69,29 @@ void ExpectAsOnScalarTarget(Target target, DeepSample sample, bool linearLight, 
 }
 
 TEST_P(DeepOnEveryTarget, SixteenBitsComeWithinOneUnitOfThePlainEngine) {
-  ExpectAsOnScalarTarget(GetParam(), DeepSample::Unsigned16, false, kOneUnit);
+  ExpectAsOnScalarTarget(GetParam(), DeepSample::kUnsigned16, false, kOneUnit);
 }
 
 TEST_P(DeepOnEveryTarget, FloatsComeWithinAMillionthOfThePlainEngine) {
-  ExpectAsOnScalarTarget(GetParam(), DeepSample::Float32, false, kOfFullScale);
+  ExpectAsOnScalarTarget(GetParam(), DeepSample::kFloat32, false, kOfFullScale);
 }
 
 TEST_P(DeepOnEveryTarget, SixteenBitsInLinearLightComeWithinOneUnitOfThePlainEngine) {
-  ExpectAsOnScalarTarget(GetParam(), DeepSample::Unsigned16, true, kOneUnit);
+  ExpectAsOnScalarTarget(GetParam(), DeepSample::kUnsigned16, true, kOneUnit);
 }
 
 TEST_P(DeepOnEveryTarget, ManyTapsKeepFloatsExact) {
   // Ultra Qual at 6: two hundred taps a row and column, of a picture near full scale.
   RandomDeep random(5);
   const DeepPicture picture =
-      MakePicture(900, 700, DeepSample::Float32, false, [&](int32_t, int32_t) {
+      MakePicture(900, 700, DeepSample::kFloat32, false, [&](int32_t, int32_t) {
         return DeepPixel{random.Real(0.5, 1.0), 1.0, random.Real(0.0, 1.0), 1.0};
       });
-  const DeepJob job = MakeDeepJob({10.25f, 20.75f, 850.0f, 680.0f}, 140, 110, FilterUltraQual);
-  SetTarget(Target::Scalar);
-  const DeepPicture expected = RenderedFrame(job, picture, DeepSample::Float32);
+  const DeepJob job = MakeDeepJob({10.25f, 20.75f, 850.0f, 680.0f}, 140, 110, kFilterUltraQual);
+  SetTarget(Target::kScalar);
+  const DeepPicture expected = RenderedFrame(job, picture, DeepSample::kFloat32);
   SetTarget(GetParam());
-  EXPECT_LE(LargestDifference(RenderedFrame(job, picture, DeepSample::Float32), expected),
+  EXPECT_LE(LargestDifference(RenderedFrame(job, picture, DeepSample::kFloat32), expected),
             kOfFullScale);
 }
 
@@ -102,12 +102,12 @@ TEST_P(DeepOnEveryTarget, ConstantPicturesStayExactlyConstant) {
     const double level = i % 3 == 0 ? 1.0 : random.Whole(0, 65535) / 65535.0;
     const DeepPixel pixel = {level, level, level, 1.0};
     const DeepPicture picture =
-        MakePicture(random.Whole(1, 130), random.Whole(1, 130), DeepSample::Unsigned16, i % 2 == 0,
+        MakePicture(random.Whole(1, 130), random.Whole(1, 130), DeepSample::kUnsigned16, i % 2 == 0,
                     [&](int32_t, int32_t) { return pixel; });
     DeepJob job = RandomJob(random, picture);
     job.background = {static_cast<float>(level), static_cast<float>(level),
                       static_cast<float>(level), 1.0f};
-    const DeepPicture frame = RenderedFrame(job, picture, DeepSample::Unsigned16);
+    const DeepPicture frame = RenderedFrame(job, picture, DeepSample::kUnsigned16);
     for (int32_t y = 0; y < frame.height(); ++y) {
       for (int32_t x = 0; x < frame.width(); ++x) {
         ASSERT_EQ(ReadPixel(frame.view(), x, y), pixel) << "job " << i;
@@ -120,10 +120,10 @@ TEST_P(DeepOnEveryTarget, ResultsAreTheSameOnEveryRun) {
   SetTarget(GetParam());
   RandomDeep random(3);
   for (int i = 0; i < 20; ++i) {
-    const DeepPicture picture = random.Picture(DeepSample::Float32, true);
+    const DeepPicture picture = random.Picture(DeepSample::kFloat32, true);
     const DeepJob job = RandomJob(random, picture);
-    EXPECT_TRUE(test::SameBits(RenderedFrame(job, picture, DeepSample::Float32),
-                               RenderedFrame(job, picture, DeepSample::Float32)));
+    EXPECT_TRUE(test::SameBits(RenderedFrame(job, picture, DeepSample::kFloat32),
+                               RenderedFrame(job, picture, DeepSample::kFloat32)));
   }
 }
 
@@ -133,14 +133,14 @@ TEST_P(DeepOnEveryTarget, NothingIsReadOrWrittenPastTheLastPixel) {
   for (int32_t width = 1; width <= 40; ++width) {
     std::vector<uint16_t> from(static_cast<size_t>(width) * 3 * 4, 30000);
     std::vector<uint16_t> to(from.size() + 8, 7);
-    const DeepSource picture = {from.data(), width, 3, ptrdiff_t{8} * width, DeepSample::Unsigned16,
-                                true};
+    const DeepSource picture = {
+        from.data(), width, 3, ptrdiff_t{8} * width, DeepSample::kUnsigned16, true};
     DeepTarget frame;
     frame.pixels = to.data() + 4;
     frame.width = width;
     frame.height = 3;
     frame.rowBytes = ptrdiff_t{8} * width;
-    for (int32_t mode = FilterRealTime; mode <= FilterUltraQual; ++mode) {
+    for (int32_t mode = kFilterRealTime; mode <= kFilterUltraQual; ++mode) {
       RenderDeep(MakeDeepJob(test::WholeOf(width, 3), width, 3, mode), picture, frame);
     }
     for (size_t i = 0; i < 4; ++i) {

@@ -48,16 +48,16 @@ int KELTO_WINAPI CountMessage(HWND, const char* text, const char* caption, unsig
 }
 
 /// What an operation did when one of its calls failed.
-enum class Outcome { True, False, Threw };
+enum class Outcome { kTrue, kFalse, kThrew };
 
 Outcome Try(const std::function<bool()>& operation) {
   try {
-    return operation() ? Outcome::True : Outcome::False;
+    return operation() ? Outcome::kTrue : Outcome::kFalse;
   } catch (int code) {
     EXPECT_EQ(code, 1) << "out of memory is the integer 1";
   } catch (const std::bad_alloc&) {
   }
-  return Outcome::Threw;
+  return Outcome::kThrew;
 }
 
 /// Two instances that hold pictures, and one to try things on.
@@ -172,7 +172,7 @@ class Faults : public testing::Test {
       return NewInstance(path);
     };
     const auto check = [&](Instance& instance, Outcome outcome, bool) {
-      EXPECT_NE(outcome, Outcome::False) << "only an abort fails a render";
+      EXPECT_NE(outcome, Outcome::kFalse) << "only an abort fails a render";
       if (instance.picture.loadFailed) {
         EXPECT_EQ(instance.picture.workImages[0], nullptr);
       }
@@ -208,11 +208,11 @@ INSTANTIATE_TEST_SUITE_P(Stills, EveryForm,
                          });
 
 TEST_P(EveryForm, LoadsAgainAfterAnyAllocationHasFailed) {
-  LoadWithFaults(FailingCall::Allocation, std::string(KELTO_FUZZ_SEEDS) + "/stills/" + GetParam());
+  LoadWithFaults(FailingCall::kAllocation, std::string(KELTO_FUZZ_SEEDS) + "/stills/" + GetParam());
 }
 
 TEST_P(EveryForm, LoadsAgainAfterAnyUseOfItsFileHasFailed) {
-  LoadWithFaults(FailingCall::File, std::string(KELTO_FUZZ_SEEDS) + "/stills/" + GetParam());
+  LoadWithFaults(FailingCall::kFile, std::string(KELTO_FUZZ_SEEDS) + "/stills/" + GetParam());
 }
 
 class EveryFilter : public Faults, public testing::WithParamInterface<int32_t> {};
@@ -228,7 +228,7 @@ TEST_P(EveryFilter, DrawsAgainAfterAnyAllocationHasFailed) {
     return instance;
   };
   const auto check = [&](Instance& instance, Outcome outcome, bool fired) {
-    EXPECT_NE(outcome, Outcome::False);
+    EXPECT_NE(outcome, Outcome::kFalse);
     if (!fired) {
       EXPECT_EQ(output.Packed(), expected);
     }
@@ -237,7 +237,7 @@ TEST_P(EveryFilter, DrawsAgainAfterAnyAllocationHasFailed) {
     EXPECT_EQ(Frame(instance), expected);
   };
   ForEveryCall(
-      FailingCall::Allocation, make, [&](Instance& instance) { return Render(instance, output); },
+      FailingCall::kAllocation, make, [&](Instance& instance) { return Render(instance, output); },
       check);
 }
 
@@ -251,7 +251,7 @@ TEST_F(Faults, AFilmOfManyKeysIsDrawnRightOrNotAtAll) {
     for (int i = 0; i < 15; ++i) {
       const double time = i / 14.0, side = i % 2 == 0 ? 0.2 : -0.2;
       instance->SetPosition(time, side, -side);
-      instance->SetVelocities(time, VelocityEase, VelocityEase);
+      instance->SetVelocities(time, kVelocityEase, kVelocityEase);
       instance->SetKey("size", time, 1.5 + side);
     }
     Frame(*instance);
@@ -261,15 +261,15 @@ TEST_F(Faults, AFilmOfManyKeysIsDrawnRightOrNotAtAll) {
   const std::vector<uint8_t> expected = Frame(*make());
   Picture output(kWidth, kHeight, hfxColorspaceYCbCr, 6);
   const auto check = [&](Instance& instance, Outcome outcome, bool fired) {
-    EXPECT_NE(outcome, Outcome::False);
-    if (outcome == Outcome::True) {
+    EXPECT_NE(outcome, Outcome::kFalse);
+    if (outcome == Outcome::kTrue) {
       EXPECT_EQ(output.Packed(), expected);
     }
-    EXPECT_TRUE(fired || outcome == Outcome::True);
+    EXPECT_TRUE(fired || outcome == Outcome::kTrue);
     EXPECT_EQ(Frame(instance), expected) << "the next time";
   };
   const int64_t failed = ForEveryCall(
-      FailingCall::Allocation, make, [&](Instance& instance) { return Render(instance, output); },
+      FailingCall::kAllocation, make, [&](Instance& instance) { return Render(instance, output); },
       check);
   EXPECT_GT(failed, 20);
 }
@@ -294,7 +294,7 @@ TEST_P(EveryCacheCommand, IsCarriedOutAgainAfterAnyAllocationHasFailed) {
     EXPECT_EQ(Frame(*other), expected);
   };
   ForEveryCall(
-      FailingCall::Allocation, make, [](Instance& instance) { return UpdateParams(&instance); },
+      FailingCall::kAllocation, make, [](Instance& instance) { return UpdateParams(&instance); },
       check);
 }
 
@@ -312,7 +312,7 @@ TEST_F(Faults, APlayingHostsReductionKeepsTheNaturalSizeWhereMemoryFails) {
     ExpectNextFrameIsRight(instance, reduced, photo);
   };
   ForEveryCall(
-      FailingCall::Allocation, make, [&](Instance& instance) { return Render(instance, output); },
+      FailingCall::kAllocation, make, [&](Instance& instance) { return Render(instance, output); },
       check);
   EXPECT_TRUE(keptNatural);
 }
@@ -327,9 +327,9 @@ TEST_F(Faults, ChoosingAnImageTellsThatItFailedAndCanBeDoneAgain) {
     return instance;
   };
   const auto check = [&](Instance& instance, Outcome outcome, bool) {
-    EXPECT_NE(outcome, Outcome::False) << "the user did pick a file";
+    EXPECT_NE(outcome, Outcome::kFalse) << "the user did pick a file";
     const bool loaded = instance.picture.workImages[0] != nullptr;
-    if (outcome == Outcome::True) {
+    if (outcome == Outcome::kTrue) {
       EXPECT_EQ(messages, loaded ? 0 : 1);
     }
     pickedPath = photo;
@@ -337,7 +337,7 @@ TEST_F(Faults, ChoosingAnImageTellsThatItFailedAndCanBeDoneAgain) {
     EXPECT_EQ(Frame(instance), expected);
   };
   const int64_t failed = ForEveryCall(
-      FailingCall::Allocation, make, [](Instance& instance) { return instance.ChooseImage(); },
+      FailingCall::kAllocation, make, [](Instance& instance) { return instance.ChooseImage(); },
       check);
   EXPECT_GT(failed, 10);
 }
@@ -351,13 +351,13 @@ TEST_F(Faults, MakingAnInstanceWithItsParametersLeavesNothingBehindWhenItFails) 
   };
   const auto check = [&](hfxInstance_v1*& made, Outcome outcome, bool fired) {
     if (!fired) {
-      EXPECT_EQ(outcome, Outcome::True);
+      EXPECT_EQ(outcome, Outcome::kTrue);
     }
     EXPECT_EQ(InstanceRegistry().size(), made ? 1u : 0u);
     model.DeleteInstance(made);
     EXPECT_TRUE(InstanceRegistry().empty());
   };
-  EXPECT_GT(ForEveryCall(FailingCall::Allocation, make, operation, check), 50);
+  EXPECT_GT(ForEveryCall(FailingCall::kAllocation, make, operation, check), 50);
 }
 
 TEST_F(Faults, CopyingAnInstanceLeavesBothUsable) {
@@ -372,7 +372,7 @@ TEST_F(Faults, CopyingAnInstanceLeavesBothUsable) {
     EXPECT_EQ(Frame(copy), expected);
   };
   ForEveryCall(
-      FailingCall::Allocation, [&] { return NewInstance(photo); },
+      FailingCall::kAllocation, [&] { return NewInstance(photo); },
       [&](Instance& copy) { return copy.CopyInstance(original.get()); }, check);
 }
 

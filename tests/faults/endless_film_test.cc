@@ -20,7 +20,7 @@ void EvaluateEndlessFilm(Instance& instance, int keys) {
   for (int key = 0; key < keys; ++key) {
     const double time = key / (keys - 1.0);
     instance.SetPosition(time, key % 3, -key % 2);
-    instance.SetVelocities(time, VelocityConstant, VelocityConstant);
+    instance.SetVelocities(time, kVelocityConstant, kVelocityConstant);
   }
   instance.settings.pathType = 1;
   instance.host().totalFrames = INT32_MAX;
@@ -45,9 +45,9 @@ void SetWay(Instance& instance, int keys) {
     const double time = key / (keys - 1.0);
     instance.SetPosition(time, key % 3, -key % 2);
     instance.SetKey("size", time, 1.0 + key % 5);
-    instance.SetVelocities(time, VelocityEase, key % 2);
+    instance.SetVelocities(time, kVelocityEase, key % 2);
   }
-  instance.settings.pathType = PathSpline;
+  instance.settings.pathType = kPathSpline;
   instance.host().totalFrames = 250;
 }
 
@@ -68,7 +68,7 @@ TEST(AMotion, TakesMemoryOnlyWhenItsKeysAreRead) {
   EvaluateMotion(instance);
   hfxParameter* size = instance.FindParameter("size");
   double zoom = 0.0;
-  const test::FailNth counted(test::FailingCall::Allocation, 0);
+  const test::FailNth counted(test::FailingCall::kAllocation, 0);
   for (int32_t frame = 0; frame < 250; ++frame) {
     instance.host().currentFrame = frame;
     InterpolateZoom(size, frame / 249.0, &zoom, sizeof zoom, 0);

@@ -276,7 +276,7 @@ void operator delete[](void* memory, size_t, std::align_val_t) noexcept { std::f
 namespace kelto::test {
 
 FailNth::FailNth(FailingCall kind, int64_t n)
-    : plan_(kind == FailingCall::Allocation ? &allocations : &files) {
+    : plan_(kind == FailingCall::kAllocation ? &allocations : &files) {
   // Each time: libraries may have been loaded since.
   Real();
   ::dl_iterate_phdr(ReplaceInObject, nullptr);

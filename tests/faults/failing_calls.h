@@ -9,7 +9,7 @@
 
 namespace kelto::test {
 
-enum class FailingCall { Allocation, File };
+enum class FailingCall { kAllocation, kFile };
 
 /// Counts the calls of a kind while it lives, and has the n-th one (from 1) fail; with n = 0 none
 /// fails. One at a time.

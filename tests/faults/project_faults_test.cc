@@ -88,7 +88,7 @@ TEST_P(AProjectFileIsReadAgain, AfterAnyAllocationHasFailed) {
   int64_t n = 0;
   while (fired) {
     std::string first;
-    FailNth failing(FailingCall::Allocation, ++n);
+    FailNth failing(FailingCall::kAllocation, ++n);
     try {
       first = Read(text);
     } catch (const std::bad_alloc&) {

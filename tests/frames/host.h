@@ -18,14 +18,14 @@ namespace kelto::test {
 
 /// The filter list's indexes.
 enum Filter : int32_t {
-  RealTime,
-  Triangle,
-  Quadratic,
-  Cubic,
-  Catmull,
-  Gaussian,
-  HiQual,
-  UltraQual
+  kRealTime,
+  kTriangle,
+  kQuadratic,
+  kCubic,
+  kCatmull,
+  kGaussian,
+  kHiQual,
+  kUltraQual
 };
 
 inline hfx::Module& LoadedModule() {

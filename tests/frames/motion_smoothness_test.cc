@@ -63,7 +63,8 @@ TEST_P(SlowPan, OfABlobHasNoBackwardStepAndHardlyAnyTremble) {
   }
   const double n = static_cast<double>(x.size() - 2);
   const double tremble = std::sqrt(squares / n - (sum / n) * (sum / n));
-  const bool sharp = filter == test::Catmull || filter == test::HiQual || filter == test::UltraQual;
+  const bool sharp =
+      filter == test::kCatmull || filter == test::kHiQual || filter == test::kUltraQual;
   EXPECT_LT(tremble, sharp ? 0.006 : 0.02) << "px per frame squared";
   std::printf("filter %d, scale %.3f: second difference %.5f px per frame squared\n", filter, scale,
               tremble);

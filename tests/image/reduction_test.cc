@@ -89,7 +89,7 @@ TEST_F(Reduction, SizesAgreeWithTheReferenceResults) {
 TEST_F(Reduction, PixelsAgreeWithTheReferenceResults) {
   int compared = 0;
   for (const auto& c : test::Vectors()["reduce"]) {
-    if (c["mode"] != FilterHiQual) continue;
+    if (c["mode"] != kFilterHiQual) continue;
     ++compared;
     const int32_t width = c["width"], height = c["height"];
     SetOutput(c["new_width"], 10);

@@ -26,9 +26,9 @@ double MiddleTime(int32_t in, int32_t out) {
   keys.AddPosition(0.0, 0.0, 0.0);
   keys.AddPosition(0.2, 0.6, 0.0);
   keys.AddPosition(1.0, 0.9, 0.0);
-  keys.AddVelocities(0.0, VelocityLinear, VelocityLinear);
+  keys.AddVelocities(0.0, kVelocityLinear, kVelocityLinear);
   keys.AddVelocities(0.2, in, out);
-  keys.AddVelocities(1.0, VelocityLinear, VelocityLinear);
+  keys.AddVelocities(1.0, kVelocityLinear, kVelocityLinear);
   const std::vector<ArcEntry> table = TableOf(keys);
   EXPECT_EQ(table.size(), 3u);
   EXPECT_EQ(table[1].keyTime, 0.2);
@@ -36,25 +36,25 @@ double MiddleTime(int32_t in, int32_t out) {
 }
 
 TEST(ArcTable, AKeyIsPassedThroughOnlyWhenBothItsSidesAreConstant) {
-  EXPECT_NEAR(MiddleTime(VelocityConstant, VelocityLinear), 0.2, 1e-12);
-  EXPECT_NEAR(MiddleTime(VelocityConstant, VelocityHold), 0.2, 1e-12);
-  EXPECT_NEAR(MiddleTime(VelocityLinear, VelocityConstant), 0.2, 1e-12);
-  EXPECT_NEAR(MiddleTime(VelocityConstant, VelocityConstant), 0.6 / 0.9, 1e-12);
+  EXPECT_NEAR(MiddleTime(kVelocityConstant, kVelocityLinear), 0.2, 1e-12);
+  EXPECT_NEAR(MiddleTime(kVelocityConstant, kVelocityHold), 0.2, 1e-12);
+  EXPECT_NEAR(MiddleTime(kVelocityLinear, kVelocityConstant), 0.2, 1e-12);
+  EXPECT_NEAR(MiddleTime(kVelocityConstant, kVelocityConstant), 0.6 / 0.9, 1e-12);
 }
 
 /// A spline through four keys: a run of constant speed over the second to the third, which holds.
 Keys SplineThatHolds() {
   Keys keys;
-  keys.pathType = PathSpline;
+  keys.pathType = kPathSpline;
   keys.totalFrames = 41;
   keys.AddPosition(0.0, 0.0, -0.4);
   keys.AddPosition(0.3, 0.1, 0.4);
   keys.AddPosition(0.55, 0.3, -0.2);
   keys.AddPosition(1.0, 0.5, 0.3);
-  keys.AddVelocities(0.0, VelocityConstant, VelocityConstant);
-  keys.AddVelocities(0.3, VelocityConstant, VelocityConstant);
-  keys.AddVelocities(0.55, VelocityConstant, VelocityHold);
-  keys.AddVelocities(1.0, VelocityLinear, VelocityLinear);
+  keys.AddVelocities(0.0, kVelocityConstant, kVelocityConstant);
+  keys.AddVelocities(0.3, kVelocityConstant, kVelocityConstant);
+  keys.AddVelocities(0.55, kVelocityConstant, kVelocityHold);
+  keys.AddVelocities(1.0, kVelocityLinear, kVelocityLinear);
   return keys;
 }
 
@@ -84,7 +84,7 @@ TEST(ArcTable, OnlyPathTypeOneIsASpline) {
     EXPECT_EQ(motion.Table().Entries().size(), 4u) << "an entry a key, path type " << type;
     EXPECT_NEAR(motion.Path().At(0.15).x, 0.05, 1e-12) << "half-way on a straight line";
   }
-  keys.pathType = PathSpline;
+  keys.pathType = kPathSpline;
   const Motion motion(keys);
   EXPECT_GT(motion.Table().Entries().size(), 4u);
   EXPECT_GT(std::abs(motion.Path().At(0.15).x - 0.05), 1e-3);
@@ -95,8 +95,8 @@ TEST(ArcTable, AConstantLastKeyStillEndsItsRun) {
   keys.totalFrames = 40;
   keys.AddPosition(0.0, 0.0, 0.0);
   keys.AddPosition(0.5, 0.1, 0.0);
-  keys.AddVelocities(0.0, VelocityLinear, VelocityLinear);
-  keys.AddVelocities(0.5, VelocityConstant, VelocityConstant);
+  keys.AddVelocities(0.0, kVelocityLinear, kVelocityLinear);
+  keys.AddVelocities(0.5, kVelocityConstant, kVelocityConstant);
   const std::vector<ArcEntry> table = TableOf(keys);
   ASSERT_EQ(table.size(), 2u);
   EXPECT_EQ(table.back().keyTime, 0.5);
@@ -105,7 +105,7 @@ TEST(ArcTable, AConstantLastKeyStillEndsItsRun) {
 TEST(ArcTable, FewerThanFourFramesSampleASplineFromKeyToKey) {
   for (const int32_t total : {1, 2, 3, 4}) {
     Keys keys;
-    keys.pathType = PathSpline;
+    keys.pathType = kPathSpline;
     keys.totalFrames = total;
     for (const double t : {0.0, 0.3, 1.0}) keys.AddPosition(t, t * t, 1.0 - t);
     const std::vector<ArcEntry> table = TableOf(keys);
@@ -118,11 +118,11 @@ TEST(ArcTable, FewerThanFourFramesSampleASplineFromKeyToKey) {
 
 TEST(ArcTable, ASplinesStepPastAKeyCountsTwiceInTheLengthOfItsRun) {
   Keys keys;
-  keys.pathType = PathSpline;
+  keys.pathType = kPathSpline;
   keys.totalFrames = 40;  // ten steps of 0.1, which pass the key at 0.35
   for (const double t : {0.0, 0.35, 1.0}) {
     keys.AddPosition(t, t, 0.0);  // a straight line, as long as the time it takes
-    keys.AddVelocities(t, VelocityConstant, VelocityConstant);
+    keys.AddVelocities(t, kVelocityConstant, kVelocityConstant);
   }
   const std::vector<ArcEntry> table = TableOf(keys);
   // To 0.4 and back to 0.35, and from there to 1.0, where the curve ends.

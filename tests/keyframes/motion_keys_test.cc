@@ -36,9 +36,9 @@ TEST(MotionKeys, AreReadInOrderOfTime) {
   effect.Set("size", 0.25, 2.0);
   const double place[2] = {0.5, -0.25};
   effect.Set("position", 0.125, place);
-  effect.Set("invelocity", 0.5, int32_t{VelocityConstant});
-  effect.Set("outvelocity", 0.75, int32_t{VelocityHold});
-  const MotionKeys keys = ReadMotionKeys(effect, PathSpline);
+  effect.Set("invelocity", 0.5, int32_t{kVelocityConstant});
+  effect.Set("outvelocity", 0.75, int32_t{kVelocityHold});
+  const MotionKeys keys = ReadMotionKeys(effect, kPathSpline);
   ASSERT_EQ(keys.zoom->size(), 2u);
   EXPECT_EQ(keys.zoom->at(0).time, 0.25);
   EXPECT_EQ(keys.zoom->at(0).value, 2.0);
@@ -47,18 +47,18 @@ TEST(MotionKeys, AreReadInOrderOfTime) {
   EXPECT_EQ(keys.position->at(0).time, 0.125);
   EXPECT_EQ(keys.position->at(0).value.x, 0.5);
   EXPECT_EQ(keys.position->at(0).value.y, -0.25);
-  EXPECT_EQ(keys.in->at(0).value, VelocityConstant);
-  EXPECT_EQ(keys.out->at(0).value, VelocityHold);
-  EXPECT_EQ(keys.pathType, PathSpline);
+  EXPECT_EQ(keys.in->at(0).value, kVelocityConstant);
+  EXPECT_EQ(keys.out->at(0).value, kVelocityHold);
+  EXPECT_EQ(keys.pathType, kPathSpline);
   EXPECT_EQ(keys.totalFrames, 77);
 }
 
 TEST(MotionKeys, AParameterThatTheEffectLacksIsNotOneWithoutKeys) {
   hfxInstance_v1 bare;
-  const MotionKeys none = ReadMotionKeys(bare, PathLinear);
+  const MotionKeys none = ReadMotionKeys(bare, kPathLinear);
   EXPECT_FALSE(none.position || none.zoom || none.in || none.out);
   Effect effect;
-  const MotionKeys keys = ReadMotionKeys(effect, PathLinear);
+  const MotionKeys keys = ReadMotionKeys(effect, kPathLinear);
   EXPECT_TRUE(keys.position && keys.zoom && keys.in && keys.out);
   EXPECT_TRUE(keys.position->empty());
 }
@@ -67,7 +67,7 @@ TEST(MotionKeys, AZoomWithoutAnInstanceBehindItHasNone) {
   Effect effect;
   effect.Set("size", 0.5, 2.0);
   effect.FindParameter("size")->SetUserData(nullptr);
-  EXPECT_FALSE(ReadMotionKeys(effect, PathLinear).zoom);
+  EXPECT_FALSE(ReadMotionKeys(effect, kPathLinear).zoom);
 }
 
 }  // namespace

@@ -65,7 +65,7 @@ Keys ThreeKeys() {
   keys.totalFrames = 101;
   for (const double t : {0.0, 0.5, 1.0}) {
     keys.AddPosition(t, t, -t);
-    keys.AddVelocities(t, VelocityLinear, VelocityLinear);
+    keys.AddVelocities(t, kVelocityLinear, kVelocityLinear);
   }
   return keys;
 }
@@ -82,13 +82,13 @@ TEST(Motion, HoldFreezesTheViewUntilTheNextKeyWhichThenJumps) {
   Keys keys;
   keys.totalFrames = 101;
   keys.AddPosition(0.0, 0.0, 0.0);
-  keys.AddVelocities(0.0, VelocityLinear, VelocityLinear);
+  keys.AddVelocities(0.0, kVelocityLinear, kVelocityLinear);
   keys.AddPosition(0.5, 0.5, -0.5);
-  keys.AddVelocities(0.5, VelocityLinear, VelocityHold);
+  keys.AddVelocities(0.5, kVelocityLinear, kVelocityHold);
   keys.AddPosition(0.75, 0.9, -0.9);
-  keys.AddVelocities(0.75, VelocityLinear, VelocityLinear);
+  keys.AddVelocities(0.75, kVelocityLinear, kVelocityLinear);
   keys.AddPosition(1.0, 1.0, -1.0);
-  keys.AddVelocities(1.0, VelocityLinear, VelocityLinear);
+  keys.AddVelocities(1.0, kVelocityLinear, kVelocityLinear);
   const Motion motion(keys);
   for (const double t : {0.51, 0.6, 0.74}) EXPECT_NEAR(motion.CentreAt(t).x, 0.5, 1e-9) << t;
   EXPECT_GT(motion.CentreAt(0.76).x, 0.9);
@@ -101,7 +101,7 @@ TEST(Motion, ConstantKeysOnBothSidesAreTravelledAtOneSpeed) {
   const double path[3][2] = {{0.0, 0.0}, {0.2, 0.6}, {1.0, 0.9}};
   for (const auto& [t, x] : path) {
     keys.AddPosition(t, x, 0.0);
-    keys.AddVelocities(t, VelocityConstant, VelocityConstant);
+    keys.AddVelocities(t, kVelocityConstant, kVelocityConstant);
   }
   const Motion motion(keys);
   ASSERT_EQ(motion.Table().Entries().size(), 3u);  // start, the passed key, the end
@@ -129,11 +129,11 @@ TEST(Motion, APauseOfTwoEqualKeysIsAPause) {
 
 TEST(Motion, ASplinesLastFramesAreNotThrownBackToTheFirstKey) {
   Keys keys;
-  keys.pathType = PathSpline;
+  keys.pathType = kPathSpline;
   keys.totalFrames = 24;
   keys.AddPosition(0.0, -0.4, 0.1);
   keys.AddPosition(1.0, 0.4, -0.1);
-  for (const double t : {0.0, 1.0}) keys.AddVelocities(t, VelocityEase, VelocityEase);
+  for (const double t : {0.0, 1.0}) keys.AddVelocities(t, kVelocityEase, kVelocityEase);
   const Motion motion(keys);
   double last = -1.0;
   for (int32_t frame = 0; frame < 24; ++frame) {
@@ -175,14 +175,14 @@ TEST(Motion, NoResultIsEverNaNOrInfinite) {
   for (const double bad :
        {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), 1e308}) {
     Keys keys;
-    keys.pathType = PathSpline;
+    keys.pathType = kPathSpline;
     keys.totalFrames = 30;
     keys.AddPosition(0.0, bad, 0.0);
     keys.AddPosition(0.5, -bad, bad);
     keys.AddPosition(1.0, 0.0, bad);
     keys.AddZoom(0.0, bad);
     keys.AddZoom(1.0, -bad);
-    for (const double t : {0.0, 0.5, 1.0}) keys.AddVelocities(t, VelocityEase, VelocityEase);
+    for (const double t : {0.0, 0.5, 1.0}) keys.AddVelocities(t, kVelocityEase, kVelocityEase);
     const Motion motion(keys);
     for (int32_t frame = 0; frame < 30; ++frame) {
       const View view = motion.At(frame / 30.0, View{});

@@ -11,18 +11,18 @@ namespace {
 using Velocities = std::vector<MotionKey<int32_t>>;
 
 int32_t VelocityOf(const Velocities& keys, size_t index) {
-  return index < keys.size() ? keys[index].value : int32_t{VelocityLinear};
+  return index < keys.size() ? keys[index].value : int32_t{kVelocityLinear};
 }
 
 CurvePtr EasingCurve(int32_t out, int32_t in) {
   CurvePtr curve = NewCurve(NaturalSpline, 0);
-  if (out == VelocityLinear || out == VelocityConstant || out == VelocityEase) {
+  if (out == kVelocityLinear || out == kVelocityConstant || out == kVelocityEase) {
     CurveAppendXY(curve.get(), 0.0, 0.0);
-    if (out == VelocityEase) CurveAppendXY(curve.get(), 0.25, 0.1);
+    if (out == kVelocityEase) CurveAppendXY(curve.get(), 0.25, 0.1);
     CurveAppendXY(curve.get(), 0.5, 0.5);
   }
-  if (in == VelocityLinear || in == VelocityConstant || in == VelocityEase) {
-    if (in == VelocityEase) CurveAppendXY(curve.get(), 0.75, 0.9);
+  if (in == kVelocityLinear || in == kVelocityConstant || in == kVelocityEase) {
+    if (in == kVelocityEase) CurveAppendXY(curve.get(), 0.75, 0.9);
     CurveAppendXY(curve.get(), 1.0, 1.0);
   }
   CurvePrepare(curve.get());
@@ -32,7 +32,7 @@ CurvePtr EasingCurve(int32_t out, int32_t in) {
 /// One coordinate of the path at `t`.
 template <typename Coordinate>
 double OnPath(const MotionKeys& keys, double t, Coordinate coordinate) {
-  const CurvePtr curve = NewCurve(keys.pathType == PathSpline ? NaturalSpline : Linear, 0);
+  const CurvePtr curve = NewCurve(keys.pathType == kPathSpline ? NaturalSpline : Linear, 0);
   if (keys.position->size() > 1) {
     for (const auto& key : *keys.position) {
       CurveAppendXY(curve.get(), key.time, coordinate(key.value));
@@ -58,7 +58,7 @@ void AddRun(const MotionKeys& keys, size_t a, size_t b, std::vector<ArcEntry>& t
   const double step = steps > 0 ? duration / steps : INFINITY;
   for (size_t k = a; k < b; ++k) {
     const double from = position[k].time, to = position[k + 1].time;
-    if (keys.pathType == PathSpline && to - from > step) {
+    if (keys.pathType == kPathSpline && to - from > step) {
       double s = from;
       do {
         length += Distance(PointAt(keys, s), PointAt(keys, s + step));
@@ -83,7 +83,7 @@ void AddRun(const MotionKeys& keys, size_t a, size_t b, std::vector<ArcEntry>& t
 
 bool ConstantAt(const Velocities& velocities, double t) {
   for (const auto& key : velocities) {
-    if (key.time == t) return key.value == VelocityConstant;
+    if (key.time == t) return key.value == kVelocityConstant;
   }
   return false;
 }
@@ -117,10 +117,10 @@ double PlainTime(const MotionKeys& keys, double t, bool alongPath) {
     while (next < n && outs[next].time < t) ++next;
     size_t previous = next > 0 ? next - 1 : 0;
     if (next == n) next = previous = n - 1;
-    while (previous > 0 && VelocityOf(outs, previous) == VelocityConstant) --previous;
-    while (next + 1 < n && VelocityOf(ins, next) == VelocityConstant) ++next;
+    while (previous > 0 && VelocityOf(outs, previous) == kVelocityConstant) --previous;
+    while (next + 1 < n && VelocityOf(ins, next) == kVelocityConstant) ++next;
     const double t0 = outs[previous].time;
-    if (outs[previous].value == VelocityHold) return t0;
+    if (outs[previous].value == kVelocityHold) return t0;
     const double t1 = next < ins.size() ? ins[next].time : outs[next].time;
     if (t1 == t0) {
       eased = t0;

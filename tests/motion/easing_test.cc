@@ -20,10 +20,10 @@ TEST(Eased, PassesTheShouldersOfTheEffectsCurve) {
 }
 
 TEST(Eased, HasTheValuesOfTheModulesLists) {
-  EXPECT_EQ(static_cast<int>(Departure::kEase), VelocityEase);
-  EXPECT_EQ(static_cast<int>(Departure::kConstant), VelocityConstant);
-  EXPECT_EQ(static_cast<int>(Departure::kHold), VelocityHold);
-  EXPECT_EQ(static_cast<int>(Arrival::kConstant), VelocityConstant);
+  EXPECT_EQ(static_cast<int>(Departure::kEase), kVelocityEase);
+  EXPECT_EQ(static_cast<int>(Departure::kConstant), kVelocityConstant);
+  EXPECT_EQ(static_cast<int>(Departure::kHold), kVelocityHold);
+  EXPECT_EQ(static_cast<int>(Arrival::kConstant), kVelocityConstant);
 }
 
 TEST(Eased, NeverGoesBackwards) {

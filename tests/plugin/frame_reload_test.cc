@@ -28,11 +28,11 @@ class FrameReload : public testing::Test {
 
 TEST_F(FrameReload, CarriesTheCacheModeOutSoThatTheNextEditKeepsTheImage) {
   // As in a project that was saved so: no edit has carried the mode out yet.
-  instance.SetKey("cache", 0.0, int32_t{CacheVideoResolution});
+  instance.SetKey("cache", 0.0, int32_t{kCacheVideoResolution});
   instance.SetActive("cache", 0);
-  instance.settings.cacheMode = CacheVideoResolution;
+  instance.settings.cacheMode = kCacheVideoResolution;
   Render();
-  EXPECT_EQ(instance.picture.appliedCacheMode, CacheVideoResolution);
+  EXPECT_EQ(instance.picture.appliedCacheMode, kCacheVideoResolution);
   const IplImage* loaded = instance.picture.workImages[0].get();
   ASSERT_NE(loaded, nullptr);
   UpdateParams(&instance);
@@ -41,18 +41,18 @@ TEST_F(FrameReload, CarriesTheCacheModeOutSoThatTheNextEditKeepsTheImage) {
 
 TEST_F(FrameReload, WithoutOneTheCacheModeStaysAskedFor) {
   Render();
-  instance.settings.cacheMode = CacheVideoResolution;
+  instance.settings.cacheMode = kCacheVideoResolution;
   Render();
-  EXPECT_EQ(instance.picture.appliedCacheMode, CacheImageResolution);
+  EXPECT_EQ(instance.picture.appliedCacheMode, kCacheImageResolution);
 }
 
 TEST_F(FrameReload, ThatFailsIsTakenDownToo) {
   instance.SetPath(folder / "gone.bmp");
-  instance.settings.cacheMode = CacheVideoResolution;
+  instance.settings.cacheMode = kCacheVideoResolution;
   instance.settings.levels = 1;
   Render();
   EXPECT_TRUE(instance.picture.loadFailed);
-  EXPECT_EQ(instance.picture.appliedCacheMode, CacheVideoResolution);
+  EXPECT_EQ(instance.picture.appliedCacheMode, kCacheVideoResolution);
   EXPECT_EQ(instance.picture.appliedLevels, 1);
 }
 

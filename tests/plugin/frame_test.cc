@@ -78,9 +78,9 @@ TEST_F(Frame, PlayingReducesTheImageAndRenderingReloadsIt) {
 }
 
 TEST_F(Frame, ALoadCarriesOutTheCacheModeOfItsTime) {
-  instance.settings.cacheMode = CacheVideoResolution;
+  instance.settings.cacheMode = kCacheVideoResolution;
   Render();
-  EXPECT_EQ(instance.picture.appliedCacheMode, CacheVideoResolution);
+  EXPECT_EQ(instance.picture.appliedCacheMode, kCacheVideoResolution);
   const IplImage* loaded = instance.picture.workImages[0].get();
   ApplyCacheCommand(instance, false);
   EXPECT_EQ(instance.picture.workImages[0].get(), loaded) << "nothing is left to carry out";

@@ -92,14 +92,14 @@ TEST(UpdateParams, HoldsTheColourOfTheActiveKeyAndLeavesItAloneWithoutOne) {
 
 TEST(UpdateParams, LeavesEveryVelocityKeyItsOwn) {
   Instance i;
-  i.SetVelocities(0.0, VelocityLinear, VelocityHold);
-  i.SetVelocities(1.0, VelocityEase, VelocityEase);
+  i.SetVelocities(0.0, kVelocityLinear, kVelocityHold);
+  i.SetVelocities(1.0, kVelocityEase, kVelocityEase);
   for (const char* key : {"invelocity", "outvelocity"}) i.SetActive(key, 1);
   UpdateParams(&i);
-  EXPECT_EQ(i.KeyValue<int32_t>("invelocity", 0), VelocityLinear);
-  EXPECT_EQ(i.KeyValue<int32_t>("invelocity", 1), VelocityEase);
-  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 0), VelocityHold);
-  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 1), VelocityEase);
+  EXPECT_EQ(i.KeyValue<int32_t>("invelocity", 0), kVelocityLinear);
+  EXPECT_EQ(i.KeyValue<int32_t>("invelocity", 1), kVelocityEase);
+  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 0), kVelocityHold);
+  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 1), kVelocityEase);
 }
 
 TEST(UpdateParams, LeavesAnimatedKeysTheirOwn) {
@@ -117,24 +117,24 @@ TEST(UpdateParams, LeavesAnimatedKeysTheirOwn) {
 
 TEST(UpdateParams, AConstantInKeyTakesItsOutKeyAlongAndBack) {
   Instance i;
-  i.SetVelocities(0.0, VelocityConstant, VelocityEase);
-  i.SetVelocities(1.0, VelocityConstant, VelocityEase);
+  i.SetVelocities(0.0, kVelocityConstant, kVelocityEase);
+  i.SetVelocities(1.0, kVelocityConstant, kVelocityEase);
   i.SetActive("invelocity", 0);
   UpdateParams(&i);
-  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 0), VelocityConstant);
-  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 1), VelocityEase) << "not the active key";
-  i.SetKey("invelocity", 0.0, int32_t{VelocityEase});
+  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 0), kVelocityConstant);
+  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 1), kVelocityEase) << "not the active key";
+  i.SetKey("invelocity", 0.0, int32_t{kVelocityEase});
   i.SetActive("invelocity", 0);
   UpdateParams(&i);
-  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 0), VelocityEase);
+  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 0), kVelocityEase);
 }
 
 TEST(UpdateParams, AHoldOutKeyBesideALinearInKeyIsLeftAlone) {
   Instance i;
-  i.SetVelocities(0.0, VelocityLinear, VelocityHold);
+  i.SetVelocities(0.0, kVelocityLinear, kVelocityHold);
   i.SetActive("invelocity", 0);
   UpdateParams(&i);
-  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 0), VelocityHold);
+  EXPECT_EQ(i.KeyValue<int32_t>("outvelocity", 0), kVelocityHold);
 }
 
 TEST(UpdateParams, HasTheMotionPreparedAnew) {
@@ -145,7 +145,7 @@ TEST(UpdateParams, HasTheMotionPreparedAnew) {
 }
 
 TEST(CacheCommands, ChoosingAnotherResolutionReleasesTheImages) {
-  for (const int32_t mode : {CacheVideoResolution, CacheMultiResolution}) {
+  for (const int32_t mode : {kCacheVideoResolution, kCacheMultiResolution}) {
     Instance i;
     Hold(i);
     SetCacheKeys(i, mode);
@@ -156,7 +156,7 @@ TEST(CacheCommands, ChoosingAnotherResolutionReleasesTheImages) {
   }
   Instance same;
   Hold(same);
-  SetCacheKeys(same, CacheImageResolution);
+  SetCacheKeys(same, kCacheImageResolution);
   UpdateParams(&same);
   EXPECT_NE(same.picture.workImages[0], nullptr) << "the mode in force already";
 }
@@ -165,50 +165,50 @@ TEST(CacheCommands, FreeCurrentCacheShowsImageResolutionOnEveryKey) {
   Instance i, other;
   Hold(i);
   Hold(other);
-  SetCacheKeys(i, FreeCurrentCache);
+  SetCacheKeys(i, kFreeCurrentCache);
   UpdateParams(&i);
   EXPECT_EQ(i.picture.workImages[0], nullptr);
   EXPECT_NE(other.picture.workImages[0], nullptr);
-  EXPECT_EQ(CacheEntry(i, 0), CacheImageResolution);
-  EXPECT_EQ(CacheEntry(i, 1), CacheImageResolution);
-  EXPECT_EQ(i.picture.appliedCacheMode, CacheImageResolution);
+  EXPECT_EQ(CacheEntry(i, 0), kCacheImageResolution);
+  EXPECT_EQ(CacheEntry(i, 1), kCacheImageResolution);
+  EXPECT_EQ(i.picture.appliedCacheMode, kCacheImageResolution);
 }
 
 TEST(CacheCommands, FreeAllCachesEmptiesEveryInstanceAndResetsEveryList) {
   Instance a, b, c;
   for (Instance* i : {&a, &b, &c}) {
     Hold(*i);
-    SetCacheKeys(*i, CacheVideoResolution);
-    i->picture.appliedCacheMode = CacheVideoResolution;
-    i->settings.cacheMode = CacheVideoResolution;
+    SetCacheKeys(*i, kCacheVideoResolution);
+    i->picture.appliedCacheMode = kCacheVideoResolution;
+    i->settings.cacheMode = kCacheVideoResolution;
   }
-  SetCacheKeys(b, FreeAllCaches);
+  SetCacheKeys(b, kFreeAllCaches);
   UpdateParams(&b);
   for (Instance* i : {&a, &b, &c}) {
     EXPECT_EQ(i->picture.workImages[0], nullptr);
-    for (const int32_t key : {0, 1}) EXPECT_EQ(CacheEntry(*i, key), CacheImageResolution);
-    EXPECT_EQ(i->settings.cacheMode, CacheImageResolution);
+    for (const int32_t key : {0, 1}) EXPECT_EQ(CacheEntry(*i, key), kCacheImageResolution);
+    EXPECT_EQ(i->settings.cacheMode, kCacheImageResolution);
   }
   EXPECT_EQ(Module().cachedBytes, 0u);
 }
 
 TEST(CacheCommands, CacheAllLeavesInstancesAloneThatAreInThatModeAlready) {
   Instance inForce, other, asked;
-  other.picture.appliedCacheMode = other.settings.cacheMode = CacheVideoResolution;
+  other.picture.appliedCacheMode = other.settings.cacheMode = kCacheVideoResolution;
   for (Instance* i : {&inForce, &other, &asked}) Hold(*i);
-  SetCacheKeys(asked, CacheAllFirst + CacheImageResolution);
+  SetCacheKeys(asked, kCacheAllFirst + kCacheImageResolution);
   UpdateParams(&asked);
   EXPECT_NE(inForce.picture.workImages[0], nullptr);
   EXPECT_NE(asked.picture.workImages[0], nullptr) << "its applied mode was Image Resolution too";
   EXPECT_EQ(other.picture.workImages[0], nullptr);
-  EXPECT_EQ(other.picture.appliedCacheMode, CacheImageResolution);
-  EXPECT_EQ(CacheEntry(asked, 0), CacheImageResolution) << "never a one-shot command";
+  EXPECT_EQ(other.picture.appliedCacheMode, kCacheImageResolution);
+  EXPECT_EQ(CacheEntry(asked, 0), kCacheImageResolution) << "never a one-shot command";
 }
 
 TEST(CacheCommands, WithoutAnActiveKeyTheFieldDecides) {
   Instance i;
   Hold(i);
-  SetCacheKeys(i, FreeCurrentCache);
+  SetCacheKeys(i, kFreeCurrentCache);
   i.SetActive("cache", -1);
   ApplyCacheCommand(i, true);
   EXPECT_NE(i.picture.workImages[0], nullptr);

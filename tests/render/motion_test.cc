@@ -66,11 +66,11 @@ TEST(FrameMotion, AnotherKindOfPathIsFollowedAtOnce) {
   instance.SetPosition(0.5, 1.0, 0.0);
   instance.SetPosition(1.0, 0.0, 0.0);
   for (const double t : {0.0, 0.5, 1.0}) {
-    instance.SetVelocities(t, VelocityLinear, VelocityLinear);
+    instance.SetVelocities(t, kVelocityLinear, kVelocityLinear);
   }
   EvaluateMotion(instance);
   EXPECT_NEAR(instance.settings.view.centreX, 0.4, 1e-9);
-  instance.settings.pathType = PathSpline;
+  instance.settings.pathType = kPathSpline;
   EvaluateMotion(instance);
   EXPECT_GT(instance.settings.view.centreX, 0.42);
 }

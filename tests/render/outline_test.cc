@@ -22,7 +22,7 @@ TEST(Outline, The422LineShiftsLumaBy70AndLeavesChromaAlone) {
   for (const auto& [below, shifted] : {std::pair{100, 170}, {189, 255}, {190, 120}, {250, 180}}) {
     Picture picture(8, 8, hfxColorspaceYCbCr, 6);
     Fill(picture, static_cast<uint8_t>(below));
-    DrawFrameOutline(*picture.image(), hfxColorspaceYCbCr, {1, 1, 6, 6}, OutlineThin, 0);
+    DrawFrameOutline(*picture.image(), hfxColorspaceYCbCr, {1, 1, 6, 6}, kOutlineThin, 0);
     for (int32_t i = 0; i < 8; ++i) {
       const bool onEdge = i >= 1 && i <= 6;
       EXPECT_EQ(picture.row(1)[2 * i], onEdge ? shifted : below);
@@ -38,7 +38,7 @@ TEST(Outline, The422LineShiftsLumaBy70AndLeavesChromaAlone) {
 TEST(Outline, TheRgbLinePaints235InAllFourBytes) {
   Picture picture(6, 6, hfxColorspaceRGB, 4, true);
   Fill(picture, 7);
-  DrawFrameOutline(*picture.image(), hfxColorspaceRGB, {0, 0, 5, 5}, OutlineThin, 0);
+  DrawFrameOutline(*picture.image(), hfxColorspaceRGB, {0, 0, 5, 5}, kOutlineThin, 0);
   for (int byte = 0; byte < 4; ++byte) {
     EXPECT_EQ(picture.row(0)[4 * 3 + byte], 235);
     EXPECT_EQ(picture.row(3)[byte], 235);
@@ -50,7 +50,7 @@ TEST(Outline, TheRgbLinePaints235InAllFourBytes) {
 TEST(Outline, ThickLinesAreTwoPixelsAndNoCornerIsShiftedTwice) {
   Picture picture(12, 12, hfxColorspaceYCbCr);
   Fill(picture, 150);  // shifted twice it would come back to 150
-  DrawFrameOutline(*picture.image(), hfxColorspaceYCbCr, {2, 2, 8, 8}, OutlineThick, 0);
+  DrawFrameOutline(*picture.image(), hfxColorspaceYCbCr, {2, 2, 8, 8}, kOutlineThick, 0);
   for (int32_t y = 0; y < 12; ++y) {
     for (int32_t x = 0; x < 12; ++x) {
       const auto line = [](int32_t i) { return i == 2 || i == 3 || i == 8 || i == 9; };
@@ -68,7 +68,7 @@ TEST(Outline, ThickLinesOfARectangleOneRowOrColumnWideAreShiftedOnce) {
     Picture picture(12, 12, hfxColorspaceYCbCr);
     Fill(picture, 150);  // shifted twice it would come back to 150
     const OutlineRect rect = oneRow ? OutlineRect{2, 5, 8, 5} : OutlineRect{5, 2, 5, 8};
-    DrawFrameOutline(*picture.image(), hfxColorspaceYCbCr, rect, OutlineThick, 0);
+    DrawFrameOutline(*picture.image(), hfxColorspaceYCbCr, rect, kOutlineThick, 0);
     for (int32_t y = 0; y < 12; ++y) {
       for (int32_t x = 0; x < 12; ++x) {
         const bool marked = oneRow ? band(y) && along(x) : band(x) && along(y);
@@ -81,14 +81,14 @@ TEST(Outline, ThickLinesOfARectangleOneRowOrColumnWideAreShiftedOnce) {
 TEST(Outline, CoordinatesAreRoundedDownAndClippedToTheImage) {
   Picture picture(10, 10, hfxColorspaceYCbCr, 10);
   Fill(picture, 100);
-  DrawFrameOutline(*picture.image(), hfxColorspaceYCbCr, {-50.5, 2.9, 1e12, 7.9}, OutlineThin, 0);
+  DrawFrameOutline(*picture.image(), hfxColorspaceYCbCr, {-50.5, 2.9, 1e12, 7.9}, kOutlineThin, 0);
   EXPECT_EQ(picture.row(2)[0], 170);
   EXPECT_EQ(picture.row(7)[2 * 9], 170);
   EXPECT_EQ(picture.row(5)[0], 170);
   EXPECT_EQ(picture.row(5)[2 * 9], 170);
   EXPECT_EQ(picture.row(8)[0], 100);
   DrawFrameOutline(*picture.image(), hfxColorspaceYCbCr, {NAN, NAN, INFINITY, -INFINITY},
-                   OutlineThick, 0);
+                   kOutlineThick, 0);
   EXPECT_TRUE(picture.GuardsIntact());
 }
 

@@ -128,9 +128,9 @@ class SmallFrame : public testing::Test {
 
 TEST_F(SmallFrame, QualityOfOneHalfIsRealTimeAndMoreUsesTheFilter) {
   CacheSpottedPicture();
-  instance.settings.filter = FilterRealTime;
+  instance.settings.filter = kFilterRealTime;
   const auto realTime = Render();
-  instance.settings.filter = FilterUltraQual;
+  instance.settings.filter = kFilterUltraQual;
   instance.host().quality = 0.5;
   EXPECT_EQ(Render(), realTime);
   instance.host().quality = 0.51;
@@ -140,10 +140,10 @@ TEST_F(SmallFrame, QualityOfOneHalfIsRealTimeAndMoreUsesTheFilter) {
 TEST_F(SmallFrame, TheSourceDisplayIsAlwaysRealTimeAndWhole) {
   CacheSpottedPicture();
   instance.overlayOff = 1;
-  instance.settings.filter = FilterRealTime;
+  instance.settings.filter = kFilterRealTime;
   const auto whole = Render();
   instance.settings.display = 0;
-  instance.settings.filter = FilterHiQual;
+  instance.settings.filter = kFilterHiQual;
   instance.settings.view.zoom = 3.0;
   instance.settings.view.centreX = 0.2;
   EXPECT_EQ(Render(), whole);
@@ -182,7 +182,7 @@ TEST(Background, FullColourIs255For601SourcesAnd235ForRgbOnes) {
 TEST_F(SmallFrame, SeparateFieldsRenderOnlyTheFieldTheHostNames) {
   CacheSpottedPicture();
   instance.settings.view.zoom = 2.0;
-  instance.settings.filter = FilterTriangle;
+  instance.settings.filter = kFilterTriangle;
   const auto frame = Render();
   Picture field(kWidth, kHeight / 2, hfxColorspaceYCbCr, 8);
   hfx::SetOutput(instance, 0, field.image());
@@ -228,7 +228,7 @@ TEST_F(SmallFrame, VideoShowsWhereThePictureDoesNotCover) {
   CacheSpottedPicture();
   instance.settings.compositeOver = 1;
   instance.settings.view.zoom = 0.5;
-  instance.settings.filter = FilterCubic;
+  instance.settings.filter = kFilterCubic;
   Render();
   for (const int32_t y : {0, 2, kHeight - 1}) {
     EXPECT_EQ(std::memcmp(output.row(y), input.row(y), 2 * kWidth), 0) << "row " << y;

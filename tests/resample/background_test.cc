@@ -85,7 +85,7 @@ TEST(BackgroundPattern, OtherSelectorsSaturate) {
 TEST(FillBackground, FillsTheBandsAroundThePictureAndNothingElse) {
   for (const bool bottomUp : {false, true}) {
     GuardedBuffer buffer(7, 5, 2, 3, bottomUp);
-    FillBackground(CanvasOf(buffer, 7, PixelFormat::Packed422), Colour({10, 20, 30, 40}), {2, 5},
+    FillBackground(CanvasOf(buffer, 7, PixelFormat::kPacked422), Colour({10, 20, 30, 40}), {2, 5},
                    {1, 3});
     for (size_t y = 0; y < 5; ++y) {
       for (size_t x = 0; x < 7; ++x) {
@@ -103,7 +103,8 @@ TEST(FillBackground, FillsEverythingWhenThePictureIsEmptyInEitherDirection) {
   const Range some = {1, 3}, none = {2, 2};
   for (const auto& [columns, rows] : {std::pair(some, none), std::pair(none, some)}) {
     GuardedBuffer buffer(4, 4, 4);
-    FillBackground(CanvasOf(buffer, 4, PixelFormat::FourByte), Colour({1, 2, 3, 4}), columns, rows);
+    FillBackground(CanvasOf(buffer, 4, PixelFormat::kFourByte), Colour({1, 2, 3, 4}), columns,
+                   rows);
     const std::vector<uint8_t> bytes = buffer.Packed();
     for (size_t i = 0; i < bytes.size(); ++i) ASSERT_EQ(bytes[i], i % 4 + 1);
     buffer.ExpectGuardsUntouched();
@@ -132,7 +133,7 @@ class VideoBackground : public ::testing::TestWithParam<bool> {
 TEST_P(VideoBackground, IsTheInputsPixelWithItsOwnRowDelta) {
   GuardedBuffer video(6, 4, 2, 29, GetParam());
   GuardedBuffer buffer(6, 4, 2);
-  FillBackground(CanvasOf(buffer, 6, PixelFormat::Packed422), Show(video, 6), {1, 3}, {2, 4});
+  FillBackground(CanvasOf(buffer, 6, PixelFormat::kPacked422), Show(video, 6), {1, 3}, {2, 4});
   for (size_t y = 0; y < 4; ++y) {
     for (size_t i = 0; i < 12; ++i) {
       const bool inside = i / 2 >= 1 && i / 2 < 3 && y >= 2;
@@ -145,7 +146,7 @@ TEST_P(VideoBackground, IsTheInputsPixelWithItsOwnRowDelta) {
 TEST_P(VideoBackground, IsBlackWhereTheVideoIsSmallerThanTheFrame) {
   GuardedBuffer video(3, 2, 2, 5, GetParam());
   GuardedBuffer buffer(5, 4, 2);
-  FillBackground(CanvasOf(buffer, 5, PixelFormat::Packed422), Show(video, 3), {}, {});
+  FillBackground(CanvasOf(buffer, 5, PixelFormat::kPacked422), Show(video, 3), {}, {});
   for (size_t y = 0; y < 4; ++y) {
     for (size_t i = 0; i < 10; ++i) {
       const uint8_t black = i % 2 == 0 ? 16 : 128;
@@ -159,7 +160,7 @@ TEST_P(VideoBackground, MayBeTheFramesOwnBuffer) {
   GuardedBuffer video(6, 4, 2, 0, GetParam());
   const Background background = Show(video, 6);
   const std::vector<uint8_t> before = video.Packed();
-  FillBackground(CanvasOf(video, 6, PixelFormat::Packed422), background, {1, 3}, {1, 2});
+  FillBackground(CanvasOf(video, 6, PixelFormat::kPacked422), background, {1, 3}, {1, 2});
   EXPECT_EQ(video.Packed(), before);
 }
 
@@ -168,7 +169,7 @@ TEST_P(VideoBackground, ShowsThroughPixelsThatThePictureCoversInPart) {
   GuardedBuffer buffer(8, 8, 2);
   SourceImage image(4, 8, [](int, int, int c) { return c == 0 ? 250 : 10; });
   // The image's left edge lies a quarter into column 3.
-  ResampleJob job = MakeJob(image, {-2.75f, 0.5f, 4.25f, 7.5f}, buffer, 8, 8, FilterTriangle);
+  ResampleJob job = MakeJob(image, {-2.75f, 0.5f, 4.25f, 7.5f}, buffer, 8, 8, kFilterTriangle);
   job.background = Show(video, 8);
   ResampleTo422(job);
   for (size_t y = 0; y < 8; ++y) {
@@ -189,17 +190,17 @@ TEST(VideoBackgroundOfNoSize, IsBlackAndNeverRead) {
   background.videoRow0 = &nothing;
   background.videoWidth = -5;
   background.videoHeight = -5;
-  FillBackground(CanvasOf(buffer, 3, PixelFormat::Packed422), background, {}, {});
+  FillBackground(CanvasOf(buffer, 3, PixelFormat::kPacked422), background, {}, {});
   const std::vector<uint8_t> bytes = buffer.Packed();
   for (size_t i = 0; i < bytes.size(); ++i) EXPECT_EQ(bytes[i], i % 2 == 0 ? 16 : 128);
 }
 
 TEST(FieldBackground, FillsTheFieldsRowsOnly) {
-  for (const int32_t mode : {FilterRealTime, FilterCubic}) {
+  for (const int32_t mode : {kFilterRealTime, kFilterCubic}) {
     GuardedBuffer buffer(4, 3, 2);
     SourceImage image(4, 6);
     ResampleJob job = MakeJob(image, {20.5f, 0.5f, 23.5f, 5.5f}, buffer, 4, 6, mode);
-    job.fieldRows = OddRows;
+    job.fieldRows = kOddRows;
     job.interlaceSelector = 2;
     job.background = Colour({9, 8, 7, 6});
     ResampleTo422(job);

@@ -100,30 +100,30 @@ void ExpectSteady(double scale, int32_t mode, double mostJitter) {
 constexpr double kFine = 0.006, kFair = 0.02;
 
 TEST(SlowPan, OfAMinifiedBlobNeverStepsBackAndIsSteadyInEveryFilter) {
-  for (const int32_t mode : {FilterCatmull, FilterHiQual, FilterUltraQual}) {
+  for (const int32_t mode : {kFilterCatmull, kFilterHiQual, kFilterUltraQual}) {
     ExpectSteady(3.125, mode, kFine);
   }
-  for (const int32_t mode : {FilterTriangle, FilterQuadratic, FilterCubic, FilterGaussian}) {
+  for (const int32_t mode : {kFilterTriangle, kFilterQuadratic, kFilterCubic, kFilterGaussian}) {
     ExpectSteady(3.125, mode, kFair);
   }
 }
 
 TEST(SlowPan, OfAMagnifiedBlobNeverStepsBackAndIsSteadyWhereTheTapsHoldTheKernel) {
   for (const double scale : {0.4, 2.0 / 3.0, 0.9}) {
-    for (const int32_t mode : {FilterCatmull, FilterHiQual, FilterUltraQual}) {
+    for (const int32_t mode : {kFilterCatmull, kFilterHiQual, kFilterUltraQual}) {
       ExpectSteady(scale, mode, kFine);
     }
-    for (const int32_t mode : {FilterTriangle, FilterCubic}) ExpectSteady(scale, mode, kFair);
+    for (const int32_t mode : {kFilterTriangle, kFilterCubic}) ExpectSteady(scale, mode, kFair);
   }
 }
 
 TEST(SlowPan, MagnifiedByKernelsThatWholeNumberedTapsCutShortStillNeverStepsBack) {
   // Quadratic and gaussian lose their outermost tap at half of all positions.
-  for (const int32_t mode : {FilterQuadratic, FilterGaussian}) ExpectSteady(0.4, mode, 0.05);
+  for (const int32_t mode : {kFilterQuadratic, kFilterGaussian}) ExpectSteady(0.4, mode, 0.05);
 }
 
 TEST(SlowPan, AtScaleOneDoesNotHopBetweenTheWeightFormulas) {
-  for (int32_t mode = FilterTriangle; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterTriangle; mode <= kFilterUltraQual; ++mode) {
     ExpectSteady(1.0, mode, 0.06);
   }
 }

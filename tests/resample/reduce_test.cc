@@ -50,7 +50,7 @@ TEST(ReduceImage, WithTheTriangleLeavesOutTheSamplesThatLieAhead) {
   // reached ahead would show it in both.
   SourceImage image(30, 30, [](int x, int, int) { return x == 14 ? 255 : 0; });
   GuardedBuffer reduced(10, 10, 4);
-  ResampleJob job = CacheJob(image, reduced, 10, 10, FilterTriangle);
+  ResampleJob job = CacheJob(image, reduced, 10, 10, kFilterTriangle);
   job.destRect = WholeFrame(10, 10);
   ReduceImage(job);
   for (size_t x = 0; x < 10; ++x) EXPECT_EQ(reduced.Row(5)[4 * x], x == 5 ? 85 : 0) << x;
@@ -58,7 +58,7 @@ TEST(ReduceImage, WithTheTriangleLeavesOutTheSamplesThatLieAhead) {
 
 TEST(ReduceImage, WorksDownToASinglePixel) {
   SourceImage image(800, 10, [](int x, int, int) { return x % 2 * 100; });
-  for (int32_t mode = FilterTriangle; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterTriangle; mode <= kFilterUltraQual; ++mode) {
     GuardedBuffer reduced(1, 1, 4);
     ReduceImage(CacheJob(image, reduced, 1, 1, mode));
     EXPECT_NEAR(reduced.Row(0)[0], 50, 2) << mode;
@@ -67,7 +67,7 @@ TEST(ReduceImage, WorksDownToASinglePixel) {
 
 TEST(ReduceImage, KeepsPixelsOutsideItsRectangle) {
   SourceImage image(8, 8);
-  for (const int32_t mode : {FilterRealTime, FilterHiQual}) {
+  for (const int32_t mode : {kFilterRealTime, kFilterHiQual}) {
     GuardedBuffer reduced(6, 6, 4);
     ResampleJob job = CacheJob(image, reduced, 6, 6, mode);
     job.destRect = {1.5f, 2.5f, 3.5f, 3.5f};
@@ -89,7 +89,7 @@ TEST(ReduceImage, DrawsNothingFromRectanglesThatMakeNoSense) {
                        {0.5f, 0.5f, INFINITY, 7.5f},
                        {-huge, -huge, huge, huge},
                        {-1e9f, 0.5f, 1e9f, 7.5f}};
-  for (const int32_t mode : {FilterRealTime, FilterHiQual}) {
+  for (const int32_t mode : {kFilterRealTime, kFilterHiQual}) {
     for (const RectF& rect : bad) {
       GuardedBuffer reduced(4, 4, 4);
       ResampleJob job = CacheJob(image, reduced, 4, 4, mode);

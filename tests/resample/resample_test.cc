@@ -28,7 +28,7 @@ void ExpectReference(const nlohmann::json& c) {
       MakeJob(image, {s[0], s[1], s[2], s[3]}, dest, width, height, c["mode"].get<int32_t>());
   job.destRect = {c["dst"][0], c["dst"][1], c["dst"][2], c["dst"][3]};
   job.fieldRows = field;
-  job.interlaceSelector = field == AllRows ? 0 : 2;
+  job.interlaceSelector = field == kAllRows ? 0 : 2;
   job.chroma = {c["chroma_even"], c["chroma_odd"]};
   for (size_t i = 0; i < 4; ++i) job.background.bytes[i] = c["background"][i];
   job.background.selector = c["selector"];
@@ -58,7 +58,7 @@ const RectF kViews[] = {{0.5f, 0.5f, 22.5f, 16.5f},      // whole
 
 TEST(Resample, KeepsAConstantImageConstantUpToItsEdges) {
   SourceImage image(23, 17, [](int, int, int c) { return 17 + 60 * c; });
-  for (int32_t mode = FilterRealTime; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterRealTime; mode <= kFilterUltraQual; ++mode) {
     for (const RectF& view : kViews) {
       GuardedBuffer dest(20, 14, 4);
       ResampleJob job = MakeJob(image, view, dest, 20, 14, mode);
@@ -75,7 +75,7 @@ TEST(Resample, KeepsAConstantImageConstantUpToItsEdges) {
 
 TEST(Resample, DrawsNothingButBackgroundForARectangleEntirelyOutsideTheDestination) {
   SourceImage image = Waves(10, 10);
-  for (int32_t mode = FilterRealTime; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterRealTime; mode <= kFilterUltraQual; ++mode) {
     GuardedBuffer dest(12, 8, 2);
     ResampleJob job = MakeJob(image, WholeFrame(10, 10), dest, 12, 8, mode);
     job.destRect = {12.5f, 0.5f, 24.5f, 7.5f};
@@ -87,11 +87,11 @@ TEST(Resample, DrawsNothingButBackgroundForARectangleEntirelyOutsideTheDestinati
 
 TEST(Resample, WritesOnlyTheEvenRowsOfAFramePackedIntoAFieldInFieldModeZero) {
   SourceImage image = Waves(23, 17);
-  for (int32_t mode = FilterRealTime; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterRealTime; mode <= kFilterUltraQual; ++mode) {
     GuardedBuffer frame(20, 14, 2), field(20, 7, 2);
     ResampleTo422(MakeJob(image, kViews[2], frame, 20, 14, mode));
     ResampleJob job = MakeJob(image, kViews[2], field, 20, 14, mode);
-    job.fieldRows = EvenRows;
+    job.fieldRows = kEvenRows;
     job.interlaceSelector = 2;
     ResampleTo422(job);
     for (size_t row = 0; row < 7; ++row) {
@@ -103,11 +103,11 @@ TEST(Resample, WritesOnlyTheEvenRowsOfAFramePackedIntoAFieldInFieldModeZero) {
 
 TEST(Resample, TwoFieldsInterleaveIntoTheProgressiveFrameInEveryFilter) {
   SourceImage image = Waves(23, 17);
-  for (int32_t mode = FilterRealTime; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterRealTime; mode <= kFilterUltraQual; ++mode) {
     for (const RectF& view : kViews) {
       GuardedBuffer frame(20, 14, 4);
       ResampleTo4Byte(MakeJob(image, view, frame, 20, 14, mode));
-      for (const int32_t parity : {EvenRows, OddRows}) {
+      for (const int32_t parity : {kEvenRows, kOddRows}) {
         GuardedBuffer field(20, 7, 4);
         ResampleJob job = MakeJob(image, view, field, 20, 14, mode);
         job.fieldRows = parity;
@@ -125,10 +125,10 @@ TEST(Resample, TwoFieldsInterleaveIntoTheProgressiveFrameInEveryFilter) {
 TEST(Resample, ComputesEveryRowInAnyFieldModeButZeroAndOne) {
   SourceImage image = Waves(23, 17);
   GuardedBuffer expected(20, 14, 2);
-  ResampleTo422(MakeJob(image, kViews[1], expected, 20, 14, FilterCubic));
+  ResampleTo422(MakeJob(image, kViews[1], expected, 20, 14, kFilterCubic));
   for (const int32_t rows : {-1, 3, 100}) {
     GuardedBuffer dest(20, 14, 2);
-    ResampleJob job = MakeJob(image, kViews[1], dest, 20, 14, FilterCubic);
+    ResampleJob job = MakeJob(image, kViews[1], dest, 20, 14, kFilterCubic);
     job.fieldRows = rows;
     ResampleTo422(job);
     EXPECT_EQ(dest.Packed(), expected.Packed());
@@ -137,7 +137,7 @@ TEST(Resample, ComputesEveryRowInAnyFieldModeButZeroAndOne) {
 
 TEST(Resample, PacksEachPixelsOwnLumaWithTheChromaOfItsColumn) {
   SourceImage image = Waves(23, 17);
-  for (int32_t mode = FilterRealTime; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterRealTime; mode <= kFilterUltraQual; ++mode) {
     for (const RectF& view : kViews) {
       GuardedBuffer whole(21, 14, 4), packed(21, 14, 2);
       ResampleJob job = MakeJob(image, view, whole, 21, 14, mode);
@@ -160,7 +160,7 @@ TEST(Resample, PacksEachPixelsOwnLumaWithTheChromaOfItsColumn) {
 
 TEST(Resample, HoldsChromaBytesThatNoPixelHasInsideThePixel) {
   SourceImage image = Waves(23, 17);
-  for (const int32_t mode : {FilterRealTime, FilterTriangle}) {
+  for (const int32_t mode : {kFilterRealTime, kFilterTriangle}) {
     GuardedBuffer expected(20, 14, 2), dest(20, 14, 2);
     ResampleJob job = MakeJob(image, kViews[0], expected, 20, 14, mode);
     job.chroma = {3, 0};
@@ -178,10 +178,10 @@ TEST(Resample, FitsOddWidthsWithoutTouchingWhatFollowsARow) {
     GuardedBuffer dest(width, 9, 2, 1), wider(width + 1, 9, 2, 1);
     const float step = 15.0f / static_cast<float>(width);
     const RectF view = {0.9f, 1.1f, 0.9f + 15.0f - 1.0f, 12.0f};
-    ResampleTo422(MakeJob(image, view, dest, width, 9, FilterCatmull));
+    ResampleTo422(MakeJob(image, view, dest, width, 9, kFilterCatmull));
     RectF further = view;
     further.right += step;
-    ResampleTo422(MakeJob(image, further, wider, width + 1, 9, FilterCatmull));
+    ResampleTo422(MakeJob(image, further, wider, width + 1, 9, kFilterCatmull));
     dest.ExpectGuardsUntouched();
     for (size_t y = 0; y < 9; ++y) {
       for (size_t i = 0; i < dest.RowBytes(); ++i) {
@@ -193,7 +193,7 @@ TEST(Resample, FitsOddWidthsWithoutTouchingWhatFollowsARow) {
 
 TEST(Resample, TouchesOnlyThePixelsOfPaddedAndBottomUpFrames) {
   SourceImage image = Waves(23, 17);
-  for (int32_t mode = FilterRealTime; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterRealTime; mode <= kFilterUltraQual; ++mode) {
     GuardedBuffer plain(20, 14, 2, 0), padded(20, 14, 2, 37), bottomUp(20, 14, 2, 37, true);
     for (GuardedBuffer* dest : {&plain, &padded, &bottomUp}) {
       ResampleTo422(MakeJob(image, kViews[3], *dest, 20, 14, mode));
@@ -209,7 +209,7 @@ TEST(Resample, ReadsBottomUpSources) {
   for (size_t y = 0; y < 17; ++y) {
     std::copy_n(image.bytes.data() + y * row, row, flipped.bytes.data() + (16 - y) * row);
   }
-  for (const int32_t mode : {FilterRealTime, FilterHiQual}) {
+  for (const int32_t mode : {kFilterRealTime, kFilterHiQual}) {
     GuardedBuffer expected(20, 14, 2), dest(20, 14, 2);
     ResampleTo422(MakeJob(image, kViews[2], expected, 20, 14, mode));
     ResampleJob job = MakeJob(flipped, kViews[2], dest, 20, 14, mode);
@@ -222,7 +222,7 @@ TEST(Resample, ReadsBottomUpSources) {
 
 TEST(Resample, MixesPartlyCoveredEdgesWithTheBackground) {
   SourceImage image(8, 8, [](int, int, int) { return 200; });
-  for (int32_t mode = FilterTriangle; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterTriangle; mode <= kFilterUltraQual; ++mode) {
     GuardedBuffer dest(16, 16, 4);
     ResampleJob job = MakeJob(image, {-3.25f, -3.0f, 11.75f, 12.0f}, dest, 16, 16, mode);
     job.background.selector = 1;
@@ -242,13 +242,13 @@ TEST(Resample, RoundsTiesToEvenAndSaturates) {
   // The triangle at positions halfway between samples: exact means of neighbouring columns.
   SourceImage pairs(3, 3, [](int x, int, int c) { return x == 1 ? 11 + 2 * c : 10; });
   GuardedBuffer means(2, 2, 4);
-  ResampleTo4Byte(MakeJob(pairs, {1.5f, 1.5f, 2.5f, 2.5f}, means, 2, 2, FilterTriangle));
+  ResampleTo4Byte(MakeJob(pairs, {1.5f, 1.5f, 2.5f, 2.5f}, means, 2, 2, kFilterTriangle));
   EXPECT_EQ(means.Row(0)[0], 10) << "10.5";
   EXPECT_EQ(means.Row(0)[1], 12) << "11.5";
 
   SourceImage step(40, 4, [](int x, int, int) { return x < 20 ? 0 : 255; });
   GuardedBuffer rung(117, 4, 4);
-  ResampleTo4Byte(MakeJob(step, WholeFrame(40, 4), rung, 117, 4, FilterHiQual));
+  ResampleTo4Byte(MakeJob(step, WholeFrame(40, 4), rung, 117, 4, kFilterHiQual));
   int lowest = 255, highest = 0;
   for (size_t x = 0; x < 117; ++x) {
     const int value = rung.Row(1)[4 * x];
@@ -262,7 +262,7 @@ TEST(Resample, RoundsTiesToEvenAndSaturates) {
 
 TEST(Resample, DrawsIntoPartOfAFrameAndFillsAroundIt) {
   SourceImage image(8, 6, [](int, int, int) { return 99; });
-  for (int32_t mode = FilterRealTime; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterRealTime; mode <= kFilterUltraQual; ++mode) {
     GuardedBuffer dest(20, 14, 4);
     ResampleJob job = MakeJob(image, WholeFrame(8, 6), dest, 20, 14, mode);
     job.destRect = {5.5f, 3.5f, 12.5f, 8.5f};
@@ -280,9 +280,9 @@ TEST(Resample, DrawsIntoPartOfAFrameAndFillsAroundIt) {
 TEST(Resample, IsTheSameOnEveryRun) {
   SourceImage image = Waves(23, 17);
   GuardedBuffer first(20, 14, 2), second(20, 14, 2);
-  ResampleTo422(MakeJob(image, kViews[2], first, 20, 14, FilterUltraQual));
-  ResampleTo422(MakeJob(image, kViews[1], second, 20, 14, FilterHiQual));
-  ResampleTo422(MakeJob(image, kViews[2], second, 20, 14, FilterUltraQual));
+  ResampleTo422(MakeJob(image, kViews[2], first, 20, 14, kFilterUltraQual));
+  ResampleTo422(MakeJob(image, kViews[1], second, 20, 14, kFilterHiQual));
+  ResampleTo422(MakeJob(image, kViews[2], second, 20, 14, kFilterUltraQual));
   EXPECT_EQ(first.Packed(), second.Packed());
 }
 

@@ -97,12 +97,12 @@ TEST(AnyJob, WithoutAUsableDestinationWritesNothing) {
   GuardedBuffer dest(4, 4, 4);
   for (const auto& [width, height] :
        {std::pair(0, 4), std::pair(4, 0), std::pair(-3, 4), std::pair(4, -2147483647)}) {
-    ResampleJob job = MakeJob(image, WholeFrame(4, 4), dest, width, height, FilterCubic);
+    ResampleJob job = MakeJob(image, WholeFrame(4, 4), dest, width, height, kFilterCubic);
     ResampleTo422(job);
     ResampleTo4Byte(job);
     ReduceImage(job);
   }
-  ResampleJob nowhere = MakeJob(image, WholeFrame(4, 4), dest, 4, 4, FilterRealTime);
+  ResampleJob nowhere = MakeJob(image, WholeFrame(4, 4), dest, 4, 4, kFilterRealTime);
   nowhere.dest.pixels = nullptr;
   ResampleTo422(nowhere);
   ReduceImage(nowhere);
@@ -111,7 +111,7 @@ TEST(AnyJob, WithoutAUsableDestinationWritesNothing) {
 }
 
 TEST(AnyJob, WithoutAnImageShowsTheBackground) {
-  for (int32_t mode = FilterRealTime; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterRealTime; mode <= kFilterUltraQual; ++mode) {
     GuardedBuffer dest(4, 4, 2);
     ResampleJob job;
     job.dest = {dest.Pixels(), 4, 4, dest.RowDelta()};
@@ -138,7 +138,7 @@ TEST(ZoomedFarOut, TakesMemoryForRowsOfTheImageOnlyAndLittleTime) {
   for (const float extent : {10.0f, 1e3f, 1e5f, 1e8f}) {
     const auto start = std::chrono::steady_clock::now();
     const size_t before = BytesAllocated();
-    ResampleTo422(MakeJob(image, ViewOf(image, extent), dest, 192, 108, FilterUltraQual));
+    ResampleTo422(MakeJob(image, ViewOf(image, extent), dest, 192, 108, kFilterUltraQual));
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
     EXPECT_LT(BytesAllocated() - before, 16u << 20) << extent;
     EXPECT_LT(taken.count(), 20.0) << extent;
@@ -147,7 +147,7 @@ TEST(ZoomedFarOut, TakesMemoryForRowsOfTheImageOnlyAndLittleTime) {
 
 TEST(ZoomedFarOut, ShowsThePictureAsASpeckOfItsMeanOverTheBackground) {
   SourceImage image(40, 40, [](int, int, int c) { return c == 0 ? 240 : 128; });
-  for (int32_t mode = FilterTriangle; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterTriangle; mode <= kFilterUltraQual; ++mode) {
     GuardedBuffer dest(9, 9, 2);
     ResampleJob job = MakeJob(image, ViewOf(image, 18.0f), dest, 9, 9, mode);
     job.background.bytes[1] = job.background.bytes[3] = 128;
@@ -169,7 +169,7 @@ TEST(StretchedInOneDirection, StaysWithinBounds) {
   for (const RectF& view : {RectF{-1e7f, 90.0f, 1e7f, 91.0f}, RectF{90.0f, -1e7f, 91.0f, 1e7f},
                             RectF{-3e4f, 90.0f, 3e4f, 91.0f}, RectF{90.0f, -3e4f, 91.0f, 3e4f}}) {
     const size_t before = BytesAllocated();
-    ResampleTo422(MakeJob(image, view, dest, 96, 54, FilterUltraQual));
+    ResampleTo422(MakeJob(image, view, dest, 96, 54, kFilterUltraQual));
     EXPECT_LT(BytesAllocated() - before, 64u << 20);
   }
 }
@@ -178,7 +178,7 @@ TEST(ALargeMinifiedPicture, TakesOnlyTheIntermediateRowsOfOneOutputRow) {
   SourceImage image(3000, 2000);
   GuardedBuffer dest(960, 540, 2);
   const size_t before = BytesAllocated();
-  ResampleTo422(MakeJob(image, WholeFrame(3000, 2000), dest, 960, 540, FilterHiQual));
+  ResampleTo422(MakeJob(image, WholeFrame(3000, 2000), dest, 960, 540, kFilterHiQual));
   EXPECT_LT(BytesAllocated() - before, 2u << 20) << "all 2000 rows would take 30 MB";
 }
 

@@ -39,12 +39,12 @@ INSTANTIATE_TEST_SUITE_P(Targets, OnEveryTarget, ::testing::ValuesIn(AvailableTa
 
 TEST(Targets, BeginWithTheScalarEngineAndTheLastOneRunsUnasked) {
   const std::vector<Target> targets = AvailableTargets();
-  EXPECT_EQ(targets.front(), Target::Scalar);
+  EXPECT_EQ(targets.front(), Target::kScalar);
   EXPECT_EQ(CurrentTarget(), targets.back());
 }
 
 TEST(Targets, ThatTheMachineLacksAreRefused) {
-  for (const Target target : {Target::Sse4, Target::Avx2, Target::Avx512, Target::Avx512Vnni}) {
+  for (const Target target : {Target::kSse4, Target::kAvx2, Target::kAvx512, Target::kAvx512Vnni}) {
     const std::vector<Target> targets = AvailableTargets();
     if (std::find(targets.begin(), targets.end(), target) == targets.end()) {
       EXPECT_THROW(SetTarget(target), std::invalid_argument) << TargetName(target);
@@ -58,17 +58,17 @@ TEST(Targets, AreAllThatTheProcessorReports) {
   const auto available = [&](Target target) {
     return std::find(targets.begin(), targets.end(), target) != targets.end();
   };
-  EXPECT_EQ(available(Target::Sse4), __builtin_cpu_supports("sse4.2") &&
-                                         __builtin_cpu_supports("aes") &&
-                                         __builtin_cpu_supports("pclmul"));
-  EXPECT_EQ(available(Target::Avx2), available(Target::Sse4) && __builtin_cpu_supports("avx2") &&
-                                         __builtin_cpu_supports("fma") &&
-                                         __builtin_cpu_supports("bmi2"));
+  EXPECT_EQ(available(Target::kSse4), __builtin_cpu_supports("sse4.2") &&
+                                          __builtin_cpu_supports("aes") &&
+                                          __builtin_cpu_supports("pclmul"));
+  EXPECT_EQ(available(Target::kAvx2), available(Target::kSse4) && __builtin_cpu_supports("avx2") &&
+                                          __builtin_cpu_supports("fma") &&
+                                          __builtin_cpu_supports("bmi2"));
 #if defined(__i386__)
-  EXPECT_FALSE(available(Target::Avx512)) << "its instructions need 64 bits";
+  EXPECT_FALSE(available(Target::kAvx512)) << "its instructions need 64 bits";
 #else
-  EXPECT_EQ(available(Target::Avx512),
-            available(Target::Avx2) && __builtin_cpu_supports("avx512bw") &&
+  EXPECT_EQ(available(Target::kAvx512),
+            available(Target::kAvx2) && __builtin_cpu_supports("avx512bw") &&
                 __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl"));
 #endif
 }
@@ -79,9 +79,9 @@ TEST_P(OnEveryTarget, TheCodeThatDrawsIsTheTargetsOwn) {
   EXPECT_EQ(CurrentTarget(), GetParam());
   SourceImage image(97, 61, [](int x, int y, int c) { return (x * 7 + y * 31 + c) % 256; });
   GuardedBuffer dest(150, 80, 4);
-  for (int32_t mode = FilterTriangle; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterTriangle; mode <= kFilterUltraQual; ++mode) {
     ResampleJob job = MakeJob(image, {3.5f, 2.5f, 90.0f, 55.0f}, dest, 150, 80, mode);
-    for (const PixelFormat format : {PixelFormat::Packed422, PixelFormat::FourByte}) {
+    for (const PixelFormat format : {PixelFormat::kPacked422, PixelFormat::kFourByte}) {
       EXPECT_EQ(DrawFiltered(PlanOf(job, format)), GetParam()) << "mode " << mode;
     }
   }
@@ -93,15 +93,15 @@ TEST_P(OnEveryTarget, FramesComeFromTheCodeThatTheTargetNames) {
   // Fixed point does not round all of a noise's pixels as floating point does.
   std::mt19937 random(1);
   SourceImage image(97, 61, [&](int, int, int) { return static_cast<double>(random() & 255); });
-  for (int32_t mode = FilterTriangle; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterTriangle; mode <= kFilterUltraQual; ++mode) {
     GuardedBuffer scalar(150, 80, 2), dest(150, 80, 2);
     ResampleJob job = MakeJob(image, {3.5f, 2.5f, 90.0f, 55.0f}, scalar, 150, 80, mode);
-    SetTarget(Target::Scalar);
+    SetTarget(Target::kScalar);
     ResampleTo422(job);
     job.dest.pixels = dest.Pixels();
     SetTarget(GetParam());
     ResampleTo422(job);
-    EXPECT_EQ(dest.Packed() == scalar.Packed(), GetParam() == Target::Scalar) << "mode " << mode;
+    EXPECT_EQ(dest.Packed() == scalar.Packed(), GetParam() == Target::kScalar) << "mode " << mode;
   }
 }
 
@@ -144,10 +144,10 @@ TEST_P(OnEveryTarget, RandomJobsComeWithinOneLevelOfTheScalarEngine) {
   for (int i = 0; i < 700; ++i) {
     SourceImage image = random.Image();
     const int32_t width = random.Whole(1, 90), rows = random.Whole(1, 50);
-    const int32_t mode = random.Whole(FilterRealTime, FilterUltraQual);
-    const int32_t field = random.Whole(EvenRows, AllRows);
+    const int32_t mode = random.Whole(kFilterRealTime, kFilterUltraQual);
+    const int32_t field = random.Whole(kEvenRows, kAllRows);
     const int32_t entry = random.Whole(0, 2);
-    const int32_t height = field == AllRows ? rows : 2 * rows;
+    const int32_t height = field == kAllRows ? rows : 2 * rows;
     const auto padding = static_cast<size_t>(random.Whole(0, 9));
     const bool bottomUp = random.Whole(0, 1) == 1;
     GuardedBuffer expected(width, rows, entry == 0 ? 2 : 4, padding, bottomUp);
@@ -159,34 +159,34 @@ TEST_P(OnEveryTarget, RandomJobsComeWithinOneLevelOfTheScalarEngine) {
       job.source.rowBytes = -job.source.rowBytes;
     }
     job.fieldRows = field;
-    job.interlaceSelector = field == AllRows ? 0 : 2;
+    job.interlaceSelector = field == kAllRows ? 0 : 2;
     job.chroma = {random.Whole(1, 2), random.Whole(1, 2)};
     job.background.selector = 1;
     for (uint8_t& byte : job.background.bytes) byte = static_cast<uint8_t>(random.Whole(0, 255));
     const auto draw = entry == 0 ? ResampleTo422 : entry == 1 ? ResampleTo4Byte : ReduceImage;
-    SetTarget(Target::Scalar);
+    SetTarget(Target::kScalar);
     draw(job);
     job.dest.pixels = dest.Pixels();
     SetTarget(GetParam());
     draw(job);
     dest.ExpectGuardsUntouched();
     const test::Difference difference = LargestDifference(dest.Packed(), expected.Packed());
-    ASSERT_LE(difference.most, mode == FilterRealTime ? 0 : 1)
+    ASSERT_LE(difference.most, mode == kFilterRealTime ? 0 : 1)
         << "job " << i << " mode " << mode << " byte " << difference.place;
   }
 }
 
 TEST_P(OnEveryTarget, ResultsAreTheSameAsOnEveryOtherVectorTargetAndRun) {
   // The scalar engine rounds otherwise: of it, only the second run is compared.
-  const bool scalar = GetParam() == Target::Scalar;
+  const bool scalar = GetParam() == Target::kScalar;
   RandomPictures random(4711);
   for (int i = 0; i < 60; ++i) {
     SourceImage image = random.Image();
     const int32_t width = random.Whole(1, 200), height = random.Whole(1, 90);
     GuardedBuffer expected(width, height, 2), dest(width, height, 2);
     ResampleJob job = MakeJob(image, random.View(image, width, height), expected, width, height,
-                              random.Whole(FilterTriangle, FilterUltraQual));
-    SetTarget(scalar ? Target::Scalar : AvailableTargets().back());
+                              random.Whole(kFilterTriangle, kFilterUltraQual));
+    SetTarget(scalar ? Target::kScalar : AvailableTargets().back());
     ResampleTo422(job);
     job.dest.pixels = dest.Pixels();
     SetTarget(GetParam());
@@ -207,7 +207,7 @@ TEST_P(OnEveryTarget, ConstantPicturesStayExactlyConstant) {
     const int32_t width = random.Whole(1, 70), height = random.Whole(1, 50);
     GuardedBuffer dest(width, height, 4);
     ResampleJob job = MakeJob(image, random.View(image, width, height), dest, width, height,
-                              random.Whole(FilterRealTime, FilterUltraQual));
+                              random.Whole(kFilterRealTime, kFilterUltraQual));
     job.background.selector = 1;
     std::fill_n(job.background.bytes, 4, static_cast<uint8_t>(level));
     ResampleTo4Byte(job);
@@ -221,7 +221,7 @@ TEST_P(OnEveryTarget, NothingIsReadPastTheLastPixelOfAnImage) {
     // Exactly as large as it must be: the address sanitizer sees any byte more.
     SourceImage image(width, 3, [](int x, int y, int c) { return (x * 7 + y * 31 + c) % 256; });
     GuardedBuffer dest(width, 3, 2);
-    for (int32_t mode = FilterRealTime; mode <= FilterUltraQual; ++mode) {
+    for (int32_t mode = kFilterRealTime; mode <= kFilterUltraQual; ++mode) {
       ResampleTo422(MakeJob(image, WholeFrame(width, 3), dest, width, 3, mode));
     }
     dest.ExpectGuardsUntouched();
@@ -238,7 +238,7 @@ TEST_P(OnEveryTarget, ColumnsMayBeMadeOfPixelsFarApart) {
   plan.canvas.width = 4;
   plan.canvas.rows = 1;
   plan.canvas.rowBytes = dest.RowDelta();
-  plan.canvas.format = PixelFormat::FourByte;
+  plan.canvas.format = PixelFormat::kFourByte;
   plan.columns = {0, 4};
   plan.rows = {0, 1};
   plan.columnWeights = {{{8, 2, 0, 1.0f}, {720, 2, 0, 1.0f}, {808, 2, 0, 1.0f}, {1600, 2, 0, 1.0f}},
@@ -266,12 +266,12 @@ std::optional<FixedFilters> FixedFiltersFor(int32_t mode, float scale, float lef
   job.dest = {image.bytes.data(), 1920, 1080, 3840};
   job.sourceRect = {0.5f - left, 0.5f - top, 1920 * scale - left - 0.5f, 1080 * scale - top - 0.5f};
   job.destRect = WholeFrame(1920, 1080);
-  const FilteredPlan plan = PlanOf(job, PixelFormat::Packed422);
+  const FilteredPlan plan = PlanOf(job, PixelFormat::kPacked422);
   return MakeFixedFilters(plan.columnWeights, plan.rowWeights);
 }
 
 TEST(FixedFilters, AreExactEnoughForEveryFilterAtEveryUsualScale) {
-  for (int32_t mode = FilterTriangle; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterTriangle; mode <= kFilterUltraQual; ++mode) {
     for (const float scale : {0.05f, 1 / 6.0f, 0.5f, 1 / 1.5f, 1.0f, 1.5f, 3.125f, 6.0f, 12.0f}) {
       EXPECT_TRUE(FixedFiltersFor(mode, scale).has_value()) << mode << " at " << scale;
     }
@@ -281,7 +281,7 @@ TEST(FixedFilters, AreExactEnoughForEveryFilterAtEveryUsualScale) {
 TEST(FixedFilters, AreExactEnoughWherePicturesEndWithinTheFrame) {
   // The pixels at the edge bear nearly all weight beside hundreds of small ones, more or less of it
   // from scale to scale.
-  for (const int32_t mode : {FilterHiQual, FilterUltraQual}) {
+  for (const int32_t mode : {kFilterHiQual, kFilterUltraQual}) {
     for (float scale = 4.0f; scale < 90.0f; scale *= 1.04f) {
       const float left = 6.3f * scale + 40.0f, top = 5.9f * scale + 11.0f;
       EXPECT_TRUE(FixedFiltersFor(mode, scale, left, top).has_value()) << mode << " at " << scale;
@@ -294,7 +294,7 @@ TEST(FixedFilters, KeepSumsExact) {
     return static_cast<int16_t>(word & 0xFFFF) + (word >> 16);
   };
   size_t heavy = 0;
-  for (const int32_t mode : {FilterTriangle, FilterHiQual, FilterUltraQual}) {
+  for (const int32_t mode : {kFilterTriangle, kFilterHiQual, kFilterUltraQual}) {
     for (const float scale : {3.125f, 12.41f}) {
       const FixedFilters filters = FixedFiltersFor(mode, scale, 130.0f, 170.0f).value();
       for (const FixedWeights* weights : {&filters.columns, &filters.rows}) {

@@ -18,29 +18,29 @@ AxisFilter AxisOf(int32_t mode, float scale, int32_t size) {
 
 TEST(TapRange, OfAGaussianThatDoesNotMinifyIsMinusOneToOneWhateverTheRegistrySays) {
   for (const float scale : {0.1f, 0.5f, 1.0f}) {
-    const TapRange taps = AxisTapRange(*FrameFilter(FilterGaussian), scale);
+    const TapRange taps = AxisTapRange(*FrameFilter(kFilterGaussian), scale);
     EXPECT_EQ(taps.lo, -1);
     EXPECT_EQ(taps.hi, 1);
   }
 }
 
 TEST(TapRange, OfACubicThatMinifiesByThreeIsMinusSixToSix) {
-  const TapRange taps = AxisTapRange(*FrameFilter(FilterCubic), 3.0f);
+  const TapRange taps = AxisTapRange(*FrameFilter(kFilterCubic), 3.0f);
   EXPECT_EQ(taps.lo, -6);
   EXPECT_EQ(taps.hi, 6);
 }
 
 TEST(TapRange, OfAReductionHasItsOwnBoundsAndAOneSidedTriangle) {
   const std::map<int32_t, std::pair<int, int>> bounds = {
-      {FilterTriangle, {-1, 0}},   {FilterQuadratic, {-2, 2}}, {FilterCubic, {-2, 2}},
-      {FilterCatmull, {-2, 2}},    {FilterGaussian, {-2, 2}},  {FilterHiQual, {-5, 5}},
-      {FilterUltraQual, {-16, 16}}};
+      {kFilterTriangle, {-1, 0}},   {kFilterQuadratic, {-2, 2}}, {kFilterCubic, {-2, 2}},
+      {kFilterCatmull, {-2, 2}},    {kFilterGaussian, {-2, 2}},  {kFilterHiQual, {-5, 5}},
+      {kFilterUltraQual, {-16, 16}}};
   for (const auto& [mode, expected] : bounds) {
     const TapRange taps = AxisTapRange(*ReductionFilter(mode), 1.0f);
     EXPECT_EQ(taps.lo, expected.first) << mode;
     EXPECT_EQ(taps.hi, expected.second) << mode;
   }
-  const TapRange widened = AxisTapRange(*ReductionFilter(FilterTriangle), 3.0f);
+  const TapRange widened = AxisTapRange(*ReductionFilter(kFilterTriangle), 3.0f);
   EXPECT_EQ(widened.lo, -3);
   EXPECT_EQ(widened.hi, 0);
 }
@@ -55,7 +55,7 @@ TEST(TapRange, IsSharedByBothAxesAndIsTheOneThatBeginsLower) {
 
 TEST(TapRange, StaysBoundedAtAnyScale) {
   for (const float scale : {1e5f, 1e12f, 1e30f, INFINITY, NAN}) {
-    const TapRange taps = AxisTapRange(*FrameFilter(FilterUltraQual), scale);
+    const TapRange taps = AxisTapRange(*FrameFilter(kFilterUltraQual), scale);
     EXPECT_GE(taps.lo, -(1 << 18)) << scale;
     EXPECT_LE(taps.hi, 1 << 18) << scale;
   }
@@ -127,7 +127,7 @@ TEST(SampleRange, RepeatsTheEdgePixelForRowsOutsideTheImage) {
 }
 
 TEST(WeightTable, MergesTheTapsOfEveryPixelIntoARunOverTheImage) {
-  for (int32_t mode = FilterTriangle; mode <= FilterUltraQual; ++mode) {
+  for (int32_t mode = kFilterTriangle; mode <= kFilterUltraQual; ++mode) {
     for (const float scale : {0.3f, 1.0f, 1.7f, 9.0f}) {
       const AxisFilter axis = AxisOf(mode, scale, 23);
       const int32_t pixels = static_cast<int32_t>(23 / scale);
@@ -152,7 +152,7 @@ TEST(WeightTable, MergesTheTapsOfEveryPixelIntoARunOverTheImage) {
 }
 
 TEST(WeightTable, OfAFieldHoldsEverySecondPixelOfTheFrame) {
-  const AxisFilter axis = AxisOf(FilterHiQual, 0.6f, 30);
+  const AxisFilter axis = AxisOf(kFilterHiQual, 0.6f, 30);
   const WeightTable frame = BuildWeightTable(axis, 0, 40, 1);
   const WeightTable odd = BuildWeightTable(axis, 1, 20, 2);
   for (size_t i = 0; i < 20; ++i) {
@@ -162,7 +162,7 @@ TEST(WeightTable, OfAFieldHoldsEverySecondPixelOfTheFrame) {
 }
 
 TEST(WeightTable, IsNeverLargerThanTheImageForEachPixel) {
-  const WeightTable table = BuildWeightTable(AxisOf(FilterUltraQual, 1e6f, 50), 0, 1, 1);
+  const WeightTable table = BuildWeightTable(AxisOf(kFilterUltraQual, 1e6f, 50), 0, 1, 1);
   EXPECT_LE(table.weights.size(), 50u);
 }
 

@@ -36,7 +36,7 @@ TEST(ShiftedStack, EveryTargetOfTheEngineDrawsTheSameFromIt) {
   test::SourceImage image(97, 61, [](int x, int y, int c) { return (x * 7 + y * 31 + c) % 256; });
   for (const Target target : AvailableTargets()) {
     SetTarget(target);
-    for (int32_t mode = FilterRealTime; mode <= FilterUltraQual; ++mode) {
+    for (int32_t mode = kFilterRealTime; mode <= kFilterUltraQual; ++mode) {
       SCOPED_TRACE(std::string(TargetName(target)) + " mode " + std::to_string(mode));
       const auto draw = [&](test::GuardedBuffer& dest) {
         ResampleTo422(test::MakeJob(image, {3.5f, 2.5f, 90.0f, 55.0f}, dest, 150, 80, mode));
@@ -70,7 +70,7 @@ TEST(ShiftedStack, AHostThatCallsTheModuleFromItGetsTheSameFrames) {
   // Everything from the creation of the effect to the end of its picture happens on that stack.
   const auto render = [&] {
     test::HostedEffect effect(96, 54);
-    effect.SetList("filter", test::UltraQual);
+    effect.SetList("filter", test::kUltraQual);
     effect.SetView(0.0, 1.0, 0.0, 0.0);
     effect.SetView(1.0, 2.0, 0.1, 0.1);
     effect.SetPhoto(folder / "a.bmp");

@@ -8,7 +8,7 @@
 
 #include "host/base/error.h"
 #include "tests/host/support/sounds.h"
-#include "tests/support/file_bytes.h"
+#include "tests/support/photo.h"
 
 namespace kelto::host {
 namespace {
