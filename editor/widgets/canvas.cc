@@ -18,11 +18,12 @@ constexpr int kTap = 250;
 }  // namespace
 
 Canvas::Canvas(QWidget* parent) : QWidget(parent), p_(std::make_unique<Private>(this)) {
+  // First: naming it has its description made.
+  DescribeCanvasViews();
   setFocusPolicy(Qt::StrongFocus);
   setMouseTracking(true);
   setAttribute(Qt::WA_OpaquePaintEvent);
   setAccessibleName(tr("Photo with views"));
-  DescribeCanvasViews();
 }
 
 Canvas::~Canvas() = default;
