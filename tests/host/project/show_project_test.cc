@@ -128,11 +128,11 @@ TEST(ShowProject, ASavedShowIsReadTheSame) {
 TEST(ShowProject, SaysOnceWhatAllPicturesHaveInCommon) {
   const ShowProject show = ReadAsShow(R"({"each": 2, "pictures": [
     {"image": "a", "views": [{"view": "1"}]}, {"image": "b", "views": [{"view": "2"}]}]})");
-  const auto json = nlohmann::json::parse(ShowText("folder/show.json", show));
-  EXPECT_EQ(json["each"], 2.0);
-  EXPECT_EQ(json["motion"], "steady");
-  EXPECT_TRUE(json["parameters"].contains("filter"));
-  EXPECT_EQ(json["pictures"][0],
+  const auto written = nlohmann::json::parse(ShowText("folder/show.json", show));
+  EXPECT_EQ(written["each"], 2.0);
+  EXPECT_EQ(written["motion"], "steady");
+  EXPECT_TRUE(written["parameters"].contains("filter"));
+  EXPECT_EQ(written["pictures"][0],
             nlohmann::json::parse(R"({"image": "a", "views": [{"view": "1"}]})"));
 }
 
