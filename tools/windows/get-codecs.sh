@@ -14,10 +14,12 @@ cd "$work"
 echo "deb-src $(debian_mirror) $debian_release main" >sources.list
 private_apt "$work" update
 
-# get_source PACKAGE FOLDER: the patched sources that the installed package was made from, as FOLDER
+# get_source PACKAGE FOLDER: the patched sources that the installed package was made from, as FOLDER;
+# where the archive's release pocket lacks that version, a security update for one, its own version
 get_source() {
   source=$(dpkg-query -W -f '${source:Package}=${source:Version}' "$1")
-  private_apt "$work" source "$source" >/dev/null
+  private_apt "$work" source "$source" >/dev/null ||
+    private_apt "$work" source "${source%%=*}" >/dev/null
   mv "${source%%=*}"-[0-9]*/ "$2"
 }
 flags="-O2 -DNDEBUG -msse2 -mfpmath=sse -fstack-protector-strong"

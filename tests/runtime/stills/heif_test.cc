@@ -71,7 +71,7 @@ Bytes EncodeHeif(const Picture& picture, heif_compression_format format, const B
 
 /// A grey ramp of ten bits, 1024 pixels wide: column x has level x. Empty as above.
 Bytes EncodeRamp() {
-  constexpr int kWidth = 1024, kHeight = 16, kBits = 10;
+  constexpr int kTenBitWidth = 1024, kTenBitHeight = 16, kBits = 10;
   heif_context* context = heif_context_alloc();
   heif_encoder* encoder = nullptr;
   if (heif_context_get_encoder_for_format(context, heif_compression_HEVC, &encoder).code !=
@@ -81,13 +81,13 @@ Bytes EncodeRamp() {
   }
   heif_encoder_set_lossy_quality(encoder, 100);
   heif_image* image = nullptr;
-  heif_image_create(kWidth, kHeight, heif_colorspace_RGB, heif_chroma_interleaved_RRGGBB_LE,
-                    &image);
-  heif_image_add_plane(image, heif_channel_interleaved, kWidth, kHeight, kBits);
+  heif_image_create(kTenBitWidth, kTenBitHeight, heif_colorspace_RGB,
+                    heif_chroma_interleaved_RRGGBB_LE, &image);
+  heif_image_add_plane(image, heif_channel_interleaved, kTenBitWidth, kTenBitHeight, kBits);
   int row_bytes = 0;
   uint8_t* rows = heif_image_get_plane(image, heif_channel_interleaved, &row_bytes);
-  for (int y = 0; y < kHeight; ++y) {
-    for (int i = 0; i < kWidth * 3; ++i) {
+  for (int y = 0; y < kTenBitHeight; ++y) {
+    for (int i = 0; i < kTenBitWidth * 3; ++i) {
       uint8_t* to = rows + ptrdiff_t{y} * row_bytes + ptrdiff_t{i} * 2;
       to[0] = static_cast<uint8_t>(i / 3), to[1] = static_cast<uint8_t>(i / 3 >> 8);
     }
