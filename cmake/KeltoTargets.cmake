@@ -103,10 +103,11 @@ function(kelto_library name)
 endfunction()
 
 # kelto_test(NAME SOURCES ... LINK ... [RUNS ...] [FIXTURE ...]): a GoogleTest program; each of its
-# tests is a ctest test, or with KELTO_SUITE_TESTS each of its suites. RUNS names what it loads or starts by file: the module, the command; FIXTURE
+# tests is a ctest test, or with KELTO_SUITE_TESTS each of its suites; APART has each test start the
+# program all the same. RUNS names what it loads or starts by file: the module, the command; FIXTURE
 # what ctest has to set up before.
 function(kelto_test name)
-  cmake_parse_arguments(ARG "QT" "FIXTURE" "SOURCES;LINK;RUNS" ${ARGN})
+  cmake_parse_arguments(ARG "QT;APART" "FIXTURE" "SOURCES;LINK;RUNS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   set_target_properties(${name} PROPERTIES KELTO_TEST ON)
   target_link_libraries(${name} PRIVATE kelto_options GTest::gmock GTest::gtest_main ${ARG_LINK})
@@ -139,7 +140,7 @@ function(kelto_test name)
   if(ARG_FIXTURE)
     list(APPEND properties FIXTURES_REQUIRED ${ARG_FIXTURE})
   endif()
-  if(KELTO_SUITE_TESTS)
+  if(KELTO_SUITE_TESTS AND NOT ARG_APART)
     kelto_suite_tests(${name} TIMEOUT 1800 ${properties})
   else()
     # Listing the tests may have to wait for the first start of Wine.
