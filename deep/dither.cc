@@ -15,35 +15,16 @@ uint32_t SixteenBits(float value) {
   return value < 1.0f ? static_cast<uint32_t>(std::nearbyint(value * 65535.0f)) : kSixteenBits;
 }
 
-template <uint32_t kMost, typename Sample, typename Level>
+template <typename Sample>
 void DitherRow(const Sample* from, bool hasAlpha, const std::vector<uint32_t>& thresholds,
-               Level* to) {
+               uint8_t* to) {
   for (const uint32_t threshold : thresholds) {
     for (size_t c = 0; c < 4; ++c) {
       const uint32_t value = c == 3 && !hasAlpha ? kSixteenBits : SixteenBits(from[c]);
-      to[c] = static_cast<Level>((value * kMost + threshold) / kSixteenBits);
+      to[c] = static_cast<uint8_t>((value * 255 + threshold) / kSixteenBits);
     }
     from += 4;
     to += 4;
-  }
-}
-
-template <uint32_t kMost, typename Level>
-void DitherFrame(const DeepSource& frame, Level* levels, ptrdiff_t rowBytes, int32_t left,
-                 int32_t top) {
-  std::vector<uint32_t> thresholds(static_cast<size_t>(frame.width));
-  for (int32_t y = 0; y < frame.height; ++y) {
-    for (int32_t x = 0; x < frame.width; ++x) {
-      thresholds[static_cast<size_t>(x)] =
-          static_cast<uint32_t>(DitherThreshold(left + x, top + y));
-    }
-    uint8_t* const row = reinterpret_cast<uint8_t*>(levels) + y * rowBytes;
-    Level* const to = reinterpret_cast<Level*>(row);
-    if (frame.sample == DeepSample::kUnsigned16) {
-      DitherRow<kMost>(frame.Row<uint16_t>(y), frame.hasAlpha, thresholds, to);
-    } else {
-      DitherRow<kMost>(frame.Row<float>(y), frame.hasAlpha, thresholds, to);
-    }
   }
 }
 
@@ -62,12 +43,19 @@ int32_t DitherThreshold(int32_t x, int32_t y) {
 
 void DitherTo8Bits(const DeepSource& frame, uint8_t* bytes, ptrdiff_t rowBytes, int32_t left,
                    int32_t top) {
-  DitherFrame<255>(frame, bytes, rowBytes, left, top);
-}
-
-void DitherTo10Bits(const DeepSource& frame, uint16_t* levels, ptrdiff_t rowBytes, int32_t left,
-                    int32_t top) {
-  DitherFrame<1023>(frame, levels, rowBytes, left, top);
+  std::vector<uint32_t> thresholds(static_cast<size_t>(frame.width));
+  for (int32_t y = 0; y < frame.height; ++y) {
+    for (int32_t x = 0; x < frame.width; ++x) {
+      thresholds[static_cast<size_t>(x)] =
+          static_cast<uint32_t>(DitherThreshold(left + x, top + y));
+    }
+    uint8_t* const to = bytes + y * rowBytes;
+    if (frame.sample == DeepSample::kUnsigned16) {
+      DitherRow(frame.Row<uint16_t>(y), frame.hasAlpha, thresholds, to);
+    } else {
+      DitherRow(frame.Row<float>(y), frame.hasAlpha, thresholds, to);
+    }
+  }
 }
 
 }  // namespace kelto

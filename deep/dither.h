@@ -21,8 +21,4 @@ int32_t DitherThreshold(int32_t x, int32_t y);
 void DitherTo8Bits(const DeepSource& frame, uint8_t* bytes, ptrdiff_t rowBytes, int32_t left = 0,
                    int32_t top = 0);
 
-/// The same with levels of 0 .. 1023.
-void DitherTo10Bits(const DeepSource& frame, uint16_t* levels, ptrdiff_t rowBytes, int32_t left = 0,
-                    int32_t top = 0);
-
 }  // namespace kelto

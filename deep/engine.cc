@@ -8,6 +8,16 @@
 namespace kelto {
 namespace {
 
+void SetOpaque(const DeepTarget& to, int32_t y, Range columns) {
+  for (ptrdiff_t x = columns.first; x < columns.end; ++x) {
+    if (to.sample == DeepSample::kUnsigned16) {
+      to.Row<uint16_t>(y)[4 * x + 3] = 65535;
+    } else {
+      to.Row<float>(y)[4 * x + 3] = 1.0f;
+    }
+  }
+}
+
 /// Shows what lies behind the picture in `columns` of a row of the target, whose own rows the
 /// backdrop may be.
 void FillBehind(const DeepPlan& plan, int32_t y, Range columns) {
@@ -17,10 +27,11 @@ void FillBehind(const DeepPlan& plan, int32_t y, Range columns) {
   const bool backdrop = plan.backdrop.pixels != nullptr && y < plan.backdrop.height;
   const int32_t colourFrom =
       backdrop ? std::clamp(plan.backdrop.width, columns.first, columns.end) : columns.first;
-  if (backdrop && to.sample == plan.backdrop.sample && to.hasAlpha && plan.backdrop.hasAlpha) {
+  if (backdrop && to.sample == plan.backdrop.sample) {
     const size_t offset = pixelBytes * static_cast<size_t>(columns.first);
     std::memmove(to.Row<uint8_t>(y) + offset, plan.backdrop.Row<uint8_t>(y) + offset,
                  pixelBytes * static_cast<size_t>(colourFrom - columns.first));
+    if (!to.hasAlpha || !plan.backdrop.hasAlpha) SetOpaque(to, y, {columns.first, colourFrom});
   } else {
     for (int32_t x = columns.first; x < colourFrom; ++x) {
       WritePixel(to, x, y, ReadPixel(plan.backdrop, x, y));

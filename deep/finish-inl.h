@@ -68,6 +68,22 @@ class DeepFinish {
 
   void ReadBackdrop(size_t row, size_t first, size_t end) {
     const int32_t y = plan_.rows.first + static_cast<int32_t>(row);
+    const DeepSource& from = plan_.backdrop;
+    if (from.sample == DeepSample::kUnsigned16 && !plan_.linearLight && y < from.height) {
+      // A video's frame, read by the loop that compilers know to make vectors of.
+      const ptrdiff_t left = plan_.columns.first;
+      const auto reach = static_cast<size_t>(std::max<ptrdiff_t>(from.width - left, 0));
+      const size_t inside = std::clamp(reach, first, end);
+      const uint16_t* const samples = from.Row<uint16_t>(y) + 4 * left;
+      float* const behind = behind_.get();
+      for (size_t i = 4 * first; i < 4 * inside; ++i) {
+        behind[i] = static_cast<float>(samples[i]) * (1.0f / 65535.0f);
+      }
+      if (!from.hasAlpha) {
+        for (size_t i = first; i < inside; ++i) behind[4 * i + 3] = 1.0f;
+      }
+      first = inside;
+    }
     for (size_t i = first; i < end; ++i) {
       FillBehindWith(i, i + 1,
                      Used(plan_.Behind(plan_.columns.first + static_cast<int32_t>(i), y)));

@@ -33,15 +33,10 @@ std::vector<uint16_t> StraightWords(const FrameView& frame) {
 std::vector<uint8_t> StraightBytes(const FrameView& frame) {
   const std::vector<uint16_t> words = StraightWords(frame);
   std::vector<uint8_t> bytes(words.size());
-  size_t at = 0;
-  for (int32_t y = 0; y < frame.size.height; ++y) {
-    for (int32_t x = 0; x < frame.size.width; ++x) {
-      const auto threshold = static_cast<uint32_t>(DitherThreshold(x, y));
-      for (int c = 0; c < 4; ++c, ++at) {
-        bytes[at] = static_cast<uint8_t>((words[at] * 255u + threshold) / 65535u);
-      }
-    }
-  }
+  const ptrdiff_t row = ptrdiff_t{4} * frame.size.width;
+  const DeepSource straight{words.data(), frame.size.width,        frame.size.height,
+                            2 * row,      DeepSample::kUnsigned16, true};
+  DitherTo8Bits(straight, bytes.data(), row);
   return bytes;
 }
 

@@ -45,11 +45,13 @@ struct DeepPng {
 
 void OnPngWrite(png_structp png, png_bytep data, size_t size) {
   auto& bytes = static_cast<DeepPng*>(png_get_io_ptr(png))->bytes;
+  bool kept = true;
   try {
     bytes.insert(bytes.end(), data, data + size);
   } catch (const std::exception&) {
-    png_error(png, "memory ran out");  // no exception may pass through the library
+    kept = false;  // no exception may pass through the library
   }
+  if (!kept) png_error(png, "memory ran out");  // which jumps, as handlers must not
 }
 
 void WritePng(DeepPng& writer, const uint8_t* samples, FrameSize size, PictureDepth depth) {

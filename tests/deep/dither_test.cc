@@ -108,17 +108,6 @@ TEST(Dither, FollowsTheFramesPixelsInPartsAndInEveryFrame) {
   }
 }
 
-TEST(Dither, HasTenBitsToo) {
-  const DeepPicture frame = Slope(DeepSample::kUnsigned16);
-  std::vector<uint16_t> levels(size_t{4} * kSlopeWidth * kSlopeHeight);
-  DitherTo10Bits(frame.view(), levels.data(), ptrdiff_t{8} * kSlopeWidth);
-  for (size_t i = 0; i < levels.size(); i += 4) {
-    const double exact = SlopeLevel(static_cast<int32_t>(i / 4 % kSlopeWidth)) / 255.0 * 1023.0;
-    ASSERT_LT(std::abs(levels[i] - exact), 1.02);
-    ASSERT_EQ(levels[i + 3], 1023);
-  }
-}
-
 TEST(Dither, HoldsFloatsWithinTheLevels) {
   const DeepPicture frame =
       test::MakePicture(4, 1, DeepSample::kFloat32, true, [](int32_t x, int32_t) {

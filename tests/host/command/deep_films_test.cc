@@ -389,6 +389,57 @@ TEST_F(DeepFilms, WhatAFilmCannotHoldIsRefusedInOneLine) {
   EXPECT_THAT(show.err, HasSubstr("--background none: is for films of one photo"));
 }
 
+TEST_F(DeepFilms, ColoursOf422StayInTheirRows) {
+  const std::string photo = WritePhoto("edge.png", 64, 64, [](int, int y) {
+    return y < 32 ? DeepPixel{1, 0, 0, 1} : DeepPixel{0, 0, 1, 1};
+  });
+  const std::string film =
+      BytesOf(Film(photo, "e.yuv422p10",
+                   {"--size", "64x64", "--frames", "1", "--move", "hold", "--filter", "realtime"}));
+  constexpr size_t kSide = 64, kLumaSamples = kSide * kSide;
+  ASSERT_EQ(film.size(), kLumaSamples * 2 * 2);
+  const auto cr = [&](size_t row) {
+    uint16_t level = 0;
+    const size_t sample = kLumaSamples + kLumaSamples / 2 + row * kSide / 2 + kSide / 4;
+    std::memcpy(&level, film.data() + sample * 2, 2);
+    return int{level};
+  };
+  EXPECT_GT(cr(20) - cr(44), 300) << "red above, blue below";
+  EXPECT_NEAR(cr(31), cr(20), 1);
+  EXPECT_NEAR(cr(32), cr(44), 1);
+}
+
+TEST_F(DeepFilms, FilmsHaveTheMatrixOfTheirSize) {
+  const std::string photo = WritePhoto("green.png", 64, 64, [](int, int) {
+    return DeepPixel{0, 1, 0, 1};
+  });
+  const auto luma = [&](const std::string& size) {
+    const std::string film = BytesOf(Film(
+        photo, size + ".yuv422p10", {"--size", size, "--frames", "1", "--from", "3", "--to", "3"}));
+    // In the middle of every slice that the work may have been cut into.
+    std::set<int> levels;
+    for (const double part : {0.1, 0.4, 0.6, 0.9}) {
+      uint16_t level = 0;
+      const auto pixel = static_cast<size_t>(part * static_cast<double>(film.size() / 4)) * 2;
+      std::memcpy(&level, film.data() + pixel, 2);
+      levels.insert(level);
+    }
+    return levels;
+  };
+  // 64 + 876 times green's weight in BT.601 and in BT.709.
+  EXPECT_EQ(luma("640x360"), std::set<int>{578});
+  EXPECT_EQ(luma("1280x720"), std::set<int>{691});
+}
+
+TEST_F(DeepFilms, ListsWithOptionsMayBeOfAnyDepth) {
+  WritePhoto("a.png", 64, 64, [](int, int) { return DeepPixel{1, 0, 0, 1}; });
+  std::ofstream(folder_ / "list.txt") << "a.png --move left\n";
+  const Outcome outcome =
+      RunKelto({"batch", folder_ / "list.txt", "-o", folder_ / "films", "--format", "y4m",
+                "--depth", "8", "--size", "64x64", "--frames", "2"});
+  EXPECT_EQ(outcome.code, 0) << outcome.err;
+}
+
 TEST_F(DeepFilms, ProjectsKeepTransparencyAndLinearLight) {
   const std::string photo = WritePhoto("disc.png", 128, 128, Disc, "rgba");
   const std::string project = folder_ / "p.json";
