@@ -16,7 +16,6 @@
 #include "host/facts/frame_list.h"
 #include "host/facts/show_summary.h"
 #include "host/files/output_file.h"
-#include "host/jobs/show_film.h"
 #include "host/options/number.h"
 #include "host/sources/photos.h"
 #include "host/terminal/interrupt.h"
@@ -54,15 +53,8 @@ void RunOnShow(const InspectOptions& options, const CLI::App& command) {
   }
   SandboxAccess access = AccessFor(options.module, {});
   const OpenedShow show = OpenShow(options.show, command, access);
-  const ShowPlans& plans = show.plans;
-  const std::vector<int32_t> begins = BeginningsOf(plans.plans, plans.fades);
-  std::vector<PictureOfShow> pictures;
-  for (size_t i = 0; i < plans.plans.size(); ++i) {
-    pictures.push_back(
-        {plans.plans[i], plans.photos[i], begins[i], i < plans.fades.size() ? plans.fades[i] : 0});
-  }
-  PrintResult(
-      ShowSummaryText(FindModule(options.module), pictures, FramesOfShow(plans), show.audio));
+  PrintResult(ShowSummaryText(FindModule(options.module), PlacedPictures(show), FramesOfShow(show),
+                              show.audio));
 }
 
 void Run(InspectOptions& options, const CLI::App& command) {

@@ -46,7 +46,12 @@ std::vector<std::string> Joined(const std::vector<std::string>& common,
   if (hasViews) replaced.insert(views.begin(), views.end());
   if (replaced.count("--ease") > 0) replaced.insert({"--in", "--out"});
   if (replaced.count("--in") + replaced.count("--out") > 0) replaced.insert("--ease");
-  if (replaced.count("--seconds") > 0) replaced.insert("--frames");
+  if (replaced.count("--seconds") > 0) replaced.insert({"--frames", "--fit-audio"});
+  // Both say what is beside the photo, but for --beside colour.
+  const auto beside = std::find(line.begin(), line.end(), "--beside");
+  const bool blurs = beside != line.end() && beside + 1 != line.end() && beside[1] == "blur";
+  if (replaced.count("--background") > 0) replaced.insert("--beside");
+  if (blurs) replaced.insert("--background");
   std::vector<std::string> joined;
   bool kept = true;
   for (const std::string& word : common) {
@@ -71,7 +76,7 @@ PictureOptions Read(const ListedPicture& picture, const std::vector<std::string>
   }
   Parse(line, picture.options);
   std::vector<std::string> words = Joined(common, WordsGiven(line));
-  for (const char* shows : {"--each", "--fade", "--fade-kind", "--title"}) {
+  for (const char* shows : {"--each", "--fade"}) {
     const auto found = std::find(words.begin(), words.end(), shows);
     if (found != words.end()) words.erase(found, found + 2);
   }
@@ -79,6 +84,7 @@ PictureOptions Read(const ListedPicture& picture, const std::vector<std::string>
   CLI::App whole;
   FilmOptions film;
   DeclareFilm(whole, film, "");
+  DeclareDepth(whole, film);
   DeclarePlan(whole, options.plan);
   std::reverse(words.begin(), words.end());
   Parse(whole, words);

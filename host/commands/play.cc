@@ -31,7 +31,8 @@ struct PlayOptions {
 PlayerFilm ShowToPlay(const PlayOptions& options, const CLI::App& command,
                       const std::string& module, SandboxAccess& access) {
   OpenedShow show = OpenShow(options.show, command, access, true);
-  PlayerFilm film{NameOf(options.input), show.plans.plans.front().format, FramesOfShow(show.plans)};
+  PlayerFilm film{NameOf(options.input), show.plans.plans.front().format,
+                  FramesOfShow(show) - show.lead};
   film.target = ShowsTarget(show.plans.plans.front());
   for (const int32_t begin : BeginningsOf(show.plans.plans, show.plans.fades)) {
     film.marks.push_back(static_cast<double>(begin) / std::max(film.frames - 1, 1));

@@ -10,7 +10,10 @@
 #include "host/files/input_file.h"
 #include "host/files/path_text.h"
 #include "host/jobs/picture_list.h"
+#include "host/jobs/show_film.h"
 #include "host/jobs/slideshow.h"
+#include "host/options/rate.h"
+#include "host/options/usual_times.h"
 #include "host/project/project_file.h"
 
 namespace kelto::host {
@@ -78,6 +81,13 @@ OpenedShow OpenShow(const ShowOptions& options, const CLI::App& command, Sandbox
   show.plans = PlansFor(pictures, [](const RenderPlan&, const Photo&) {});
   SetFades(pictures, show.plans);
   CheckFormats(show.plans.plans);
+  int32_t titleFade = 0;
+  if (!pictures.title.empty()) {
+    const int32_t card = FramesOf(kTitleSeconds, show.plans.plans.front().format.rate);
+    titleFade = TitleFadeFor(card, pictures, show.plans);
+    show.lead = card - titleFade;
+  }
+  PlaceCaptions(show.plans.plans, show.plans.fades, titleFade);
   if (pictures.fadeKind == "dip") show.fadeKind = FadeKind::kDip;
   show.audio = options.plan.audio.empty() ? pictures.audio : options.plan.audio;
   return show;
@@ -89,11 +99,23 @@ void CheckIsShow(const ShowOptions& options) {
                    ": is for shows: folders, lists, and projects of slideshows");
 }
 
-int32_t FramesOfShow(const ShowPlans& show) {
+int32_t FramesOfShow(const OpenedShow& show) {
   Slideshow film;
-  film.plans = show.plans;
-  film.fades = show.fades;
+  film.plans = show.plans.plans;
+  film.fades = show.plans.fades;
+  film.title.frames = show.lead;
   return SlideshowFrames(film);
+}
+
+std::vector<PictureOfShow> PlacedPictures(const OpenedShow& show) {
+  const auto& [plans, photos, fades] = show.plans;
+  const std::vector<int32_t> begins = BeginningsOf(plans, fades);
+  std::vector<PictureOfShow> pictures;
+  for (size_t i = 0; i < plans.size(); ++i) {
+    pictures.push_back(
+        {plans[i], photos[i], show.lead + begins[i], i < fades.size() ? fades[i] : 0});
+  }
+  return pictures;
 }
 
 }  // namespace kelto::host

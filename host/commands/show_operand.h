@@ -4,6 +4,7 @@
 #include <string>
 
 #include "host/commands/show_plans.h"
+#include "host/facts/show_summary.h"
 #include "host/jobs/cross_fade.h"
 
 namespace CLI {
@@ -21,6 +22,7 @@ struct OpenedShow {
   ShowPlans plans;
   std::string audio;  ///< its project's or that of --audio; empty for none
   FadeKind fadeKind = FadeKind::kCross;
+  int32_t lead = 0;  ///< frames of its title's card before the first picture begins; 0 without one
 };
 
 /// Looks at the show that `options` names, all of whose plans make one kind of film; `command` has
@@ -32,7 +34,10 @@ OpenedShow OpenShow(const ShowOptions& options, const CLI::App& command, Sandbox
 /// Throws UsageError where --each or --fade was given for one picture.
 void CheckIsShow(const ShowOptions& options);
 
-/// The frames of a show of these plans. Throws UsageError for too many.
-int32_t FramesOfShow(const ShowPlans& show);
+/// The frames of its film, with the title's card. Throws UsageError for too many.
+int32_t FramesOfShow(const OpenedShow& show);
+
+/// Its pictures, with where in that film each begins; they refer to `show`.
+std::vector<PictureOfShow> PlacedPictures(const OpenedShow& show);
 
 }  // namespace kelto::host

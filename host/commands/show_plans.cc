@@ -266,7 +266,8 @@ ShowProject ProjectOf(const ShowPlans& show, const std::string& audio) {
     ShowPicture picture{show.plans[i], true};
     const double rate = picture.plan.format.rate.PerSecond();
     picture.each = picture.plan.frames / rate;
-    if (i < show.fades.size()) picture.fade = show.fades[i] / rate;
+    // The last has none; it says what the one before it says, so that a fade of all is said once.
+    if (!show.fades.empty()) picture.fade = show.fades[std::min(i, show.fades.size() - 1)] / rate;
     project.pictures.push_back(std::move(picture));
   }
   return project;

@@ -24,6 +24,7 @@
 #include "host/lettering/lettering.h"
 #include "host/options/number.h"
 #include "host/options/rate.h"
+#include "host/options/usual_times.h"
 #include "host/project/show_project.h"
 #include "host/terminal/events.h"
 #include "host/terminal/progress.h"
@@ -42,9 +43,6 @@ struct SlideshowOptions {
 
 /// A dip, which goes twice as far as a cross-fade, is no quicker.
 constexpr const char* kUsualDip = "2";
-
-/// A title is read by then.
-constexpr double kTitleSeconds = 4.0;
 
 /// Reads --fade-kind; what goes without saying of --fade depends on it.
 FadeKind ApplyFadeKind(SlideshowOptions& options) {
@@ -93,7 +91,7 @@ Slideshow ShowFor(const SlideshowOptions& options, ShowPictures& pictures, ShowP
   show.title.fade = TitleFadeFor(show.title.frames, pictures, plans);
   show.plans = plans.plans;
   show.fades = plans.fades;
-  PlaceCaptions(show);
+  PlaceCaptions(show.plans, show.fades, show.title.fade);
   show.request.output = options.output;
   show.request.format = show.plans.front().format;
   show.request.frames = SlideshowFrames(show);
@@ -155,7 +153,9 @@ void Run(const SlideshowOptions& given, const CLI::App& command) {
   Check(options, pictures, show);
   TellOfLostSound(pictures, show);
   if (!options.project.empty()) {
-    ShowProject project = ProjectOf(plans, show.request.audio);
+    const std::string& sound =
+        options.show.plan.audio.empty() ? pictures.audio : options.show.plan.audio;
+    ShowProject project = ProjectOf(plans, sound);
     project.title = show.title.text;
     if (fadeKind == FadeKind::kDip) project.fadeKind = "dip";
     WriteShow(options.project, project);

@@ -15,7 +15,6 @@
 #include "host/effect/module_file.h"
 #include "host/files/output_file.h"
 #include "host/files/path_text.h"
-#include "host/jobs/show_film.h"
 #include "host/options/number.h"
 #include "host/processes/reader_process.h"
 #include "host/sources/photos.h"
@@ -51,19 +50,14 @@ void RunOnShow(const Options& options, const CLI::App& command) {
   ShowSheet sheet{options.output, NameOf(AbsoluteText(options.input))};
   if (!options.strip.empty()) sheet.frames = ReadOption("--strip", options.strip, ParseStrip);
   SandboxAccess access = AccessFor(options.module, {options.output});
-  const ShowPlans show = OpenShow(options.show, command, access).plans;
+  const OpenedShow show = OpenShow(options.show, command, access);
   std::vector<std::string> reads = ModuleFolders(options.module);
-  for (const RenderPlan& plan : show.plans) {
+  for (const RenderPlan& plan : show.plans.plans) {
     CheckNameIsFree(options.output, {options.input, plan.photo, plan.over});
     reads.insert(reads.end(), {plan.photo, plan.over});
   }
   const std::string module = FindModule(options.module);
-  const std::vector<int32_t> begins = BeginningsOf(show.plans, show.fades);
-  std::vector<PictureOfShow> pictures;
-  for (size_t i = 0; i < show.plans.size(); ++i) {
-    pictures.push_back(
-        {show.plans[i], show.photos[i], begins[i], i < show.fades.size() ? show.fades[i] : 0});
-  }
+  const std::vector<PictureOfShow> pictures = PlacedPictures(show);
   sheet.total = FramesOfShow(show);
   // Apart, since it decodes the photos; this process writes what comes of it.
   WriteSheet(options.output, ReadApart(options.input, reads, [&] {

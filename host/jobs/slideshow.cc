@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -13,6 +14,7 @@
 #include "host/jobs/solid_frame.h"
 #include "host/lettering/lettering.h"
 #include "host/options/rate.h"
+#include "host/terminal/terminal.h"
 
 namespace kelto::host {
 namespace {
@@ -34,7 +36,13 @@ class TitleFrames {
   explicit TitleFrames(const Slideshow& show)
       : show_(show),
         card_(show.ends.colour, show.request.format.size, show.kind->layout),
-        letters_(show.title.text, LetterPlace::kTitle, show.request.format, show.kind->layout) {}
+        letters_(show.title.text, LetterPlace::kTitle, show.request.format, show.kind->layout) {
+    if (letters_.MissingLetters() > 0) {
+      PrintMessage("--title: no font on this machine has " +
+                   std::to_string(letters_.MissingLetters()) +
+                   " of its letters; install one that has them, such as fonts-noto");
+    }
+  }
 
   FrameView Next() {
     const FrameView card = card_.View();
@@ -74,11 +82,12 @@ int32_t SlideshowFrames(const Slideshow& show) {
   return static_cast<int32_t>(frames);
 }
 
-void PlaceCaptions(Slideshow& show) {
-  for (size_t i = 0; i < show.plans.size(); ++i) {
-    Caption& caption = show.plans[i].caption;
-    caption.from = i > 0 ? show.fades[i - 1] : show.title.fade;
-    caption.until = show.plans[i].frames - (i < show.fades.size() ? show.fades[i] : 0);
+void PlaceCaptions(std::vector<RenderPlan>& plans, const std::vector<int32_t>& fades,
+                   int32_t titleFade) {
+  for (size_t i = 0; i < plans.size(); ++i) {
+    Caption& caption = plans[i].caption;
+    caption.from = i > 0 ? fades[i - 1] : titleFade;
+    caption.until = plans[i].frames - (i < fades.size() ? fades[i] : 0);
   }
 }
 

@@ -38,8 +38,10 @@ struct Slideshow {
 /// Length of the film: neighbours overlap while they fade. Throws UsageError for one too long.
 int32_t SlideshowFrames(const Slideshow& show);
 
-/// Has each picture's caption seen while no other picture is: two would cover each other.
-void PlaceCaptions(Slideshow& show);
+/// Has each picture's caption seen while no other picture is: two would cover each other. `fades`
+/// are as in Slideshow, `titleFade` is that of a card before the first picture, 0 without.
+void PlaceCaptions(std::vector<RenderPlan>& plans, const std::vector<int32_t>& fades,
+                   int32_t titleFade);
 
 /// Makes the film; `shown` is called with the number of frames done. Two pictures are in memory at
 /// a time, however many there are. Throws Error.

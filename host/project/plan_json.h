@@ -12,6 +12,9 @@ namespace kelto::host {
 /// `path`. Throws Error, "FIELD: what is wrong".
 RenderPlan PlanOfFilm(const nlohmann::json& document, const std::string& path);
 
+/// Throws Error for the fields of a document of one picture that only shows have.
+void RefuseShowsFields(const nlohmann::json& document);
+
 /// The text of a field that is drawn into frames; empty where the document lacks it. Throws Error
 /// for one that is too long.
 std::string ReadLetters(const nlohmann::json& document, const char* field);

@@ -200,6 +200,8 @@ void RefuseShow(const json& document) {
   throw Error("pictures: this is a slideshow, whose film kelto slideshow makes");
 }
 
+}  // namespace
+
 void RefuseShowsFields(const json& document) {
   for (const char* field : {"each", "fade", "fadeKind", "title", "move", "fit", "amount"}) {
     if (document.contains(field)) {
@@ -207,8 +209,6 @@ void RefuseShowsFields(const json& document) {
     }
   }
 }
-
-}  // namespace
 
 void CheckFilm(const json& film) {
   RenderPlan scratch;

@@ -17,9 +17,11 @@ namespace {
 using nlohmann::json;
 using nlohmann::ordered_json;
 
+bool IsShow(const json& document) { return document.is_object() && document.contains("pictures"); }
+
 /// Fields that belong to a single film.
 void RefuseFilmsFields(const json& document) {
-  for (const char* field : {"views", "over", "loop"}) {
+  for (const char* field : {"views", "over", "loop", "transparent", "linearLight"}) {
     if (document.contains(field)) {
       throw Error(std::string(field) +
                   ": a show has none of its own; say it of a picture or of "
@@ -129,7 +131,7 @@ std::string AudioOf(const json& document, const std::string& path) {
 
 ShowProject ShowOf(const json& document, const std::string& path) {
   CheckProject(document);
-  if (!document.contains("pictures")) {
+  if (!IsShow(document)) {
     throw Error("image: this is a project of one picture, not a slideshow's");
   }
   RefuseFilmsFields(document);
@@ -171,7 +173,10 @@ ordered_json FilmOfPicture(const ordered_json& show, size_t index) { return Film
 RenderPlan ParsePicture(const std::string& text, const std::string& path, size_t index) {
   return ReadDocumentOf(text, path, [&](const json& document) {
     CheckProject(document);
-    if (!document.contains("pictures")) return PlanOfFilm(document, path);
+    if (!IsShow(document)) {
+      RefuseShowsFields(document);
+      return PlanOfFilm(document, path);
+    }
     RefuseFilmsFields(document);
     CheckShared(document.value("parameters", json::object()));
     const size_t last = document["pictures"].size() - 1;
@@ -182,9 +187,7 @@ RenderPlan ParsePicture(const std::string& text, const std::string& path, size_t
 }
 
 bool IsShowText(const std::string& text, const std::string& path) {
-  return ReadDocumentOf(text, path, [](const json& document) {
-    return document.is_object() && document.contains("pictures");
-  });
+  return ReadDocumentOf(text, path, IsShow);
 }
 
 ShowProject ParseShow(const std::string& text, const std::string& path) {
@@ -192,9 +195,11 @@ ShowProject ParseShow(const std::string& text, const std::string& path) {
 }
 
 std::optional<ShowProject> ReadShow(const std::string& path) {
-  const std::string text = ReadProjectText(path);
-  if (!IsShowText(text, path)) return std::nullopt;
-  return ParseShow(text, path);
+  return ReadDocumentOf(ReadProjectText(path), path,
+                        [&](const json& document) -> std::optional<ShowProject> {
+                          if (!IsShow(document)) return std::nullopt;
+                          return ShowOf(document, path);
+                        });
 }
 
 }  // namespace kelto::host

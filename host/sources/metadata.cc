@@ -10,6 +10,7 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <utility>
 
 #include "host/base/error.h"
 #include "host/effect/photo.h"
@@ -73,6 +74,30 @@ std::string ExifText(ExifData& exif, ExifIfd folder, ExifTag tag) {
   const ExifEntry* entry = exif_content_get_entry(exif.ifd[folder], tag);
   if (entry == nullptr || entry->format != EXIF_FORMAT_ASCII || entry->data == nullptr) return "";
   return {reinterpret_cast<const char*>(entry->data), entry->size};
+}
+
+/// The block of EXIF in a file's beginning as libexif takes it, which finds it by itself in JPEG
+/// alone.
+std::string ExifBlockIn(const std::string& bytes) {
+  constexpr size_t kLongest = 65534;  // it looks at no more
+  if (bytes.starts_with("\xff\xd8")) return bytes;
+  const std::string mark("Exif\0\0", 6);
+  const auto isTiff = [&](size_t at) {
+    return bytes.compare(at, 4, std::string("II*\0", 4)) == 0 ||
+           bytes.compare(at, 4, std::string("MM\0*", 4)) == 0;
+  };
+  if (bytes.size() >= 4 && isTiff(0)) return mark + bytes.substr(0, kLongest);
+  if (const size_t at = bytes.find(mark); at != std::string::npos) {
+    return bytes.substr(at, kLongest);
+  }
+  // Chunks of PNG begin behind their names, those of WebP behind their lengths, too.
+  for (const auto& [chunk, head] : {std::pair{"eXIf", size_t{4}}, std::pair{"EXIF", size_t{8}}}) {
+    const size_t at = bytes.find(chunk);
+    if (at != std::string::npos && at + head <= bytes.size() && isTiff(at + head)) {
+      return mark + bytes.substr(at + head, kLongest);
+    }
+  }
+  return "";
 }
 
 /// What EXIF says; the orientation too, 1..8.
@@ -157,7 +182,7 @@ FaceRegion Upright(const FaceRegion& region, int orientation) {
 PhotoNotes ReadNotes(const std::string& path) {
   PhotoNotes notes;
   const std::string bytes = BeginningOf(path);
-  int orientation = ReadExif(bytes, notes);
+  int orientation = ReadExif(ExifBlockIn(bytes), notes);
   const XmpNotes xmp = ReadXmp(XmpPacketIn(bytes));
   if (AreUpright(path, xmp, orientation)) orientation = 1;
   // Descriptions of XMP are UTF-8, and edited more often than those of EXIF.

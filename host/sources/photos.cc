@@ -27,8 +27,9 @@ Photo Looked(const std::string& path, LookingFor what) {
     }
     if (what != LookingFor::kSize) {
       if (const auto flaw = FindFlaw(*opened)) Warn(*flaw);
-      opened->transparent = IsTransparent(*opened);
     }
+    // Films of many are opaque, whatever their photos are.
+    if (what == LookingFor::kFlaws) opened->transparent = IsTransparent(*opened);
     return std::vector<double>{
         static_cast<double>(opened->width),      static_cast<double>(opened->height),
         static_cast<double>(opened->memory),     static_cast<double>(opened->bits),

@@ -15,8 +15,8 @@ Photo LookAtPhoto(const std::string& path);
 /// out whether it is transparent anywhere, for which it may have to be decoded.
 Photo CheckPhoto(const std::string& path);
 
-/// The same; and decodes all of it, so that one whose file ends early is found out before the work
-/// on a film of many begins.
+/// LookAtPhoto; warns as CheckPhoto does, and decodes all of it, so that one whose file ends early
+/// is found out before the work on a film of many begins.
 Photo CheckWholePhoto(const std::string& path);
 
 }  // namespace kelto::host

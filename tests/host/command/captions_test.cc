@@ -177,6 +177,9 @@ TEST_F(CaptionedShow, IsTheSameFromItsProject) {
       RunKelto({"slideshow", folder_ / "show.json", "-o", folder_ / "again.bgra"});
   ASSERT_EQ(outcome.err, "");
   EXPECT_EQ(BytesOf(folder_ / "again.bgra"), film);
+  // The card is counted where the show is looked at, too.
+  EXPECT_THAT(RunKelto({"inspect", folder_ / "show.json"}).out,
+              HasSubstr(", " + std::to_string(film.size() / kFilmFrame) + " frames at "));
 }
 
 }  // namespace

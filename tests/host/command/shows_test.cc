@@ -137,6 +137,13 @@ TEST_F(Shows, TakeTheViewOfALineInPlaceOfTheCommonOne) {
   EXPECT_EQ(Seen(), "rrrrbb");
 }
 
+TEST_F(Shows, TakeWhatALineSaysIsBesideThePhotoInPlaceOfTheCommonWord) {
+  const std::string colour = List("IMG_1.png --background '#102030'\nIMG_2.png\n");
+  EXPECT_EQ(Show({colour}, {"--beside", "blur"}).err, "");
+  const std::string blur = List("IMG_1.png --beside blur\nIMG_2.png\n");
+  EXPECT_EQ(Show({blur}, {"--background", "#102030"}).err, "");
+}
+
 TEST_F(Shows, NameTheLineWhoseOptionsAreWrong) {
   const auto fault = [&](const std::string& options) {
     const Outcome outcome = Show({List("IMG_1.png\nIMG_2.png " + options + "\n")});

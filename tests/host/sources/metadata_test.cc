@@ -4,9 +4,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "host/sources/xmp.h"
+#include "tests/support/photo.h"
 
 namespace kelto::host {
 namespace {
@@ -98,6 +100,28 @@ TEST(Xmp, ThatIsDamagedCountsAsAbsent) {
             "");
 }
 
+TEST(PhotoDates, AreFoundInEveryKindOfFile) {
+  // A directory of one entry, the date of change: 20 letters, 26 bytes from the beginning.
+  const std::string head("II*\0\x08\0\0\0\x01\0\x32\x01\x02\0\x14\0\0\0\x1a\0\0\0\0\0\0\0", 26);
+  const std::string tiff = head + std::string("2019:03:12 10:11:12\0", 20);
+  const std::string mark("Exif\0\0", 6);
+  const auto length = [](size_t bytes) {
+    return std::string{static_cast<char>(bytes >> 8), static_cast<char>(bytes & 255)};
+  };
+  const std::string files[] = {
+      tiff, "\x89PNG\r\n\x1a\n" + std::string(25, 'h') + "eXIf" + tiff,
+      "RIFF....WEBPVP8X" + std::string(14, 'h') + "EXIF" + std::string("\x2e\0\0\0", 4) + tiff,
+      "....ftypheic" + std::string(40, 'h') + mark + tiff,
+      "\xff\xd8\xff\xe1" + length(2 + mark.size() + tiff.size()) + mark + tiff + "\xff\xd9"};
+  const test::TempFolder folder;
+  for (const std::string& file : files) {
+    const std::string path = folder / "photo";
+    std::ofstream(path, std::ios::binary) << file;
+    EXPECT_EQ(ReadNotes(path).date, "2019-03-12") << file.substr(0, 12);
+    std::filesystem::remove(path);
+  }
+}
+
 TEST(FaceRegions, TurnWithThePhoto) {
   const FaceRegion stored{0.1, 0.2, 0.3, 0.4};
   ExpectNear(Upright(stored, 1), stored);
@@ -105,6 +129,11 @@ TEST(FaceRegions, TurnWithThePhoto) {
   // 6: the stored top is the right side; 8: it is the left one.
   ExpectNear(Upright(stored, 6), {0.4, 0.1, 0.4, 0.3});
   ExpectNear(Upright(stored, 8), {0.2, 0.6, 0.4, 0.3});
+  // 2 and 4 are mirrored, 5 and 7 as well as turned.
+  ExpectNear(Upright(stored, 2), {0.6, 0.2, 0.3, 0.4});
+  ExpectNear(Upright(stored, 4), {0.1, 0.4, 0.3, 0.4});
+  ExpectNear(Upright(stored, 5), {0.2, 0.1, 0.4, 0.3});
+  ExpectNear(Upright(stored, 7), {0.4, 0.6, 0.4, 0.3});
   for (int orientation = 1; orientation <= 8; ++orientation) {
     const bool swaps = orientation == 6 || orientation == 8;
     const int back = swaps ? 14 - orientation : orientation;
