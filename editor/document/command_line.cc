@@ -5,8 +5,10 @@
 
 namespace kelto::editor {
 
+const char* VerbOf(const Document& document) { return IsShow(document) ? "slideshow" : "render"; }
+
 std::vector<std::string> RenderWords(const Document& document, const std::string& film) {
-  return {"kelto", IsShow(document) ? "slideshow" : "render", document.path, "-o", film};
+  return {"kelto", VerbOf(document), document.path, "-o", film};
 }
 
 std::string ShellLine(const std::vector<std::string>& words) {

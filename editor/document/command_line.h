@@ -8,6 +8,9 @@
 
 namespace kelto::editor {
 
+/// The command that makes its film: "slideshow" for a show, else "render".
+const char* VerbOf(const Document& document);
+
 /// The words of `kelto render PROJECT -o FILM`, or of `kelto slideshow` where it is a show.
 std::vector<std::string> RenderWords(const Document& document, const std::string& film);
 

@@ -8,6 +8,7 @@
 #include "host/base/error.h"
 #include "host/moves/presets.h"
 #include "host/options/number.h"
+#include "host/options/usual_times.h"
 #include "host/plan/default_plan.h"
 #include "host/project/json_patch.h"
 #include "host/project/paths.h"
@@ -22,7 +23,6 @@ using nlohmann::ordered_json;
 
 /// Of moves that nobody asked for by name.
 constexpr double kGentleAmount = 1.25;
-constexpr double kUsualFade = 1.0;
 
 double Rounded(double value) { return std::round(value * 1000.0) / 1000.0; }
 
@@ -101,7 +101,7 @@ void MakeShow(ordered_json& json) {
     throw host::Error("a film over a video is no slideshow; take the video away first");
   }
   ordered_json picture;
-  for (const char* field : {"image", "motion", "views"}) {
+  for (const char* field : {"image", "motion", "playMode", "caption", "views"}) {
     if (!json.contains(field)) continue;
     picture[field] = json[field];
     json.erase(field);
@@ -129,9 +129,24 @@ bool IsShow(const Document& document) {
 std::vector<PictureEntry> PicturesOf(const Document& document) {
   std::vector<PictureEntry> entries;
   if (!IsShow(document)) return entries;
-  for (const host::ShowPicture& picture : host::ParseShow(document.text, document.path).pictures) {
+  const host::ShowProject show = host::ParseShow(document.text, document.path);
+  for (const host::ShowPicture& picture : show.pictures) {
     const host::RenderPlan& plan = picture.plan;
     entries.push_back({plan.photo, plan.frames / plan.format.rate.PerSecond(), picture.fade});
+  }
+  // As the command has it: no fade takes more than half of what is on either side, and the title's
+  // is the first picture's.
+  const auto fadeOf = [](const PictureEntry& picture, double before, double after) {
+    return std::min(picture.fade.value_or(host::kUsualFadeSeconds), std::min(before, after) / 2);
+  };
+  double begin = 0.0;
+  if (!show.title.empty()) {
+    begin = host::kTitleSeconds - fadeOf(entries[0], host::kTitleSeconds, entries[0].seconds);
+  }
+  for (size_t i = 0; i < entries.size(); ++i) {
+    entries[i].begin = begin;
+    if (i + 1 == entries.size()) break;
+    begin += entries[i].seconds - fadeOf(entries[i], entries[i].seconds, entries[i + 1].seconds);
   }
   return entries;
 }
@@ -143,7 +158,7 @@ Document NewShow(const std::vector<std::string>& photos, const std::string& path
     host::ShowPicture picture{host::DefaultPlan(photo)};
     picture.move = "mixed";
     picture.each = host::kUsualSeconds;
-    picture.fade = kUsualFade;
+    picture.fade = host::kUsualFadeSeconds;
     show.pictures.push_back(std::move(picture));
   }
   const Document moves{path, host::ShowText(path, show)};

@@ -16,6 +16,7 @@ struct PictureEntry {
   std::string photo;           ///< its path
   double seconds = 0.0;        ///< for which it is seen
   std::optional<double> fade;  ///< seconds of the fade to the next, where something is said
+  double begin = 0.0;          ///< seconds of the show before it appears
   bool operator==(const PictureEntry&) const = default;
 };
 

@@ -135,6 +135,7 @@ class Server {
     if (film_ || !soundFile_.empty()) throw host::Error("the preview cannot open another file");
     soundFile_ = file;
     host::EnterSandbox({{file}, {}});
+    host::CheckNotReplaced(file);
     constexpr double kLongest = 6 * 3600.0;
     Send(MessageKind::kSound, BodyOf(host::SoundPeaks(file, kPeaksPerSecond, kLongest)));
   }

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <string>
 #include <utility>
 
 #include "editor/messages/answers.h"
@@ -96,6 +97,7 @@ class Preview::Private {
   // frame waits for it.
   DrawingProcess *process_ = nullptr, *wayProcess_ = nullptr;
   host::RenderPlan plan_;
+  std::string planText_;  ///< as both processes get it; empty until one does
   bool hasPlan_ = false, planUnsent_ = false, wayPlanUnsent_ = false;
   uint64_t version_ = 0;  ///< of the plan, counted
   uint64_t failed_ = 0;   ///< the version that could not be drawn
@@ -126,6 +128,7 @@ void Preview::Private::SetPlan(const host::RenderPlan& plan) {
       !hasPlan_ || plan.frames != plan_.frames || plan.format.rate != plan_.format.rate;
   const int32_t frame = Frame();
   plan_ = plan;
+  planText_.clear();
   hasPlan_ = planUnsent_ = wayPlanUnsent_ = true;
   ++version_;
   if (otherClock) StartClock(frame, playing_);
@@ -229,7 +232,8 @@ void Preview::Private::Drop(DrawingProcess*& process) {
 bool Preview::Private::SendPlan(DrawingProcess& process, bool& unsent) {
   try {
     // Whether it can be read is found out by the process, which says so.
-    process.Send(MessageKind::kPlan, host::LaidOut(host::FilmJson("/film.json", plan_)));
+    if (planText_.empty()) planText_ = host::LaidOut(host::FilmJson("/film.json", plan_));
+    process.Send(MessageKind::kPlan, planText_);
   } catch (const host::Error& error) {
     Fail(QString::fromUtf8(error.what()));
     return false;
@@ -336,8 +340,6 @@ void Preview::Private::TakeFrame(const StreamMessage& answer) {
 }
 
 void Preview::Private::Fail(const QString& reason) {
-  asked_ = Asked::kNothing;
-  wayAsked_ = false;
   // Frame and way fail for the same reason.
   if (std::exchange(failed_, version_) == version_) return;
   clock_.Pause(Now());

@@ -4,11 +4,12 @@
 #include <algorithm>
 #include <functional>
 
+#include "host/options/usual_times.h"
+
 namespace kelto::editor {
 namespace {
 
 constexpr double kShortestSeconds = 0.04, kLongestSeconds = 86400.0;
-constexpr double kUsualFade = 1.0;
 constexpr int kGapWidth = 3;
 
 QDoubleSpinBox* TimeBox(const QString& name, double least) {
@@ -181,7 +182,7 @@ void Strip::ShowTimes() {
   fade_->setEnabled(known && at + 1 < scene_.pictures.size());
   if (!known) return;
   seconds_->setValue(scene_.pictures[at].seconds);
-  fade_->setValue(scene_.pictures[at].fade.value_or(kUsualFade));
+  fade_->setValue(scene_.pictures[at].fade.value_or(host::kUsualFadeSeconds));
 }
 
 }  // namespace kelto::editor

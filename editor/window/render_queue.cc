@@ -3,7 +3,7 @@
 #include <QtWidgets>
 #include <algorithm>
 
-#include "editor/document/show_changes.h"
+#include "editor/document/command_line.h"
 
 namespace kelto::editor {
 namespace {
@@ -32,8 +32,6 @@ QString StateText(const RenderJob& job) {
 
 }  // namespace
 
-QString VerbFor(const Document& document) { return IsShow(document) ? "slideshow" : "render"; }
-
 QString SnapshotOf(const Document& document, const QString& folder, int number) {
   const QString path = folder + QString("/film-%1.json").arg(number);
   WriteDocument(MovedTo(document, path.toStdString()));
@@ -59,7 +57,7 @@ RenderJob* RenderQueue::Add(const Document& document, const QString& film,
                             const QStringList& options) {
   const int number = static_cast<int>(jobs_.size());
   const QString project = SnapshotOf(document, projects_->path(), number);
-  auto* job = new RenderJob(command_, VerbFor(document), project, film, options);
+  auto* job = new RenderJob(command_, QString(VerbOf(document)), project, film, options);
   jobs_.push_back(job);
   AddRow(job);
   connect(job, &RenderJob::Ended, this, &RenderQueue::StartNext, Qt::QueuedConnection);

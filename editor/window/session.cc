@@ -47,6 +47,10 @@ Opened OpenedOf(const QStringList& paths, const PhotoSizes& sizes) {
   for (const QString& path : paths) inputs.push_back(path.toStdString());
   std::vector<std::string> photos;
   for (const host::ListedPicture& picture : host::PicturesOf(inputs)) {
+    if (!picture.options.empty()) {
+      throw host::Error(picture.place +
+                        ": the editor takes no options from a list; `kelto slideshow` does");
+    }
     photos.push_back(picture.path);
   }
   return {NewShow(photos, ShowBeside(paths.first()), sizes), {}};
@@ -82,6 +86,7 @@ bool Session::Try(const std::function<void()>& work) {
 bool Session::Open(const QStringList& paths) {
   return Try([&] {
     known_.clear();
+    openedPhoto_.clear();  // its file may have been replaced
     const Opened opened =
         OpenedOf(paths, [this](const std::string& photo) { return SizeOf(photo); });
     Take(opened.document);
@@ -113,13 +118,8 @@ void Session::Take(const Document& document) {
 }
 
 double Session::SoundBegin() const {
-  constexpr double kUsualFade = 1.0;
-  double begin = 0.0;
-  for (size_t i = 0; i < Current().picture && i + 1 < pictures_.size(); ++i) {
-    const double longest = std::min(pictures_[i].seconds, pictures_[i + 1].seconds) / 2;
-    begin += pictures_[i].seconds - std::min(pictures_[i].fade.value_or(kUsualFade), longest);
-  }
-  return begin;
+  const size_t at = Current().picture;
+  return at < pictures_.size() ? pictures_[at].begin : 0.0;
 }
 
 void Session::SelectPicture(int picture) {

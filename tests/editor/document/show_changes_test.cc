@@ -123,7 +123,7 @@ TEST_F(ShowDocument, TimesAreChangedByThemselves) {
 TEST_F(ShowDocument, AFilmOfOnePictureBecomesAShow) {
   const Document one{Path("one.json"),
                      R"({"image": "a.bmp", "film": {"width": 320, "height": 180, "seconds": 3},
-                         "views": [{"view": "1"}, {"view": "2"}],
+                         "views": [{"view": "1"}, {"view": "2"}], "caption": "One",
                          "parameters": {"path": {"value": "Path: Spline"}}})"};
   const Document show = WithPhotosAdded(one, 1, {Path("b.bmp")}, sizes_);
   ASSERT_TRUE(IsShow(show));
@@ -133,6 +133,26 @@ TEST_F(ShowDocument, AFilmOfOnePictureBecomesAShow) {
   EXPECT_EQ(PlanOf(first).frames, PlanOf(one).frames);
   EXPECT_EQ(PlanOf(first).views, PlanOf(one).views);
   EXPECT_EQ(*PlanOf(first).FindSetting("path"), *PlanOf(one).FindSetting("path"));
+  EXPECT_EQ(PlanOf(first).caption.text, "One");
+  Document second = show;
+  second.picture = 1;
+  EXPECT_EQ(PlanOf(second).caption.text, "");
+}
+
+TEST_F(ShowDocument, KnowsWhereInTheSoundEachPictureBegins) {
+  const std::string pictures = R"("pictures": [
+    {"image": "a.bmp", "each": 3, "fade": 0.5}, {"image": "b.bmp", "each": 2}, {"image": "c.bmp",
+     "each": 1}]})";
+  const auto begins = [&](const std::string& before) {
+    std::vector<double> seconds;
+    for (const PictureEntry& picture : PicturesOf({Path("show.json"), "{" + before + pictures})) {
+      seconds.push_back(picture.begin);
+    }
+    return seconds;
+  };
+  // The usual fade of a second is half of the last picture's at the most.
+  EXPECT_EQ(begins(""), (std::vector{0.0, 2.5, 4.0}));
+  EXPECT_EQ(begins(R"("title": "T", )"), (std::vector{3.5, 6.0, 7.5}));
 }
 
 TEST_F(ShowDocument, MovesByNameBecomeViewsThatCanBeSeen) {
