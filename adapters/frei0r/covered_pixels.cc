@@ -36,6 +36,16 @@ CoveredPixels CoveredBy(const DrawnFrame& frame, const View& view, PixelSize siz
           end(area.top, area.scaleY, frame.photo.height, size.height)};
 }
 
+CoveredPixels CoveredByEither(const CoveredPixels& a, const CoveredPixels& b) {
+  const auto empty = [](const CoveredPixels& area) {
+    return area.left >= area.right || area.top >= area.bottom;
+  };
+  if (empty(a)) return b;
+  if (empty(b)) return a;
+  return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
+          std::max(a.bottom, b.bottom)};
+}
+
 void KeepVideoBeside(const CoveredPixels& covered, const hfxImage& video, int32_t firstRow,
                      int32_t rowStep, hfxImage& output) {
   const int32_t width = output.GetWidth();

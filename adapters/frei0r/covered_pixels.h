@@ -21,6 +21,9 @@ struct CoveredPixels {
 KELTO_PLATFORM_API CoveredPixels CoveredBy(const DrawnFrame& frame, const View& view,
                                            PixelSize size, bool nearest);
 
+/// The smallest such area that holds both, of two fields.
+KELTO_PLATFORM_API CoveredPixels CoveredByEither(const CoveredPixels& a, const CoveredPixels& b);
+
 /// Copies the pixels outside `covered` from `video` to `output`, opaque. Both are images of a
 /// frame, or of one of its fields: then row n is the frame's row `firstRow` + n * `rowStep`.
 void KeepVideoBeside(const CoveredPixels& covered, const hfxImage& video, int32_t firstRow,

@@ -177,14 +177,14 @@ void PhotoEffect::Draw(const FrameRequest& request) {
       from = hfx::FieldView(from, state.topField);
     }
     rendered = effect_->Render(state, &from, &to, &error);
-    if (rendered && request.video != nullptr) KeepVideo(request, plan, state, to);
+    if (rendered && request.video != nullptr) KeepVideo(request, plan, state, field == 0, to);
   }
   const bool ended = effect_->EndRender(rendered ? &error : nullptr);
   if (!rendered || !ended) throw host::Error("the effect: " + error);
 }
 
 void PhotoEffect::KeepVideo(const FrameRequest& request, const host::RenderPlan& plan,
-                            const hfx::RenderState& state, hfxImage& output) {
+                            const hfx::RenderState& state, bool firstField, hfxImage& output) {
   // Outlines may lie anywhere, and a copy reduced for playing has its own edges.
   if (request.scene->outlined || plan.playMode != hfxPlayModeRender) return;
   const DrawnFrame frame = host::FrameToDraw(plan, size_, state, host::DrewSquarePixels(*effect_));
@@ -192,7 +192,9 @@ void PhotoEffect::KeepVideo(const FrameRequest& request, const host::RenderPlan&
                        host::DrawnEntry(*effect_, key::kFilter) == entry::kFilterRealTime;
   const CoveredPixels covered = CoveredBy(
       frame, host::DrawnView(*effect_), {plan.format.size.width, plan.format.size.height}, nearest);
-  if (request.covered != nullptr) *request.covered = covered;
+  if (request.covered != nullptr) {
+    *request.covered = firstField ? covered : CoveredByEither(*request.covered, covered);
+  }
   if (!plan.format.Interlaced()) return KeepVideoBeside(covered, *request.video, 0, 1, output);
   KeepVideoBeside(covered, hfx::FieldView(*request.video, state.topField), state.topField ? 0 : 1,
                   2, output);

@@ -76,7 +76,7 @@ class PhotoEffect {
   std::string Prepare(const FrameRequest& request);
   void Draw(const FrameRequest& request);
   void KeepVideo(const FrameRequest& request, const host::RenderPlan& plan,
-                 const hfx::RenderState& state, hfxImage& output);
+                 const hfx::RenderState& state, bool firstField, hfxImage& output);
   void SetUp(const FrameRequest& request);
 
   const std::string photo_, levels_;

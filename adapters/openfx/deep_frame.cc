@@ -47,7 +47,9 @@ DeepJob JobOf(const frei0r::Adapter::Parts& parts, const ofx::RectI& frame,
 bool DrawDeepFrame(const frei0r::Adapter::Parts& parts, const Image* source,
                    const ofx::RectI& frame, const ofx::RectI& window, const Image& output) {
   const std::shared_ptr<const DeepPicture> photo = DeepPhoto(parts.photo);
-  if (!photo) return false;
+  // The effect may still hold the file that another one has replaced.
+  const PixelSize& size = parts.shown.frame.photo;
+  if (!photo || photo->width() != size.width || photo->height() != size.height) return false;
   const bool video = source != nullptr && !parts.background;
   DeepJob job = JobOf(parts, frame, window);
   DeepPicture backdrop;

@@ -1,7 +1,9 @@
 #include "adapters/openfx/deep_photos.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <mutex>
+#include <system_error>
 #include <vector>
 
 #include "runtime/stills/deep_reader.h"
@@ -13,6 +15,7 @@ constexpr size_t kBudget = size_t{512} << 20;
 
 struct Kept {
   std::string file;
+  std::filesystem::file_time_type written;  ///< when the file was, as it was read
   std::shared_ptr<const DeepPicture> photo;
 };
 
@@ -34,7 +37,8 @@ std::shared_ptr<const DeepPicture> Decoded(const std::string& file) {
     auto photo = std::make_shared<DeepPicture>(
         static_cast<int32_t>(info.width), static_cast<int32_t>(info.height), sample, info.alpha);
     const DeepTarget rows = photo->view();
-    reader.Read(rows.pixels, rows.rowBytes);
+    // Files with alpha are often opaque throughout, which is drawn faster.
+    photo->SetHasAlpha(reader.Read(rows.pixels, rows.rowBytes));
     return photo;
   } catch (const stills::StillError&) {
     return nullptr;
@@ -47,15 +51,19 @@ std::shared_ptr<const DeepPicture> DeepPhoto(const std::string& file) {
   Photos& photos = ThePhotos();
   const std::lock_guard lock(photos.mutex);
   std::vector<Kept>& kept = photos.kept;
-  const auto found =
-      std::find_if(kept.begin(), kept.end(), [&](const Kept& entry) { return entry.file == file; });
+  std::error_code unknown;
+  const auto written = std::filesystem::last_write_time(file, unknown);
+  const auto found = std::find_if(kept.begin(), kept.end(), [&](const Kept& entry) {
+    return entry.file == file && entry.written == written;
+  });
   if (found != kept.end()) {
     std::rotate(found, found + 1, kept.end());
     return kept.back().photo;
   }
+  std::erase_if(kept, [&](const Kept& entry) { return entry.file == file; });
   std::shared_ptr<const DeepPicture> photo = Decoded(file);
   if (!photo) return nullptr;
-  kept.push_back({file, photo});
+  kept.push_back({file, written, photo});
   size_t bytes = 0;
   for (const Kept& entry : kept) bytes += entry.photo->bytes();
   while (kept.size() > 1 && bytes > kBudget) {

@@ -140,10 +140,16 @@ void Image::WriteBgra(int x, int y, uint32_t pixel) const {
 }
 
 uint32_t Image::ReadBgra(int x, int y) const {
+  uint32_t packed = 0;
+  if (depth_ == Depth::kByte && alpha_ != Alpha::kUnpremultiplied) {
+    const uint8_t* at = At(x, y);
+    const uint8_t same[4] = {at[2], at[1], at[0], 255};
+    std::memcpy(&packed, same, sizeof packed);
+    return packed;
+  }
   const Pixel pixel = Read(x, y);
   const uint8_t bgra[4] = {Rounded<uint8_t>(pixel[2], 255.0), Rounded<uint8_t>(pixel[1], 255.0),
                            Rounded<uint8_t>(pixel[0], 255.0), 255};
-  uint32_t packed = 0;
   std::memcpy(&packed, bgra, sizeof packed);
   return packed;
 }

@@ -1,10 +1,12 @@
 // Video beside the photo: the plug-in returns it to the bit.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <fstream>
 #include <random>
 #include <string>
 
+#include "adapters/frei0r/covered_pixels.h"
 #include "tests/adapters/built_plugins.h"
 #include "tests/adapters/run.h"
 
@@ -89,6 +91,16 @@ TEST_F(CoveredPixels, AnInterlacedProjectKeepsTheRowsOfBothFields) {
   std::ofstream(project) << R"({"image": "photo.png", "film": {"fields": "top", "frames": 8},
     "parameters": {"compositeover": {"value": "Background: Video"}, "size": [{"frame": 0, "value": 0.4}, {"frame": 7, "value": 0.6}]}})";
   EXPECT_GT(ExpectVideoBeside(project, {"", "hiqual"}), 0);
+}
+
+TEST(CoveredArea, OfTwoFieldsAreThoseOfEither) {
+  const auto either = [](const frei0r::CoveredPixels& a, const frei0r::CoveredPixels& b) {
+    const frei0r::CoveredPixels all = frei0r::CoveredByEither(a, b);
+    return std::array{all.left, all.top, all.right, all.bottom};
+  };
+  EXPECT_EQ(either({1, 2, 9, 8}, {3, 1, 10, 7}), (std::array{1, 1, 10, 8}));
+  EXPECT_EQ(either({5, 5, 5, 9}, {3, 1, 10, 7}), (std::array{3, 1, 10, 7})) << "one is empty";
+  EXPECT_EQ(either({1, 2, 9, 8}, {}), (std::array{1, 2, 9, 8}));
 }
 
 TEST_F(CoveredPixels, APhotoThatIsNowhereInSightLeavesTheVideo) {

@@ -270,7 +270,8 @@ TEST_F(OpenFx, AThousandRandomParameterSetsEachGiveAFrame) {
   for (int round = 0; round < 1000; ++round) {
     for (auto& [name, parameter] : host->parameters()) {
       const double number = std::ldexp(double(below(2000)) - 1000.0, int(below(20)) - 15);
-      parameter.number = [=](double) { return below(1) != 0 ? 0.0 : number; };
+      const bool zero = below(8) == 0;
+      parameter.number = [=](double) { return zero ? 0.0 : number; };
       parameter.choice = static_cast<int>(below(12)) - 1;
       if (name != "filename") parameter.text = texts[below(6)];
     }
