@@ -11,15 +11,25 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir -p "$to/lib" "$to/include" "$to/licences"
 cd "$work"
-echo "deb-src $(debian_mirror) $debian_release main" >sources.list
-private_apt "$work" update
+# Fixes come by the security archive first, and by the release only with its next update.
+# shellcheck disable=SC2016  # apt's own variable
+security=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Origin: Debian' \
+  "Codename: $debian_release-security" | sort -u | head -n 1)
+release="deb-src $(debian_mirror) $debian_release main"
+printf '%s\n' "$release" ${security:+"deb-src $security $debian_release-security main"} >sources.list
+private_apt "$work" update || {
+  echo "get-codecs: the security archive has no sources here; those of the release are taken" >&2
+  echo "$release" >sources.list
+  private_apt "$work" update
+}
 
-# get_source PACKAGE FOLDER: the patched sources that the installed package was made from, as FOLDER;
-# where the archive's release pocket lacks that version, a security update for one, its own version
+# get_source PACKAGE FOLDER: the patched sources that the installed package was made from, as FOLDER
 get_source() {
   source=$(dpkg-query -W -f '${source:Package}=${source:Version}' "$1")
-  private_apt "$work" source "$source" >/dev/null ||
+  private_apt "$work" source "$source" >/dev/null || {
+    echo "get-codecs: $source is in no archive; the newest there is taken, which may lack fixes" >&2
     private_apt "$work" source "${source%%=*}" >/dev/null
+  }
   mv "${source%%=*}"-[0-9]*/ "$2"
 }
 flags="-O2 -DNDEBUG -msse2 -mfpmath=sse -fstack-protector-strong"
