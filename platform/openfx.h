@@ -30,6 +30,7 @@ using Clip = struct ClipRecord*;
 using ImageMemory = struct ImageMemoryRecord*;
 using ParameterSet = struct ParameterSetRecord*;
 using ParameterHandle = struct ParameterRecord*;
+using DrawContext = struct DrawContextRecord*;
 
 /// y upwards; x2 and y2 lie outside.
 struct RectI {
@@ -40,6 +41,13 @@ struct RectD {
 };
 struct RangeD {
   double min, max;
+};
+struct PointD {
+  double x, y;
+};
+/// 0 .. 1 each.
+struct Colour {
+  float red, green, blue, alpha;
 };
 
 struct Host {
@@ -125,11 +133,31 @@ struct MessageSuite {
   Status (*clearPersistentMessage)(void* effect);
 };
 
+struct MemorySuite {
+  /// `owner` may be null.
+  Status (*allocate)(void* owner, size_t bytes, void** memory);
+  Status (*free)(void* memory);
+};
+
+/// Of 1.5: lines over a viewer, in canonical coordinates.
+struct DrawSuite {
+  Status (*getColour)(DrawContext, int standard, Colour*);
+  Status (*setColour)(DrawContext, const Colour*);
+  Status (*setLineWidth)(DrawContext, float pixels);
+  Status (*setLineStipple)(DrawContext, int pattern);
+  Status (*draw)(DrawContext, int primitive, const PointD* points, int count);
+  Status (*drawText)(DrawContext, const char* text, const PointD* at, int alignment);
+};
+/// A standard colour of what is being edited, and a primitive: a closed line through its points.
+inline constexpr int kActiveColour = 1, kLineLoop = 2;
+
 inline constexpr const char* kEffectApi = "OfxImageEffectPluginAPI";
 inline constexpr const char* kPropertySuite = "OfxPropertySuite";
 inline constexpr const char* kEffectSuite = "OfxImageEffectSuite";
 inline constexpr const char* kParameterSuite = "OfxParameterSuite";
 inline constexpr const char* kMessageSuite = "OfxMessageSuite";
+inline constexpr const char* kMemorySuite = "OfxMemorySuite";
+inline constexpr const char* kDrawSuite = "OfxDrawSuite";
 
 namespace action {
 inline constexpr const char* kLoad = "OfxActionLoad";
@@ -143,6 +171,7 @@ inline constexpr const char* kRegionOfDefinition = "OfxImageEffectActionGetRegio
 inline constexpr const char* kClipPreferences = "OfxImageEffectActionGetClipPreferences";
 inline constexpr const char* kIsIdentity = "OfxImageEffectActionIsIdentity";
 inline constexpr const char* kRender = "OfxImageEffectActionRender";
+inline constexpr const char* kDraw = "OfxInteractActionDraw";
 }  // namespace action
 
 namespace context {
@@ -157,7 +186,9 @@ inline constexpr const char* kName = "OfxPropName";
 inline constexpr const char* kLabel = "OfxPropLabel";
 inline constexpr const char* kShortLabel = "OfxPropShortLabel";
 inline constexpr const char* kLongLabel = "OfxPropLongLabel";
+inline constexpr const char* kIcon = "OfxPropIcon";
 inline constexpr const char* kTime = "OfxPropTime";
+inline constexpr const char* kEffectInstance = "OfxPropEffectInstance";
 inline constexpr const char* kInstanceData = "OfxPropInstanceData";
 inline constexpr const char* kPluginDescription = "OfxPropPluginDescription";
 inline constexpr const char* kGrouping = "OfxImageEffectPluginPropGrouping";
@@ -188,7 +219,10 @@ inline constexpr const char* kImageData = "OfxImagePropData";
 inline constexpr const char* kImageBounds = "OfxImagePropBounds";
 inline constexpr const char* kImageRegionOfDefinition = "OfxImagePropRegionOfDefinition";
 inline constexpr const char* kImageRowBytes = "OfxImagePropRowBytes";
+inline constexpr const char* kImageField = "OfxImagePropField";
 inline constexpr const char* kImagePixelAspect = "OfxImagePropPixelAspectRatio";
+inline constexpr const char* kOverlay = "OfxImageEffectPluginPropOverlayInteractV2";
+inline constexpr const char* kDrawContext = "OfxInteractPropDrawContext";
 inline constexpr const char* kHint = "OfxParamPropHint";
 inline constexpr const char* kDefault = "OfxParamPropDefault";
 inline constexpr const char* kMin = "OfxParamPropMin";
@@ -213,6 +247,10 @@ inline constexpr const char* kRgb = "OfxImageComponentRGB";
 inline constexpr const char* kOpaque = "OfxImageOpaque";
 inline constexpr const char* kPremultiplied = "OfxImageAlphaPremultiplied";
 inline constexpr const char* kUnpremultiplied = "OfxImageAlphaUnPremultiplied";
+inline constexpr const char* kFieldNone = "OfxFieldNone";
+inline constexpr const char* kFieldBoth = "OfxFieldBoth";
+inline constexpr const char* kFieldLower = "OfxFieldLower";
+inline constexpr const char* kFieldUpper = "OfxFieldUpper";
 inline constexpr const char* kFullySafe = "OfxImageEffectRenderFullySafe";
 inline constexpr const char* kFilePath = "OfxParamStringIsFilePath";
 inline constexpr const char* kSingleLine = "OfxParamStringIsSingleLine";

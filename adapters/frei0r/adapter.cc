@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <new>
 #include <string>
 
 #include "adapters/frei0r/console.h"
@@ -131,14 +132,15 @@ void Adapter::RenderFrame(int64_t frame, const uint32_t* in, uint32_t* out,
     RenderOver(in, out, frame, &touched);
   } catch (const std::exception&) {
     FillBackground(in, out);
-    fault_ = "no memory";  // a text that needs none
+    fault_ = kNoMemory;
   }
   // A frame without the photograph is the video's.
   if (!fault_.empty() && in != nullptr && !scene_->background) touched = {};
 }
 
-bool Adapter::TakeApart(int64_t frame, Parts& parts) noexcept try {
+bool Adapter::TakeApart(int64_t frame, Parts& parts) {
   const std::lock_guard lock(mutex_);
+  fault_.clear();
   ReadParameters();
   if (!effect_ || scene_->outlined || scene_->format.Interlaced() ||
       scene_->levels != entry::kLevelsRGB || scene_->playMode != hfxPlayModeRender) {
@@ -150,13 +152,12 @@ bool Adapter::TakeApart(int64_t frame, Parts& parts) noexcept try {
   request.moment = MomentOf(frame);
   request.quality = values_.numbers[kQuality];
   request.size = {static_cast<int32_t>(width_), static_cast<int32_t>(height_)};
-  if (!effect_->Look(request, parts.shown).empty()) return false;
+  fault_ = effect_->Look(request, parts.shown);
+  if (fault_ == kNoMemory) throw std::bad_alloc();
+  if (!fault_.empty()) return false;
   parts.photo = scene_->photo;
   parts.background = scene_->background;
-  fault_.clear();
   return true;
-} catch (const std::exception&) {
-  return false;  // no memory; RenderFrame says so
 }
 
 void Adapter::SetPixelAspect(double ratio) noexcept {
@@ -170,6 +171,8 @@ std::string Adapter::Fault() const {
   const std::lock_guard lock(mutex_);
   return fault_;
 }
+
+uint64_t Adapter::PictureBytes() { return PhotoEffect::PictureBytes(); }
 
 void Adapter::ReadParameters() {
   if (!changed_) return;

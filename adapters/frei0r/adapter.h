@@ -19,6 +19,9 @@ struct CoveredPixels;
 struct Moment;
 struct Scene;
 
+/// What Adapter::Fault returns where memory ran out; a text that needs none.
+inline constexpr const char* kNoMemory = "no memory";
+
 /// Holds parameters and renders frames of one size. Making one opens no file; the photograph is
 /// loaded with the first frame. Nothing throws but the constructor, std::bad_alloc: whatever is
 /// wrong gives a frame of background (or of the incoming video) and one line on the console.
@@ -54,13 +57,17 @@ class KELTO_PLATFORM_API Adapter {
   /// What a frame of such an instance is made of, for those who draw it with more than 8 bits.
   struct Parts;
   /// Gets them. False, with or without a fault, where only RenderFrame can draw it: outlines,
-  /// fields, studio levels and pictures reduced for playing are the effect's own.
-  bool TakeApart(int64_t frame, Parts& parts) noexcept;
+  /// fields, studio levels and pictures reduced for playing are the effect's own. Throws
+  /// std::bad_alloc.
+  bool TakeApart(int64_t frame, Parts& parts);
 
   /// Width over height of a pixel as shown, for hosts that report it; it overrules a project's.
   void SetPixelAspect(double ratio) noexcept;
   /// Why the last frame shows no photograph; empty when it does.
   std::string Fault() const;
+
+  /// Bytes of all pictures that the effect holds in this process.
+  static uint64_t PictureBytes();
 
  private:
   void ReadParameters();

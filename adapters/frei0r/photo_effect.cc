@@ -10,6 +10,7 @@
 #include <new>
 #include <utility>
 
+#include "adapters/frei0r/adapter.h"
 #include "adapters/frei0r/console.h"
 #include "adapters/frei0r/covered_pixels.h"
 #include "adapters/frei0r/effect_file.h"
@@ -20,6 +21,7 @@
 #include "host/effect/render_state.h"
 #include "host/track/drawn_frame.h"
 #include "host/track/keyed_plan.h"
+#include "platform/ipl.h"
 
 namespace kelto::frei0r {
 namespace {
@@ -89,7 +91,7 @@ void PhotoEffect::TryToLoad() {
   } catch (const std::exception& error) {
     effect_.reset();
     module_.reset();
-    fault_ = "no memory";  // a text that needs none
+    fault_ = kNoMemory;
     if (dynamic_cast<const std::bad_alloc*>(&error) == nullptr) fault_ = error.what();
   }
 }
@@ -127,9 +129,16 @@ std::string PhotoEffect::Render(const FrameRequest& request) {
     std::string fault = Prepare(request);
     if (fault.empty()) Draw(request);
     return fault;
+  } catch (const std::bad_alloc&) {
+    return kNoMemory;
   } catch (const std::exception& error) {
     return error.what();
   }
+}
+
+uint64_t PhotoEffect::PictureBytes() {
+  const std::lock_guard lock(ModuleLock());
+  return iplxAllocatedBytes();
 }
 
 std::string PhotoEffect::Look(FrameRequest request, ShownPhoto& shown) {
@@ -155,6 +164,8 @@ std::string PhotoEffect::Look(FrameRequest request, ShownPhoto& shown) {
                      [&](const catalogue::Entry& choice) { return filter == choice.text; }) -
         std::begin(catalogue::kFilter));
     return fault;
+  } catch (const std::bad_alloc&) {
+    return kNoMemory;
   } catch (const std::exception& error) {
     return error.what();
   }

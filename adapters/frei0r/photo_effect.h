@@ -66,6 +66,9 @@ class PhotoEffect {
   /// as Render does.
   std::string Look(FrameRequest request, ShownPhoto& shown);
 
+  /// Bytes of the pictures of all effects.
+  static uint64_t PictureBytes();
+
  private:
   PhotoEffect(std::string photo, std::string levels);
   ~PhotoEffect() = default;

@@ -28,10 +28,6 @@ ofx::Properties PropertiesOf(ofx::Effect effect) {
                                                                               : nullptr;
 }
 
-Instance* InstanceOf(ofx::Effect effect) {
-  return static_cast<Instance*>(Reader(PropertiesOf(effect)).Pointer(ofx::prop::kInstanceData));
-}
-
 ofx::Status CreateInstance(ofx::Effect effect) {
   Writer(PropertiesOf(effect)).Pointer(ofx::prop::kInstanceData, new Instance(effect));
   return ofx::kOk;
@@ -59,7 +55,7 @@ ofx::Status Act(std::string_view action, ofx::Effect effect, ofx::Properties inA
   }
   if (action == ofx::action::kUnload || action == ofx::action::kPurgeCaches) {
     EmptyFrameStore();
-    ForgetDeepPhotos();
+    ProcessDeepPhotos().Forget();
     return ofx::kOk;
   }
   if (effect == nullptr || TheSuites().effects == nullptr) return ofx::kBadHandle;
@@ -89,9 +85,13 @@ ofx::Status Main(const char* action, const void* handle, ofx::Properties inArgs,
 
 }  // namespace
 
+Instance* InstanceOf(ofx::Effect effect) {
+  return static_cast<Instance*>(Reader(PropertiesOf(effect)).Pointer(ofx::prop::kInstanceData));
+}
+
 ofx::Plugin& ThePlugin() {
   static ofx::Plugin plugin{
-      ofx::kEffectApi, 1,   "org.kelto.PanZoom", KELTO_VERSION_MAJOR, KELTO_VERSION_MINOR,
+      ofx::kEffectApi, 1,   KELTO_OPENFX_IDENTIFIER, KELTO_VERSION_MAJOR, KELTO_VERSION_MINOR,
       SetHost,         Main};
   return plugin;
 }

@@ -7,4 +7,8 @@ namespace kelto::openfx {
 
 ofx::Plugin& ThePlugin();
 
+class Instance;
+/// What the plug-in made of an effect's handle; null before it is made, or for none of its.
+Instance* InstanceOf(ofx::Effect effect);
+
 }  // namespace kelto::openfx

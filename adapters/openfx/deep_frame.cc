@@ -1,18 +1,41 @@
 #include "adapters/openfx/deep_frame.h"
 
+#include <optional>
+
 #include "adapters/frei0r/covered_pixels.h"
 #include "adapters/openfx/deep_photos.h"
+#include "adapters/openfx/host_memory.h"
 #include "deep/engine.h"
 #include "framing/frame_rects.h"
 
 namespace kelto::openfx {
 namespace {
 
+/// Floats of a window, not cleared.
+class Floats {
+ public:
+  Floats(ofx::Effect effect, const ofx::RectI& window)
+      : memory_(effect, DeepPicture::BytesFor(Width(window), Height(window), kSample)) {
+    rows_.pixels = memory_.data();
+    rows_.width = Width(window);
+    rows_.height = Height(window);
+    rows_.rowBytes = static_cast<ptrdiff_t>(PixelBytes(kSample)) * rows_.width;
+    rows_.sample = kSample;
+  }
+  const DeepTarget& rows() const { return rows_; }
+
+ private:
+  static constexpr DeepSample kSample = DeepSample::kFloat32;
+  static int32_t Width(const ofx::RectI& window) { return window.x2 - window.x1; }
+  static int32_t Height(const ofx::RectI& window) { return window.y2 - window.y1; }
+
+  HostMemory memory_;
+  DeepTarget rows_;
+};
+
 /// The source behind a window, from its top row on.
-DeepPicture Backdrop(const Image& source, const ofx::RectI& window) {
-  DeepPicture picture(window.x2 - window.x1, window.y2 - window.y1, DeepSample::kFloat32, true);
-  const DeepTarget rows = picture.view();
-  for (int32_t row = 0; row < picture.height(); ++row) {
+void FillBackdrop(const Image& source, const ofx::RectI& window, const DeepTarget& rows) {
+  for (int32_t row = 0; row < rows.height; ++row) {
     auto* to = rows.Row<float>(row);
     for (int x = window.x1; x < window.x2; ++x) {
       const int y = window.y2 - 1 - row;
@@ -20,7 +43,6 @@ DeepPicture Backdrop(const Image& source, const ofx::RectI& window) {
       for (const double sample : pixel) *to++ = static_cast<float>(sample);
     }
   }
-  return picture;
 }
 
 DeepJob JobOf(const frei0r::Adapter::Parts& parts, const ofx::RectI& frame,
@@ -44,26 +66,28 @@ DeepJob JobOf(const frei0r::Adapter::Parts& parts, const ofx::RectI& frame,
 
 }  // namespace
 
-bool DrawDeepFrame(const frei0r::Adapter::Parts& parts, const Image* source,
-                   const ofx::RectI& frame, const ofx::RectI& window, const Image& output) {
-  const std::shared_ptr<const DeepPicture> photo = DeepPhoto(parts.photo);
+bool DrawDeepFrame(ofx::Effect effect, const frei0r::Adapter::Parts& parts, const Image* source,
+                   const ofx::RectI& frame, const ofx::RectI& window, const Image& output,
+                   std::string& reason) {
+  const std::shared_ptr<const DeepPicture> photo = ProcessDeepPhotos().Get(parts.photo, reason);
   // The effect may still hold the file that another one has replaced.
   const PixelSize& size = parts.shown.frame.photo;
   if (!photo || photo->width() != size.width || photo->height() != size.height) return false;
   const bool video = source != nullptr && !parts.background;
   DeepJob job = JobOf(parts, frame, window);
-  DeepPicture backdrop;
+  std::optional<Floats> backdrop;
   if (video) {
-    backdrop = Backdrop(*source, window);
-    job.backdrop = std::as_const(backdrop).view();
+    FillBackdrop(*source, window, backdrop.emplace(effect, window).rows());
+    job.backdrop = backdrop->rows();
   }
-  DeepPicture drawn(window.x2 - window.x1, window.y2 - window.y1, DeepSample::kFloat32, true);
-  RenderDeep(job, photo->view(), drawn.view());
+  const Floats drawn(effect, window);
+  RenderDeep(job, photo->view(), drawn.rows());
   const frei0r::CoveredPixels covered =
       frei0r::CoveredBy(parts.shown.frame, parts.shown.view, job.frame, parts.shown.nearest);
   for (int y = window.y1; y < window.y2; ++y) {
+    if (!output.Draws(y)) continue;
     const int row = frame.y2 - 1 - y;
-    const auto* from = std::as_const(drawn).view().Row<float>(window.y2 - 1 - y);
+    const auto* from = drawn.rows().Row<const float>(window.y2 - 1 - y);
     for (int x = window.x1; x < window.x2; ++x, from += 4) {
       const int column = x - frame.x1;
       // What the photo does not touch stays as it is to the bit.

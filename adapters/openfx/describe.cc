@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "adapters/openfx/overlay.h"
 #include "adapters/openfx/suites.h"
 #include "adapters/pages/controls.h"
 
@@ -117,7 +118,13 @@ ofx::Status Describe(ofx::Effect effect) {
   const Writer writer(properties);
   SetLabels(writer, pages::kTitle.In(kEnglish));
   writer.String(ofx::prop::kGrouping, "Kelto")
-      .String(ofx::prop::kPluginDescription, pages::kSummary.In(kEnglish));
+      .String(ofx::prop::kPluginDescription, pages::kSummary.In(kEnglish))
+      // In the bundle's folder of resources.
+      .String(ofx::prop::kIcon, KELTO_OPENFX_IDENTIFIER ".svg", 0)
+      .String(ofx::prop::kIcon, KELTO_OPENFX_IDENTIFIER ".png", 1);
+  if (TheSuites().draw != nullptr) {
+    writer.Pointer(ofx::prop::kOverlay, reinterpret_cast<void*>(OverlayMain));
+  }
   int context = 0;
   for (const char* name :
        {ofx::context::kFilter, ofx::context::kGeneral, ofx::context::kGenerator}) {

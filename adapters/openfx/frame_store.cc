@@ -61,6 +61,7 @@ LentMaker::~LentMaker() {
 
 void EmptyFrameStore() {
   std::vector<IdleMaker> idle;
+  idle.reserve(kMostIdle + 1);  // the store's from now on
   Store& store = TheStore();
   const std::lock_guard lock(store.mutex);
   idle.swap(store.idle);

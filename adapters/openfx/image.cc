@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <string>
 
 #include "adapters/openfx/suites.h"
 
@@ -47,13 +46,18 @@ Sample Rounded(double value, double scale) {
 
 }  // namespace
 
-Image::Image(ofx::Clip clip, ofx::Time time) {
+void Image::Release::operator()(ofx::Properties image) const {
+  TheSuites().effects->clipReleaseImage(image);
+}
+
+Image::Image(ofx::Clip clip, ofx::Time time, double scaleY) {
+  ofx::Properties handle = nullptr;
   if (clip == nullptr ||
-      TheSuites().effects->clipGetImage(clip, time, nullptr, &handle_) != ofx::kOk) {
-    handle_ = nullptr;
+      TheSuites().effects->clipGetImage(clip, time, nullptr, &handle) != ofx::kOk) {
     return;
   }
-  const Reader reader(handle_);
+  handle_.reset(handle);
+  const Reader reader(handle);
   rowBytes_ = reader.Int(ofx::prop::kImageRowBytes, 0);
   pixelAspect_ = reader.Double(ofx::prop::kImagePixelAspect, 1.0);
   if (!reader.Rect(ofx::prop::kImageBounds, bounds_) || IsEmpty(bounds_)) return;
@@ -61,16 +65,53 @@ Image::Image(ofx::Clip clip, ofx::Time time) {
     frame_ = bounds_;
   }
   if (!ReadForm(reader, depth_, components_, alpha_)) return;
+  ReadField(clip, time, scaleY);
   data_ = static_cast<uint8_t*>(reader.Pointer(ofx::prop::kImageData));
 }
 
-Image::~Image() {
-  if (handle_ != nullptr) TheSuites().effects->clipReleaseImage(handle_);
+/// Of one field, hosts hand out either a whole frame with each of its rows twice, which is drawn
+/// like any other, or the field's rows alone: half of what the clip says that its frames have.
+void Image::ReadField(ofx::Clip clip, ofx::Time time, double scaleY) {
+  const std::string field = Reader(handle_.get()).String(ofx::prop::kImageField, "");
+  bothFields_ = field == ofx::value::kFieldBoth;
+  const bool lower = field == ofx::value::kFieldLower;
+  const auto regionOf = TheSuites().effects->clipGetRegionOfDefinition;
+  ofx::RectD region{};
+  if ((!lower && field != ofx::value::kFieldUpper) || regionOf == nullptr ||
+      regionOf(clip, time, &region) != ofx::kOk) {
+    return;
+  }
+  constexpr double kAlmostTwice = 1.5;
+  const int64_t stored = int64_t{frame_.y2} - frame_.y1;
+  constexpr int kFar = 1 << 29;
+  if ((region.y2 - region.y1) * scaleY < kAlmostTwice * static_cast<double>(stored) ||
+      std::min({bounds_.y1, frame_.y1}) < -kFar || std::max({bounds_.y2, frame_.y2}) > kFar) {
+    return;
+  }
+  halfHeight_ = true;
+  rows_ = lower ? Rows::kLower : Rows::kUpper;
+  for (ofx::RectI* rect : {&bounds_, &frame_}) {
+    rect->y1 *= 2;
+    rect->y2 *= 2;
+  }
+}
+
+ofx::RectI Image::WindowOf(const ofx::RectI& stored) const {
+  const int rows = halfHeight_ ? 2 : 1;
+  return {std::max(stored.x1, bounds_.x1), rows * std::max(stored.y1, bounds_.y1 / rows),
+          std::min(stored.x2, bounds_.x2), rows * std::min(stored.y2, bounds_.y2 / rows)};
+}
+
+void Image::DrawFieldAlone(const std::string& field) {
+  if (!bothFields_) return;
+  if (field == ofx::value::kFieldLower) rows_ = Rows::kLower;
+  if (field == ofx::value::kFieldUpper) rows_ = Rows::kUpper;
 }
 
 uint8_t* Image::At(int x, int y) const {
   const auto pixelBytes = static_cast<ptrdiff_t>(SampleBytes(depth_)) * components_;
-  return data_ + (ptrdiff_t{y} - bounds_.y1) * rowBytes_ + (ptrdiff_t{x} - bounds_.x1) * pixelBytes;
+  const int row = halfHeight_ ? (y - bounds_.y1) / 2 : y - bounds_.y1;
+  return data_ + row * rowBytes_ + (ptrdiff_t{x} - bounds_.x1) * pixelBytes;
 }
 
 /// By memcpy: a host's rows may be of any length, so samples need not be aligned.

@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
+#include <optional>
 
 #include "adapters/frei0r/covered_pixels.h"
 #include "adapters/openfx/deep_frame.h"
 #include "adapters/openfx/frame_store.h"
+#include "adapters/openfx/host_memory.h"
 #include "adapters/openfx/image.h"
 #include "adapters/openfx/suites.h"
 #include "adapters/pages/controls.h"
@@ -28,48 +31,56 @@ int64_t FrameAt(ofx::Time time) {
   return static_cast<int64_t>(std::floor(time + 1e-6));
 }
 
+/// A maker may have been another instance's: what it cannot take, for want of memory, must not be
+/// drawn as that one had it.
 void SetAll(FrameMaker& maker, const frei0r::Values& values) {
   for (int i = 0; i < frei0r::kParameterCount; ++i) {
     const auto index = static_cast<size_t>(i);
     maker.SetText(i, values.texts[index].c_str());
     maker.SetNumber(i, values.numbers[index]);
+    if (values.texts[index] != maker.Text(i) || values.numbers[index] != maker.Number(i)) {
+      throw std::bad_alloc();
+    }
   }
 }
 
 /// The source as the effect takes it, row for row from the top.
-std::vector<uint32_t> VideoOf(const Image& source, const ofx::RectI& frame) {
-  std::vector<uint32_t> video;
-  video.reserve(static_cast<size_t>(frame.x2 - frame.x1) *
-                static_cast<size_t>(frame.y2 - frame.y1));
+void FillVideo(const Image& source, const ofx::RectI& frame, uint32_t* video) {
   for (int y = frame.y2 - 1; y >= frame.y1; --y) {
     for (int x = frame.x1; x < frame.x2; ++x) {
-      video.push_back(source.Holds(x, y) ? source.ReadBgra(x, y) : 0xff000000u);
+      *video++ = source.Holds(x, y) ? source.ReadBgra(x, y) : 0xff000000u;
     }
   }
-  return video;
 }
 
 /// What of a window lies outside the frame has nothing in it.
 void Clear(const Image& output, const ofx::RectI& window) {
   const ofx::RectI& frame = output.frame();
   for (int y = window.y1; y < window.y2; ++y) {
+    if (!output.Draws(y)) continue;
     for (int x = window.x1; x < window.x2; ++x) {
       if (x < frame.x1 || x >= frame.x2 || y < frame.y1 || y >= frame.y2) output.Write(x, y, {});
     }
   }
 }
 
+uint32_t* Pixels(const HostMemory& memory) { return static_cast<uint32_t*>(memory.data()); }
+
 /// A window of a frame as the effect itself draws it, with 8 bits.
-void DrawFrame(FrameMaker& maker, int64_t number, const Image* source, const ofx::RectI& frame,
-               const ofx::RectI& window, const Image& output) {
+void DrawFrame(ofx::Effect effect, FrameMaker& maker, int64_t number, const Image* source,
+               const ofx::RectI& frame, const ofx::RectI& window, const Image& output) {
   const auto width = static_cast<size_t>(frame.x2 - frame.x1);
   const auto height = static_cast<size_t>(frame.y2 - frame.y1);
-  const std::vector<uint32_t> behind =
-      source != nullptr ? VideoOf(*source, frame) : std::vector<uint32_t>();
-  std::vector<uint32_t> drawn(width * height);
+  const size_t bytes = width * height * sizeof(uint32_t);
+  std::optional<HostMemory> video;
+  if (source != nullptr) FillVideo(*source, frame, Pixels(video.emplace(effect, bytes)));
+  const HostMemory memory(effect, bytes);
+  uint32_t* drawn = Pixels(memory);
   frei0r::CoveredPixels covered;
-  maker.RenderFrame(number, source != nullptr ? behind.data() : nullptr, drawn.data(), &covered);
+  maker.RenderFrame(number, video ? Pixels(*video) : nullptr, drawn, &covered);
+  if (maker.Fault() == frei0r::kNoMemory) throw std::bad_alloc();
   for (int y = window.y1; y < window.y2; ++y) {
+    if (!output.Draws(y)) continue;
     const int row = frame.y2 - 1 - y;
     for (int x = window.x1; x < window.x2; ++x) {
       const int column = x - frame.x1;
@@ -117,7 +128,9 @@ frei0r::Values Instance::ValuesAt(ofx::Time time) const {
     const ofx::ParameterHandle handle = parameters_[number++];
     if (control.widget == Widget::kSlider) {
       double value = 0.0;
-      if (get(handle, time, &value) == ofx::kOk) values.numbers[control.index] = value;
+      if (get(handle, time, &value) != ofx::kOk || !std::isfinite(value)) continue;
+      const frei0r::Parameter& parameter = control.parameter();
+      values.numbers[control.index] = std::clamp(value, parameter.lower, parameter.upper);
     } else if (control.widget == Widget::kChoice) {
       int value = -1;
       if (get(handle, time, &value) != ofx::kOk) continue;
@@ -150,18 +163,19 @@ void Instance::ShowOnce(const std::string& fault) {
 ofx::Status Instance::Render(ofx::Properties inArgs) {
   const Reader arguments(inArgs);
   const ofx::Time time = arguments.Double(ofx::prop::kTime, 0.0);
-  const Image output(output_, time);
+  const double scaleY = arguments.Double(ofx::prop::kRenderScale, 1.0, 1);
+  Image output(output_, time, scaleY);
   if (!output) return ofx::kFailed;
+  output.DrawFieldAlone(arguments.String(ofx::prop::kFieldToRender, ""));
   ofx::RectI window = output.bounds();
-  arguments.Rect(ofx::prop::kRenderWindow, window);
-  window = Common(window, output.bounds());
+  if (arguments.Rect(ofx::prop::kRenderWindow, window)) window = output.WindowOf(window);
 
   const ofx::RectI frame = output.frame();
   const int64_t width = int64_t{frame.x2} - frame.x1, height = int64_t{frame.y2} - frame.y1;
   if (width > kMaxSide || height > kMaxSide || width * height > kMaxPixels) return ofx::kFailed;
 
   frei0r::Values values = ValuesAt(time);
-  const Image source(HasSource() ? source_ : nullptr, time);
+  const Image source(HasSource() ? source_ : nullptr, time, scaleY);
   const bool video = values.texts[frei0r::kBackground] == "video" && source;
   if (!video && values.texts[frei0r::kBackground] == "video") {
     values.texts[frei0r::kBackground].clear();  // nothing lies behind: black
@@ -171,20 +185,29 @@ ofx::Status Instance::Render(ofx::Properties inArgs) {
                         static_cast<uint32_t>(width), static_cast<uint32_t>(height));
   SetAll(*maker.operator->(), values);
   // A scale that differs by axis changes the shape of the image's pixels.
-  const double shape = arguments.Double(ofx::prop::kRenderScale, 1.0, 1) /
-                       arguments.Double(ofx::prop::kRenderScale, 1.0, 0);
+  const double shape = scaleY / arguments.Double(ofx::prop::kRenderScale, 1.0, 0);
   maker->SetPixelAspect(output.pixelAspect() * shape);
 
   Clear(output, window);
   const ofx::RectI part = Common(window, frame);
   if (part.x1 >= part.x2 || part.y1 >= part.y2) return ofx::kOk;
   const Image* behind = video ? &source : nullptr;
-  frei0r::Adapter::Parts parts;
-  if (output.depth() == Depth::kByte || !maker->TakeApart(FrameAt(time), parts) ||
-      !DrawDeepFrame(parts, behind, frame, part, output)) {
-    DrawFrame(*maker.operator->(), FrameAt(time), behind, frame, part, output);
+  const int64_t number = FrameAt(time);
+  std::string shallow;  ///< why a photograph is drawn with less than its bits
+  const auto drawDeep = [&] {
+    shallow.clear();
+    frei0r::Adapter::Parts parts;
+    return output.depth() != Depth::kByte && maker->TakeApart(number, parts) &&
+           DrawDeepFrame(effect_, parts, behind, frame, part, output, shallow);
+  };
+  if (!drawDeep()) {
+    const bool failed = !maker->Fault().empty();
+    DrawFrame(effect_, *maker.operator->(), number, behind, frame, part, output);
+    // A photograph that could be read only now has all its bits, too.
+    if (failed && maker->Fault().empty()) drawDeep();
   }
-  ShowOnce(maker->Fault());
+  const std::string fault = maker->Fault();
+  ShowOnce(fault.empty() ? shallow : fault);
   return ofx::kOk;
 }
 
@@ -197,19 +220,41 @@ ofx::Status Instance::IsIdentity(ofx::Properties inArgs, ofx::Properties outArgs
   return ofx::kOk;
 }
 
-ofx::Status Instance::RegionOfDefinition(ofx::Properties outArgs) const {
-  if (HasSource()) return ofx::kReplyDefault;  // the source's
+bool Instance::ProjectFrame(ofx::RectD& frame) const {
   const Reader project(properties_);
   const double left = project.Double(ofx::prop::kProjectOffset, 0.0, 0);
   const double bottom = project.Double(ofx::prop::kProjectOffset, 0.0, 1);
   const double width = project.Double(ofx::prop::kProjectSize, 0.0, 0);
   const double height = project.Double(ofx::prop::kProjectSize, 0.0, 1);
-  if (!(width > 0.0 && height > 0.0)) return ofx::kReplyDefault;
-  const double sides[] = {left, bottom, left + width, bottom + height};
+  frame = {left, bottom, left + width, bottom + height};
+  return width > 0.0 && height > 0.0;
+}
+
+ofx::Status Instance::RegionOfDefinition(ofx::Properties outArgs) const {
+  ofx::RectD frame{};
+  // With a source it is the source's.
+  if (HasSource() || !ProjectFrame(frame)) return ofx::kReplyDefault;
+  const double sides[] = {frame.x1, frame.y1, frame.x2, frame.y2};
   for (int i = 0; i < 4; ++i) {
     Writer(outArgs).Double(ofx::prop::kRegionOfDefinition, sides[i], i);
   }
   return ofx::kOk;
+}
+
+bool Instance::ViewAt(ofx::Time time, View& view, ofx::RectD& frame) const {
+  const auto regionOf = TheSuites().effects->clipGetRegionOfDefinition;
+  const bool known = regionOf != nullptr && regionOf(output_, time, &frame) == ofx::kOk;
+  if (!known && !ProjectFrame(frame)) return false;
+  const double width = std::round(frame.x2 - frame.x1), height = std::round(frame.y2 - frame.y1);
+  constexpr auto kMost = static_cast<double>(kMaxSide);
+  if (!(width >= 1.0 && width <= kMost && height >= 1.0 && height <= kMost)) return false;
+  const LentMaker maker(frei0r::Role::kFilter, static_cast<uint32_t>(width),
+                        static_cast<uint32_t>(height));
+  SetAll(*maker.operator->(), ValuesAt(time));
+  frei0r::Adapter::Parts parts;
+  if (!maker->TakeApart(FrameAt(time), parts)) return false;
+  view = parts.shown.view;
+  return true;
 }
 
 ofx::Status Instance::ClipPreferences(ofx::Properties outArgs) {

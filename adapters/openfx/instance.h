@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "adapters/frei0r/parameters.h"
+#include "framing/view.h"
 #include "platform/openfx.h"
 
 namespace kelto::openfx {
@@ -21,11 +22,16 @@ class Instance {
   ofx::Status IsIdentity(ofx::Properties inArgs, ofx::Properties outArgs) const;
   ofx::Status RegionOfDefinition(ofx::Properties outArgs) const;
   static ofx::Status ClipPreferences(ofx::Properties outArgs);
+  /// The view at a time and the frame that zoom 1 shows, in the host's canonical coordinates. False
+  /// where there is no photograph, or the effect outlines the view itself. Throws std::bad_alloc.
+  bool ViewAt(ofx::Time time, View& view, ofx::RectD& frame) const;
 
  private:
   /// The parameters' values at a time, and never at another one.
   frei0r::Values ValuesAt(ofx::Time time) const;
   bool HasSource() const;
+  /// Where the project's frames lie; false where the host does not say.
+  bool ProjectFrame(ofx::RectD& frame) const;
   void ShowOnce(const std::string& fault);
 
   ofx::Effect effect_;

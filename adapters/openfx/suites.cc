@@ -21,6 +21,8 @@ bool FetchSuites(const ofx::Host* host) {
   const void* messages = fetch(ofx::kMessageSuite, 2);
   if (messages == nullptr) messages = fetch(ofx::kMessageSuite, 1);
   suites.messages = static_cast<const ofx::MessageSuite*>(messages);
+  suites.memory = static_cast<const ofx::MemorySuite*>(fetch(ofx::kMemorySuite, 1));
+  suites.draw = static_cast<const ofx::DrawSuite*>(fetch(ofx::kDrawSuite, 1));
   return suites.properties != nullptr && suites.effects != nullptr && suites.parameters != nullptr;
 }
 

@@ -11,7 +11,10 @@ struct Suites {
   const ofx::PropertySuite* properties = nullptr;
   const ofx::EffectSuite* effects = nullptr;
   const ofx::ParameterSuite* parameters = nullptr;
-  const ofx::MessageSuite* messages = nullptr;  ///< may be null, and its functions, too
+  // These may be null, and their functions, too.
+  const ofx::MessageSuite* messages = nullptr;
+  const ofx::MemorySuite* memory = nullptr;
+  const ofx::DrawSuite* draw = nullptr;
 };
 
 /// Those of the host that loaded the plug-in last.

@@ -287,6 +287,8 @@ FailNth::~FailNth() { Stop(); }
 
 void FailNth::Stop() { static_cast<Plan*>(plan_)->active = false; }
 
+void FailNth::Resume() { static_cast<Plan*>(plan_)->active = true; }
+
 bool FailNth::Fired() const { return static_cast<Plan*>(plan_)->fired; }
 
 int64_t FailNth::Count() const { return static_cast<Plan*>(plan_)->count; }

@@ -22,6 +22,9 @@ class FailNth {
 
   /// Lets every call through from now on.
   void Stop();
+  /// Lets calls through, uncounted, until Resume: for what is not to be tried.
+  void Pause() { Stop(); }
+  void Resume();
   /// Whether a call has failed already; otherwise there were fewer than n.
   bool Fired() const;
   /// Calls met so far.

@@ -81,6 +81,14 @@ TEST_F(OpenFxDescribe, AHostWithoutASuiteThatIsNeededIsRefused) {
   EXPECT_EQ(host.Start(ofx::context::kFilter), ofx::kOk);
 }
 
+TEST_F(OpenFxDescribe, TheIconIsNamedAfterTheEffectInTheBundlesResources) {
+  StrictHost host(BuiltPlugin());
+  ASSERT_EQ(host.Start(ofx::context::kFilter), ofx::kOk);
+  const std::string identifier = BuiltPlugin().identifier;
+  EXPECT_EQ(host.effect().String(ofx::prop::kIcon, 0), identifier + ".svg");
+  EXPECT_EQ(host.effect().String(ofx::prop::kIcon, 1), identifier + ".png");
+}
+
 TEST_F(OpenFxDescribe, ActionsInAnyOrderEndInAStatus) {
   StrictHost host(BuiltPlugin());
   // Without an instance, and before load.

@@ -36,6 +36,12 @@ TEST(OpenFxInterface, SuitesHaveTheirFunctionsAtTheirPlaces) {
   EXPECT_EQ(offsetof(ParameterSuite, getValueAtTime), 5 * kPointer);
   EXPECT_EQ(offsetof(ParameterSuite, editEnd), 17 * kPointer);
   EXPECT_EQ(sizeof(MessageSuite), 3 * kPointer);
+  EXPECT_EQ(sizeof(MemorySuite), 2 * kPointer);
+  EXPECT_EQ(offsetof(MemorySuite, free), kPointer);
+  EXPECT_EQ(sizeof(DrawSuite), 6 * kPointer);
+  EXPECT_EQ(offsetof(DrawSuite, draw), 4 * kPointer);
+  EXPECT_EQ(sizeof(Colour), 16u);
+  EXPECT_EQ(sizeof(PointD), 16u);
 }
 
 TEST(OpenFxInterface, StatusesAndNamesAreThePublishedOnes) {
@@ -47,6 +53,9 @@ TEST(OpenFxInterface, StatusesAndNamesAreThePublishedOnes) {
   EXPECT_STREQ(kEffectApi, "OfxImageEffectPluginAPI");
   EXPECT_STREQ(action::kDescribeInContext, "OfxImageEffectActionDescribeInContext");
   EXPECT_STREQ(prop::kRenderWindow, "OfxImageEffectPropRenderWindow");
+  EXPECT_STREQ(prop::kImageField, "OfxImagePropField");
+  EXPECT_STREQ(prop::kOverlay, "OfxImageEffectPluginPropOverlayInteractV2");
+  EXPECT_STREQ(value::kFieldLower, "OfxFieldLower");
   EXPECT_STREQ(value::kUnpremultiplied, "OfxImageAlphaUnPremultiplied");
 }
 

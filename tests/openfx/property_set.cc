@@ -10,7 +10,8 @@ std::mutex& LivingMutex() {
 
 /// Properties that hosts are known to leave out: asking for one is no fault.
 bool MayBeMissing(const std::string& name) {
-  return name == ofx::prop::kRenderScale || name == ofx::prop::kImageRegionOfDefinition;
+  return name == ofx::prop::kRenderScale || name == ofx::prop::kFieldToRender ||
+         name == ofx::prop::kImageRegionOfDefinition;
 }
 
 std::set<PropertySet*>& Living() {
@@ -87,6 +88,7 @@ int PropertySet::Int(const char* name) const { return properties_.at(name).ints.
 double PropertySet::Double(const char* name, size_t index) const {
   return properties_.at(name).doubles.at(index);
 }
+void* PropertySet::PointerOf(const char* name) const { return properties_.at(name).pointers.at(0); }
 std::vector<std::string> PropertySet::AllStrings(const char* name) const {
   return properties_.at(name).strings;
 }
@@ -115,6 +117,7 @@ PropertySet::Property* PropertySet::Find(const char* name, char type, int index,
 struct PropertySet::Access {
   template <auto member, char type, typename Value, typename Given>
   static ofx::Status Set(ofx::Properties handle, const char* name, int index, Given value) {
+    const AtWork host(AtWork::kHost);
     PropertySet* set = Of(handle);
     if (set == nullptr) return ofx::kBadHandle;
     Property* property = set->Find(name, type, index, true);
@@ -127,6 +130,7 @@ struct PropertySet::Access {
 
   template <auto member, char type, typename Value>
   static ofx::Status Get(ofx::Properties handle, const char* name, int index, Value* value) {
+    const AtWork host(AtWork::kHost);
     PropertySet* set = Of(handle);
     if (set == nullptr) return ofx::kBadHandle;
     Property* property = set->Find(name, type, index, false);
@@ -155,11 +159,13 @@ struct PropertySet::Access {
   }
 
   static ofx::Status Reset(ofx::Properties, const char* name) {
+    const AtWork host(AtWork::kHost);
     TheFaults().Note(std::string("reset of ") + name);
     return ofx::kUnknown;
   }
 
   static ofx::Status Dimension(ofx::Properties handle, const char* name, int* count) {
+    const AtWork host(AtWork::kHost);
     PropertySet* set = Of(handle);
     if (set == nullptr) return ofx::kBadHandle;
     const auto found = set->properties_.find(name);

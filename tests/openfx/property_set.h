@@ -30,6 +30,26 @@ class Faults {
 };
 Faults& TheFaults();
 
+/// Who is at work: the plug-in while it is called, and the host within that while it is called
+/// back. A test that takes the plug-in's memory away spares the host.
+class AtWork {
+ public:
+  enum Who { kHost, kPlugin };
+  explicit AtWork(Who who) : before_(current) { Set(who); }
+  ~AtWork() { Set(before_); }
+  AtWork(const AtWork&) = delete;
+  /// Called whenever that changes; null: nobody wants to know, as with several threads.
+  static inline void (*changed)(Who) = nullptr;
+
+ private:
+  static void Set(Who who) {
+    current = who;
+    if (changed != nullptr) changed(who);
+  }
+  static inline thread_local Who current = kHost;
+  Who before_;
+};
+
 class PropertySet {
  public:
   explicit PropertySet(std::string owner);
@@ -47,6 +67,7 @@ class PropertySet {
   std::string String(const char* name, size_t index = 0) const;
   int Int(const char* name) const;
   double Double(const char* name, size_t index = 0) const;
+  void* PointerOf(const char* name) const;
   std::vector<std::string> AllStrings(const char* name) const;
 
   ofx::Properties handle() { return reinterpret_cast<ofx::Properties>(this); }

@@ -1,9 +1,8 @@
 #include "tests/openfx/strict_host.h"
 
-#include <dlfcn.h>
-
 #include <cmath>
 #include <cstdarg>
+#include <cstdlib>
 #include <cstring>
 
 namespace kelto::test {
@@ -83,22 +82,26 @@ struct StrictHost::Functions {
         .Strings(ofx::prop::kPixelDepth, {image.depth})
         .Strings(ofx::prop::kComponents, {image.components})
         .Strings(ofx::prop::kPreMultiplication, {image.alpha})
+        .Strings(ofx::prop::kImageField, {image.field})
         .Seal();
     return set;
   }
 
   // The effect suite.
   static ofx::Status GetPropertySet(ofx::Effect effect, ofx::Properties* properties) {
+    const AtWork host(AtWork::kHost);
     if (!IsEffect(effect)) return ofx::kBadHandle;
     *properties = current->effect_.handle();
     return ofx::kOk;
   }
   static ofx::Status GetParamSet(ofx::Effect effect, ofx::ParameterSet* set) {
+    const AtWork host(AtWork::kHost);
     if (!IsEffect(effect)) return ofx::kBadHandle;
     *set = reinterpret_cast<ofx::ParameterSet>(current);
     return ofx::kOk;
   }
   static ofx::Status ClipDefine(ofx::Effect effect, const char* name, ofx::Properties* properties) {
+    const AtWork host(AtWork::kHost);
     if (!IsEffect(effect)) return ofx::kBadHandle;
     if (current->clips_.contains(name)) return ofx::kExists;
     auto set = std::make_unique<PropertySet>(std::string("clip ") + name);
@@ -113,6 +116,7 @@ struct StrictHost::Functions {
   }
   static ofx::Status ClipGetHandle(ofx::Effect effect, const char* name, ofx::Clip* clip,
                                    ofx::Properties* properties) {
+    const AtWork host(AtWork::kHost);
     if (!IsEffect(effect)) return ofx::kBadHandle;
     const auto found = current->clips_.find(name);
     if (found == current->clips_.end()) return ofx::kBadIndex;
@@ -123,6 +127,7 @@ struct StrictHost::Functions {
   static ofx::Status ClipGetPropertySet(ofx::Clip, ofx::Properties*) { return ofx::kUnsupported; }
   static ofx::Status ClipGetImage(ofx::Clip clip, ofx::Time time, const ofx::RectD*,
                                   ofx::Properties* image) {
+    const AtWork host(AtWork::kHost);
     if (rendering == nullptr || time != rendering->time) {
       TheFaults().Note("an image at a time that is not rendered");
       return ofx::kFailed;
@@ -136,15 +141,29 @@ struct StrictHost::Functions {
     return ofx::kOk;
   }
   static ofx::Status ClipReleaseImage(ofx::Properties image) {
+    const AtWork host(AtWork::kHost);
     delete PropertySet::Of(image);
     const std::lock_guard lock(current->mutex_);
     --current->images_;
     return ofx::kOk;
   }
 
+  static ofx::Status ClipGetRegionOfDefinition(ofx::Clip, ofx::Time time, ofx::RectD* region) {
+    const AtWork host(AtWork::kHost);
+    *region = {0.0, 0.0, 320.0, 180.0};
+    if (rendering == nullptr) return ofx::kOk;
+    if (time != rendering->time) TheFaults().Note("a region at a time that is not rendered");
+    const HostImage& image = *rendering->output;
+    const double rows = image.halfHeight ? 2.0 : 1.0;
+    *region = {image.frame.x1 / rendering->scaleX, image.frame.y1 * rows / rendering->scaleY,
+               image.frame.x2 / rendering->scaleX, image.frame.y2 * rows / rendering->scaleY};
+    return ofx::kOk;
+  }
+
   // The parameter suite.
   static ofx::Status Define(ofx::ParameterSet, const char* type, const char* name,
                             ofx::Properties* properties) {
+    const AtWork host(AtWork::kHost);
     if (current->parameters_.contains(name)) return ofx::kExists;
     HostParameter& parameter = current->parameters_[name];
     parameter.type = type;
@@ -178,12 +197,14 @@ struct StrictHost::Functions {
   }
   static ofx::Status GetHandle(ofx::ParameterSet, const char* name, ofx::ParameterHandle* handle,
                                ofx::Properties*) {
+    const AtWork host(AtWork::kHost);
     const auto found = current->parameters_.find(name);
     if (found == current->parameters_.end()) return ofx::kUnknown;
     *handle = reinterpret_cast<ofx::ParameterHandle>(&found->second);
     return ofx::kOk;
   }
   static ofx::Status GetValueAtTime(ofx::ParameterHandle handle, ofx::Time time, ...) {
+    const AtWork host(AtWork::kHost);
     if (rendering != nullptr && time != rendering->time) {
       TheFaults().Note("a parameter at another time than the frame's");
     }
@@ -202,6 +223,7 @@ struct StrictHost::Functions {
   }
 
   static ofx::Status Message(void*, const char*, const char*, const char* format, ...) {
+    const AtWork host(AtWork::kHost);
     char text[1024];
     va_list rest;
     va_start(rest, format);
@@ -212,11 +234,68 @@ struct StrictHost::Functions {
     return ofx::kOk;
   }
 
+  // The memory suite. Addresses are as odd as an allocator's can be.
+  static ofx::Status Allocate(void*, size_t bytes, void** memory) {
+    const AtWork host(AtWork::kHost);
+    const std::lock_guard lock(current->mutex_);
+    if (++current->allocations_ == current->failing_) return ofx::kOutOfMemory;
+    *memory = std::malloc(bytes);
+    current->memory_.insert(*memory);
+    return ofx::kOk;
+  }
+  static ofx::Status Free(void* memory) {
+    const AtWork host(AtWork::kHost);
+    const std::lock_guard lock(current->mutex_);
+    if (current->memory_.erase(memory) == 0) {
+      TheFaults().Note("memory that is not the host's");
+      return ofx::kBadHandle;
+    }
+    std::free(memory);
+    return ofx::kOk;
+  }
+
+  // The draw suite.
+  static bool IsContext(ofx::DrawContext context) {
+    if (reinterpret_cast<StrictHost*>(context) == current) return true;
+    TheFaults().Note("a context of drawing that is none");
+    return false;
+  }
+  static ofx::Status GetColour(ofx::DrawContext context, int standard, ofx::Colour* colour) {
+    if (!IsContext(context) || standard < 0 || standard > 6) return ofx::kBadValue;
+    *colour = {0.9f, 0.8f, 0.1f, 1.0f};
+    return ofx::kOk;
+  }
+  static ofx::Status SetColour(ofx::DrawContext context, const ofx::Colour*) {
+    return IsContext(context) ? ofx::kOk : ofx::kBadHandle;
+  }
+  static ofx::Status SetLineWidth(ofx::DrawContext, float) { return ofx::kOk; }
+  static ofx::Status SetLineStipple(ofx::DrawContext, int) { return ofx::kOk; }
+  static ofx::Status DrawPoints(ofx::DrawContext context, int primitive, const ofx::PointD* points,
+                                int count) {
+    const AtWork host(AtWork::kHost);
+    if (!IsContext(context) || primitive != ofx::kLineLoop) return ofx::kBadValue;
+    current->overlay_.assign(points, points + count);
+    return ofx::kOk;
+  }
+  static ofx::Status DrawText(ofx::DrawContext, const char*, const ofx::PointD*, int) {
+    return ofx::kUnsupported;
+  }
+
   static const void* FetchSuite(ofx::Properties, const char* name, int version) {
-    static const ofx::EffectSuite effects{
-        GetPropertySet, GetParamSet,      ClipDefine, ClipGetHandle, ClipGetPropertySet,
-        ClipGetImage,   ClipReleaseImage, nullptr,    nullptr,       nullptr,
-        nullptr,        nullptr,          nullptr};
+    const AtWork host(AtWork::kHost);
+    static const ofx::EffectSuite effects{GetPropertySet,
+                                          GetParamSet,
+                                          ClipDefine,
+                                          ClipGetHandle,
+                                          ClipGetPropertySet,
+                                          ClipGetImage,
+                                          ClipReleaseImage,
+                                          ClipGetRegionOfDefinition,
+                                          nullptr,
+                                          nullptr,
+                                          nullptr,
+                                          nullptr,
+                                          nullptr};
     static const ofx::ParameterSuite parameters = [] {
       ofx::ParameterSuite suite{};
       suite.define = Define;
@@ -224,14 +303,24 @@ struct StrictHost::Functions {
       suite.getValueAtTime = GetValueAtTime;
       return suite;
     }();
-    static const ofx::MessageSuite messages{Message, nullptr, nullptr}, none{};
+    static const ofx::MessageSuite messages{Message, nullptr, nullptr}, noMessages{};
+    static const ofx::MemorySuite memory{Allocate, Free}, noMemory{};
+    static const ofx::DrawSuite draw{GetColour,      SetColour,  SetLineWidth,
+                                     SetLineStipple, DrawPoints, DrawText},
+        noDrawing{};
     const std::string wanted = name;
     if (wanted == current->lacks_.suite) return nullptr;
     if (wanted == ofx::kPropertySuite && version == 1) return &PropertySet::Suite();
     if (wanted == ofx::kEffectSuite && version == 1) return &effects;
     if (wanted == ofx::kParameterSuite && version == 1) return &parameters;
     if (wanted == ofx::kMessageSuite && version <= 2) {
-      return current->lacks_.messageFunctions ? &none : &messages;
+      return current->lacks_.functions ? &noMessages : &messages;
+    }
+    if (wanted == ofx::kMemorySuite && version == 1) {
+      return current->lacks_.functions ? &noMemory : &memory;
+    }
+    if (wanted == ofx::kDrawSuite && version == 1) {
+      return current->lacks_.functions ? &noDrawing : &draw;
     }
     return nullptr;
   }
@@ -254,6 +343,8 @@ StrictHost::StrictHost(const ofx::Plugin& plugin, HostLacks lacks)
                            ofx::prop::kTemporalClipAccess, ofx::prop::kMultipleClipPars}) {
     effect_.Ints(name, {-1});
   }
+  effect_.Strings(ofx::prop::kIcon, {"", ""});
+  if (lacks_.suite != ofx::kDrawSuite) effect_.Pointer(ofx::prop::kOverlay, nullptr);
   effect_.Pointer(ofx::prop::kInstanceData, nullptr)
       .Doubles(ofx::prop::kProjectSize, {320.0, 180.0})
       .Doubles(ofx::prop::kProjectOffset, {0.0, 0.0});
@@ -263,10 +354,12 @@ StrictHost::~StrictHost() {
   if (instance_) Destroy();
   if (loaded_) plugin_.mainEntry(ofx::action::kUnload, nullptr, nullptr, nullptr);
   if (images_ != 0) TheFaults().Note("images that were not given back");
+  if (!memory_.empty()) TheFaults().Note("memory that was not given back");
   current = nullptr;
 }
 
 ofx::Status StrictHost::Call(const char* action, PropertySet* in, PropertySet* out) {
+  const AtWork plugin(AtWork::kPlugin);
   return plugin_.mainEntry(action, this, in == nullptr ? nullptr : in->handle(),
                            out == nullptr ? nullptr : out->handle());
 }
@@ -313,7 +406,7 @@ ofx::Status StrictHost::Run(const Render& render) {
       .Ints(ofx::prop::kRenderWindow, {window.x1, window.y1, window.x2, window.y2});
   if (render.withScaleAndField) {
     in.Doubles(ofx::prop::kRenderScale, {render.scaleX, render.scaleY})
-        .Strings(ofx::prop::kFieldToRender, {"OfxFieldNone"});
+        .Strings(ofx::prop::kFieldToRender, {render.field});
   }
   in.Seal();
   rendering = &render;
@@ -347,18 +440,26 @@ std::vector<std::string> StrictHost::messages() const {
   return messages_;
 }
 
-const ofx::Plugin& BuiltPlugin() {
-  static const ofx::Plugin* plugin = [] {
-    void* library = dlopen(KELTO_OPENFX_PLUGIN, RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr) throw std::runtime_error(dlerror());
-    const auto count = reinterpret_cast<int (*)()>(dlsym(library, "OfxGetNumberOfPlugins"));
-    const auto get = reinterpret_cast<ofx::Plugin* (*)(int)>(dlsym(library, "OfxGetPlugin"));
-    if (count == nullptr || get == nullptr || count() != 1 || get(1) != nullptr) {
-      throw std::runtime_error("the plug-in's functions");
-    }
-    return get(0);
-  }();
-  return *plugin;
+std::vector<ofx::PointD> StrictHost::Overlay(double time, bool withContext) {
+  overlay_.clear();
+  const auto entry = reinterpret_cast<ofx::MainEntry>(effect_.PointerOf(ofx::prop::kOverlay));
+  if (entry == nullptr) return {};
+  for (const char* action : {ofx::action::kDescribe, ofx::action::kCreateInstance}) {
+    entry(action, this, nullptr, nullptr);
+  }
+  PropertySet in("overlay");
+  in.Doubles(ofx::prop::kTime, {time})
+      .Pointer(ofx::prop::kEffectInstance, this)
+      .Pointer(ofx::prop::kDrawContext, withContext ? this : nullptr)
+      .Seal();
+  entry(ofx::action::kDraw, this, in.handle(), nullptr);
+  entry(ofx::action::kDestroyInstance, this, nullptr, nullptr);
+  return overlay_;
+}
+
+void StrictHost::FailAllocation(int nth) {
+  allocations_ = 0;
+  failing_ = nth;
 }
 
 }  // namespace kelto::test

@@ -17,9 +17,10 @@ namespace kelto::test {
 struct HostImage {
   ofx::RectI bounds{}, frame{};
   std::string depth = ofx::value::kByte, components = ofx::value::kRgba,
-              alpha = ofx::value::kPremultiplied;
-  int padding = 0;       ///< bytes between rows
-  bool topDown = false;  ///< the rows' bytes are negative
+              alpha = ofx::value::kPremultiplied, field = ofx::value::kFieldNone;
+  bool halfHeight = false;  ///< has the rows of its field alone
+  int padding = 0;          ///< bytes between rows
+  bool topDown = false;     ///< the rows' bytes are negative
   double pixelAspect = 1.0;
   std::vector<uint8_t> memory{};
 
@@ -46,14 +47,15 @@ struct Render {
   double time = 0.0;
   std::optional<ofx::RectI> window{};  ///< all of the output without
   bool withScaleAndField = true;       ///< thumbnails come without
+  std::string field = ofx::value::kFieldNone;
   double scaleX = 1.0, scaleY = 1.0;
   HostImage* output = nullptr;
   HostImage* source = nullptr;  ///< null: not connected
 };
 
 struct HostLacks {
-  std::string suite{};            ///< a suite that it does not have
-  bool messageFunctions = false;  ///< the suite is there, its entries are null
+  std::string suite{};     ///< a suite that it does not have
+  bool functions = false;  ///< suites that it may lack are there, their entries are null
 };
 
 class StrictHost {
@@ -78,6 +80,13 @@ class StrictHost {
   PropertySet& effect() { return effect_; }
   bool hasClip(const std::string& name) const { return clips_.contains(name); }
   std::vector<std::string> messages() const;
+  /// Has the overlay drawn at a time; its corners, or none where it draws nothing.
+  std::vector<ofx::PointD> Overlay(double time, bool withContext = true);
+
+  /// Has the n-th allocation from the host's memory fail, from 1 on; 0: none. Counts anew.
+  void FailAllocation(int nth);
+  int allocations() const { return allocations_; }                            ///< since then
+  int64_t allocated() const { return static_cast<int64_t>(memory_.size()); }  ///< and not freed
 
  private:
   struct Functions;
@@ -94,10 +103,13 @@ class StrictHost {
   std::vector<std::string> messages_;
   mutable std::mutex mutex_;
   int images_ = 0;  ///< that have not been given back
+  std::set<void*> memory_;
+  int allocations_ = 0, failing_ = 0;
+  std::vector<ofx::PointD> overlay_;
   bool instance_ = false, loaded_ = false;
 };
 
-/// The built plug-in, loaded from its bundle.
+/// The built plug-in, loaded from its bundle, or the one that KELTO_OPENFX_TESTED names.
 const ofx::Plugin& BuiltPlugin();
 
 }  // namespace kelto::test
