@@ -8,6 +8,7 @@
 #include "host/base/shown_text.h"
 #include "host/commands/module_option.h"
 #include "host/effect/module_file.h"
+#include "host/faces/detectors.h"
 #include "host/machine/checks.h"
 #include "host/machine/libraries.h"
 #include "host/moves/auto_move.h"
@@ -45,6 +46,9 @@ void Run(const std::string& given) {
   std::vector<Check> kept;
   for (const SandboxCheck& check : TrySandbox()) kept.push_back({check.name, check.fault});
   if (!kept.empty()) PrintChecks("keeps decoders from:", kept);
+  PrintChecks("finds faces by:", {{"the photo's metadata", ""},
+                                  {"OpenCV's cascades", CascadesFault()},
+                                  {"a YuNet model (--face-model)", ModelFault()}});
   // Single codecs may be missing from an installation that does all that its owner wants.
   const auto works = [](const Check& check) { return check.fault.empty(); };
   const bool able = works(module) && std::any_of(stills.begin(), stills.end(), works) &&

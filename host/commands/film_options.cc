@@ -30,7 +30,9 @@ constexpr std::array kSettleNoPicture = {
     "record",   "resume",  "save-project", "strict", "plan",      "help",
     "help-all", "sandbox", "order",        "force",  "fade-kind", "title"};
 
-bool NamesFile(const std::string& option) { return option == "audio" || option == "over"; }
+bool NamesFile(const std::string& option) {
+  return option == "audio" || option == "over" || option == "face-model";
+}
 
 std::string FormatHelp() {
   std::string help = "Kind of film, when the output's name does not end in it:";

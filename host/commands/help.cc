@@ -26,7 +26,8 @@ std::string Moves() {
   return "Moves stay within the photo. --amount says how far they go: 1.2 is gentle, 2 strong.\n\n" +
          Line("in, out", "zoom towards the middle, or away from it") +
          Line("left, right, up, down, up-left ...", "the view goes that way") +
-         Line("hold", "stands still") + Line("auto", "in, to the most eye-catching area") +
+         Line("hold", "stands still") +
+         Line("auto", "in, to the faces or the most eye-catching area") +
          Line("mixed", "of a slideshow: in, across, out and back in turns") +
          "\nInstead of a name: --view X,Y,WIDTH,HEIGHT, a part of the photo in its pixels, as often "
          "as there are places to go to; behind each --hold and --go say for how many seconds it is "

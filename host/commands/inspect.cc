@@ -12,6 +12,7 @@
 #include "host/commands/sandbox_option.h"
 #include "host/commands/show_operand.h"
 #include "host/effect/module_file.h"
+#include "host/faces/face_search.h"
 #include "host/facts/film_summary.h"
 #include "host/facts/frame_list.h"
 #include "host/facts/show_summary.h"
@@ -79,6 +80,8 @@ void Run(InspectOptions& options, const CLI::App& command) {
     WriteFrameList(inspector, photo, ListForm::kTable, PrintResult);
   } else if (options.plot.empty()) {
     PrintResult(SummaryText(inspector, photo));
+    PrintResult("faces:        " + TextOf(LookForFaces(photo, options.show.plan.views.faceModel)) +
+                "\n");
   }
 }
 

@@ -262,7 +262,7 @@ RenderPlan PlanOf(const std::string& input) {
 
 void AddSources(const RenderPlan& plan, const PlanOptions& options, SandboxAccess& access) {
   AddSources(plan, access);
-  access.reads.insert(access.reads.end(), {options.over, options.audio});
+  access.reads.insert(access.reads.end(), {options.over, options.audio, options.views.faceModel});
 }
 
 namespace {

@@ -8,6 +8,8 @@
 #include "host/base/error.h"
 #include "host/commands/option_text.h"
 #include "host/effect/photo.h"
+#include "host/faces/face_search.h"
+#include "host/files/input_file.h"
 #include "host/moves/auto_move.h"
 #include "host/moves/face_move.h"
 #include "host/moves/presets.h"
@@ -16,7 +18,6 @@
 #include "host/options/rate.h"
 #include "host/plan/default_plan.h"
 #include "host/processes/reader_process.h"
-#include "host/sources/metadata.h"
 #include "host/sources/photos.h"
 #include "host/terminal/terminal.h"
 #include "host/track/photo_views.h"
@@ -102,28 +103,28 @@ std::string MoveWord(const ViewOptions& options) {
 /// What a move is to be found by.
 enum class FoundBy { kFacesOrInterest, kFaces };
 
-/// FaceMove to the faces that the photo's metadata have, else AutoMove, in a process of its own,
-/// since it reads all of the photo; nothing where only faces will do and there are none.
+/// FaceMove to the faces in the photo, else AutoMove, in a process of its own, since it reads all
+/// of the photo; nothing where only faces will do and there are none. `model` as for SearchFaces.
 std::optional<std::vector<PhotoRect>> FindMove(const PhotoViews& views, const Photo& photo, Fit fit,
-                                               double amount, FoundBy by) {
-  const std::vector<double> found = NumbersApart(photo.given, 9, [&] {
-    std::vector<PhotoRect> faces;
-    for (const FaceRegion& face : ReadNotes(photo.given).faces) {
-      faces.push_back({face.left * photo.width, face.top * photo.height, face.width * photo.width,
-                       face.height * photo.height});
-    }
+                                               double amount, FoundBy by,
+                                               const std::string& model) {
+  if (!model.empty()) CheckFile(model, "a YuNet model");
+  const auto look = [&] {
+    std::vector<uint8_t> pixels;
+    const std::vector<PhotoRect> faces = SearchFaces(photo, model, pixels).faces;
     const bool interest = faces.empty() && by == FoundBy::kFacesOrInterest;
     std::vector<PhotoRect> parts(2);
     if (!faces.empty()) parts = FaceMove(views, faces, fit, amount);
     if (interest) {
-      parts = AutoMove(views, {{photo.width, photo.height}, DecodePhoto(photo)}, fit, amount);
+      parts = AutoMove(views, {{photo.width, photo.height}, std::move(pixels)}, fit, amount);
     }
     std::vector<double> numbers{!faces.empty() || interest ? 1.0 : 0.0};
     for (const PhotoRect& part : parts) {
       numbers.insert(numbers.end(), {part.x, part.y, part.width, part.height});
     }
     return numbers;
-  });
+  };
+  const std::vector<double> found = NumbersApart(photo.given, 9, look, {model});
   if (found[0] == 0.0) return std::nullopt;
   return std::vector<PhotoRect>{{found[1], found[2], found[3], found[4]},
                                 {found[5], found[6], found[7], found[8]}};
@@ -159,14 +160,15 @@ std::vector<PhotoRect> PartsOfMove(const ViewOptions& options, const std::string
   const Fit fit = FitFor(options, reader);
   if (name != kAuto) return MoveViews(views, name, fit, amount);
   const Photo& photo = reader.OpenedPhoto();
-  return *FindMove(views, photo, fit, amount.value_or(kUsualAutoAmount), FoundBy::kFacesOrInterest);
+  return *FindMove(views, photo, fit, amount.value_or(kUsualAutoAmount), FoundBy::kFacesOrInterest,
+                   options.faceModel);
 }
 
 std::vector<PhotoRect> PartsOfMixedMove(const ViewOptions& options, ViewReader& reader, Fit fit,
                                         std::optional<double> amount) {
   const int32_t turn = *options.turn;
   auto parts = FindMove(reader.Views(), reader.OpenedPhoto(), fit,
-                        amount.value_or(kUsualAutoAmount), FoundBy::kFaces);
+                        amount.value_or(kUsualAutoAmount), FoundBy::kFaces, options.faceModel);
   if (parts) {
     if (turn % 2 == 1) std::reverse(parts->begin(), parts->end());
     return *parts;
@@ -245,7 +247,7 @@ void DeclareViews(CLI::App& command, const std::string& group, ViewOptions& opti
   CLI::Option* move =
       add("--move", options.move, "NAME",
           "A move that stays within the photo, as far as zoom 20 goes: " + MoveNames() +
-              "; or auto, in to the most eye-catching area");
+              "; or auto, in to the faces or else to the most eye-catching area");
   CLI::Option* fit =
       add("--fit", options.fit, "WORD",
           "Widest view of a move: fill shows nothing but photo, whole shows all of it "
@@ -257,6 +259,10 @@ void DeclareViews(CLI::App& command, const std::string& group, ViewOptions& opti
       "How one view becomes the next: steady, at an even rate of zoom and straight to where it "
       "ends; fly, drawing back between close-ups; linear, as the effect's keys do "
       "[steady; a project's own]");
+  if (CanFindInterest()) {
+    add("--face-model", options.faceModel, "FILE",
+        "Find faces by this YuNet model, a file .onnx, not by OpenCV's cascades");
+  }
   for (CLI::Option* one : {view, move, fit, amount}) one->excludes(from)->excludes(to);
   view->excludes(move)->excludes(fit)->excludes(amount);
 }

@@ -17,7 +17,7 @@ namespace kelto::host {
 
 /// The options as they were typed; empty where nothing was.
 struct ViewOptions {
-  std::string from, to, move, fit, amount, motion;
+  std::string from, to, move, fit, amount, motion, faceModel;
   std::vector<std::string> views, holds, goes;
   /// The last three in the order in which they were typed.
   std::vector<TourWord> tour;

@@ -14,8 +14,9 @@ namespace {
 }  // namespace
 
 std::vector<double> NumbersApart(const std::string& file, size_t count,
-                                 const std::function<std::vector<double>()>& work) {
-  const std::string bytes = ReadApart(file, {}, [&] {
+                                 const std::function<std::vector<double>()>& work,
+                                 const std::vector<std::string>& others) {
+  const std::string bytes = ReadApart(file, others, [&] {
     const std::vector<double> numbers = work();
     return std::string(reinterpret_cast<const char*>(numbers.data()),
                        numbers.size() * sizeof(double));

@@ -17,10 +17,11 @@ namespace kelto::host {
 std::string ReadApart(const std::string& file, const std::vector<std::string>& others,
                       const std::function<std::string()>& work);
 
-/// The same for work that gives numbers; `count` is how many. They are finite, but otherwise what
-/// a process that the file has taken over makes of them.
+/// The same for work that gives numbers; `others` as above, `count` is how many. They are finite,
+/// but otherwise what a process that the file has taken over makes of them.
 std::vector<double> NumbersApart(const std::string& file, size_t count,
-                                 const std::function<std::vector<double>()>& work);
+                                 const std::function<std::vector<double>()>& work,
+                                 const std::vector<std::string>& others = {});
 
 /// A number of NumbersApart as an integer. Throws Error that names the file where it is none or
 /// lies beyond the bounds.

@@ -1,9 +1,10 @@
-// Moves to the faces that a photo's metadata name.
+// Moves to the faces in a photo.
 #include <gtest/gtest.h>
 
 #include <fstream>
 
 #include "tests/host/command/run.h"
+#include "tests/host/support/drawn_faces.h"
 
 namespace kelto::test {
 namespace {
@@ -64,6 +65,44 @@ TEST_F(FacesInPhotos, AreWhereAutomaticMovesGo) {
   EXPECT_EQ(Count(named, 7, kBall), 0);
   const std::string plain = Film({"render", Photo(false)}, move);
   EXPECT_GT(Count(plain, 7, kBall), 2 * Count(plain, 0, kBall));
+}
+
+TEST_F(FacesInPhotos, AreLookedForWhereTheMetadataNameNone) {
+  const std::string photo = folder_ / "drawn.jpg";
+  WriteJpeg(photo, MakePicture(960, 540, [](int x, int y) {
+              static const Portrait portrait{960, 540, {{700, 100, 80}}, 180, 380, 90};
+              const auto rgb = ColourAt(portrait, x, y);
+              return Rgb{rgb[0], rgb[1], rgb[2]};
+            }));
+  const std::string film =
+      Film({"render", photo}, {"--frames", "8", "--move", "auto", "--amount", "2"});
+  constexpr Rgb kCheek{222, 175, 147};
+  EXPECT_GT(Count(film, 7, kCheek), 2 * Count(film, 0, kCheek)) << "twice as close";
+  EXPECT_EQ(Count(film, 7, kBall), 0);
+  const Outcome drawn = RunKelto({"inspect", photo});
+  EXPECT_NE(drawn.out.find("faces:        1, found by OpenCV's cascades\n"), std::string::npos)
+      << drawn.out << drawn.err;
+  const Outcome named = RunKelto({"inspect", Photo(true)});
+  EXPECT_NE(named.out.find("faces:        1, named by the photo's metadata\n"), std::string::npos)
+      << named.out << named.err;
+  const Outcome plain = RunKelto({"inspect", Photo(false)});
+  EXPECT_NE(plain.out.find("faces:        none found\n"), std::string::npos) << plain.out;
+}
+
+TEST_F(FacesInPhotos, AreLookedForByAModelThatIsNamed) {
+  const std::string model = folder_ / "model.onnx", film = folder_ / "f.y4m";
+  const Words words{"--move", "auto", "--face-model", model};
+  const Outcome missing = Render(Photo(false), film, words);
+  EXPECT_NE(missing.code, 0);
+  EXPECT_TRUE(IsOneLine(missing.err)) << missing.err;
+  EXPECT_NE(missing.err.find(model), std::string::npos) << missing.err;
+  std::ofstream(model) << "not a network";
+  const Outcome wrong = Render(Photo(false), film, words);
+  EXPECT_NE(wrong.code, 0);
+  EXPECT_TRUE(IsOneLine(wrong.err)) << wrong.err;
+  EXPECT_NE(wrong.err.find("face_detection_yunet_2022mar.onnx"), std::string::npos) << wrong.err;
+  // What is named by the photo needs no model.
+  EXPECT_EQ(Render(Photo(true), film, words).code, 0);
 }
 
 TEST_F(FacesInPhotos, AreGoneInToAndDrawnBackFromInTurns) {
