@@ -3,6 +3,8 @@
 #include <new>
 #include <stdexcept>
 
+#include "platform/huge_pages.h"
+
 namespace kelto {
 namespace {
 
@@ -34,6 +36,7 @@ size_t DeepPicture::BytesFor(int32_t width, int32_t height, DeepSample sample) {
 DeepPicture::DeepPicture(int32_t width, int32_t height, DeepSample sample, bool hasAlpha)
     : bytes_(BytesFor(width, height, sample)),
       memory_(::operator new (bytes_, std::align_val_t{kRowAlignment})) {
+  AdviseHugePages(memory_.get(), bytes_);
   shape_.width = width;
   shape_.height = height;
   shape_.rowBytes = static_cast<ptrdiff_t>(DeepRowBytes(width, sample));

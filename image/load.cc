@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <utility>
 
 #include "framing/pixel_size.h"
@@ -62,39 +63,27 @@ bool OpenImageFile(PanZoomState& state, bool interactive, OpenStill& still) {
   return still.isOpen();
 }
 
-/// Rows of an image as an image of their own, which owns nothing.
-IplImage Strip(const IplImage& image, int32_t firstRow, int32_t rows) {
-  IplImage strip = image;
-  strip.imageData += ptrdiff_t{firstRow} * image.widthStep;
-  strip.height = rows;
-  return strip;
+/// Exchanges the pixels of two images. What each counts for in the accounts goes by its header.
+void ExchangePixels(IplImage& one, IplImage& other) {
+  std::swap(one.imageData, other.imageData);
+  std::swap(one.imageDataOrigin, other.imageDataOrigin);
 }
 
-/// Converts to Y, Cr, Cb, from full-range levels through the studio range if asked. In strips, so
-/// that levels are found in the cache where they have just been written.
-void ConvertLevels(const IplImage& rgb, const IplImage& ycrcb, bool toStudioRange) {
-  constexpr int32_t kStripRows = 8;
-  for (int32_t row = 0; row < rgb.height && !LibraryFailed(); row += kStripRows) {
-    const int32_t rows = std::min(kStripRows, rgb.height - row);
-    const IplImage from = Strip(rgb, row, rows);
-    IplImage to = Strip(ycrcb, row, rows);
+/// Converts rows to Y, Cr, Cb, from full-range levels through the studio range if asked, where they
+/// lie: `rgb` has its rows in the pixels of `ycrcb`, at its own distance, which is not larger. A
+/// row at a time from the last to the first, so that none is written before it is read, and levels
+/// are found in the cache where they have just been written.
+void ConvertInPlace(const IplImage& rgb, const IplImage& ycrcb, bool toStudioRange) {
+  const auto rowBytes = static_cast<size_t>(rgb.width) * 4;
+  const auto pixels = std::make_unique_for_overwrite<char[]>(rowBytes);
+  IplImage from = rgb, to = ycrcb;
+  from.imageData = pixels.get();
+  from.height = to.height = 1;
+  for (int32_t row = rgb.height; row-- > 0 && !LibraryFailed();) {
+    std::memcpy(from.imageData, rgb.imageData + ptrdiff_t{row} * rgb.widthStep, rowBytes);
     if (toStudioRange) CompressToStudioRange(from);
+    to.imageData = ycrcb.imageData + ptrdiff_t{row} * ycrcb.widthStep;
     iplRGB2YCrCb(&from, &to);
-  }
-}
-
-/// Three bytes a pixel to four. The fourth stays as it is.
-void SpreadRow(const char* source, char* dest, int32_t width) {
-  for (int32_t column = 0; column < width; ++column, source += 3, dest += 4) {
-    std::memcpy(dest, source, 3);
-  }
-}
-
-/// Three bytes a pixel to four; the fourth is not written.
-void SpreadPixels(const IplImage& from, IplImage& to) {
-  for (int32_t row = 0; row < from.height; ++row) {
-    SpreadRow(from.imageData + ptrdiff_t{row} * from.widthStep,
-              to.imageData + ptrdiff_t{row} * to.widthStep, from.width);
   }
 }
 
@@ -137,15 +126,21 @@ bool Load(PanZoomState& state, bool interactive) {
   ImagePtr decoded(NewHeader(4, "RGBA", "BGRA", IPL_ALIGN_DWORD, size));
   if (!Decode(state, still, bounds, decoded.get())) return false;
 
+  // From here on the picture stays where it was decoded and passes from image to image. What the
+  // others are given is counted, and may be refused, but nobody writes there, so that the system
+  // provides no memory for it.
+  const IplImage rows = *decoded;
   ImagePtr converted(NewHeader(3, "YCr", "YCr", IPL_ALIGN_QWORD, size));
   if (!AllocateOrReport(state, converted.get())) return false;
-  ConvertLevels(*decoded, *converted, state.settings.levels == kLevelsRGB);
-  if (LibraryFailed()) return false;
+  ExchangePixels(*decoded, *converted);
   decoded.reset();  // before the next allocation: two full-size images at a time, never three
 
   ImagePtr cached(NewCachedImageHeader(size.width, size.height));
   if (!AllocateOrReport(state, cached.get())) return false;
-  SpreadPixels(*converted, *cached);
+  ExchangePixels(*converted, *cached);
+  converted.reset();
+  ConvertInPlace(rows, *cached, state.settings.levels == kLevelsRGB);
+  if (LibraryFailed()) return false;
 
   state.picture.workImages[0] = std::move(cached);
   state.picture.imageWidth = static_cast<uint32_t>(size.width);

@@ -86,9 +86,11 @@ KELTO_PLATFORM_API IplImage* iplCreateImageHeader(int32_t nChannels, int32_t alp
                                                   int32_t height, IplROI* roi, IplImage* maskROI,
                                                   void* imageId, IplTileInfo* tileInfo);
 /// Attaches pixel memory, releasing what was attached before; `doFill` non-zero fills every byte
-/// with `fillValue`, else the content is left to chance. Sets IPL_StsNoMem and leaves `imageData`
-/// null when memory runs out or the limit of iplxSetMemoryLimit would be passed; IPL_StsNullPtr
-/// without a header.
+/// with `fillValue`, else the content is left to chance. The memory has room for the same pixels
+/// with rows aligned to 8 bytes, which the account leaves out where the header's rows are not.
+/// Images may exchange `imageData` together with `imageDataOrigin`: what they count for goes by
+/// their headers. Sets IPL_StsNoMem and leaves `imageData` null when memory runs out or the limit
+/// of iplxSetMemoryLimit would be passed; IPL_StsNullPtr without a header.
 KELTO_PLATFORM_API void iplAllocateImage(IplImage* image, int32_t doFill, int32_t fillValue);
 /// Frees the parts that `flags` names; freeing the header frees its pixels too. A mask is freed
 /// with all its parts; regions of interest and tilings are never this library's and are only let

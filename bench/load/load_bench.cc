@@ -124,8 +124,8 @@ void Load(benchmark::State& state, const PhotoFile& (*photo)(), int32_t levels) 
   photo();
   for ([[maybe_unused]] auto _ : state) {
     Instance instance;
-    instance.imagePath = photo().path();
-    instance.levels = levels;
+    instance.picture.imagePath = photo().path();
+    instance.settings.levels = levels;
     if (!LoadImage(instance, false)) throw std::runtime_error("the picture cannot be loaded");
   }
 }

@@ -3,12 +3,9 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/huge_pages.h"
 #include "platform/ipl.h"
 #include "runtime/ipl/status.h"
-
-#if defined(__linux__)
-#include <sys/mman.h>
-#endif
 
 namespace kelto::ipl {
 namespace {
@@ -27,20 +24,16 @@ void FreePixels(IplImage& image) {
   allocatedBytes -= image.imageSize;
 }
 
+/// What the pixels take with rows aligned to 8 bytes: that much is given whatever the header's
+/// alignment.
+size_t Room(const IplImage& image) {
+  const size_t row = (static_cast<size_t>(image.widthStep) + 7) / 8 * 8;
+  return row * static_cast<size_t>(image.height);
+}
+
 char* AlignUp(char* address) {
   const uintptr_t value = reinterpret_cast<uintptr_t>(address);
   return address + (kPixelAlignment - value % kPixelAlignment) % kPixelAlignment;
-}
-
-/// Images are written once from end to end: huge pages spare a large one tens of thousands of page
-/// faults. A hint only; nothing depends on it.
-void AdviseHugePages([[maybe_unused]] char* memory, [[maybe_unused]] size_t bytes) {
-#if defined(__linux__)
-  constexpr size_t kPage = 4096, kWorthwhile = size_t{8} << 20;
-  if (bytes < kWorthwhile) return;
-  const size_t skipped = (kPage - reinterpret_cast<uintptr_t>(memory) % kPage) % kPage;
-  madvise(memory + skipped, (bytes - skipped) / kPage * kPage, MADV_HUGEPAGE);
-#endif
 }
 
 }  // namespace
@@ -60,7 +53,7 @@ void iplAllocateImage(IplImage* image, int32_t doFill, int32_t fillValue) {
     return;
   }
   // Not aligned_alloc: the Windows runtime library has none.
-  void* memory = std::malloc(size_t{image->imageSize} + kPixelAlignment - 1);
+  void* memory = std::malloc(Room(*image) + kPixelAlignment - 1);
   if (memory == nullptr) {
     Fail(IPL_StsNoMem, kOperation, "out of memory");
     return;
@@ -68,7 +61,7 @@ void iplAllocateImage(IplImage* image, int32_t doFill, int32_t fillValue) {
   allocatedBytes += image->imageSize;
   image->imageDataOrigin = static_cast<char*>(memory);
   image->imageData = AlignUp(image->imageDataOrigin);
-  AdviseHugePages(image->imageDataOrigin, image->imageSize);
+  kelto::AdviseHugePages(image->imageDataOrigin, image->imageSize);
   if (doFill != 0) std::memset(image->imageData, fillValue, image->imageSize);
 }
 

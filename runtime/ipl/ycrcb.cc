@@ -69,8 +69,23 @@ void Gather(const char* source, int channels, int count, uint32_t (&pixels)[kBlo
   }
 }
 
+/// Writes the first three bytes of pixels of four.
+KELTO_VECTOR_CLONES
+void ScatterIntoFour(const uint32_t (&pixels)[kBlock], int count, char* dest) {
+  for (int i = 0; i < count; ++i, dest += 4) {
+    uint32_t pixel;
+    std::memcpy(&pixel, dest, 4);
+    pixel = (pixel & 0xFF000000) | pixels[i];
+    std::memcpy(dest, &pixel, 4);
+  }
+}
+
 /// Writes three bytes of every pixel.
 void Scatter(const uint32_t (&pixels)[kBlock], int count, int channels, char* dest) {
+  if (channels == 4) {
+    ScatterIntoFour(pixels, count, dest);
+    return;
+  }
   int i = 0;
   if (channels == 3) {
     // Four bytes at a time, of which the next pixel overwrites the last.

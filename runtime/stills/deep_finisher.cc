@@ -52,9 +52,10 @@ struct Floats {
 /// Whether any pixel lets something through.
 template <typename Kind>
 bool ApplyAlpha(typename Kind::Sample* pixel, uint32_t pixels, Alpha alpha) {
+  if (alpha == Alpha::kOpaque) return false;  // full scale as it is
   bool transparent = false;
   for (uint32_t i = 0; i < pixels; ++i, pixel += 4) {
-    if (alpha == Alpha::kOpaque || alpha == Alpha::kIgnored) pixel[3] = Kind::kFull;
+    if (alpha == Alpha::kIgnored) pixel[3] = Kind::kFull;
     const auto a = pixel[3];
     if (a == Kind::kFull) continue;
     transparent = true;

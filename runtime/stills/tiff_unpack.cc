@@ -16,6 +16,22 @@ T Sample(const TiffRow& row, int i, uint32_t x) {
   return value;
 }
 
+/// Grey or three colours in words; those of one row lie `step` apart.
+void SpreadWords(const TiffRow& row, int colors, bool alpha, uint16_t flip, uint32_t width,
+                 uint8_t* to) {
+  const size_t step = row.step * sizeof(uint16_t);
+  const uint8_t* from[4];
+  for (int i = 0; i < 3; ++i) from[i] = row.first[static_cast<size_t>(colors == 1 ? 0 : i)];
+  from[3] = alpha ? row.first[static_cast<size_t>(colors)] : from[0];
+  for (uint32_t x = 0; x < width; ++x, to += 8) {
+    uint16_t pixel[4];
+    for (int i = 0; i < 4; ++i) __builtin_memcpy(&pixel[i], from[i] + x * step, 2);
+    for (int i = 0; i < 3; ++i) pixel[i] ^= flip;
+    if (!alpha) pixel[3] = 65535;
+    __builtin_memcpy(to, pixel, sizeof pixel);
+  }
+}
+
 PixelFormat FormatFor(const TiffForm& form, TiffDepth depth) {
   const bool deep = form.bits == 16 && depth != TiffDepth::kBytes;
   if (form.floats) return depth == TiffDepth::kAll ? PixelFormat::kRgbaFloat : PixelFormat::kRgba16;
@@ -55,6 +71,9 @@ TiffUnpacker::TiffUnpacker(TiffFile& tiff, const TiffForm& form, TiffDepth depth
 void TiffUnpacker::Unpack(const TiffRow& row, uint8_t* to) {
   if (form_.floats) {
     SpreadFloats(row, to);
+  } else if (format_ == PixelFormat::kRgba16) {
+    SpreadWords(row, form_.colors, form_.used_count > form_.colors,
+                form_.photometric == PHOTOMETRIC_MINISWHITE ? 65535 : 0, form_.width, to);
   } else if (form_.bits == 16) {
     Spread<uint16_t>(row, to);
   } else {
@@ -93,11 +112,6 @@ void TiffUnpacker::Spread(const TiffRow& row, uint8_t* to) const {
       continue;
     }
     if (form_.colors == 1) color[1] = color[2] = color[0];
-    if (format_ == PixelFormat::kRgba16) {
-      const uint16_t pixel[] = {color[0], color[1], color[2], alpha};
-      __builtin_memcpy(to, pixel, sizeof pixel);
-      continue;
-    }
     const uint8_t* entry = palette_.empty() ? nullptr : &palette_[color[0] * size_t{3}];
     for (int i = 0; i < 3; ++i) to[2 - i] = entry != nullptr ? entry[i] : To8(color[i]);
     to[3] = To8(alpha);

@@ -81,7 +81,9 @@ OSErr GraphicsImportDraw(GraphicsImportComponent importer) {
   const int rows = world.bounds.bottom - world.bounds.top;
   for (int y = 0; y < rows; ++y) {
     std::memcpy(world.pixels + ptrdiff_t{y} * world.rowBytes,
-                importer->picture.bgra.data() + static_cast<size_t>(y) * rowBytes, rowBytes);
+                importer->picture.bgra.data() +
+                    static_cast<size_t>(y) * rowBytes % importer->picture.bgra.size(),
+                rowBytes);
   }
   return noErr;
 }

@@ -14,7 +14,8 @@ namespace kelto::test {
 /// A picture on the fake disk.
 struct FakePicture {
   StillRect bounds = {0, 0, 0, 0};
-  /// Bytes B, G, R, A of every pixel, row by row without padding.
+  /// Bytes B, G, R, A of every pixel, row by row without padding. Of pictures with more rows than
+  /// that, they repeat.
   std::vector<uint8_t> bgra;
 
   /// One colour all over, with bounds that start at (`left`, `top`).

@@ -8,6 +8,7 @@
 
 #include "state/module.h"
 #include "tests/image/load_fixture.h"
+#include "tests/support/peak_memory.h"
 
 namespace kelto {
 namespace {
@@ -42,15 +43,21 @@ TEST_F(Load, WorkingImageZeroHoldsThePictureAtItsNaturalSize) {
 }
 
 TEST_F(Load, PixelsKeepTheirPlaces) {
-  FakePicture picture = FakePicture::Flat(6, 4, 0, 0, 0);
-  for (size_t i = 0; i < 24; ++i) {
-    std::memset(&picture.bgra[4 * i], static_cast<int>(10 * i), 3);
-  }
-  PutPicture("/pics/a.jpg", picture);
-  instance.settings.levels = 1;
-  ASSERT_TRUE(LoadImage(instance, false));
-  for (int y = 0; y < 4; ++y) {
-    for (int x = 0; x < 6; ++x) EXPECT_EQ(PixelAt(x, y)[0], 10 * (6 * y + x)) << x << ", " << y;
+  // Rows of an odd width lie closer together where they are decoded than where they are kept.
+  for (const int16_t width : {6, 5}) {
+    const int16_t height = 51 - 9 * (width - 5);
+    FakePicture picture = FakePicture::Flat(width, height, 0, 0, 0);
+    for (size_t i = 0; i < picture.bgra.size() / 4; ++i) {
+      std::memset(&picture.bgra[4 * i], static_cast<int>(i), 3);
+    }
+    PutPicture("/pics/a.jpg", picture);
+    instance.settings.levels = 1;
+    ASSERT_TRUE(LoadImage(instance, false));
+    for (int y = 0; y < height; ++y) {
+      for (int x = 0; x < width; ++x) {
+        EXPECT_THAT(PixelAt(x, y), ElementsAre(width * y + x, 128, 128)) << x << ", " << y;
+      }
+    }
   }
 }
 
@@ -123,7 +130,18 @@ TEST_F(Load, ThePictureIsDrawnStraightIntoTheLibrarysMemory) {
                                       "Close", "Dispose"));
 }
 
-TEST_F(Load, NoMoreThanTwoFullSizeImagesExistAtATime) {
+TEST_F(Load, OnlyThePictureThatIsKeptTakesMemory) {
+  FakePicture picture = FakePicture::Flat(4001, 1, 1, 2, 3);
+  picture.bounds.bottom = 4000;
+  PutPicture("/pics/large.jpg", picture);
+  const test::PeakMemory peak;
+  ASSERT_TRUE(LoadImage(instance, false));
+  const int64_t kept = Module().cachedBytes >> 20;
+  EXPECT_EQ(kept, 61);
+  EXPECT_LT(peak.MiB(), kept * 13 / 10);
+}
+
+TEST_F(Load, NoMoreThanTwoFullSizeImagesAreCountedAtATime) {
   PutPicture("/pics/a.jpg", FakePicture::Flat(100, 100, 1, 2, 3));
   iplxSetMemoryLimit(100 * 100 * 4 + 100 * 304);
   EXPECT_TRUE(LoadImage(instance, false));

@@ -30,7 +30,7 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"targets", {}},
     {"resample", {"framing", "targets"}},
     // For hosts: the module's own pictures have 8 bits.
-    {"deep", {"framing", "targets", "resample"}},
+    {"deep", {"platform", "framing", "targets", "resample"}},
     {"state", {"platform", "framing", "keyframes"}},
     {"image", {"platform", "framing", "state", "resample"}},
     {"render", {"platform", "framing", "keyframes", "resample", "state", "image"}},

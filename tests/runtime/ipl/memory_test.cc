@@ -1,6 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <utility>
+
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 #include "tests/runtime/ipl/fixture.h"
 
@@ -39,6 +44,25 @@ TEST_F(Memory, AllocatedBytesFollowEveryImage) {
   EXPECT_EQ(iplxAllocatedBytes(), 480u);
   first.reset();
   EXPECT_EQ(iplxAllocatedBytes(), 80u);
+}
+
+#if defined(__GLIBC__)
+TEST_F(Memory, ThereIsRoomForRowsAlignedToEightBytesThatIsNotCounted) {
+  const Image image = NewHeader(4, "RGBA", "BGRA", IPL_ALIGN_DWORD, 101, 1000);
+  iplAllocateImage(image.get(), 0, 0);
+  const auto skipped = static_cast<size_t>(image->imageData - image->imageDataOrigin);
+  EXPECT_GE(malloc_usable_size(image->imageDataOrigin), skipped + 408 * 1000);
+  EXPECT_EQ(iplxAllocatedBytes(), 404u * 1000);
+}
+#endif
+
+TEST_F(Memory, ImagesThatExchangedTheirPixelsCountAsBefore) {
+  Image small = NewPixels(10, 10);
+  const Image large = NewPixels(100, 100);
+  std::swap(small->imageData, large->imageData);
+  std::swap(small->imageDataOrigin, large->imageDataOrigin);
+  small.reset();
+  EXPECT_EQ(iplxAllocatedBytes(), 40000u);
 }
 
 TEST_F(Memory, AllocatingAgainReplacesThePixels) {
