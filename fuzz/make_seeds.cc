@@ -5,6 +5,7 @@
 #include <webp/encode.h>
 #include <webp/mux.h>
 
+#include <bit>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -82,6 +83,14 @@ void WritePngs(const Folder& folder) {
                  static_cast<png_uint_32>(icc.size()));
   };
   folder.Write("words-alpha-profile.png", EncodePng(words));
+  words.interlaced = true;
+  words.color_type = PNG_COLOR_TYPE_GRAY_ALPHA;
+  words.rows.assign(size_t{4} * 4 * 4, 0x7f);
+  words.chunks = [](png_structp png, png_infop info) {
+    Bytes exif = ExifBlock(6, true, true);
+    png_set_eXIf_1(png, info, static_cast<png_uint_32>(exif.size()), exif.data());
+  };
+  folder.Write("words-interlaced-turned.png", EncodePng(words));
   PngSpec palette;
   palette.width = 8, palette.height = 2, palette.bit_depth = 2;
   palette.color_type = PNG_COLOR_TYPE_PALETTE;
@@ -115,6 +124,23 @@ void WriteTiffs(const Folder& folder) {
       TIFFSetField(tiff, TIFFTAG_ICCPROFILE, static_cast<uint32_t>(icc.size()), icc.data());
       TIFFSetField(tiff, TIFFTAG_ORIENTATION, 7);
     };
+  });
+  write("floats.tif", [](TiffSpec& spec) {
+    spec.bits = 32, spec.samples = 4, spec.compression = COMPRESSION_ADOBE_DEFLATE;
+    spec.sample = [](int x, int y, int s) {
+      return std::bit_cast<unsigned>(static_cast<float>(x - y + s) / 4);
+    };
+    spec.tags = [](TIFF* tiff) {
+      const uint16_t extra = EXTRASAMPLE_UNASSALPHA;
+      TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &extra);
+      TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_IEEEFP);
+      const Bytes icc = SwappedProfile();
+      TIFFSetField(tiff, TIFFTAG_ICCPROFILE, static_cast<uint32_t>(icc.size()), icc.data());
+    };
+  });
+  write("ink-words.tif", [](TiffSpec& spec) {
+    spec.bits = 16, spec.samples = 4, spec.photometric = PHOTOMETRIC_SEPARATED;
+    spec.separate = true;
   });
   write("bits.tif", [](TiffSpec& spec) {
     spec.bits = 1, spec.samples = 1, spec.photometric = PHOTOMETRIC_MINISWHITE;

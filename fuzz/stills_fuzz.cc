@@ -1,9 +1,11 @@
-// A still of any bytes, opened, measured and drawn through the importer.
+// A still of any bytes, opened, measured and drawn through the importer, and read with all its
+// bits.
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "fuzz/byte_source.h"
+#include "fuzz/deep_still.h"
 #include "fuzz/memory_file.h"
 #include "platform/still_importer.h"
 
@@ -99,6 +101,7 @@ OSErr DrawOver(uint8_t fill, const Importer& importer, const StillRect& bounds,
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   using namespace kelto::fuzz;
   const MemoryFile file(data, size);
+  CheckDeepStill(file.path(), kMostPixels);
   const Importer importer(file.path());
   if (importer.error != noErr) return 0;
   const StillRect bounds = importer.Bounds();
