@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <utility>
@@ -11,8 +10,7 @@
 #include "host/base/error.h"
 #include "host/jobs/cross_fade.h"
 #include "host/jobs/frame_source.h"
-#include "host/jobs/solid_frame.h"
-#include "host/lettering/lettering.h"
+#include "host/jobs/title_frames.h"
 #include "host/options/rate.h"
 #include "host/terminal/terminal.h"
 
@@ -30,44 +28,16 @@ std::unique_ptr<FrameSource> OpenTurns(const Slideshow& show, size_t first) {
   return RenderInWorkers(std::move(list), std::max(1, show.workers / 2));
 }
 
-/// The frames of the card at the beginning: the letters come softly, and go with the card.
-class TitleFrames {
- public:
-  explicit TitleFrames(const Slideshow& show)
-      : show_(show),
-        card_(show.ends.colour, show.request.format.size, show.kind->layout),
-        letters_(show.title.text, LetterPlace::kTitle, show.request.format, show.kind->layout) {
-    if (letters_.MissingLetters() > 0) {
-      PrintMessage("--title: no font on this machine has " +
-                   std::to_string(letters_.MissingLetters()) +
-                   " of its letters; install one that has them, such as fonts-noto");
-    }
+/// The card at the beginning, with a message where letters are missing.
+TitleFrames TitleOf(const Slideshow& show) {
+  TitleFrames title(show.title.text, show.title.frames, show.ends.colour, show.request.format,
+                    show.kind->layout);
+  if (title.MissingLetters() > 0) {
+    PrintMessage("--title: no font on this machine has " + std::to_string(title.MissingLetters()) +
+                 " of its letters; install one that has them, such as fonts-noto");
   }
-
-  FrameView Next() {
-    const FrameView card = card_.View();
-    const size_t rowBytes =
-        static_cast<size_t>(card.size.width) * BytesPerPixel(show_.kind->layout);
-    bytes_.resize(rowBytes * card.size.height);
-    for (int32_t row = 0; row < card.size.height; ++row) {
-      std::memcpy(&bytes_[row * rowBytes], card.Row(row), rowBytes);
-    }
-    const auto at = [&](double frame) {
-      // As if it stayed: what takes the letters away is the fade into the first picture.
-      return CaptionOpacity(frame, 0, 4 * show_.title.frames, show_.request.format.rate);
-    };
-    letters_.Over(bytes_.data(), static_cast<ptrdiff_t>(rowBytes), at(number_), at(number_ + 0.5));
-    ++number_;
-    return {bytes_.data(), static_cast<ptrdiff_t>(rowBytes), card.size};
-  }
-
- private:
-  const Slideshow& show_;
-  SolidFrame card_;
-  Lettering letters_;
-  std::vector<uint8_t> bytes_;
-  int32_t number_ = 0;
-};
+  return title;
+}
 
 }  // namespace
 
@@ -108,8 +78,9 @@ void MakeSlideshow(const Slideshow& show, const std::function<void(int32_t done)
     }
   };
   if (show.title.frames > 0) {
-    TitleFrames title(show);
-    const auto next = [&] { return title.Next(); };
+    TitleFrames title = TitleOf(show);
+    int32_t number = 0;
+    const auto next = [&] { return title.At(number++); };
     for (int32_t i = show.title.fade; i < show.title.frames; ++i) write(next());
     fadeInto(next, *turns[0], show.title.fade);
   }
