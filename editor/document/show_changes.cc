@@ -126,10 +126,28 @@ bool IsShow(const Document& document) {
          host::IsShowText(document.text, document.path);
 }
 
+std::shared_ptr<const host::ShowProject> ShowOf(const Document& document) {
+  // Several ask for the same; with hundreds of pictures, reading takes some milliseconds.
+  struct Known {
+    std::string path, text;
+    std::shared_ptr<const host::ShowProject> show;
+  };
+  static thread_local Known known;
+  if (known.show != nullptr && known.text == document.text && known.path == document.path) {
+    return known.show;
+  }
+  if (!IsShow(document)) return nullptr;
+  auto show =
+      std::make_shared<const host::ShowProject>(host::ParseShow(document.text, document.path));
+  known = {document.path, document.text, show};
+  return show;
+}
+
 std::vector<PictureEntry> PicturesOf(const Document& document) {
   std::vector<PictureEntry> entries;
-  if (!IsShow(document)) return entries;
-  const host::ShowProject show = host::ParseShow(document.text, document.path);
+  const auto read = ShowOf(document);
+  if (read == nullptr) return entries;
+  const host::ShowProject& show = *read;
   for (const host::ShowPicture& picture : show.pictures) {
     const host::RenderPlan& plan = picture.plan;
     entries.push_back({plan.photo, plan.frames / plan.format.rate.PerSecond(), picture.fade});
@@ -168,12 +186,18 @@ Document NewShow(const std::vector<std::string>& photos, const std::string& path
   return {path, host::ShowText(path, made)};
 }
 
+std::vector<std::string> PhotosWithoutViews(const Document& document) {
+  std::vector<std::string> photos;
+  const auto show = ShowOf(document);
+  if (show == nullptr) return photos;
+  for (const host::ShowPicture& picture : show->pictures) {
+    if (!picture.hasViews) photos.push_back(picture.plan.photo);
+  }
+  return photos;
+}
+
 Document WithMovesAsViews(const Document& document, const PhotoSizes& sizes) {
-  if (!IsShow(document)) return document;
-  const host::ShowProject show = host::ParseShow(document.text, document.path);
-  const bool all = std::all_of(show.pictures.begin(), show.pictures.end(),
-                               [](const host::ShowPicture& picture) { return picture.hasViews; });
-  if (all) return document;
+  if (PhotosWithoutViews(document).empty()) return document;
   return Rewritten(document, document.picture,
                    [&](ordered_json& json) { GiveViews(json, document.path, sizes); });
 }

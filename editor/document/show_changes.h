@@ -2,12 +2,14 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "editor/document/document.h"
 #include "framing/pixel_size.h"
+#include "host/project/show_project.h"
 
 namespace kelto::editor {
 
@@ -22,6 +24,9 @@ struct PictureEntry {
 
 bool IsShow(const Document& document);
 
+/// What the document of a show means; null for a film of one picture. Throws Error.
+std::shared_ptr<const host::ShowProject> ShowOf(const Document& document);
+
 /// The pictures of a show, in order; empty for a film of one. Throws Error.
 std::vector<PictureEntry> PicturesOf(const Document& document);
 
@@ -32,6 +37,9 @@ using PhotoSizes = std::function<PixelSize(const std::string& photo)>;
 /// out in turns. Throws what `sizes` throws.
 Document NewShow(const std::vector<std::string>& photos, const std::string& path,
                  const PhotoSizes& sizes);
+
+/// The photos whose sizes WithMovesAsViews needs.
+std::vector<std::string> PhotosWithoutViews(const Document& document);
 
 /// The document with views for every picture of which only a move is said, so that they can be
 /// seen and changed. A picture whose move has to be looked for in it gets one that goes in.

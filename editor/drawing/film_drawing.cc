@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/base/error.h"
 #include "host/facts/frame_facts.h"
-#include "host/plan/render_plan.h"
+#include "host/plan/default_plan.h"
+#include "host/track/photo_views.h"
 
 namespace kelto::editor {
 namespace {
@@ -37,22 +39,89 @@ std::vector<uint8_t> Reduced(const std::vector<uint8_t>& pixels, host::FrameSize
 FilmDrawing::FilmDrawing(std::string module, const host::RenderPlan& plan)
     : module_(std::move(module)), plan_(plan), photo_(host::OpenPhoto(plan.photo)) {}
 
-void FilmDrawing::SetPlan(const host::RenderPlan& plan) { plan_ = plan; }
+void FilmDrawing::SetPlan(const host::RenderPlan& plan, const FadesAround& fades) {
+  plan_ = plan;
+  fades_ = fades;
+  // Two captions would cover each other.
+  plan_.caption.from = fades.in;
+  plan_.caption.until = plan.frames - fades.out;
+}
+
+host::RenderPlan FilmDrawing::Filled(const host::RenderPlan& plan) const {
+  host::RenderPlan filled = plan;
+  const host::PhotoViews views(plan, {photo_.width, photo_.height});
+  try {
+    const View view = views.ViewOf(views.Fill());
+    host::SetMove(filled, view, view);
+  } catch (const host::Error&) {
+    // Too long for the closest view: it is shown as it is.
+  }
+  return filled;
+}
+
+host::FrameView FilmDrawing::Drawn(Session& session, const host::RenderPlan& plan,
+                                   const host::Photo& photo, int32_t frame, double quality) {
+  try {
+    if (!session || !session->Adopt(plan)) {
+      session.reset();  // first: two would hold two copies of the photo
+      session.emplace(module_, plan, photo, host::PixelLayout::kBGRA);
+    }
+    return session->Render(std::clamp(frame, 0, plan.frames - 1), quality);
+  } catch (...) {
+    session.reset();
+    throw;
+  }
+}
+
+std::optional<host::FrameView> FilmDrawing::Beside(const host::RenderPlan& plan, int32_t frame,
+                                                   host::FrameSize size, double quality) {
+  try {
+    if (!besideOpened_ || besidePhoto_ != plan.photo) {
+      besideSession_.reset();
+      besideOpened_ = host::OpenPhoto(plan.photo);
+      besidePhoto_ = plan.photo;
+    }
+    host::RenderPlan drawn = plan;
+    drawn.format.size = size;
+    drawn.caption = {};
+    return Drawn(besideSession_, drawn, *besideOpened_, frame, quality);
+  } catch (const host::Error&) {
+    besideOpened_.reset();
+    return std::nullopt;
+  }
+}
+
+std::optional<host::FrameView> FilmDrawing::TitleCard(int32_t frame, host::FrameSize size) {
+  try {
+    host::FilmFormat format = plan_.format;
+    format.size = size;
+    title_.emplace(fades_.title, fades_.titleFrames, host::Colour{}, format,
+                   host::PixelLayout::kBGRA);
+    return title_->At(frame);
+  } catch (const host::Error&) {
+    return std::nullopt;  // where letters cannot be drawn
+  }
+}
 
 host::FrameView FilmDrawing::Draw(int32_t frame, host::FrameSize size, double quality) {
   host::RenderPlan drawn = plan_;
   drawn.format.size = size;
   const int32_t number = std::clamp(frame, 0, drawn.frames - 1);
-  try {
-    if (!session_ || !session_->Adopt(drawn)) {
-      session_.reset();  // first: two would hold two copies of the photo
-      session_.emplace(module_, drawn, photo_, host::PixelLayout::kBGRA);
-    }
-    return session_->Render(number, quality);
-  } catch (...) {
-    session_.reset();
-    throw;
+  const host::FrameView own = Drawn(session_, drawn, photo_, number, quality);
+  const int32_t behind = number - (drawn.frames - fades_.out);  // since the fade out began
+  std::optional<host::FrameView> other;
+  if (number < fades_.in) {
+    other = fades_.before
+                ? Beside(*fades_.before, fades_.before->frames - fades_.in + number, size, quality)
+                : TitleCard(fades_.titleFrames - fades_.in + number, size);
+  } else if (behind >= 0 && fades_.after) {
+    other = Beside(*fades_.after, behind, size, quality);
   }
+  if (!other) return own;
+  fade_.emplace(drawn.format, host::PixelLayout::kBGRA,
+                fades_.dip ? host::FadeKind::kDip : host::FadeKind::kCross);
+  return number < fades_.in ? fade_->Blend(*other, own, number, fades_.in)
+                            : fade_->Blend(own, *other, behind, fades_.out);
 }
 
 FilmWay FilmDrawing::Way(int32_t most) {

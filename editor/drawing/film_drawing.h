@@ -6,9 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "editor/rules/fades_around.h"
 #include "editor/rules/film_way.h"
 #include "host/effect/photo.h"
 #include "host/frames/effect_session.h"
+#include "host/jobs/cross_fade.h"
+#include "host/jobs/title_frames.h"
 #include "host/plan/render_plan.h"
 
 namespace kelto::editor {
@@ -20,7 +23,11 @@ class FilmDrawing {
   FilmDrawing(std::string module, const host::RenderPlan& plan);
 
   /// Draws this plan from now on, which has to be of the same photo.
-  void SetPlan(const host::RenderPlan& plan);
+  /// Frames within `fades` are drawn as the show has them.
+  void SetPlan(const host::RenderPlan& plan, const FadesAround& fades = {});
+
+  /// The plan that shows the middle of this plan's photo, which fills the frame.
+  host::RenderPlan Filled(const host::RenderPlan& plan) const;
 
   /// A frame of the film as the film has it, drawn in another size than the film's where that is
   /// asked for. The nearest frame that there is. The view holds until the next call.
@@ -34,10 +41,27 @@ class FilmDrawing {
   std::vector<uint8_t> PhotoPixels(int64_t mostPixels, host::FrameSize& size) const;
 
  private:
+  /// What is drawn of a plan; made when it is first needed.
+  using Session = std::optional<host::EffectSession>;
+
+  host::FrameView Drawn(Session& session, const host::RenderPlan& plan, const host::Photo& photo,
+                        int32_t frame, double quality);
+  /// A picture beside the film's; null where it cannot be drawn, as the show is made without it.
+  std::optional<host::FrameView> Beside(const host::RenderPlan& plan, int32_t frame,
+                                        host::FrameSize size, double quality);
+  std::optional<host::FrameView> TitleCard(int32_t frame, host::FrameSize size);
+
   std::string module_;
   host::RenderPlan plan_;
   host::Photo photo_;
-  std::optional<host::EffectSession> session_;  ///< made when it is first needed
+  Session session_;
+  FadesAround fades_;
+  // Of one of the two pictures at a time.
+  std::string besidePhoto_;
+  std::optional<host::Photo> besideOpened_;
+  Session besideSession_;
+  std::optional<host::TitleFrames> title_;
+  std::optional<host::CrossFade> fade_;  ///< holds the frame that was drawn last
 };
 
 }  // namespace kelto::editor

@@ -19,6 +19,7 @@
 #include "host/base/error.h"
 #include "host/effect/module_file.h"
 #include "host/film/sound_peaks.h"
+#include "host/plan/default_plan.h"
 #include "host/project/project_file.h"
 #include "host/sandbox/sandbox.h"
 
@@ -53,7 +54,9 @@ class Server {
         case MessageKind::kPhoto:
           return SendPhoto();
         case MessageKind::kSize:
-          return SendSize(request.body);
+          return SendSizes(TextsOf(request.body));
+        case MessageKind::kThumbnail:
+          return SendThumbnail(ThumbnailRequestOf(request.body));
         case MessageKind::kSound:
           return SendSound(request.body);
         default:
@@ -91,20 +94,48 @@ class Server {
     }
   }
 
-  void ReadPlan(const std::string& text) {
-    host::RenderPlan plan = host::ParseProject(text, "/film.json");
+  void ReadPlan(const std::string& body) {
+    const PlanRequest request = PlanRequestOf(body);
+    const auto planOf = [](const std::string& text) {
+      return host::ParseProject(text, "/film.json");
+    };
+    const host::RenderPlan plan = planOf(request.film);
+    FadesAround fades;
+    if (!request.before.empty()) fades.before = planOf(request.before);
+    if (!request.after.empty()) fades.after = planOf(request.after);
+    fades.in = request.numbers.in;
+    fades.out = request.numbers.out;
+    fades.dip = request.numbers.dip != 0;
+    fades.title = request.title;
+    fades.titleFrames = request.numbers.titleFrames;
+    std::vector<std::string> files = {plan.photo, plan.over};
+    for (const auto& other : {fades.before, fades.after}) {
+      if (other) files.push_back(other->photo);
+    }
+    Begin(plan, files);
+    film_->SetPlan(plan, fades);
+  }
+
+  /// Opens the film, which is of these files from now on.
+  void Begin(const host::RenderPlan& plan, const std::vector<std::string>& files) {
     if (!soundFile_.empty()) throw host::Error("the preview cannot open another file");
     if (!film_) {
       host::SandboxAccess access{host::ModuleFolders(module_), {}};
-      access.reads.insert(access.reads.end(), {plan.photo, plan.over});
+      access.reads.insert(access.reads.end(), files.begin(), files.end());
       host::EnterSandbox(access);
       film_.emplace(module_, plan);
-      photo_ = plan.photo;
-      over_ = plan.over;
-    } else if (plan.photo != photo_ || plan.over != over_) {
+      files_ = files;
+    } else if (files != files_) {
       throw host::Error("the preview cannot open another photo");
     }
-    film_->SetPlan(plan);
+  }
+
+  void SendThumbnail(const ThumbnailRequest& request) {
+    host::RenderPlan plan = host::DefaultPlan(request.photo);
+    plan.format.size = request.size;
+    Begin(plan, {plan.photo});
+    film_->SetPlan(film_->Filled(plan));
+    SendFrame({0, request.size, 1.0});
   }
 
   void SendFrame(const DrawRequest& request) {
@@ -123,12 +154,20 @@ class Server {
     Write({reinterpret_cast<const char*>(pixels.data()), pixels.size()});
   }
 
-  /// For an editor that has no film of the photo yet.
-  void SendSize(const std::string& path) {
-    host::EnterSandbox({{path}, {}});
-    host::CheckNotReplaced(path);
-    const host::Photo photo = host::OpenPhoto(path);
-    Send(MessageKind::kSize, BodyOf(PixelSize{photo.width, photo.height}));
+  /// For an editor that has no film of the photos yet.
+  void SendSizes(const std::vector<std::string>& paths) {
+    host::EnterSandbox({paths, {}});
+    for (const std::string& path : paths) {
+      try {
+        host::CheckNotReplaced(path);
+        const host::Photo photo = host::OpenPhoto(path);
+        Send(MessageKind::kSize, BodyOf(PixelSize{photo.width, photo.height}));
+      } catch (const BrokenLine&) {
+        throw;
+      } catch (const host::Error& error) {
+        Send(MessageKind::kFailed, error.what());
+      }
+    }
   }
 
   void SendSound(const std::string& file) {
@@ -158,7 +197,8 @@ class Server {
 
   std::string module_;
   int out_;
-  std::string photo_, over_, soundFile_, fault_;
+  std::string soundFile_, fault_;
+  std::vector<std::string> files_;  ///< of the film
   std::optional<FilmDrawing> film_;
 };
 

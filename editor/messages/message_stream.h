@@ -10,14 +10,16 @@
 namespace kelto::editor {
 
 enum class MessageKind : uint32_t {
-  kPlan = 1,  ///< editor: the film from now on, which is not answered
-  kDraw,      ///< editor: a frame is wanted
-  kWay,       ///< editor: samples of the film's way that are wanted at the most; process: the way
-  kPhoto,     ///< editor: the photo is wanted; process: its pixels
-  kFrame,     ///< process: a frame
-  kSize,      ///< editor: the size of the photo of a path is wanted; process: the size
-  kSound,     ///< editor: the sound of the file named, asked of a run of its own; process: peaks
-  kFailed,    ///< process: the sentence that says why a request cannot be met
+  kPlan = 1,   ///< editor: the film from now on, which is not answered
+  kDraw,       ///< editor: a frame is wanted
+  kWay,        ///< editor: samples of the film's way that are wanted at the most; process: the way
+  kPhoto,      ///< editor: the photo is wanted; process: its pixels
+  kFrame,      ///< process: a frame
+  kSize,       ///< editor: the sizes of the photos of these paths are wanted; process: a size, or
+               ///< kFailed, for each of them in order
+  kThumbnail,  ///< editor: a photo, which becomes the film's, as a small picture that it fills
+  kSound,      ///< editor: the sound of the file named, asked of a run of its own; process: peaks
+  kFailed,     ///< process: the sentence that says why a request cannot be met
 };
 
 struct StreamMessage {

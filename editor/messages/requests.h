@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/base/film_format.h"
 
@@ -19,5 +20,32 @@ struct DrawRequest {
 std::string BodyOf(const DrawRequest& request);
 /// Throws Error.
 DrawRequest DrawRequestOf(std::string_view body);
+
+/// A film, and of a picture of a show what fades show beside it: FadesAround, with projects' texts
+/// for plans, empty where there is none.
+struct PlanRequest {
+  std::string film{}, before{}, after{}, title{};
+  struct Numbers {
+    int32_t in = 0, out = 0, dip = 0, titleFrames = 0;
+  } numbers{};
+};
+
+std::string BodyOf(const PlanRequest& request);
+/// Throws Error.
+PlanRequest PlanRequestOf(std::string_view body);
+
+struct ThumbnailRequest {
+  host::FrameSize size;
+  std::string photo;
+};
+
+std::string BodyOf(const ThumbnailRequest& request);
+/// Throws Error.
+ThumbnailRequest ThumbnailRequestOf(std::string_view body);
+
+/// Paths of files, or other texts without zeros.
+using Texts = std::vector<std::string>;
+std::string BodyOf(const Texts& texts);
+Texts TextsOf(std::string_view body);
 
 }  // namespace kelto::editor

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "editor/messages/answers.h"
 #include "editor/messages/plain_bytes.h"
@@ -47,6 +48,24 @@ host::FrameSize SizeWithin(const host::FilmFormat& format, QSize box) {
   return {side(film.width), side(film.height)};
 }
 
+PlanRequest RequestOf(const host::RenderPlan& plan, const FadesAround& fades) {
+  const auto text = [](const host::RenderPlan& one) {
+    return host::LaidOut(host::FilmJson("/film.json", one));
+  };
+  PlanRequest request{text(plan)};
+  if (fades.before) request.before = text(*fades.before);
+  if (fades.after) request.after = text(*fades.after);
+  request.title = fades.title;
+  request.numbers = {fades.in, fades.out, fades.dip ? 1 : 0, fades.titleFrames};
+  return request;
+}
+
+/// Those that a process of this film may open.
+std::vector<std::string> FilesOf(const host::RenderPlan& plan, const FadesAround& fades) {
+  return {plan.photo, plan.over, fades.before ? fades.before->photo : "",
+          fades.after ? fades.after->photo : ""};
+}
+
 }  // namespace
 
 class Preview::Private {
@@ -60,7 +79,7 @@ class Preview::Private {
     due_.setTimerType(Qt::PreciseTimer);
   }
 
-  void SetPlan(const host::RenderPlan& plan);
+  void SetPlan(const host::RenderPlan& plan, const FadesAround& fades);
   void SetBox(QSize box);
   void Seek(int32_t frame);
   void Play(bool play);
@@ -97,6 +116,7 @@ class Preview::Private {
   // frame waits for it.
   DrawingProcess *process_ = nullptr, *wayProcess_ = nullptr;
   host::RenderPlan plan_;
+  FadesAround fades_;
   std::string planText_;  ///< as both processes get it; empty until one does
   bool hasPlan_ = false, planUnsent_ = false, wayPlanUnsent_ = false;
   uint64_t version_ = 0;  ///< of the plan, counted
@@ -122,12 +142,14 @@ class Preview::Private {
   QTimer soon_, rest_, due_;
 };
 
-void Preview::Private::SetPlan(const host::RenderPlan& plan) {
-  const bool otherFiles = !hasPlan_ || plan.photo != plan_.photo || plan.over != plan_.over;
+void Preview::Private::SetPlan(const host::RenderPlan& plan, const FadesAround& fades) {
+  const bool otherFiles = !hasPlan_ || FilesOf(plan, fades) != FilesOf(plan_, fades_);
+  const bool otherPhoto = !hasPlan_ || plan.photo != plan_.photo;
   const bool otherClock =
       !hasPlan_ || plan.frames != plan_.frames || plan.format.rate != plan_.format.rate;
   const int32_t frame = Frame();
   plan_ = plan;
+  fades_ = fades;
   planText_.clear();
   hasPlan_ = planUnsent_ = wayPlanUnsent_ = true;
   ++version_;
@@ -135,7 +157,7 @@ void Preview::Private::SetPlan(const host::RenderPlan& plan) {
   if (otherFiles) {
     // The process may open no files but its first ones.
     Drop();
-    photoWanted_ = true;
+    photoWanted_ = photoWanted_ || otherPhoto;
   }
   rest_.start(kRest);
   PumpSoon();
@@ -232,7 +254,7 @@ void Preview::Private::Drop(DrawingProcess*& process) {
 bool Preview::Private::SendPlan(DrawingProcess& process, bool& unsent) {
   try {
     // Whether it can be read is found out by the process, which says so.
-    if (planText_.empty()) planText_ = host::LaidOut(host::FilmJson("/film.json", plan_));
+    if (planText_.empty()) planText_ = BodyOf(RequestOf(plan_, fades_));
     process.Send(MessageKind::kPlan, planText_);
   } catch (const host::Error& error) {
     Fail(QString::fromUtf8(error.what()));
@@ -352,7 +374,9 @@ Preview::Preview(QString program, QString module, QObject* parent)
 
 Preview::~Preview() = default;
 
-void Preview::SetPlan(const host::RenderPlan& plan) { p_->SetPlan(plan); }
+void Preview::SetPlan(const host::RenderPlan& plan, const FadesAround& fades) {
+  p_->SetPlan(plan, fades);
+}
 void Preview::SetBox(QSize box) { p_->SetBox(box); }
 int32_t Preview::Frame() const { return p_->Frame(); }
 int32_t Preview::Frames() const { return p_->Frames(); }

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "editor/rules/fades_around.h"
 #include "editor/rules/film_way.h"
 #include "host/plan/render_plan.h"
 
@@ -27,7 +28,8 @@ class Preview : public QObject {
 
   /// Shows this plan from now on. Its photo is read again only where that is another. The frame
   /// being looked at stays, as far as the film has it.
-  void SetPlan(const host::RenderPlan& plan);
+  /// `fades` are what is seen beside a picture of a show.
+  void SetPlan(const host::RenderPlan& plan, const FadesAround& fades = {});
   /// The pixels that there are for showing frames. Films of larger frames are drawn that size while
   /// they play or change; 0 x 0, as at first: always the film's own.
   void SetBox(QSize box);

@@ -6,8 +6,6 @@
 #include "editor/messages/requests.h"
 #include "editor/preview/drawing_process.h"
 #include "host/base/error.h"
-#include "host/plan/default_plan.h"
-#include "host/project/project_file.h"
 
 namespace kelto::editor {
 namespace {
@@ -51,20 +49,12 @@ void Thumbnails::Next() {
   if (wanted_.empty()) return;
   current_ = wanted_.front();
   wanted_.pop_front();
-  host::RenderPlan plan = host::DefaultPlan(current_);
-  plan.format.size = {size_.width(), size_.height()};
-  std::string project;
-  try {
-    project = host::ProjectText("/film.json", plan);
-  } catch (const host::Error&) {
-    return Take({});
-  }
   process_ = new DrawingProcess(program_, module_, this);
   connect(process_, &DrawingProcess::Answered, this,
           [this](const StreamMessage& answer) { Take(ImageOf(answer)); });
   connect(process_, &DrawingProcess::Ended, this, [this] { Take({}); });
-  process_->Send(MessageKind::kPlan, project);
-  process_->Send(MessageKind::kDraw, BodyOf(DrawRequest{0, plan.format.size, 1.0}));
+  process_->Send(MessageKind::kThumbnail,
+                 BodyOf(ThumbnailRequest{{size_.width(), size_.height()}, current_}));
 }
 
 void Thumbnails::Take(const QImage& picture) {

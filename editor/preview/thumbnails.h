@@ -1,4 +1,4 @@
-// Small pictures of photos, made in the background.
+// Small pictures that photos fill, made in the background.
 #pragma once
 
 #include <QImage>

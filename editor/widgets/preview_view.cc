@@ -167,6 +167,11 @@ void PreviewView::SetNotice(const QString& notice) { p_->picture_->SetNotice(not
 void PreviewView::SetActionSafe(bool shown) { p_->safe_->setChecked(shown); }
 void PreviewView::SwitchFullScreen() { p_->picture_->SwitchFullScreen(); }
 
+int PreviewView::HeightFor(int width) const {
+  const int controls = minimumSizeHint().height() - p_->picture_->minimumSizeHint().height();
+  return controls + static_cast<int>(std::lround(width / p_->format_.DisplayAspect()));
+}
+
 QSize PreviewView::sizeHint() const { return {480, 340}; }
 
 bool PreviewView::TakesKey(const QKeyEvent& event) {

@@ -31,6 +31,9 @@ class PreviewView : public QWidget {
 
   QSize sizeHint() const override;
 
+  /// At which the frame fills this width.
+  int HeightFor(int width) const;
+
  signals:
   void PlayAsked();
   void PauseAsked();

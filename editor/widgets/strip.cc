@@ -54,8 +54,8 @@ class Strip::List : public QListWidget {
     const int textHeight = 2 * fontMetrics().lineSpacing() + 8;
     cell_ = QSize(kThumbnail.width() + 8, kThumbnail.height() + textHeight);
     setGridSize(cell_ + QSize(8, 4));
-    setMinimumHeight(cell_.height() + 28);
-    setMaximumHeight(cell_.height() + 28);
+    // With room for a scroll bar, so that nothing moves when it comes.
+    setFixedHeight(cell_.height() + 8 + style()->pixelMetric(QStyle::PM_ScrollBarExtent));
   }
 
   QSize Cell() const { return cell_; }
@@ -132,6 +132,7 @@ Strip::Strip(QWidget* parent)
   list_->setAccessibleName(tr("Pictures"));
   auto* times = new QFormLayout;
   times->setContentsMargins(12, 8, 12, 8);
+  times->setHorizontalSpacing(12);
   times->addRow(tr("Seen for"), seconds_);
   times->addRow(tr("Fade to the next"), fade_);
   auto* row = new QHBoxLayout(this);

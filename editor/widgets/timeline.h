@@ -45,7 +45,8 @@ struct TimelineScene {
 /// Knows no document, as the canvas does not. Dragged edges move between what lies at both sides;
 /// with Ctrl all that follows moves along. Ctrl and the wheel zoom time. Keys: arrows go a frame on
 /// or back, with Shift a second; + and - hold the selected stop longer or shorter, with Ctrl its
-/// way; Delete, Ctrl+C and Ctrl+V work on the selected keys.
+/// way; Ctrl with the arrows selects the key before or behind; Delete, Ctrl+C and Ctrl+V work on
+/// the selected keys.
 class Timeline : public QWidget {
   Q_OBJECT
 
@@ -68,6 +69,8 @@ class Timeline : public QWidget {
   void StopTimesChanged(const kelto::editor::StopTimes& times, kelto::editor::Gesture gesture);
   /// The easing of the way behind a stop is to be chosen, from a menu at a place on the screen.
   void EasingAsked(int stop, const QPoint& screen);
+  /// Other keys are selected, or none.
+  void KeysSelected();
   /// All times of a lane's keys, in their places.
   void KeysMoved(size_t lane, const std::vector<double>& times, kelto::editor::Gesture gesture);
   void KeyAdded(size_t lane, double time);

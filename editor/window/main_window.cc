@@ -7,8 +7,10 @@
 #include "editor/document/tour_changes.h"
 #include "editor/preview/photo_size.h"
 #include "editor/window/film_panel.h"
+#include "editor/window/key_panel.h"
 #include "editor/window/render_queue.h"
 #include "editor/window/scenes.h"
+#include "editor/window/sizes_dialog.h"
 #include "editor/window/view_panel.h"
 #include "host/base/error.h"
 
@@ -17,9 +19,11 @@ namespace kelto::editor {
 MainWindow::MainWindow(const Programs& programs, QWidget* parent)
     : QMainWindow(parent),
       programs_(programs),
-      session_([programs](const std::string& photo) {
-        return FindPhotoSize(programs.preview, programs.module, photo);
-      }),
+      session_(
+          [programs](const std::string& photo) {
+            return FindPhotoSize(programs.preview, programs.module, photo);
+          },
+          [this](const std::vector<std::string>& photos) { return FindSizes(photos); }),
       preview_(programs.preview, programs.module),
       thumbnails_(programs.preview, programs.module, Strip::kThumbnail),
       wave_(programs.preview, programs.module) {
@@ -37,6 +41,13 @@ MainWindow::MainWindow(const Programs& programs, QWidget* parent)
 
 MainWindow::~MainWindow() = default;
 
+FoundSizes MainWindow::FindSizes(const std::vector<std::string>& photos) {
+  const auto find = [this](const std::vector<std::string>& some, const SizesProgress& progress) {
+    return FindPhotoSizes(programs_.preview, programs_.module, some, progress);
+  };
+  return FindWithDialog(photos, find, this);
+}
+
 void MainWindow::MakeWidgets() {
   canvas_ = new Canvas;
   previewView_ = new PreviewView;
@@ -45,6 +56,8 @@ void MainWindow::MakeWidgets() {
   strip_ = new Strip;
   strip_->hide();
   viewPanel_ = new ViewPanel;
+  keyPanel_ = new KeyPanel;
+  keyPanel_->hide();
   filmPanel_ = new FilmPanel;
   notice_ = new QLabel;
   notice_->setObjectName("notice");
@@ -63,6 +76,7 @@ void MainWindow::MakeWidgets() {
   panelColumn->setContentsMargins(12, 8, 12, 12);
   panelColumn->setSpacing(12);
   panelColumn->addWidget(viewPanel_);
+  panelColumn->addWidget(keyPanel_);
   panelColumn->addWidget(filmPanel_);
   panelColumn->addStretch();
   auto* scroll = new QScrollArea;
@@ -72,20 +86,20 @@ void MainWindow::MakeWidgets() {
   scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   scroll->setMinimumWidth(panels->minimumSizeHint().width() + 20);
 
-  auto* side = new QSplitter(Qt::Vertical);
-  side->addWidget(previewView_);
-  side->addWidget(scroll);
-  side->setStretchFactor(0, 1);
-  side->setStretchFactor(1, 1);
-  side->setChildrenCollapsible(false);
+  side_ = new QSplitter(Qt::Vertical);
+  side_->addWidget(previewView_);
+  side_->addWidget(scroll);
+  side_->setChildrenCollapsible(false);
+  connect(side_, &QSplitter::splitterMoved, this, [this] { sideChosen_ = true; });
 
   auto* top = new QSplitter(Qt::Horizontal);
   top->addWidget(canvas_);
-  top->addWidget(side);
+  top->addWidget(side_);
   top->setStretchFactor(0, 1);
   top->setStretchFactor(1, 0);
   top->setChildrenCollapsible(false);
   top->setSizes({900, 420});
+  connect(top, &QSplitter::splitterMoved, this, &MainWindow::FitSide);
 
   auto* all = new QSplitter(Qt::Vertical);
   all->addWidget(top);
@@ -113,7 +127,7 @@ void MainWindow::MakeWidgets() {
 
 void MainWindow::Connect() {
   connect(&session_, &Session::Changed, this, [this] {
-    preview_.SetPlan(session_.Plan());
+    preview_.SetPlan(session_.Plan(), session_.Fades());
     ShowDocument();
   });
   connect(&session_, &Session::StateChanged, this, &MainWindow::ShowStates);
@@ -161,54 +175,7 @@ void MainWindow::Connect() {
                 gesture);
           });
   connect(timeline_, &Timeline::EasingAsked, this, &MainWindow::AskEasing);
-  connect(timeline_, &Timeline::KeysMoved, this,
-          [this](size_t lane, const std::vector<double>& times, Gesture gesture) {
-            ChangeKeys(
-                lane, tr("Move Keys"),
-                [&](std::vector<host::SettingKey>& keys) {
-                  for (size_t i = 0; i < std::min(keys.size(), times.size()); ++i) {
-                    keys[i].time = times[i];
-                  }
-                },
-                gesture);
-          });
-  connect(timeline_, &Timeline::KeyAdded, this, [this](size_t lane, double time) {
-    ChangeKeys(lane, tr("Add Key"), [&](std::vector<host::SettingKey>& keys) {
-      const auto after =
-          std::find_if(keys.begin(), keys.end(), [&](const auto& key) { return key.time > time; });
-      const host::SettingValue value =
-          after == keys.begin() ? keys.front().value : (after - 1)->value;
-      keys.insert(after, {time, value});
-    });
-  });
-  connect(timeline_, &Timeline::KeysRemoved, this, [this](const std::vector<KeyPlace>& places) {
-    const Gesture gesture = NewGesture();
-    for (auto place = places.rbegin(); place != places.rend(); ++place) {
-      ChangeKeys(place->lane, tr("Remove Keys"),
-                 [&](std::vector<host::SettingKey>& keys) {
-                   if (keys.size() > 2)
-                     keys.erase(keys.begin() + static_cast<ptrdiff_t>(place->key));
-                 },
-                 {gesture.id, place + 1 == places.rend()});
-    }
-  });
-  connect(timeline_, &Timeline::KeysCopied, this,
-          [this](const std::vector<KeyPlace>& places, double later) {
-            const Gesture gesture = NewGesture();
-            for (const KeyPlace& place : places) {
-              ChangeKeys(place.lane, tr("Copy Keys"),
-                         [&](std::vector<host::SettingKey>& keys) {
-                           host::SettingKey copy = keys.at(place.key);
-                           copy.time += later;
-                           const auto after =
-                               std::find_if(keys.begin(), keys.end(),
-                                            [&](const auto& key) { return key.time >= copy.time; });
-                           if (after == keys.end() || after->time > copy.time)
-                             keys.insert(after, copy);
-                         },
-                         {gesture.id, false});
-            }
-          });
+  ConnectKeys();
 
   connect(previewView_, &PreviewView::PlayAsked, &preview_, &Preview::Play);
   connect(previewView_, &PreviewView::PauseAsked, &preview_, &Preview::Pause);
@@ -247,31 +214,36 @@ void MainWindow::Change(const QString& name, const Session::Change& change, Gest
   session_.Apply(name, change, gesture);
 }
 
-void MainWindow::ChangeKeys(size_t lane, const QString& name,
-                            const std::function<void(std::vector<host::SettingKey>&)>& change,
-                            Gesture gesture) {
-  // Lanes are shown for the parameters that have keys.
-  size_t shown = 0;
-  for (const std::string& parameter : LaneParameters()) {
-    const host::Setting* setting = session_.Plan().FindSetting(parameter);
-    if (setting == nullptr || setting->keys.empty() || shown++ != lane) continue;
-    host::Setting changed = *setting;
-    change(changed.keys);
-    Change(
-        name, [&](const Document& d) { return WithKeys(d, changed); }, gesture);
-    return;
-  }
-}
-
 void MainWindow::Select(int view) {
   selected_ = view;
   ShowDocument();
 }
 
+void MainWindow::FitSide() {
+  if (sideChosen_) return;
+  // The panels keep a third, and scroll.
+  const QList<int> sizes = side_->sizes();
+  const int height = sizes[0] + sizes[1];
+  const int film = std::min(height * 2 / 3, previewView_->HeightFor(side_->width()));
+  side_->setSizes({film, height - film});
+}
+
+void MainWindow::showEvent(QShowEvent* event) {
+  QMainWindow::showEvent(event);
+  // Once what is in the window has its sizes.
+  QTimer::singleShot(0, this, &MainWindow::FitSide);
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  QTimer::singleShot(0, this, &MainWindow::FitSide);
+}
+
 void MainWindow::ShowDocument() {
   const bool open = session_.IsOpen();
   for (QWidget* widget : {static_cast<QWidget*>(timeline_), static_cast<QWidget*>(previewView_),
-                          static_cast<QWidget*>(viewPanel_), static_cast<QWidget*>(filmPanel_)}) {
+                          static_cast<QWidget*>(viewPanel_), static_cast<QWidget*>(keyPanel_),
+                          static_cast<QWidget*>(filmPanel_)}) {
     widget->setEnabled(open);
   }
   ShowPictures();
@@ -292,6 +264,9 @@ void MainWindow::ShowDocument() {
     timeline_->SetScene(times);
     previewView_->SetFilm(plan.format, plan.frames);
     viewPanel_->Show(scene, StopTimesOf(plan));
+    viewPanel_->setVisible(!plan.views.empty());
+    keyPanel_->setVisible(plan.views.empty());
+    keyPanel_->Show(plan, timeline_->SelectedKeys());
     filmPanel_->Show(plan);
   } catch (const host::Error& error) {
     ShowFailure(QString::fromStdString(error.what()));

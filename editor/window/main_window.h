@@ -16,10 +16,12 @@
 
 class QLabel;
 class QMenu;
+class QSplitter;
 
 namespace kelto::editor {
 
 class FilmPanel;
+class KeyPanel;
 class RenderQueue;
 class ViewPanel;
 
@@ -58,18 +60,26 @@ class MainWindow : public QMainWindow {
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   // main_window.cc: what is shown
   void MakeWidgets();
   void Connect();
+  /// Gives the film beside the panels the room that it can use, until the user chooses.
+  void FitSide();
   void ShowDocument();
   void ShowTime();
   void ShowTitle();
   void ShowFailure(const QString& reason);
+  FoundSizes FindSizes(const std::vector<std::string>& photos);
   void Change(const QString& name, const Session::Change& change, Gesture gesture = {});
   void AskEasing(int stop, const QPoint& screen);
   void AskViewMenu(int view, const QPoint& screen);
+
+  // key_actions.cc: the keys of a film that has no list of views
+  void ConnectKeys();
   void ChangeKeys(size_t lane, const QString& name,
                   const std::function<void(std::vector<host::SettingKey>&)>& change,
                   Gesture gesture = {});
@@ -120,10 +130,13 @@ class MainWindow : public QMainWindow {
   SoundWave wave_;
   Timeline* timeline_ = nullptr;
   ViewPanel* viewPanel_ = nullptr;
+  KeyPanel* keyPanel_ = nullptr;
   FilmPanel* filmPanel_ = nullptr;
   RenderQueue* queue_ = nullptr;
   QDockWidget* queueDock_ = nullptr;
   QLabel* notice_ = nullptr;
+  QSplitter* side_ = nullptr;  ///< between film and panels
+  bool sideChosen_ = false;
   std::vector<QAction*> documentActions_;
   std::vector<QAction*> showActions_;  ///< of slideshows
   QAction *undo_ = nullptr, *redo_ = nullptr, *beyond_ = nullptr, *removeStop_ = nullptr,

@@ -36,13 +36,6 @@ QString ValueText(const host::SettingValue& value) {
   return "";
 }
 
-QString LaneName(const std::string& parameter) {
-  if (parameter == key::kSize) return Text(QT_TRANSLATE_NOOP("Scenes", "Zoom"));
-  if (parameter == key::kPosition) return Text(QT_TRANSLATE_NOOP("Scenes", "Position"));
-  if (parameter == key::kInVelocity) return Text(QT_TRANSLATE_NOOP("Scenes", "Arrival"));
-  return Text(QT_TRANSLATE_NOOP("Scenes", "Departure"));
-}
-
 /// The share of the way covered at even times.
 std::vector<double> CurveOf(const std::string& out, const std::string& in) {
   const auto entryOf = [](const char* list, const std::string& word) {
@@ -60,10 +53,21 @@ std::vector<double> CurveOf(const std::string& out, const std::string& in) {
 
 }  // namespace
 
-const std::vector<std::string>& LaneParameters() {
-  static const std::vector<std::string> parameters = {key::kSize, key::kPosition, key::kInVelocity,
-                                                      key::kOutVelocity};
-  return parameters;
+QString LaneName(const std::string& parameter) {
+  if (parameter == key::kSize) return Text(QT_TRANSLATE_NOOP("Scenes", "Zoom"));
+  if (parameter == key::kPosition) return Text(QT_TRANSLATE_NOOP("Scenes", "Position"));
+  if (parameter == key::kInVelocity) return Text(QT_TRANSLATE_NOOP("Scenes", "Arrival"));
+  return Text(QT_TRANSLATE_NOOP("Scenes", "Departure"));
+}
+
+const host::Setting* SettingOfLane(const host::RenderPlan& plan, size_t lane) {
+  if (!plan.views.empty()) return nullptr;
+  // Lanes are shown for the parameters that have keys.
+  for (const char* parameter : {key::kSize, key::kPosition, key::kInVelocity, key::kOutVelocity}) {
+    const host::Setting* setting = plan.FindSetting(parameter);
+    if (setting != nullptr && !setting->keys.empty() && lane-- == 0) return setting;
+  }
+  return nullptr;
 }
 
 CanvasScene CanvasSceneOf(const host::RenderPlan& plan, PixelSize photo, int selected,
@@ -123,11 +127,8 @@ TimelineScene TimelineSceneOf(const host::RenderPlan& plan, int selected, const 
     }
     scene.easing.push_back(easing);
   }
-  if (!plan.views.empty()) return scene;
-  for (const std::string& parameter : LaneParameters()) {
-    const host::Setting* setting = plan.FindSetting(parameter);
-    if (setting == nullptr || setting->keys.empty()) continue;
-    KeyLane lane{LaneName(parameter), {}, {}};
+  while (const host::Setting* setting = SettingOfLane(plan, scene.lanes.size())) {
+    KeyLane lane{LaneName(setting->parameter), {}, {}};
     for (const host::SettingKey& key : setting->keys) {
       lane.times.push_back(key.time);
       lane.values.push_back(ValueText(key.value));

@@ -29,7 +29,10 @@ struct EasingWords {
 };
 EasingWords EasingBehind(const host::RenderPlan& plan, size_t stop);
 
-/// The parameters whose keys the timeline shows, by their keys in the project.
-const std::vector<std::string>& LaneParameters();
+/// The parameter's name as the user reads it.
+QString LaneName(const std::string& parameter);
+
+/// The setting whose keys the timeline shows in this lane; null where it shows none.
+const host::Setting* SettingOfLane(const host::RenderPlan& plan, size_t lane);
 
 }  // namespace kelto::editor

@@ -4,8 +4,10 @@
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
+#include <set>
 
 #include "editor/document/recovery.h"
+#include "editor/document/show_fades.h"
 #include "host/base/error.h"
 #include "host/jobs/picture_list.h"
 #include "host/project/project_file.h"
@@ -29,10 +31,13 @@ std::string ShowBeside(const QString& first) {
   return folder.absoluteFilePath(name + ".json").toStdString();
 }
 
-Opened OpenedOf(const QStringList& paths, const PhotoSizes& sizes) {
+/// `learn` is called ahead of `sizes` with the photos of which several will be asked for.
+Opened OpenedOf(const QStringList& paths, const PhotoSizes& sizes,
+                const std::function<void(const std::vector<std::string>&)>& learn) {
   const std::string name = paths.first().toStdString();
   if (paths.size() == 1 && host::IsProjectName(name)) {
     const Document document = ReadDocument(name);
+    learn(PhotosWithoutViews(document));
     return {WithMovesAsViews(document, sizes), document.text};
   }
   if (paths.size() == 1 && !QFileInfo(paths.first()).isDir()) {
@@ -53,12 +58,14 @@ Opened OpenedOf(const QStringList& paths, const PhotoSizes& sizes) {
     }
     photos.push_back(picture.path);
   }
+  learn(photos);
   return {NewShow(photos, ShowBeside(paths.first()), sizes), {}};
 }
 
 }  // namespace
 
-Session::Session(PhotoSizes sizes, QObject* parent) : QObject(parent), sizes_(std::move(sizes)) {
+Session::Session(PhotoSizes sizes, SeveralSizes several, QObject* parent)
+    : QObject(parent), sizes_(std::move(sizes)), several_(std::move(several)) {
   keeper_.setMaxThreadCount(1);
   keepSoon_.setSingleShot(true);
   keepSoon_.setInterval(kKeepAfterMilliseconds);
@@ -87,8 +94,9 @@ bool Session::Open(const QStringList& paths) {
   return Try([&] {
     known_.clear();
     openedPhoto_.clear();  // its file may have been replaced
-    const Opened opened =
-        OpenedOf(paths, [this](const std::string& photo) { return SizeOf(photo); });
+    const Opened opened = OpenedOf(
+        paths, [this](const std::string& photo) { return SizeOf(photo); },
+        [this](const std::vector<std::string>& photos) { LearnSizes(photos); });
     Take(opened.document);
     Settle();
     history_.Begin(opened.document, opened.saved.has_value());
@@ -102,18 +110,35 @@ bool Session::Open(const QStringList& paths) {
 
 PixelSize Session::SizeOf(const std::string& photo) {
   const auto found = known_.find(photo);
-  if (found != known_.end()) return found->second;
-  return known_[photo] = sizes_(photo);
+  if (found == known_.end()) return known_[photo].size = sizes_(photo);
+  if (!found->second.fault.empty()) throw host::Error(found->second.fault);
+  return found->second.size;
+}
+
+void Session::LearnSizes(const std::vector<std::string>& photos) {
+  if (!several_) return;
+  std::vector<std::string> unknown;
+  std::set<std::string> seen;
+  for (const std::string& photo : photos) {
+    const auto found = known_.find(photo);
+    // What could not be read may have been mended.
+    const bool known = found != known_.end() && found->second.fault.empty();
+    if (!known && seen.insert(photo).second) unknown.push_back(photo);
+  }
+  if (unknown.empty()) return;
+  for (auto& [photo, size] : several_(unknown)) known_[photo] = size;
 }
 
 void Session::Take(const Document& document) {
   host::RenderPlan plan = PlanOf(document);
   std::vector<PictureEntry> pictures = PicturesOf(document);
+  FadesAround fades = FadesOf(document);
   if (plan.photo != openedPhoto_) {
     photo_ = SizeOf(plan.photo);
     openedPhoto_ = plan.photo;
   }
   plan_ = std::move(plan);
+  fades_ = std::move(fades);
   pictures_ = std::move(pictures);
 }
 
@@ -199,16 +224,20 @@ bool Session::SaveAs(const QString& path) {
 }
 
 void Session::Reload() {
-  std::string text;
+  Document there;
+  const bool read = Try([&] {
+    there = ReadDocument(Current().path);
+    LearnSizes(PhotosWithoutViews(there));
+  });
+  if (!read) return;
+  const std::string text = there.text;
   Apply(tr("Reload"), [&](const Document& document) {
-    Document there = ReadDocument(document.path);
-    text = there.text;
     there.picture = document.picture;
     return WithMovesAsViews(there, [this](const std::string& photo) { return SizeOf(photo); });
   });
   if (history_.HasFile()) {
     history_.Saved(Current().path);
-    if (!text.empty()) history_.BeganFrom(text);
+    history_.BeganFrom(text);
   }
   emit StateChanged();
 }

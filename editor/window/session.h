@@ -7,10 +7,11 @@
 #include <QThreadPool>
 #include <QTimer>
 #include <functional>
-#include <map>
 
 #include "editor/document/history.h"
 #include "editor/document/show_changes.h"
+#include "editor/preview/photo_size.h"
+#include "editor/rules/fades_around.h"
 #include "editor/widgets/gesture.h"
 #include "framing/pixel_size.h"
 #include "host/plan/render_plan.h"
@@ -25,7 +26,11 @@ class Session : public QObject {
  public:
   using Change = std::function<Document(const Document&)>;
 
-  explicit Session(PhotoSizes sizes, QObject* parent = nullptr);
+  /// Finds out the sizes of several photos, while the window goes on.
+  using SeveralSizes = std::function<FoundSizes(const std::vector<std::string>& photos)>;
+
+  /// `sizes` finds out the size of a photo that `several`, where it is given, was not asked for.
+  explicit Session(PhotoSizes sizes, SeveralSizes several = {}, QObject* parent = nullptr);
   ~Session() override;
 
   /// Opens a photo, as a new project beside it, or a project; several photos, a folder of them or a
@@ -42,6 +47,8 @@ class Session : public QObject {
   const History& Steps() const { return history_; }
   const Document& Current() const { return history_.Current(); }
   const host::RenderPlan& Plan() const { return plan_; }
+  /// What is seen beside the picture of a show that is being edited.
+  const FadesAround& Fades() const { return fades_; }
   PixelSize Photo() const { return photo_; }
   QString Path() const;
   /// The pictures of a show; empty for a film of one.
@@ -51,6 +58,8 @@ class Session : public QObject {
   double SoundBegin() const;
   /// Throws Error.
   PixelSize SizeOf(const std::string& photo);
+  /// Finds out the sizes of these photos, for SizeOf, all at once.
+  void LearnSizes(const std::vector<std::string>& photos);
   /// Edits this picture of a show from now on.
   void SelectPicture(int picture);
   bool Modified() const { return open_ && history_.Modified(); }
@@ -89,7 +98,9 @@ class Session : public QObject {
   History history_;
   host::RenderPlan plan_;
   PhotoSizes sizes_;
-  std::map<std::string, PixelSize> known_;  ///< sizes of the photos of what is open
+  SeveralSizes several_;
+  FoundSizes known_;  ///< of the photos of what is open
+  FadesAround fades_;
   std::vector<PictureEntry> pictures_;
   PixelSize photo_{1, 1};
   std::string openedPhoto_;

@@ -47,6 +47,17 @@ constexpr Key kCanvas[] = {
      QT_TRANSLATE_NOOP("Shortcuts", "Fit the photo; show its pixels as they are")},
 };
 
+constexpr Key kTimeline[] = {
+    {QT_TRANSLATE_NOOP("Shortcuts", "Left, Right"),
+     QT_TRANSLATE_NOOP("Shortcuts", "A frame back or on; Shift: a second")},
+    {QT_TRANSLATE_NOOP("Shortcuts", "+, −"),
+     QT_TRANSLATE_NOOP("Shortcuts", "Look at the view longer or shorter; Ctrl: its way")},
+    {QT_TRANSLATE_NOOP("Shortcuts", "Ctrl+Left, Ctrl+Right"),
+     QT_TRANSLATE_NOOP("Shortcuts", "Previous and next key")},
+    {QT_TRANSLATE_NOOP("Shortcuts", "Delete"),
+     QT_TRANSLATE_NOOP("Shortcuts", "Remove the selected keys")},
+};
+
 constexpr Key kStrip[] = {
     {QT_TRANSLATE_NOOP("Shortcuts", "Drag between others, Alt+Left, Alt+Right"),
      QT_TRANSLATE_NOOP("Shortcuts", "Move the picture")},
@@ -70,6 +81,8 @@ void ShowShortcuts(QMainWindow& window) {
   }
   page += Head(Text(QT_TRANSLATE_NOOP("Shortcuts", "On the photo")));
   for (const Key& key : kCanvas) page += Row(Text(key.keys), Text(key.what));
+  page += Head(Text(QT_TRANSLATE_NOOP("Shortcuts", "On the timeline")));
+  for (const Key& key : kTimeline) page += Row(Text(key.keys), Text(key.what));
   page += Head(Text(QT_TRANSLATE_NOOP("Shortcuts", "On the pictures of a slideshow")));
   for (const Key& key : kStrip) page += Row(Text(key.keys), Text(key.what));
   page += "</table>";

@@ -3,6 +3,7 @@
 
 #include "editor/document/show_changes.h"
 #include "editor/window/main_window.h"
+#include "host/base/error.h"
 
 namespace kelto::editor {
 
@@ -47,7 +48,9 @@ void MainWindow::ConnectStrip() {
 
 void MainWindow::ShowPictures() {
   const std::vector<PictureEntry>& pictures = session_.Pictures();
-  strip_->setVisible(session_.IsOpen() && !pictures.empty());
+  const bool shown = session_.IsOpen() && !pictures.empty();
+  if (shown == strip_->isHidden()) QTimer::singleShot(0, this, &MainWindow::FitSide);
+  strip_->setVisible(shown);
   if (pictures.empty()) return;
   StripScene scene;
   scene.selected = session_.Picture();
@@ -69,6 +72,12 @@ void MainWindow::AskPhotos(int at) {
   if (chosen.isEmpty()) return;
   std::vector<std::string> photos;
   for (const QString& path : chosen) photos.push_back(path.toStdString());
+  try {
+    // Ahead of the change, in which nothing else may happen.
+    session_.LearnSizes(photos);
+  } catch (const host::Error& error) {
+    return ShowFailure(QString::fromStdString(error.what()));
+  }
   Change(tr("Add Photographs"), [&](const Document& d) {
     return WithPhotosAdded(d, static_cast<size_t>(std::max(at, 0)), photos,
                            [this](const std::string& photo) { return session_.SizeOf(photo); });

@@ -102,15 +102,15 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     // editor/drawing, which is another process, may open photos (host/effect).
     {"editor/document",
      {"catalogue", "framing", "motion", "host/base", "host/files", "host/moves", "host/options",
-      "host/plan", "host/project", "host/track"}},
+      "host/plan", "host/project", "host/track", "editor/rules"}},
     {"editor/rules",
      {"catalogue", "framing", "host/base", "host/options", "host/plan", "host/track"}},
     {"editor/messages", {"framing", "editor/rules", "host/base", "host/options"}},
     // The process that draws, which has no windows.
     {"editor/drawing",
      {"catalogue", "framing", "runtime/hfx", "host/base", "host/effect", "host/facts", "host/film",
-      "host/frames", "host/options", "host/plan", "host/project", "host/sandbox", "editor/messages",
-      "editor/rules"}},
+      "host/frames", "host/jobs", "host/options", "host/plan", "host/project", "host/sandbox",
+      "host/track", "editor/messages", "editor/rules"}},
     {"editor/preview",
      {"framing", "host/base", "host/plan", "host/playback", "host/project", "editor/messages",
       "editor/rules"}},

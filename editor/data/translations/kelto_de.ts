@@ -33,6 +33,25 @@
     </message>
 </context>
 <context>
+    <name>KeyPanel</name>
+    <message>
+        <source>Evenly</source>
+        <translation>Gleichmäßig</translation>
+    </message>
+    <message>
+        <source>Gently</source>
+        <translation>Sanft</translation>
+    </message>
+    <message>
+        <source>At one speed through all</source>
+        <translation>Mit einem Tempo durch alle</translation>
+    </message>
+    <message>
+        <source>Jump</source>
+        <translation>Sprung</translation>
+    </message>
+</context>
+<context>
     <name>Moves</name>
     <message>
         <source>Zoom in</source>
@@ -228,6 +247,41 @@
         <source>On the pictures of a slideshow</source>
         <translation>Auf den Bildern einer Diaschau</translation>
     </message>
+    <message>
+        <source>A frame back or on; Shift: a second</source>
+        <translation>Ein Bild zurück oder vor; Umschalt: eine Sekunde</translation>
+    </message>
+    <message>
+        <source>Look at the view longer or shorter; Ctrl: its way</source>
+        <translation>Die Ansicht länger oder kürzer betrachten; Strg: ihren Weg</translation>
+    </message>
+    <message>
+        <source>Ctrl+Left, Ctrl+Right</source>
+        <translation>Strg+Links, Strg+Rechts</translation>
+    </message>
+    <message>
+        <source>Previous and next key</source>
+        <translation>Voriger und nächster Schlüssel</translation>
+    </message>
+    <message>
+        <source>Remove the selected keys</source>
+        <translation>Die gewählten Schlüssel entfernen</translation>
+    </message>
+    <message>
+        <source>On the timeline</source>
+        <translation>Auf der Zeitleiste</translation>
+    </message>
+</context>
+<context>
+    <name>Sizes</name>
+    <message>
+        <source>Looking at the photographs…</source>
+        <translation>Die Fotos werden angesehen …</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
 </context>
 <context>
     <name>Timeline</name>
@@ -375,6 +429,57 @@
     <message>
         <source>Change Background</source>
         <translation>Hintergrund ändern</translation>
+    </message>
+</context>
+<context>
+    <name>kelto::editor::KeyPanel</name>
+    <message>
+        <source>Time</source>
+        <translation>Zeit</translation>
+    </message>
+    <message>
+        <source> s</source>
+        <translation> s</translation>
+    </message>
+    <message>
+        <source>Zoom</source>
+        <translation>Zoom</translation>
+    </message>
+    <message>
+        <source>Across</source>
+        <translation>Waagrecht</translation>
+    </message>
+    <message>
+        <source>From the photo’s middle, right, in widths of what zoom 1 shows</source>
+        <translation>Von der Mitte des Fotos nach rechts, in Breiten dessen, was Zoom 1 zeigt</translation>
+    </message>
+    <message>
+        <source>Down</source>
+        <translation>Senkrecht</translation>
+    </message>
+    <message>
+        <source>From the photo’s middle, down, in heights of what zoom 1 shows</source>
+        <translation>Von der Mitte des Fotos nach unten, in Höhen dessen, was Zoom 1 zeigt</translation>
+    </message>
+    <message>
+        <source>How</source>
+        <translation>Wie</translation>
+    </message>
+    <message>
+        <source>A film of keys</source>
+        <translation>Ein Film aus Schlüsseln</translation>
+    </message>
+    <message>
+        <source>%1 keys are selected</source>
+        <translation>%1 Schlüssel sind gewählt</translation>
+    </message>
+    <message>
+        <source>Select a key on the timeline to type its time and value</source>
+        <translation>Wählen Sie auf der Zeitleiste einen Schlüssel, um Zeit und Wert einzutippen</translation>
+    </message>
+    <message>
+        <source>%1, key %2 of %3</source>
+        <translation>%1, Schlüssel %2 von %3</translation>
     </message>
 </context>
 <context>
@@ -794,6 +899,10 @@ Macht aus Fotos Filme mit bewegtem Ausschnitt.</translation>
     <message>
         <source>&amp;Dark</source>
         <translation>&amp;Dunkel</translation>
+    </message>
+    <message>
+        <source>Change Key</source>
+        <translation>Schlüssel ändern</translation>
     </message>
 </context>
 <context>

@@ -1,5 +1,6 @@
 """Uses the editor as a person does, in a desktop of its own: opens a photo, drags the end view onto a
 detail, adds a stop, plays, saves, makes the film, and looks for the detail in the film's last frame.
+Then it is ended by force in the middle of a drag, which is taken up again.
 
 desktop_test.py PROGRAMS MODULE
 """
@@ -60,13 +61,13 @@ def is_white(r, g, b):
 
 
 class Editor:
-    def __init__(self, folder):
+    def __init__(self, folder, file="photo.png"):
         self.folder = folder
         self.project = os.path.join(folder, "photo.json")
         environment = {**os.environ, "QT_QPA_PLATFORM": "xcb", "KELTO_MODULE": MODULE, "HOME": folder,
                        "XDG_CONFIG_HOME": folder, "LC_ALL": "C.UTF-8", "QT_SCALE_FACTOR": "1"}
         self.process = subprocess.Popen([os.path.join(PROGRAMS, "kelto-edit"), "--theme", "dark",
-                                         os.path.join(folder, "photo.png")], env=environment)
+                                         os.path.join(folder, file)], env=environment)
         self.window = wait_for("the window", lambda: run(
             "sh", "-c", "xdotool search --onlyvisible --name 'Kelto Pan & Zoom' | head -1").strip())
         run("xdotool", "windowactivate", "--sync", self.window)
@@ -107,13 +108,14 @@ def part_of(view):
     return [float(number) for number in view["view"].split(",")]
 
 
-def drag(start, end):
+def drag(start, end, release=True):
     run("xdotool", "mousemove", *map(str, map(round, start)), "mousedown", "1")
     for step in range(1, 11):
         x, y = (a + (b - a) * step / 10 for a, b in zip(start, end))
         run("xdotool", "mousemove", str(round(x)), str(round(y)))
         time.sleep(0.02)
-    run("xdotool", "mouseup", "1")
+    if release:
+        run("xdotool", "mouseup", "1")
     time.sleep(0.3)
 
 
@@ -169,6 +171,32 @@ def use(folder):
     print(f"detail at {found_x:.2f}, {found_y:.2f}; by the view {expected_x:.2f}, {expected_y:.2f}")
 
 
+def crash(folder):
+    """Ends the editor by force in the middle of a drag, and takes the drag up again."""
+    editor = Editor(folder, "photo.json")
+    scale, left, top = wait_for("the photo on the canvas", lambda: canvas_of(editor.screen()))
+    with open(editor.project, encoding="utf-8") as file:
+        before = part_of(json.load(file)["views"][-1])
+    x, y = before[0] + before[2] / 2, before[1] + before[3] / 2
+    drag((left + x * scale, top + y * scale), (left + (x - 150) * scale, top + (y - 100) * scale), False)
+    kept = os.path.join(folder, ".photo.json.kelto-unsaved")
+    wait_for("what is kept of the drag", lambda: os.path.exists(kept))
+    time.sleep(1)
+    editor.process.kill()
+    editor.process.wait(30)
+    run("xdotool", "mouseup", "1")
+    editor = Editor(folder, "photo.json")
+    time.sleep(2)
+    editor.keys("Return")  # takes up the unsaved changes
+    wait_for("the photo on the canvas", lambda: canvas_of(editor.screen()))
+    after = part_of(editor.saved()["views"][-1])
+    off = max(abs(after[0] - before[0] + 150), abs(after[1] - before[1] + 100))
+    assert off <= 2 / scale + 10, f"the drag was taken up {off} pixels of the photo off: {before}, {after}"
+    assert not os.path.exists(kept), "nothing is unsaved any more"
+    editor.keys("ctrl+q")
+    editor.process.wait(30)
+
+
 def main():
     with tempfile.TemporaryDirectory() as folder:
         read, write = os.pipe()
@@ -180,6 +208,7 @@ def main():
         try:
             time.sleep(1)
             use(folder)
+            crash(folder)
         except BaseException:
             subprocess.run(["import", "-window", "root", "desktop_test.png"], check=False)
             print("desktop_test: the screen as it was: " + os.path.abspath("desktop_test.png"))

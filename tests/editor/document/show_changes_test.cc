@@ -7,6 +7,7 @@
 
 #include "editor/document/command_line.h"
 #include "editor/document/settings.h"
+#include "editor/document/show_fades.h"
 #include "editor/document/tour_changes.h"
 #include "host/base/error.h"
 #include "tests/editor/document/samples.h"
@@ -153,6 +154,33 @@ TEST_F(ShowDocument, KnowsWhereInTheSoundEachPictureBegins) {
   // The usual fade of a second is half of the last picture's at the most.
   EXPECT_EQ(begins(""), (std::vector{0.0, 2.5, 4.0}));
   EXPECT_EQ(begins(R"("title": "T", )"), (std::vector{3.5, 6.0, 7.5}));
+}
+
+TEST_F(ShowDocument, KnowsWhatFadesShowBesideEachPicture) {
+  Document document = show_;
+  FadesAround fades = FadesOf(document);
+  EXPECT_FALSE(fades.before);
+  EXPECT_EQ(fades.in, 0);
+  EXPECT_EQ(fades.out, 25) << "the usual second";
+  EXPECT_EQ(fades.after->photo, Path("b.bmp"));
+  document.picture = 1;
+  fades = FadesOf(document);
+  EXPECT_EQ(fades.before->photo, Path("a.bmp"));
+  EXPECT_EQ(fades.in, 25) << "half of the two seconds for which it is seen";
+  EXPECT_EQ(fades.out, 13) << "its own half second";
+  EXPECT_EQ(fades.after->photo, Path("c.bmp"));
+  EXPECT_FALSE(fades.dip);
+  document.picture = 2;
+  EXPECT_EQ(FadesOf(document).out, 0) << "nothing comes behind the last";
+  nlohmann::json json = Json(show_);
+  json["title"] = "Summer";
+  json["fadeKind"] = "dip";
+  fades = FadesOf({show_.path, json.dump()});
+  EXPECT_EQ(fades.title, "Summer");
+  EXPECT_EQ(fades.titleFrames, 100);
+  EXPECT_EQ(fades.in, 25);
+  EXPECT_TRUE(fades.dip);
+  EXPECT_EQ(FadesOf(PictureAlone(show_)).out, 0) << "a film of one picture has none";
 }
 
 TEST_F(ShowDocument, MovesByNameBecomeViewsThatCanBeSeen) {

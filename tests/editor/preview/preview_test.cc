@@ -13,6 +13,9 @@
 #include "host/base/error.h"
 #include "host/effect/photo.h"
 #include "host/frames/effect_session.h"
+#include "host/jobs/show_film.h"
+#include "host/jobs/slideshow.h"
+#include "host/jobs/title_frames.h"
 #include "host/plan/default_plan.h"
 #include "tests/support/photo.h"
 
@@ -64,7 +67,10 @@ class PreviewProcess : public testing::Test {
   QImage OfFilm(const host::RenderPlan& plan, int32_t number) {
     host::EffectSession session(KELTO_MODULE, plan, host::OpenPhoto(plan.photo),
                                 host::PixelLayout::kBGRA);
-    const host::FrameView view = session.Render(number);
+    return ImageOf(session.Render(number));
+  }
+
+  static QImage ImageOf(const host::FrameView& view) {
     return QImage(view.pixels, view.size.width, view.size.height, int(view.rowBytes),
                   QImage::Format_RGB32)
         .copy();
@@ -104,6 +110,72 @@ TEST_F(PreviewProcess, ShowsFieldsAsTheyWillBe) {
   preview_->Seek(12);
   ASSERT_TRUE(ShowsExactly(12));
   EXPECT_EQ(frame_.image, OfFilm(plan_, 12));
+}
+
+TEST_F(PreviewProcess, ShowsFadesTitleAndCaptionsOfAShowAsItsFilmDoes) {
+  test::WritePhoto(folder_ / "other.bmp", 200, 150, [](int32_t x, int32_t y) {
+    return test::Rgb{uint8_t(200 - x), uint8_t(y), uint8_t(x)};
+  });
+  host::RenderPlan other = plan_;
+  other.photo = folder_ / "other.bmp";
+  other.caption.text = "There";
+  plan_.caption.text = "Here";
+  for (const bool dip : {false, true}) {
+    const host::FadeKind kind = dip ? host::FadeKind::kDip : host::FadeKind::kCross;
+    // The film: a card, this picture, the other one.
+    std::vector<host::RenderPlan> plans = {plan_, other};
+    host::PlaceCaptions(plans, {10}, 6);
+    host::ShowFilm film(
+        KELTO_MODULE,
+        {plans, {host::OpenPhoto(plan_.photo), host::OpenPhoto(other.photo)}, {10}, kind},
+        host::PixelLayout::kBGRA);
+    FadesAround fades;
+    fades.after = other;
+    fades.out = 10;
+    fades.dip = dip;
+    fades.title = "Summer";
+    fades.titleFrames = 20;
+    fades.in = 6;
+    Open();
+    frame_ = {};
+    preview_->SetPlan(plan_, fades);
+    for (const int32_t frame : {6, 10, 15, 19, 24}) {
+      preview_->Seek(frame);
+      ASSERT_TRUE(ShowsExactly(frame));
+      EXPECT_EQ(frame_.image, ImageOf(film.Render(frame, 1.0))) << frame;
+    }
+    host::TitleFrames title("Summer", 20, {}, plan_.format, host::PixelLayout::kBGRA);
+    host::CrossFade blend(plan_.format, host::PixelLayout::kBGRA, kind);
+    preview_->Seek(2);
+    ASSERT_TRUE(ShowsExactly(2));
+    EXPECT_EQ(frame_.image, ImageOf(blend.Blend(title.At(16), film.Render(2, 1.0), 2, 6)));
+    // The other picture, behind this one.
+    fades = {};
+    fades.before = plan_;
+    fades.in = 10;
+    fades.dip = dip;
+    frame_ = {};
+    preview_->SetPlan(other, fades);
+    for (const int32_t frame : {0, 9, 10, 17}) {
+      preview_->Seek(frame);
+      ASSERT_TRUE(ShowsExactly(frame));
+      EXPECT_EQ(frame_.image, ImageOf(film.Render(15 + frame, 1.0))) << frame;
+    }
+  }
+  EXPECT_TRUE(failures_.empty());
+}
+
+TEST_F(PreviewProcess, ShowsAPictureAloneWhereTheOneBesideItCannotBeRead) {
+  host::RenderPlan missing = plan_;
+  missing.photo = folder_ / "missing.bmp";
+  FadesAround fades;
+  fades.before = missing;
+  fades.in = 10;
+  Open();
+  preview_->SetPlan(plan_, fades);
+  ASSERT_TRUE(ShowsExactly(0));
+  EXPECT_EQ(frame_.image, OfFilm(plan_, 0));
+  EXPECT_TRUE(failures_.empty());
 }
 
 TEST_F(PreviewProcess, FollowsAPlanThatChanges) {

@@ -7,12 +7,15 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QProgressDialog>
 #include <QSignalSpy>
+#include <QTimer>
 
 #include "editor/document/recovery.h"
 #include "editor/document/settings.h"
 #include "editor/document/tour_changes.h"
 #include "editor/preview/photo_size.h"
+#include "editor/window/sizes_dialog.h"
 #include "tests/editor/window/support.h"
 
 namespace kelto::editor {
@@ -117,6 +120,84 @@ TEST(Session, AFaultInADecoderLeavesTheEditorAsItIs) {
   EXPECT_FALSE(session.Open(photo));
   ASSERT_EQ(failed.size(), 1);
   EXPECT_EQ(failed[0][0].toString(), photo + ": the process that reads it stopped unexpectedly");
+}
+
+/// kelto-preview, with a file that counts how often it was started.
+class CountedPreview {
+ public:
+  /// `before` is what a shell does ahead of it.
+  CountedPreview(const PhotoFolder& folder, const QString& before)
+      : script_(folder.File("preview.sh")), starts_(folder.File("starts")) {
+    QFile script(script_);
+    EXPECT_TRUE(script.open(QIODevice::WriteOnly));
+    script.write(QString("#!/bin/sh\necho >>'%1'\n%2\nexec '%3' \"$@\"\n")
+                     .arg(starts_, before, KELTO_PREVIEW)
+                     .toUtf8());
+    script.close();
+    EXPECT_TRUE(script.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+  }
+  qint64 Starts() const { return QFileInfo(starts_).size(); }
+  FoundSizes Find(const std::vector<std::string>& photos, const SizesProgress& progress = {}) {
+    return FindPhotoSizes(script_, KELTO_MODULE, photos, progress);
+  }
+
+ private:
+  QString script_, starts_;
+};
+
+TEST(Session, OneProcessReadsTheSizesOfAFolder) {
+  const PhotoFolder folder;
+  QStringList photos;
+  for (int i = 0; i < 12; ++i) {
+    photos << folder.File(QString("%1.png").arg(i, 2, 10, QChar('0')));
+    ASSERT_TRUE(QImage(20 + i, 16, QImage::Format_RGB32).save(photos.last()));
+  }
+  CountedPreview preview(folder, "");
+  Session session([&](const std::string& photo) { return preview.Find({photo})[photo].size; },
+                  [&](const std::vector<std::string>& some) { return preview.Find(some); });
+  ASSERT_TRUE(session.Open(photos));
+  EXPECT_EQ(session.Pictures().size(), 12u);
+  EXPECT_EQ(preview.Starts(), 1);
+  EXPECT_EQ(session.SizeOf(photos[5].toStdString()).width, 25);
+}
+
+TEST(Session, APhotoThatEndsTheProcessLeavesTheOthersTheirSizes) {
+  const PhotoFolder folder;
+  const std::string good = folder.Photo().toStdString(), bad = folder.File("a.jpg").toStdString(),
+                    missing = folder.File("missing.png").toStdString();
+  ASSERT_TRUE(QImage(folder.Photo()).save(QString::fromStdString(bad)));
+  FaultyDecoder faulty;
+  faulty.Set("KELTO_TEST_PRINTS_IN", "jpeg_read_header");
+  faulty.Set("KELTO_TEST_PRINTS", "corrupt marker\n");
+  faulty.Set("KELTO_TEST_ABORTS", "1");
+  FoundSizes found = FindPhotoSizes(KELTO_PREVIEW, KELTO_MODULE, {missing, bad, good});
+  EXPECT_NE(found[missing].fault.find(missing), std::string::npos) << found[missing].fault;
+  EXPECT_EQ(found[bad].fault, bad + ": the process that reads it stopped unexpectedly");
+  EXPECT_EQ(found[good].fault, "");
+  EXPECT_EQ(found[good].size.width, 1600);
+}
+
+TEST(Session, TheWindowGoesOnWhilePhotosAreLookedAtWhichCanBeCancelled) {
+  const PhotoFolder folder;
+  CountedPreview slow(folder, "exec sleep 60");
+  int turns = 0;
+  QTimer timer;
+  QObject::connect(&timer, &QTimer::timeout, &timer, [&] {
+    ++turns;
+    for (QWidget* top : QApplication::topLevelWidgets()) {
+      if (auto* dialog = qobject_cast<QProgressDialog*>(top)) dialog->cancel();
+    }
+  });
+  timer.start(20);
+  const std::string photo = folder.Photo().toStdString();
+  FoundSizes found = FindWithDialog(
+      {photo},
+      [&](const std::vector<std::string>& some, const SizesProgress& progress) {
+        return slow.Find(some, progress);
+      },
+      nullptr);
+  EXPECT_GE(turns, 3);
+  EXPECT_EQ(found[photo].fault, photo + ": not read; reading was cancelled");
 }
 
 TEST(Session, ADecoderThatAFileHasTakenOverReachesNothingElse) {

@@ -132,6 +132,27 @@ TEST_F(ShowWindow, ThumbnailsComeFromAnotherProcess) {
   EXPECT_GT(shade(1).green(), 150);
 }
 
+TEST_F(ShowWindow, TheFilmHasMostOfItsSideOnASmallScreen) {
+  window_.resize(1280, 720);
+  auto* film = window_.findChild<PreviewView*>();
+  auto* side = qobject_cast<QSplitter*>(film->parentWidget());
+  ASSERT_NE(side, nullptr);
+  EXPECT_TRUE(WaitFor([&] { return film->height() * 10 >= side->height() * 6; }))
+      << film->height() << " of " << side->height();
+}
+
+TEST_F(ShowWindow, APortraitFillsItsThumbnail) {
+  QImage portrait(200, 600, QImage::Format_RGB32);
+  portrait.fill(Qt::white);
+  ASSERT_TRUE(portrait.save(folder_.filePath("portrait.png")));
+  ASSERT_TRUE(
+      window_.Open(QStringList{folder_.filePath("portrait.png"), folder_.filePath("2.png")}));
+  const auto corner = [&] {
+    return list_->item(0)->icon().pixmap(Strip::kThumbnail).toImage().pixelColor(2, 2);
+  };
+  EXPECT_TRUE(WaitFor([&] { return corner().red() > 240 && corner().green() > 240; }));
+}
+
 TEST_F(ShowWindow, SavedItIsOpenedAgainAsItWas) {
   window_.TheSession().SelectPicture(2);
   QTest::keyClick(&window_.TheCanvas(), Qt::Key_Right);

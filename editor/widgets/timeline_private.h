@@ -1,0 +1,57 @@
+// What the timeline is doing, and what events make of it.
+#pragma once
+
+#include <QPointF>
+#include <QRectF>
+#include <optional>
+#include <vector>
+
+#include "editor/widgets/timeline.h"
+#include "editor/widgets/timeline_layout.h"
+
+class QKeyEvent;
+class QMouseEvent;
+
+namespace kelto::editor {
+
+class Timeline::Private {
+ public:
+  explicit Private(Timeline* owner) : owner_(owner) {}
+
+  TimelineRows Rows() const { return RowsOf(scene_, owner_->size()); }
+  void Refit();
+  void Press(QMouseEvent& event);
+  void PressKey(const KeyPlace& key, Qt::KeyboardModifiers modifiers);
+  void Move(QMouseEvent& event);
+  void Release();
+  void DragKeys(double by);
+  void AskTime(double x);
+  /// These keys are the selected ones from now on, in order.
+  void Select(std::vector<KeyPlace> keys);
+  /// The key ahead of the selected one or behind it becomes the selected one.
+  bool SelectNext(bool back);
+  bool Key(const QKeyEvent& event);
+  /// The selected stop held, or its way taking, this much longer.
+  void Lengthen(bool way, double by);
+  std::optional<TimeEdge> Edge(QPointF at) const;
+  /// Places of a lane's selected keys.
+  std::vector<size_t> SelectedOf(size_t lane) const;
+
+  Timeline* owner_;
+  TimelineScene scene_;
+  double seconds_ = 0.0;
+  TimeAxis axis_;
+  bool fitted_ = true;  ///< all of the film is seen
+  std::vector<KeyPlace> selected_, copied_;
+
+  enum class Doing { kNothing, kScrub, kEdge, kKeys, kBand } doing_ = Doing::kNothing;
+  QPointF pressedAt_;
+  TimeEdge edge_;
+  StopTimes before_;                              ///< the stops as the drag began
+  TimeAxis axisBefore_;                           ///< edges keep under the pointer
+  std::vector<std::vector<double>> lanesBefore_;  ///< times of the lanes' keys then
+  std::optional<Gesture> gesture_;
+  QRectF band_;
+};
+
+}  // namespace kelto::editor
