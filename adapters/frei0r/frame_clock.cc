@@ -36,8 +36,18 @@ FrameClock FrameClock::OfMilliseconds() {
   return clock;
 }
 
+FrameClock FrameClock::OfSeconds() {
+  FrameClock clock;
+  clock.unit_ = Unit::kNearest;
+  return clock;
+}
+
 int64_t FrameClock::Read(double time, double rate) {
   const int64_t counted = last_ + 1;
+  if (unit_ == Unit::kNearest) {
+    // A picture without a time is counted on.
+    return time >= 0.0 && time <= kMaxSeconds ? std::llround(time * rate) : counted;
+  }
   if (unit_ == Unit::kNone) return counted;
   const auto seconds = WholeFrame(time, rate);
   const auto milliseconds = WholeFrame(time / 1000.0, rate);

@@ -20,6 +20,10 @@ class KELTO_PLATFORM_API FrameClock {
   /// Of a host that is known to give milliseconds: without that, a first time such as 400 could be
   /// either.
   static FrameClock OfMilliseconds();
+  /// Of a host that is known to give the seconds at which a picture is shown, those of live
+  /// pictures, too, which come when they come: the frame is the nearest one, whatever was dropped
+  /// before.
+  static FrameClock OfSeconds();
 
   /// The frame, from 0, that a call at `time` shows in a stream of `rate` frames a second (29.97
   /// and its like stand for the exact 1000/1001 rates).
@@ -35,7 +39,7 @@ class KELTO_PLATFORM_API FrameClock {
   bool MissesRate() const;
 
  private:
-  enum class Unit { kUnknown, kSeconds, kMilliseconds, kNone };
+  enum class Unit { kUnknown, kSeconds, kMilliseconds, kNearest, kNone };
   int64_t Read(double time, double rate);
 
   Unit unit_ = Unit::kUnknown;

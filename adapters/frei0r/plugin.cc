@@ -53,8 +53,7 @@ KELTO_FREI0R_EXPORT void f0r_get_param_info(ParameterInfo* info, int index) {
 KELTO_FREI0R_EXPORT void* f0r_construct(unsigned int width, unsigned int height) {
   try {
     const void* caller = __builtin_return_address(0);
-    return new Adapter(kRole, width, height, RowLength(caller, width),
-                       GivesMilliseconds(caller) ? FrameClock::OfMilliseconds() : FrameClock());
+    return new Adapter(kRole, width, height, RowLength(caller, width), ClockOf(caller));
   } catch (const std::bad_alloc&) {
     return nullptr;
   }

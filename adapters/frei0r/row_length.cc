@@ -12,16 +12,18 @@ namespace {
 constexpr unsigned kMeasuredMajor = 8;
 constexpr uint32_t kPixelsOf64Bytes = 16;
 
-/// The file of FFmpeg's filter library, when `code` lies in that; else null.
-const char* FilterLibrary(const void* code) {
+constexpr std::string_view kFfmpegsFilters = "libavfilter", kGstreamersWrapper = "libgstfrei0r";
+
+/// The file of the library, by a part of its name, when `code` lies in that; else null.
+const char* FileOf(std::string_view library, const void* code) {
   Dl_info info{};
   if (dladdr(code, &info) == 0 || info.dli_fname == nullptr) return nullptr;
-  const bool is = std::string_view(info.dli_fname).find("libavfilter") != std::string_view::npos;
-  return is ? info.dli_fname : nullptr;
+  return std::string_view(info.dli_fname).find(library) != std::string_view::npos ? info.dli_fname
+                                                                                  : nullptr;
 }
 
 bool IsMeasuredFilterLibrary(const void* code) {
-  const char* file = FilterLibrary(code);
+  const char* file = FileOf(kFfmpegsFilters, code);
   if (file == nullptr) return false;
   void* library = dlopen(file, RTLD_NOW | RTLD_NOLOAD);
   if (library == nullptr) return false;
@@ -38,6 +40,10 @@ uint32_t RowLength(const void* caller, uint32_t width) {
   return width + kPixelsOf64Bytes - width % kPixelsOf64Bytes;
 }
 
-bool GivesMilliseconds(const void* caller) { return FilterLibrary(caller) != nullptr; }
+FrameClock ClockOf(const void* caller) {
+  if (FileOf(kFfmpegsFilters, caller) != nullptr) return FrameClock::OfMilliseconds();
+  if (FileOf(kGstreamersWrapper, caller) != nullptr) return FrameClock::OfSeconds();
+  return {};
+}
 
 }  // namespace kelto::frei0r

@@ -1,4 +1,4 @@
-// How far apart a host's rows really are.
+// What hosts do in their own way: how far apart their rows are, and what their times mean.
 //
 // The interface says that rows have no padding, and MLT and GStreamer keep to it. FFmpeg hands out
 // frames whose rows are padded to 64 bytes: at widths that are no multiple of 16, such as 854, 1366
@@ -7,6 +7,7 @@
 
 #include <cstdint>
 
+#include "adapters/frei0r/frame_clock.h"
 #include "platform/api.h"
 
 namespace kelto::frei0r {
@@ -16,7 +17,8 @@ namespace kelto::frei0r {
 /// guess would write past a frame's end.
 KELTO_PLATFORM_API uint32_t RowLength(const void* caller, uint32_t width);
 
-/// Whether the host whose code `caller` lies in hands over times in milliseconds, as FFmpeg does.
-KELTO_PLATFORM_API bool GivesMilliseconds(const void* caller);
+/// The clock for the times of the host whose code `caller` lies in: milliseconds in FFmpeg, the
+/// buffers' own seconds in GStreamer, unknown in others.
+KELTO_PLATFORM_API FrameClock ClockOf(const void* caller);
 
 }  // namespace kelto::frei0r

@@ -38,6 +38,26 @@ TEST(FrameClock, OfMillisecondsCountsForGoodAfterATimeThatIsNoFrame) {
   EXPECT_EQ(clock.Next(40.0, 25.0), 3);
 }
 
+TEST(FrameClock, OfSecondsTakesTheNearestFrameWhateverComesBetween) {
+  FrameClock clock = FrameClock::OfSeconds();
+  for (const double late : {0.0, 0.004, 0.013, -0.008}) {  // as live pictures come
+    for (const int64_t frame : {1, 2, 3, 10, 5, 5, 5000}) {
+      EXPECT_EQ(clock.Next(frame / 25.0 + late, 25.0), frame);
+      EXPECT_FALSE(clock.MissesRate());
+    }
+  }
+  EXPECT_EQ(FrameClock::OfSeconds().Next(2.513, 25.0), 63);  // begun in the middle
+}
+
+TEST(FrameClock, OfSecondsCountsOnWithoutATime) {
+  FrameClock clock = FrameClock::OfSeconds();
+  EXPECT_EQ(clock.Next(0.4, 25.0), 10);
+  EXPECT_EQ(clock.Next(1.8446744073709553e10, 25.0), 11);
+  EXPECT_EQ(clock.Next(-1.0, 25.0), 12);
+  EXPECT_EQ(clock.Next(std::numeric_limits<double>::quiet_NaN(), 25.0), 13);
+  EXPECT_EQ(clock.Next(0.6, 25.0), 15);
+}
+
 TEST(FrameClock, MillisecondsRoundedToWholeOnesAreRead) {
   FrameClock clock;
   const double rate = 30000.0 / 1001;

@@ -111,6 +111,63 @@ TEST_F(GStreamer, ViewsGivenBesideAnInterlacedProjectGoSteadily) {
       "steady");
 }
 
+/// Frames of these numbers, one behind the other.
+Frames Chosen(const Frames& film, const std::vector<size_t>& numbers) {
+  Frames chosen{film.width, film.height, {}};
+  const size_t length = film.bytes.size() / film.Count();
+  for (const size_t number : numbers) {
+    const auto start = film.bytes.begin() + static_cast<ptrdiff_t>(number * length);
+    chosen.bytes.insert(chosen.bytes.end(), start, start + static_cast<ptrdiff_t>(length));
+  }
+  return chosen;
+}
+
+const Words kGstreamerLongMove{"--frames", "12",         "--from",       "1.2@0.1,0",
+                               "--to",     "2@-0.2,0.1", "--background", "#203040"};
+
+TEST_F(GStreamer, DroppedFramesDoNotSlowAMotionWhereverItsTimesLie) {
+  const Size size{320, 180};
+  const Frames film = RenderByCommand(photo_, size, kGstreamerLongMove);
+  // Live pictures come at times of their own.
+  for (const char* late : {"0", "4081359"}) {
+    const Frames frames =
+        Launch({"videotestsrc", "num-buffers=12", std::string("timestamp-offset=") + late, "!",
+                Caps(size), "!", "videorate", "drop-only=true", "!", "video/x-raw,framerate=25/3",
+                "!", "frei0r-filter-kelto-pan-zoom", "image=" + photo_, "from=1.2@0.1,0",
+                "to=2@-0.2,0.1", "background=#203040", "frames=12"},
+               size);
+    ASSERT_GE(frames.Count(), 3u) << late;
+    std::vector<size_t> numbers;
+    for (size_t number = 0; numbers.size() < frames.Count(); number += 3) numbers.push_back(number);
+    ExpectSameFrames(frames, Chosen(film, numbers), std::string("late ") + late);
+  }
+}
+
+TEST_F(GStreamer, AChangeOfCapsLeavesTheMotionWhereItIs) {
+  const Size before{320, 180}, after{160, 90};
+  for (int i = 0; i < 8; ++i) {
+    const Size size = i < 5 ? before : after;
+    ASSERT_EQ(RunProgram({"ffmpeg", "-nostdin", "-v", "error", "-f", "lavfi", "-i",
+                          "color=gray:size=" + size.Text(), "-frames:v", "1",
+                          folder_ / (std::to_string(i) + ".png")})
+                  .code,
+              0);
+  }
+  // 24 fps, read as the 25 of a plug-in that was given no rate: the nearest frames are these.
+  const Frames frames =
+      Launch({"multifilesrc", "location=" + (folder_ / "%d.png"), "stop-index=7",
+              "caps=image/png,framerate=24/1", "!", "pngdec", "!", "videoconvert", "!",
+              "video/x-raw,format=BGRA", "!", "frei0r-filter-kelto-pan-zoom", "image=" + photo_,
+              "from=1.2@0.1,0", "to=2@-0.2,0.1", "background=#203040", "frames=8"},
+             {1, 1});
+  Words move = kGstreamerLongMove;
+  move[1] = "8";
+  Frames expected = Chosen(RenderByCommand(photo_, before, move), {0, 1, 2, 3, 4});
+  const Frames later = Chosen(RenderByCommand(photo_, after, move), {5, 6, 7});
+  expected.bytes.insert(expected.bytes.end(), later.bytes.begin(), later.bytes.end());
+  ExpectSameFrames(frames, expected, "caps");
+}
+
 TEST_F(GStreamer, LookingAtAnElementOpensNoPhotographAndSaysNothing) {
   const Outcome outcome = RunProgram({"gst-inspect-1.0", "frei0r-filter-kelto-pan-zoom"});
   EXPECT_EQ(outcome.code, 0) << outcome.err;
