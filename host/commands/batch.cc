@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <numeric>
 #include <system_error>
 
 #include "host/base/error.h"
@@ -23,7 +25,7 @@
 #include "host/jobs/film_record.h"
 #include "host/jobs/picture_list.h"
 #include "host/jobs/picture_memory.h"
-#include "host/jobs/task_line.h"
+#include "host/jobs/task_plan.h"
 #include "host/plan/default_plan.h"
 #include "host/processes/task_processes.h"
 #include "host/sources/media.h"
@@ -41,7 +43,7 @@ namespace fs = std::filesystem;
 /// The options as they were typed; empty where nothing was.
 struct BatchOptions {
   std::vector<std::string> inputs;
-  std::string folder, order;
+  std::string folder, order, planForm;
   bool resume = false, list = false;
   FilmOptions film;
   PlanOptions plan;
@@ -75,9 +77,11 @@ class Batch {
     // What Run would refuse; only a module that is named must be the same elsewhere.
     JobsAsked(options_.film, 1);
     if (!options_.film.module.empty()) FindModule(options_.film.module);
-    std::string tasks;
-    for (const Item& item : items_) tasks += TaskLine(TaskOf(item)) + "\n";
-    PrintResult(tasks);
+    const std::string program = TextOf(ProgramFile());
+    std::vector<FilmTask> tasks;
+    for (const Item& item : items_) tasks.push_back(TaskOf(item));
+    PrintResult(PlanText(options_.planForm.empty() ? PlanForms().front() : options_.planForm,
+                         program.empty() ? "kelto" : program, tasks));
   }
 
   void Run() {
@@ -121,17 +125,30 @@ class Batch {
 
   void MakeFilms(int32_t jobs) {
     Progress progress("film", std::max<int64_t>(1, static_cast<int64_t>(items_.size())));
-    const TaskList tasks{
-        items_.size(), PictureMemory(),
-        [&](size_t index, const AwaitMemory& await) { Make(items_[index], await); },
-        [&](size_t index, const std::string& failure) {
-          Tell(items_[index], failure);
-          progress.Show(++over_);
-        },
-        [&](size_t index, const std::string& text) {
-          const std::string& picture = items_[index].picture;
-          PrintMessage(text.starts_with(picture) ? text : picture + ": " + text);
-        }};
+    std::map<size_t, double> underWay;  // how much of each film
+    const auto show = [&] {
+      progress.Show(
+          std::accumulate(underWay.begin(), underWay.end(), static_cast<double>(over_),
+                          [](double sum, const auto& film) { return sum + film.second; }));
+    };
+    const TaskList tasks{items_.size(),
+                         PictureMemory(),
+                         [&](size_t index, const TaskOwner& owner) { Make(items_[index], owner); },
+                         [&](size_t index, const std::string& failure) {
+                           Tell(items_[index], failure);
+                           underWay.erase(index);
+                           ++over_;
+                           show();
+                         },
+                         [&](size_t index, const std::string& text) {
+                           const std::string& picture = items_[index].picture;
+                           PrintMessage(text.starts_with(picture) ? text : picture + ": " + text);
+                         },
+                         [&](size_t index, double share) {
+                           underWay[index] = share;
+                           show();
+                         }};
+    show();
     try {
       RunTasks(tasks, jobs);
     } catch (const Error&) {
@@ -198,7 +215,7 @@ class Batch {
     return asAsked && IsTheFilm(*record, item.film) && IsCurrent(*record);
   }
 
-  void Make(const Item& item, const AwaitMemory& await) const {
+  void Make(const Item& item, const TaskOwner& owner) const {
     FilmJob job;
     const RenderPlan plan = AtPlaceOf({item.picture, "", item.place}, [&] {
       return PlanFor(item.picture, item.options->plan,
@@ -211,10 +228,13 @@ class Batch {
     job.ends = EndsAsked(options_.film, plan.format, plan.frames);
     job.depth = DepthAskedBy(options_.film);
     CheckJob(job);
-    await(job.memory);
+    owner.await(job.memory);
     MakeOnRecord(item.record,
                  RecordOf({item.picture, plan.photo, plan.over, plan.audio}, item.options->words),
-                 item.film, [&] { MakeFilm(job, [](int32_t) {}); });
+                 item.film, [&] {
+                   const auto frames = static_cast<double>(job.scene.part.Count());
+                   MakeFilm(job, [&](int32_t done) { owner.report(done / frames); });
+                 });
   }
 
   void Tell(const Item& item, const std::string& failure) {
@@ -233,26 +253,18 @@ class Batch {
     }
   }
 
-  std::vector<std::string> TaskOf(const Item& item) const {
-    const std::string program = TextOf(ProgramFile());
-    std::vector<std::string> task{program.empty() ? "kelto" : program,
-                                  "render",
-                                  AbsoluteText(item.picture),
-                                  "-o",
-                                  AbsoluteText(item.film),
-                                  "--jobs",
-                                  "1",
-                                  "--record",
-                                  AbsoluteText(item.record)};
+  FilmTask TaskOf(const Item& item) const {
+    FilmTask task{
+        AbsoluteText(item.picture), AbsoluteText(item.film), AbsoluteText(item.record), {}};
     if (!options_.film.module.empty()) {
-      task.insert(task.end(), {"--module", AbsoluteText(options_.film.module)});
+      task.options.insert(task.options.end(), {"--module", AbsoluteText(options_.film.module)});
     }
-    if (options_.film.strict) task.emplace_back("--strict");
+    if (options_.film.strict) task.options.emplace_back("--strict");
     if (CurrentSandboxUse() != SandboxUse::kAvailable) {
       const bool none = CurrentSandboxUse() == SandboxUse::kNone;
-      task.emplace_back(none ? "--no-sandbox" : "--sandbox");
+      task.options.emplace_back(none ? "--no-sandbox" : "--sandbox");
     }
-    task.insert(task.end(), item.options->words.begin(), item.options->words.end());
+    task.options.insert(task.options.end(), item.options->words.begin(), item.options->words.end());
     return task;
   }
 
@@ -267,7 +279,7 @@ class Batch {
 void Run(const BatchOptions& options, const CLI::App& command) {
   ApplyReporting(options.film);
   Batch batch(options, WordsGiven(command));
-  if (options.list) {
+  if (options.list || !options.planForm.empty()) {
     batch.PrintTasks();
   } else {
     batch.Run();
@@ -302,6 +314,13 @@ CLI::App* AddBatch(CLI::App& app) {
                  "Print the work as lines for a shell, a film each, and do nothing; with --resume "
                  "those that are left")
       ->group("Work");
+  command
+      ->add_option(
+          "--plan-as", options->planForm,
+          "Print the work as a shell's lines (shell), a job array for sbatch (slurm) or a job "
+          "template of Open Job Description (openjd), and do nothing [shell]")
+      ->group("Work")
+      ->type_name("FORM");
   DeclarePlan(*command, options->plan);
   command->final_callback([options, command] { Run(*options, *command); });
   return command;

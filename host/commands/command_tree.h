@@ -38,7 +38,10 @@ std::string BashScript(const CLI::App& app);
 std::string ZshScript(const CLI::App& app);
 std::string FishScript(const CLI::App& app);
 
-/// The manual page, in the man macros.
+/// The manual page of the program, in the man macros; it names the pages of the commands.
 std::string ManPage(const CLI::App& app);
+
+/// That of a command, kelto-NAME(1). Throws UsageError where there is none of the name.
+std::string ManPageOf(const CLI::App& app, const std::string& name);
 
 }  // namespace kelto::host

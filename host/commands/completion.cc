@@ -7,6 +7,7 @@
 #include "host/commands/command_tree.h"
 #include "host/film/codecs.h"
 #include "host/film/formats.h"
+#include "host/jobs/task_plan.h"
 #include "host/moves/presets.h"
 #include "host/options/choices.h"
 #include "host/options/size.h"
@@ -35,6 +36,7 @@ std::vector<std::string> WordsFor(const std::string& name) {
   if (name == "--speed") words.assign(SpeedWords().begin(), SpeedWords().end());
   if (name == "--ease") words = {"smooth", "linear", "in", "out"};
   if (name == "--depth") words = {"auto", "8", "10", "16"};
+  if (name == "--plan-as") words.assign(PlanForms().begin(), PlanForms().end());
   if (name == "--order") words = {"natural", "given"};
   if (name == "--fit") words = {"fill", "whole"};
   if (name == "--move") {
@@ -59,13 +61,18 @@ OptionFacts FactsOf(const CLI::Option& option) {
   return facts;
 }
 
-void Run(const CLI::App& app, const std::string& shell) {
+void Run(const CLI::App& app, const std::string& shell, const std::string& page) {
   struct Writer {
     const char* name;
     std::string (*write)(const CLI::App&);
   };
   constexpr Writer kWriters[] = {
       {"bash", BashScript}, {"zsh", ZshScript}, {"fish", FishScript}, {"man", ManPage}};
+  if (!page.empty()) {
+    if (shell != "man") throw UsageError(page + ": only manual pages are of a command each");
+    PrintResult(ManPageOf(app, page));
+    return;
+  }
   for (const Writer& writer : kWriters) {
     if (shell != writer.name) continue;
     PrintResult(writer.write(app));
@@ -107,7 +114,10 @@ CLI::App* AddCompletion(CLI::App& app) {
   command->add_option("SHELL", *shell, "bash, zsh or fish; man for the manual page")
       ->required()
       ->type_name("");
-  command->final_callback([shell, &app] { Run(app, *shell); });
+  const auto page = std::make_shared<std::string>();
+  command->add_option("COMMAND", *page, "With man, the command whose page it is [kelto itself]")
+      ->type_name("");
+  command->final_callback([shell, page, &app] { Run(app, *shell, *page); });
   return command;
 }
 

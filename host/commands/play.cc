@@ -31,18 +31,19 @@ struct PlayOptions {
 PlayerFilm ShowToPlay(const PlayOptions& options, const CLI::App& command,
                       const std::string& module, SandboxAccess& access) {
   OpenedShow show = OpenShow(options.show, command, access, true);
-  PlayerFilm film{NameOf(options.input), show.plans.plans.front().format,
-                  FramesOfShow(show) - show.lead};
+  PlayerFilm film{NameOf(options.input), show.plans.plans.front().format, FramesOfShow(show)};
   film.target = ShowsTarget(show.plans.plans.front());
   for (const int32_t begin : BeginningsOf(show.plans.plans, show.plans.fades)) {
-    film.marks.push_back(static_cast<double>(begin) / std::max(film.frames - 1, 1));
+    film.marks.push_back(static_cast<double>(show.title.Lead() + begin) /
+                         std::max(film.frames - 1, 1));
   }
   film.marks.pop_back();
   for (RenderPlan& plan : show.plans.plans) plan = ForPlaying(std::move(plan));
   film.open = [module, show] {
-    return std::make_unique<ShowFilm>(
-        module, ShowScenes{show.plans.plans, show.plans.photos, show.plans.fades, show.fadeKind},
-        PixelLayout::kBGRA);
+    return std::make_unique<ShowFilm>(module,
+                                      ShowScenes{show.plans.plans, show.plans.photos,
+                                                 show.plans.fades, show.fadeKind, show.title},
+                                      PixelLayout::kBGRA);
   };
   return film;
 }

@@ -81,13 +81,12 @@ OpenedShow OpenShow(const ShowOptions& options, const CLI::App& command, Sandbox
   show.plans = PlansFor(pictures, [](const RenderPlan&, const Photo&) {});
   SetFades(pictures, show.plans);
   CheckFormats(show.plans.plans);
-  int32_t titleFade = 0;
   if (!pictures.title.empty()) {
-    const int32_t card = FramesOf(kTitleSeconds, show.plans.plans.front().format.rate);
-    titleFade = TitleFadeFor(card, pictures, show.plans);
-    show.lead = card - titleFade;
+    show.title.text = pictures.title;
+    show.title.frames = FramesOf(kTitleSeconds, show.plans.plans.front().format.rate);
+    show.title.fade = TitleFadeFor(show.title.frames, pictures, show.plans);
   }
-  PlaceCaptions(show.plans.plans, show.plans.fades, titleFade);
+  PlaceCaptions(show.plans.plans, show.plans.fades, show.title.fade);
   if (pictures.fadeKind == "dip") show.fadeKind = FadeKind::kDip;
   show.audio = options.plan.audio.empty() ? pictures.audio : options.plan.audio;
   return show;
@@ -103,7 +102,7 @@ int32_t FramesOfShow(const OpenedShow& show) {
   Slideshow film;
   film.plans = show.plans.plans;
   film.fades = show.plans.fades;
-  film.title.frames = show.lead;
+  film.title = show.title;
   return SlideshowFrames(film);
 }
 
@@ -113,7 +112,7 @@ std::vector<PictureOfShow> PlacedPictures(const OpenedShow& show) {
   std::vector<PictureOfShow> pictures;
   for (size_t i = 0; i < plans.size(); ++i) {
     pictures.push_back(
-        {plans[i], photos[i], show.lead + begins[i], i < fades.size() ? fades[i] : 0});
+        {plans[i], photos[i], show.title.Lead() + begins[i], i < fades.size() ? fades[i] : 0});
   }
   return pictures;
 }

@@ -6,6 +6,7 @@
 #include "host/commands/show_plans.h"
 #include "host/facts/show_summary.h"
 #include "host/jobs/cross_fade.h"
+#include "host/jobs/slideshow.h"
 
 namespace CLI {
 class App;
@@ -22,7 +23,7 @@ struct OpenedShow {
   ShowPlans plans;
   std::string audio;  ///< its project's or that of --audio; empty for none
   FadeKind fadeKind = FadeKind::kCross;
-  int32_t lead = 0;  ///< frames of its title's card before the first picture begins; 0 without one
+  TitleCard title{};
 };
 
 /// Looks at the show that `options` names, all of whose plans make one kind of film; `command` has

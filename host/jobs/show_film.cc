@@ -23,7 +23,11 @@ ShowFilm::ShowFilm(std::string module, ShowScenes scenes, PixelLayout layout)
       scenes_(std::move(scenes)),
       layout_(layout),
       beginnings_(BeginningsOf(scenes_.plans, scenes_.fades)),
-      fade_(scenes_.plans.front().format, layout, scenes_.fadeKind) {}
+      fade_(scenes_.plans.front().format, layout, scenes_.fadeKind) {
+  if (scenes_.title.frames == 0) return;
+  title_ = std::make_unique<TitleFrames>(scenes_.title.text, scenes_.title.frames, Colour{},
+                                         scenes_.plans.front().format, layout);
+}
 
 EffectSession& ShowFilm::SessionOf(size_t picture) {
   Turn& turn = turns_[picture % turns_.size()];
@@ -39,13 +43,20 @@ EffectSession& ShowFilm::SessionOf(size_t picture) {
 }
 
 FrameView ShowFilm::Render(int32_t number, double quality) {
+  const int32_t lead = scenes_.title.Lead();
+  if (number < lead) return title_->At(number);
+  const int32_t card = number;  // as the card counts
+  number -= lead;
   // The last picture that has begun. The film's length is no picture's beginning.
   const auto after = std::upper_bound(beginnings_.begin(), beginnings_.end() - 1, number);
   const auto picture = static_cast<size_t>(after - beginnings_.begin()) - 1;
   const int32_t step = number - beginnings_[picture];
   EffectSession& shown = SessionOf(picture);
-  const int32_t fade = picture > 0 ? scenes_.fades[picture - 1] : 0;
+  const int32_t fade = picture > 0 ? scenes_.fades[picture - 1] : scenes_.title.fade;
   if (step >= fade) return shown.Render(step, quality);
+  if (picture == 0) {
+    return fade_.Blend(title_->At(card), shown.Render(step, quality), step, fade);
+  }
   EffectSession& before = SessionOf(picture - 1);
   const FrameView from = before.Render(number - beginnings_[picture - 1], quality);
   return fade_.Blend(from, shown.Render(step, quality), step, fade);

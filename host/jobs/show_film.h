@@ -9,18 +9,22 @@
 #include "host/effect/photo.h"
 #include "host/frames/effect_session.h"
 #include "host/jobs/cross_fade.h"
+#include "host/jobs/slideshow.h"
+#include "host/jobs/title_frames.h"
 
 namespace kelto::host {
 
-/// The pictures of a show, and where each is seen.
+/// The pictures of a show, and where each is seen; before them, a card on black.
 struct ShowScenes {
   std::vector<RenderPlan> plans;  ///< one at least, all of one film format
   std::vector<Photo> photos;      ///< of the plans, opened
   std::vector<int32_t> fades;     ///< frames of the fade from each picture to the next
   FadeKind fadeKind = FadeKind::kCross;
+  TitleCard title{};
 };
 
-/// The frame of the film at which each picture appears, and behind these the film's length.
+/// The frame at which each picture appears, counted from the first one, and behind these the length
+/// of all.
 std::vector<int32_t> BeginningsOf(const std::vector<RenderPlan>& plans,
                                   const std::vector<int32_t>& fades);
 
@@ -44,7 +48,8 @@ class ShowFilm : public PlayedFilm {
   std::string module_;
   ShowScenes scenes_;
   PixelLayout layout_;
-  std::vector<int32_t> beginnings_;
+  std::vector<int32_t> beginnings_;     ///< behind the card
+  std::unique_ptr<TitleFrames> title_;  ///< null where there is none
   CrossFade fade_;
   std::function<bool()> query_;
   std::vector<Setting> changes_;  ///< made since the beginning

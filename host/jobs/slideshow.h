@@ -18,6 +18,9 @@ struct TitleCard {
   std::string text{};
   int32_t frames = 0;  ///< for which it is seen, the fade included; 0 for no card
   int32_t fade = 0;    ///< frames of the fade into the first picture, half of `frames` at the most
+
+  /// Frames before the first picture begins.
+  int32_t Lead() const { return frames - fade; }
 };
 
 struct Slideshow {

@@ -92,6 +92,7 @@ class WorkerFrames : public FrameSource {
           if (console_.IsNews(index, message->text)) PrintMessage(message->text);
           break;
         case MessageKind::kMemory:
+        case MessageKind::kShare:
           break;  // these have what CheckJob let them have
         case MessageKind::kFailed:
           TellLibraryText(index);

@@ -10,6 +10,7 @@ enum class MessageKind : unsigned char {
   kDone,     ///< worker: a piece of work is done; owner: its place is free again
   kConsole,  ///< worker: a line for the user
   kMemory,   ///< worker: bytes that it wants, in decimal; the owner answers kDone when it may
+  kShare,    ///< worker: how much of its work is done, in percent
   kFailed,   ///< worker: the text of an Error; it ends
   kMisused,  ///< worker: the text of a UsageError; it ends
 };

@@ -37,7 +37,8 @@ std::string ReaderWorker::Next() {
         PrintMessage(message->text);
         break;
       case MessageKind::kMemory:
-        break;  // only tasks ask for memory
+      case MessageKind::kShare:
+        break;  // only tasks send these
       case MessageKind::kFailed:
         throw Error(message->text);
       case MessageKind::kMisused:

@@ -49,11 +49,19 @@ class TaskRunner {
   void Begin(size_t index) {
     running_.push_back(
         {index, std::make_unique<Worker>(WorkerEnd::kClearUp, [this, index](Channel& line) {
-           tasks_.work(index, [&](uint64_t bytes) {
+           const auto await = [&](uint64_t bytes) {
              if (!line.Send({MessageKind::kMemory, std::to_string(bytes)}) || !line.Receive()) {
                throw Error("interrupted");
              }
-           });
+           };
+           int sent = 0;
+           const auto report = [&](double share) {
+             const int percent = static_cast<int>(100.0 * share);
+             if (percent == sent) return;
+             sent = percent;
+             line.Send({MessageKind::kShare, std::to_string(percent)});
+           };
+           tasks_.work(index, {await, report});
            line.Send({});
          })});
   }
@@ -108,6 +116,11 @@ class TaskRunner {
     if (message->kind == MessageKind::kMemory) {
       // At least a byte, or it would seem to want none.
       task.wanted = std::max<uint64_t>(1, std::strtoull(message->text.c_str(), nullptr, 10));
+      return true;
+    }
+    if (message->kind == MessageKind::kShare) {
+      const double percent = std::strtod(message->text.c_str(), nullptr);
+      if (tasks_.reported) tasks_.reported(task.index, std::clamp(percent / 100.0, 0.0, 1.0));
       return true;
     }
     task.worker->WaitForEnd();

@@ -17,7 +17,10 @@ void RunTasks(const TaskList& tasks, int32_t) {
       tasks.printed(i, text);
     });
     try {
-      tasks.work(i, [](uint64_t) {});  // alone
+      const auto report = [&](double share) {
+        if (tasks.reported) tasks.reported(i, share);
+      };
+      tasks.work(i, {[](uint64_t) {}, report});  // alone
     } catch (const std::exception& error) {
       failure = error.what();
     }

@@ -115,26 +115,47 @@ TEST_F(Completion, InFishOffersWords) {
 
 TEST_F(Completion, ForOtherShellsIsMisuse) { EXPECT_EQ(RunKelto({"completion", "csh"}).code, 2); }
 
-TEST(ManPage, HasEveryOptionThatHelpHas) {
-  std::string page = RunKelto({"completion", "man"}).out;
-  page = std::regex_replace(page, std::regex("\\\\-"), "-");
+/// The page of a command, or of the program, with plain dashes.
+std::string Page(const std::string& command = "") {
+  std::vector<std::string> words = {"completion", "man"};
+  if (!command.empty()) words.push_back(command);
+  return std::regex_replace(RunKelto(words).out, std::regex("\\\\-"), "-");
+}
+
+TEST(ManPage, OfACommandHasEveryOptionThatItsHelpHas) {
+  const std::string program = Page();
   for (const char* command : kCommands) {
     const std::set<std::string> options = OptionsIn(RunKelto({command, "--help"}).out);
     EXPECT_GE(options.size(), 2u) << command;
-    const size_t start = page.find(std::string(".SS kelto ") + command + "\n");
-    ASSERT_NE(start, page.npos) << command;
-    const std::string section = page.substr(start, page.find("\n.S", start + 1) - start);
+    const std::string page = Page(command);
+    EXPECT_THAT(page, HasSubstr(std::string(".SH NAME\nkelto-") + command + " - "));
     for (const std::string& option : options) {
-      EXPECT_THAT(section, HasSubstr("\\fB" + option + "\\fR")) << command;
+      EXPECT_THAT(page, HasSubstr("\\fB" + option + "\\fR")) << command;
     }
+    EXPECT_THAT(page, HasSubstr(std::string("\nkelto ") + command)) << "an example";
+    EXPECT_THAT(program, HasSubstr(std::string("\\fBkelto-") + command + "\\fR(1)"));
   }
 }
 
 TEST(ManPage, IsOneThatManReadsWithoutWarnings) {
   const TempFolder folder;
   std::ofstream(folder / "kelto.1") << RunKelto({"completion", "man"}).out;
-  const Outcome outcome = RunShell("mandoc -Tlint -Wwarning " + (folder / "kelto.1"));
+  std::string pages = folder / "kelto.1";
+  for (const std::string command : kCommands) {
+    const std::string page = folder / ("kelto-" + command + ".1");
+    std::ofstream(page) << RunKelto({"completion", "man", command}).out;
+    pages += " " + page;
+  }
+  const Outcome outcome = RunShell("mandoc -Tlint -Wwarning " + pages);
   EXPECT_EQ(outcome.code, 0) << outcome.out;
+}
+
+TEST(ManPage, OfNoCommandIsMisuse) {
+  const Outcome outcome = RunKelto({"completion", "man", "bake"});
+  EXPECT_EQ(outcome.code, 2);
+  EXPECT_THAT(outcome.err, HasSubstr("completion man bake: there is no such command; choose one of "
+                                     "render, "));
+  EXPECT_EQ(RunKelto({"completion", "bash", "render"}).code, 2);
 }
 
 TEST(Doctor, TellsWhatThisMachineReadsAndWrites) {

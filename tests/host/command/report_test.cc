@@ -90,7 +90,7 @@ class Report : public testing::Test {
 /// What a terminal gets to see while a film is made that takes a while. Nobody wants the film,
 /// which would fill small disks.
 std::string Report::SeenOfAFilm(const Terminal& terminal) {
-  Command command({"render", photo_, "-o", "-", "--format", "y4m", "--size", "960x540", "--frames",
+  Command command({"render", photo_, "-o", "-", "--format", "y4m", "--size", "640x360", "--frames",
                    std::to_string(kFrames), "--filter", "ultra", "--to", "2", "--jobs", "2"},
                   "/dev/null", terminal.Name());
   std::string seen;
@@ -110,6 +110,17 @@ TEST_F(Report, OnATerminalIsALineThatGoesAway) {
                                            "[0-9.]+/s  0:[0-9]+ left"));
   EXPECT_TRUE(seen.ends_with("\r\x1b[K")) << "the line is erased at the end";
   EXPECT_EQ(seen.find('\n'), seen.npos);
+}
+
+TEST_F(Report, OfABatchBeginsBeforeItsFirstFilmIsDone) {
+  setenv("TERM", "xterm", 1);
+  const Terminal terminal;
+  const Words words{"batch",  photo_,    "-o",       films_ / "", "--format", "y4m",
+                    "--size", "640x360", "--frames", "60",        "--filter", "ultra"};
+  EXPECT_EQ(Command(words, "", terminal.Name()).Wait().code, 0);
+  const std::string seen = terminal.Seen();
+  EXPECT_THAT(seen, testing::HasSubstr("\r[                    ]   0 %  film 0 of 1\x1b[K"));
+  EXPECT_THAT(seen, testing::ContainsRegex("\r\\[=+ +\\] +[0-9]+ %  film 0 of 1  [0-9.]+/"));
 }
 
 TEST_F(Report, OnANarrowTerminalIsALineThatFits) {

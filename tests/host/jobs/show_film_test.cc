@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "catalogue/parameters.h"
@@ -66,6 +67,27 @@ TEST_F(ShowOfShades, GivesTheSameFramesInAnyOrder) {
     EXPECT_EQ(Shade(other, number), shades[static_cast<size_t>(number)]) << number;
   }
 }
+
+#if !defined(_WIN32)  // which draws no letters
+TEST_F(ShowOfShades, BeginsWithItsTitle) {
+  scenes_.title = {"I", 6, 2};
+  ShowFilm film(KELTO_MODULE, scenes_, PixelLayout::kBGRA);
+  // Beside the letter.
+  const auto shade = [&](int32_t number) { return int{film.Render(number, 1.0).Row(2)[4 * 2]}; };
+  const int expected[] = {0, 0, 0, 0, 20, 40, 80, 100, 120};
+  for (int32_t i = 0; i < 9; ++i) EXPECT_NEAR(shade(i), expected[i], 3) << i;
+  const auto brightest = [&](int32_t number) {
+    const FrameView frame = film.Render(number, 1.0);
+    int most = 0;
+    for (int32_t row = 0; row < 32; ++row) {
+      for (int32_t x = 0; x < 48; ++x) most = std::max(most, int{frame.Row(row)[4 * x]});
+    }
+    return most;
+  };
+  EXPECT_LT(brightest(0), 20) << "the letters come softly";
+  EXPECT_GT(brightest(3), 30);
+}
+#endif
 
 TEST_F(ShowOfShades, KeepsAChangeForPicturesThatCome) {
   for (RenderPlan& plan : scenes_.plans) {

@@ -9,6 +9,7 @@
 #include <new>
 #include <set>
 #include <thread>
+#include <vector>
 
 namespace kelto::host {
 namespace {
@@ -30,8 +31,8 @@ class Tasks : public testing::Test {
     held_->most = 0;
     std::set<size_t> ended;
     RunTasks({8, memory,
-              [&](size_t, const AwaitMemory& await) {
-                await(each);
+              [&](size_t, const TaskOwner& owner) {
+                owner.await(each);
                 const int now = ++held_->now;
                 for (int most = held_->most; most < now;) {
                   if (held_->most.compare_exchange_weak(most, now)) break;
@@ -59,6 +60,25 @@ TEST_F(Tasks, HaveNoMoreMemoryAtATimeThanThereIs) {
 }
 
 TEST_F(Tasks, ThatWantMoreThanThereIsAreDoneAlone) { EXPECT_EQ(MostAtOnce(10, 11), 1); }
+
+TEST_F(Tasks, ReportHowFarTheyAreOncePerPercent) {
+  std::vector<double> shares;
+  RunTasks({1, 0,
+            [](size_t, const TaskOwner& owner) {
+              for (int done = 0; done <= 1000; ++done) owner.report(done / 1000.0);
+            },
+            [](size_t, const std::string& failure) { EXPECT_EQ(failure, ""); },
+            [](size_t, const std::string&) {},
+            [&](size_t index, double share) {
+              EXPECT_EQ(index, 0u);
+              shares.push_back(share);
+            }},
+           1);
+  ASSERT_EQ(shares.size(), 100u);
+  for (size_t i = 0; i < shares.size(); ++i) {
+    EXPECT_DOUBLE_EQ(shares[i], (static_cast<double>(i) + 1.0) / 100.0);
+  }
+}
 
 TEST_F(Tasks, ThatWantLittleDoNotWait) { EXPECT_GE(MostAtOnce(1000, 0), 1); }
 

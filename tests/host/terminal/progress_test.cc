@@ -25,6 +25,12 @@ TEST(Progress, BarsTellShareRateAndTimeLeft) {
   EXPECT_THAT(BarText(PaceOf(1, 3601, 1.0), "film"), testing::HasSubstr("1:00:00 left"));
 }
 
+TEST(Progress, CountsWhatIsUnderWayByItsShare) {
+  EXPECT_EQ(BarText(PaceOf(2.5, 10, 5.0), "film"),
+            "[=====               ]  25 %  film 2 of 10  30.0/min  0:15 left");
+  EXPECT_EQ(BarText(PaceOf(0.0, 10, 5.0), "film"), "[                    ]   0 %  film 0 of 10");
+}
+
 TEST(Progress, TheLongestBarFitsOnATerminal) {
   EXPECT_LE(BarText(PaceOf(9'999'999, 10'000'000, 100.0), "frame").size(), 79u);
   EXPECT_LE(BarText(PaceOf(1, 10'000'000, 1.0), "frame").size(), 79u);
