@@ -1,12 +1,14 @@
 # Sourced by tests with $build and $folder set: what a build ships, laid out below $folder.
-#   tree/     as `cmake --install` puts it
-#   frei0r/   the plug-ins alone
-#   package/  the Debian packages, unpacked into one tree
+#   tree/      as `cmake --install` puts it
+#   frei0r/    the plug-ins alone
+#   packages/  the Debian packages
+#   package/   those, unpacked into one tree
+mkdir "$folder/packages"
 cmake --install "$build" --prefix "$folder/tree" >"$folder/log" &&
   cmake --install "$build" --component frei0r --prefix "$folder/frei0r" >>"$folder/log" &&
-  (cd "$build" && cpack -G DEB -B "$folder") >>"$folder/log" 2>&1 ||
+  sh "$(dirname "$0")/../../tools/packaging/debs.sh" "$build" "$folder/packages" >>"$folder/log" 2>&1 ||
   { cat "$folder/log"; fail "installing and packing"; }
-for package in "$folder"/*.deb; do dpkg-deb -x "$package" "$folder/package"; done
+for package in "$folder"/packages/*.deb; do dpkg-deb -x "$package" "$folder/package"; done
 
 # elf_files FOLDER: the programs and libraries below it, but for object files
 elf_files() {
