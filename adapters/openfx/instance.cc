@@ -31,7 +31,7 @@ int64_t FrameAt(ofx::Time time) {
   return static_cast<int64_t>(std::floor(time + 1e-6));
 }
 
-/// A maker may have been another instance's: what it cannot take, for want of memory, must not be
+/// A maker may have been another instance's: what it cannot take when out of memory must not be
 /// drawn as that one had it.
 void SetAll(FrameMaker& maker, const frei0r::Values& values) {
   for (int i = 0; i < frei0r::kParameterCount; ++i) {
