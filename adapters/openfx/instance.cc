@@ -161,6 +161,7 @@ void Instance::ShowOnce(const std::string& fault) {
 }
 
 ofx::Status Instance::Render(ofx::Properties inArgs) {
+  if (inArgs == nullptr) return ofx::kBadHandle;  // there is no saying what to render
   const Reader arguments(inArgs);
   const ofx::Time time = arguments.Double(ofx::prop::kTime, 0.0);
   const double scaleY = arguments.Double(ofx::prop::kRenderScale, 1.0, 1);

@@ -102,6 +102,7 @@ TEST_F(OpenFxDescribe, ActionsInAnyOrderEndInAStatus) {
   }
   ASSERT_EQ(host.Create(), ofx::kOk);
   EXPECT_EQ(host.Call("OfxActionBeginInstanceEdit"), ofx::kReplyDefault);
+  EXPECT_EQ(host.Call(ofx::action::kRender), ofx::kBadHandle) << "nothing says what to render";
   EXPECT_EQ(host.Call(ofx::action::kPurgeCaches), ofx::kOk);
 }
 

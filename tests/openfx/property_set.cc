@@ -1,5 +1,7 @@
 #include "tests/openfx/property_set.h"
 
+#include <type_traits>
+
 namespace kelto::test {
 namespace {
 

@@ -8,6 +8,9 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
+#include <string>
+#include <vector>
 
 #include "tests/openfx/property_set.h"
 
@@ -80,6 +83,7 @@ class StrictHost {
   PropertySet& effect() { return effect_; }
   bool hasClip(const std::string& name) const { return clips_.contains(name); }
   std::vector<std::string> messages() const;
+  bool hasOverlay() const { return lacks_.suite != ofx::kDrawSuite; }
   /// Has the overlay drawn at a time; its corners, or none where it draws nothing.
   std::vector<ofx::PointD> Overlay(double time, bool withContext = true);
 
