@@ -47,12 +47,12 @@ const std::vector<FilmCodec> kCodecs = {
      // As ProRes 4444, which players show it as.
      "profile=4444 alpha_bits=16"},
     {"ffv1",
-     "FFV1, lossless 4:2:2",
+     "FFV1, lossless 4:2:2, or RGB of 16 bits",
      CodedForm::k422,
      true,
      {"mkv"},
      {{"ffv1", 4, "level=3 coder=1 context=1 g=1 slicecrc=1 threads=4"}},
-     {8, 10},
+     {8, 10, 16},
      ""},
     {"vp9",
      "VP9",
@@ -87,6 +87,14 @@ const std::vector<FilmCodec> kCodecs = {
        63,
        {"cpu-used=4", "cpu-used=6", "cpu-used=8", "usage=realtime cpu-used=9"}}},
      {8, 10}},
+    {"qtrle",
+     "QuickTime Animation, RGB",
+     CodedForm::kRgb,
+     false,
+     {"mov"},
+     {{"qtrle", 2, ""}},
+     {8},
+     ""},
 };
 
 constexpr const char* kQualityWords[] = {"low", "medium", "high", "best"};

@@ -11,8 +11,9 @@
 
 namespace kelto::host {
 
-/// What reaches the encoder: studio-range planes, chroma halved in width, and in height too or not.
-enum class CodedForm { k420, k422, k422TenBit };
+/// What reaches the encoder: studio-range planes, chroma halved in width, and in height too or not;
+/// or red, green and blue. Films of 16 bits are RGB in any case.
+enum class CodedForm { k420, k422, k422TenBit, kRgb };
 
 /// An encoder of the FFmpeg libraries.
 struct FilmEncoder {

@@ -13,6 +13,7 @@ extern "C" {
 #include "host/film/deep_planes.h"
 #include "host/film/libav.h"
 #include "host/film/planes.h"
+#include "host/film/rgb_frames.h"
 #include "host/film/sound_apart.h"
 #include "host/film/sound_track.h"
 #include "host/terminal/library_text.h"
@@ -28,12 +29,15 @@ struct Container {
 };
 
 /// What a film of deep frames is coded from.
-AVPixelFormat DeepFormatOf(CodedForm form, bool eightBits, bool transparent) {
+AVPixelFormat DeepFormatOf(CodedForm form, int32_t depth, bool transparent) {
+  if (depth == 16) return transparent ? AV_PIX_FMT_GBRAP16 : AV_PIX_FMT_GBRP16;
   switch (form) {
+    case CodedForm::kRgb:
+      return AV_PIX_FMT_ARGB;
     case CodedForm::k422TenBit:
       return transparent ? AV_PIX_FMT_YUVA444P10 : AV_PIX_FMT_YUV422P10;
     case CodedForm::k422:
-      if (eightBits) return AV_PIX_FMT_YUVA422P;
+      if (depth == 8) return AV_PIX_FMT_YUVA422P;
       return transparent ? AV_PIX_FMT_YUVA422P10 : AV_PIX_FMT_YUV422P10;
     case CodedForm::k420:
       break;
@@ -43,6 +47,8 @@ AVPixelFormat DeepFormatOf(CodedForm form, bool eightBits, bool transparent) {
 
 AVPixelFormat PixelFormatOf(CodedForm form) {
   switch (form) {
+    case CodedForm::kRgb:
+      return AV_PIX_FMT_RGB24;
     case CodedForm::k422:
       return AV_PIX_FMT_YUV422P;
     case CodedForm::k422TenBit:
@@ -101,7 +107,9 @@ class Encoder : public FrameSink {
 
   void Write(const FrameView& frame) override {
     Check(av_frame_make_writable(frame_.get()), "take a frame");
-    if (deep_) {
+    if (IsRgb(codec_->pix_fmt)) {
+      FillRgb(frame, *frame_);
+    } else if (deep_) {
       deep_->Fill(frame, *frame_);
     } else {
       Fill(frame, map_, format_.Interlaced(), *frame_);
@@ -155,10 +163,10 @@ class Encoder : public FrameSink {
     codec_ = Own(avcodec_alloc_context3(encoder));
     codec_->width = format_.size.width;
     codec_->height = format_.size.height;
-    codec_->pix_fmt = request.deep
-                          ? DeepFormatOf(choice_.form, request.depth == 8, request.transparent)
-                          : PixelFormatOf(choice_.form);
-    if (request.deep) deep_ = std::make_unique<DeepPlanes>(format_.size, codec_->pix_fmt);
+    codec_->pix_fmt = request.deep ? DeepFormatOf(choice_.form, request.depth, request.transparent)
+                                   : PixelFormatOf(choice_.form);
+    if (request.deep && !IsRgb(codec_->pix_fmt))
+      deep_ = std::make_unique<DeepPlanes>(format_.size, codec_->pix_fmt);
     codec_->framerate = {format_.rate.numerator, format_.rate.denominator};
     codec_->time_base = av_inv_q(codec_->framerate);
     codec_->sample_aspect_ratio = {format_.sampleAspect.width, format_.sampleAspect.height};
@@ -170,7 +178,9 @@ class Encoder : public FrameSink {
     codec_->flags |= AV_CODEC_FLAG_BITEXACT;
     AVDictionary* options = nullptr;
     std::string words = EncoderOptions(choice_, *chosen, request.quality, request.speed);
-    if (request.transparent) words += std::string(" ") + choice_.alphaOptions;
+    if (request.transparent && *choice_.alphaOptions != 0) {
+      words += std::string(" ") + choice_.alphaOptions;
+    }
     int code = av_dict_parse_string(&options, words.c_str(), "=", " ", 0);
     // The order of the frames alone comes too late for what the encoder says of the film.
     if (chosen->name == std::string("libx264") && format_.fields == FieldOrder::kBottomFirst) {
@@ -194,6 +204,11 @@ class Encoder : public FrameSink {
     codec_->color_trc = AVCOL_TRC_BT709;
     codec_->color_range = AVCOL_RANGE_MPEG;
     codec_->chroma_sample_location = AVCHROMA_LOC_LEFT;
+    if (!IsRgb(codec_->pix_fmt)) return;
+    codec_->colorspace = AVCOL_SPC_RGB;
+    codec_->color_trc = AVCOL_TRC_IEC61966_2_1;
+    codec_->color_range = AVCOL_RANGE_JPEG;
+    codec_->chroma_sample_location = AVCHROMA_LOC_UNSPECIFIED;
   }
 
   void SetFields() {
@@ -261,7 +276,7 @@ class Encoder : public FrameSink {
   FilmFormat format_;
   const FilmCodec& choice_;
   ChromaMap map_;
-  std::unique_ptr<DeepPlanes> deep_;  ///< where the frames are
+  std::unique_ptr<DeepPlanes> deep_;  ///< where the frames are, and the film has luma and chroma
   ContainerOutput output_;            // outlives the container, which writes to it
   Owned<AVFrame> frame_;
   Owned<AVPacket> packet_;

@@ -242,7 +242,8 @@ TEST_F(DeepFilms, FilmsOverNothingKeepTheirTransparency) {
   const struct {
     const char *name, *codec, *format, *decoder;
   } kFilms[] = {{"a.mov", "prores", "yuva444p10le", ""},
-                {"a.mkv", "ffv1", "yuva422p10le", ""},
+                {"q.mov", "qtrle", "argb", ""},
+                {"a.mkv", "ffv1", "gbrap16le", ""},
                 {"a.webm", "vp9", "yuv420p", "-c:v libvpx-vp9"}};
   for (const auto& film : kFilms) {
     const std::string path = Film(photo, film.name,
@@ -296,6 +297,50 @@ TEST_F(DeepFilms, RawFormsHoldAllBits) {
       BytesOf(Film(white, "w.yuv422p10", {"--size", "64x64", "--frames", "1", "--move", "hold"}));
   std::memcpy(&luma, bright.data() + size_t{64} * 32 * 2, sizeof luma);
   EXPECT_EQ(luma, 940);
+}
+
+TEST_F(DeepFilms, RgbCodecsKeepFramesToTheBit) {
+  const std::string photo = WritePhoto("disc.png", 128, 128, Disc, "rgba64be");
+  const Words common = {"--size", "64x64", "--frames", "2", "--to", "2"};
+  const auto film = [&](const char* name, const Words& more) {
+    Words words = common;
+    words.insert(words.end(), more.begin(), more.end());
+    return Film(photo, name, words);
+  };
+  for (const Words& behind : {Words{"--background", "none"}, Words{"--background", "#204060"}}) {
+    Words codec = {"--codec", "ffv1"};
+    codec.insert(codec.end(), behind.begin(), behind.end());
+    const auto coded = Decoded<uint16_t>(film("f.mkv", codec), "rgba64le");
+    const std::string raw = BytesOf(film("f.rgba64", behind));
+    ASSERT_EQ(coded.size() * 2, raw.size());
+    EXPECT_EQ(std::memcmp(coded.data(), raw.data(), raw.size()), 0) << behind.back();
+  }
+  const auto animation =
+      Decoded<uint8_t>(film("f.mov", {"--codec", "qtrle", "--background", "none"}), "rgba");
+  film("f-%d.png", {"--background", "none", "--depth", "8"});
+  const auto still = Decoded<uint8_t>(folder_ / "f-0.png", "rgba");
+  ASSERT_EQ(animation.size(), 2 * still.size());
+  EXPECT_TRUE(std::equal(still.begin(), still.end(), animation.begin()));
+}
+
+TEST_F(DeepFilms, AnOpaqueFilmOfAnRgbCodecHasThePhotosColours) {
+  const std::string photo = WritePhoto(
+      "halves.png", 128, 128,
+      [](int x, int) {
+        return x < 64 ? DeepPixel{0.9, 0.2, 0.1, 1} : DeepPixel{0.1, 0.3, 0.8, 1};
+      },
+      "rgb24");
+  const auto rgb = Decoded<uint8_t>(
+      Film(photo, "f.mov",
+           {"--codec", "qtrle", "--size", "64x64", "--frames", "1", "--move", "hold"}),
+      "rgb24");
+  ASSERT_EQ(rgb.size(), size_t{64} * 64 * 3);
+  const int expected[2][3] = {{230, 51, 26}, {26, 77, 204}};
+  for (size_t half = 0; half < 2; ++half) {
+    for (size_t c = 0; c < 3; ++c) {
+      EXPECT_NEAR(rgb[3 * (32 * 64 + 16 + 32 * half) + c], expected[half][c], 3);
+    }
+  }
 }
 
 TEST_F(DeepFilms, TenBitsGoIntoEveryCodecThatHasThem) {
@@ -360,7 +405,7 @@ TEST_F(DeepFilms, WhatAFilmCannotHoldIsRefusedInOneLine) {
       {"f.mp4", {"--depth", "10"}, "--depth 10: H.264 films have 8 bits; use --codec h265 (mp4)"},
       {"f.gif",
        {"--depth", "16"},
-       "--depth 16: gif films have 8 bits; use --format png, tiff, rgba64"},
+       "--depth 16: gif films have 8 bits; use --codec ffv1 (mkv); or --format png, tiff, rgba64"},
       {"f.mov",
        {"--codec", "prores", "--depth", "8"},
        "--depth 8: ProRes 4:2:2 HQ films have 10 bits; use "},
@@ -368,7 +413,7 @@ TEST_F(DeepFilms, WhatAFilmCannotHoldIsRefusedInOneLine) {
       {"f.mp4",
        {"--background", "none"},
        "--background none: H.264 films have no transparency; use --codec prores (mov), ffv1 (mkv), "
-       "vp9 (webm); or --format png, tiff, rgba64"},
+       "vp9 (webm), qtrle (mov); or --format png, tiff, rgba64"},
       {"f-%d.png",
        {"--background", "none", "--display", "source"},
        "--background none: cannot be had with the source display"},

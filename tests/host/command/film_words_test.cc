@@ -87,7 +87,7 @@ TEST_F(FilmWords, SpeedsHaveNames) {
   EXPECT_THAT(FaultOf("f.mp4", {"--speed", "warp"}),
               HasSubstr("--speed warp: choose one of slow, medium, fast, fastest"));
   EXPECT_THAT(FaultOf("f.mkv", {"--codec", "ffv1", "--speed", "fast"}),
-              HasSubstr("--speed fast: FFV1, lossless 4:2:2 has one speed"));
+              HasSubstr("--speed fast: FFV1, lossless 4:2:2, or RGB of 16 bits has one speed"));
 }
 
 TEST_F(FilmWords, OneWordEasesBothEnds) {

@@ -1,0 +1,86 @@
+#include "host/film/rgb_frames.h"
+
+extern "C" {
+#include <libavutil/pixdesc.h>
+}
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "host/film/deep_frame.h"
+
+namespace kelto::host {
+namespace {
+
+uint8_t NearestByte(double part) {
+  return static_cast<uint8_t>(std::lround(std::clamp(part, 0.0, 1.0) * 255.0));
+}
+
+/// A pixel of studio range by the BT.601 weights, colour differences spanning as many levels as
+/// luma.
+void PutRgb(int luma, double cb, double cr, uint8_t* to) {
+  const double light = (luma - 16) / 219.0;
+  const double red = light + 1.402 * (cr - 128) / 219.0, blue = light + 1.772 * (cb - 128) / 219.0;
+  to[0] = NearestByte(red);
+  to[1] = NearestByte((light - 0.299 * red - 0.114 * blue) / 0.587);
+  to[2] = NearestByte(blue);
+}
+
+/// The effect's 4:2:2, of even width. The colour of a pair stands at its first pixel; the second
+/// has what lies midway to the next pair's.
+void FillRgb24(const FrameView& frame, const AVFrame& to) {
+  const int32_t width = frame.size.width;
+  for (int32_t y = 0; y < frame.size.height; ++y) {
+    const void* const row = frame.Row(y);
+    const auto* from = static_cast<const uint8_t*>(row);
+    uint8_t* pixel = to.data[0] + ptrdiff_t{y} * to.linesize[0];
+    for (int32_t x = 0; x < width; x += 2, from += 4, pixel += 6) {
+      const uint8_t* const next = x + 2 < width ? from + 4 : from;
+      PutRgb(from[0], from[1], from[3], pixel);
+      PutRgb(from[2], (from[1] + next[1]) / 2.0, (from[3] + next[3]) / 2.0, pixel + 3);
+    }
+  }
+}
+
+void FillArgb(const FrameView& frame, const AVFrame& to) {
+  const std::vector<uint8_t> rgba = StraightBytes(frame);
+  const uint8_t* from = rgba.data();
+  for (int32_t y = 0; y < frame.size.height; ++y) {
+    uint8_t* pixel = to.data[0] + ptrdiff_t{y} * to.linesize[0];
+    for (int32_t x = 0; x < frame.size.width; ++x, from += 4, pixel += 4) {
+      pixel[0] = from[3];
+      std::copy_n(from, 3, pixel + 1);
+    }
+  }
+}
+
+/// Planes of words in the order green, blue, red, alpha.
+void FillPlanarWords(const FrameView& frame, const AVFrame& to) {
+  constexpr int kSampleOf[] = {1, 2, 0, 3};
+  const int planes = to.format == AV_PIX_FMT_GBRAP16 ? 4 : 3;
+  std::vector<uint16_t> rgba(size_t{4} * frame.size.width);
+  for (int32_t y = 0; y < frame.size.height; ++y) {
+    const void* const from = frame.Row(y);
+    UnpremultiplyRow(static_cast<const uint16_t*>(from), frame.size.width, rgba.data());
+    for (int i = 0; i < planes; ++i) {
+      void* const row = to.data[i] + ptrdiff_t{y} * to.linesize[i];
+      auto* const words = static_cast<uint16_t*>(row);
+      for (int32_t x = 0; x < frame.size.width; ++x) words[x] = rgba[4 * x + kSampleOf[i]];
+    }
+  }
+}
+
+}  // namespace
+
+bool IsRgb(AVPixelFormat format) {
+  return (av_pix_fmt_desc_get(format)->flags & AV_PIX_FMT_FLAG_RGB) != 0;
+}
+
+void FillRgb(const FrameView& frame, const AVFrame& to) {
+  if (to.format == AV_PIX_FMT_RGB24) return FillRgb24(frame, to);
+  if (to.format == AV_PIX_FMT_ARGB) return FillArgb(frame, to);
+  FillPlanarWords(frame, to);
+}
+
+}  // namespace kelto::host
