@@ -223,7 +223,8 @@ struct StrictHost::Functions {
     return ofx::kOk;
   }
 
-  static ofx::Status Message(void*, const char*, const char*, const char* format, ...) {
+  [[gnu::format(printf, 4, 5)]] static ofx::Status Message(void*, const char*, const char*,
+                                                           const char* format, ...) {
     const AtWork host(AtWork::kHost);
     char text[1024];
     va_list rest;
