@@ -98,8 +98,12 @@ void Image::ReadField(ofx::Clip clip, ofx::Time time, double scaleY) {
 
 ofx::RectI Image::WindowOf(const ofx::RectI& stored) const {
   const int rows = halfHeight_ ? 2 : 1;
-  return {std::max(stored.x1, bounds_.x1), rows * std::max(stored.y1, bounds_.y1 / rows),
-          std::min(stored.x2, bounds_.x2), rows * std::min(stored.y2, bounds_.y2 / rows)};
+  // Held first: a host's window may be of any numbers.
+  const auto x = [&](int side) { return std::clamp(side, bounds_.x1, bounds_.x2); };
+  const auto y = [&](int side) {
+    return rows * std::clamp(side, bounds_.y1 / rows, bounds_.y2 / rows);
+  };
+  return {x(stored.x1), y(stored.y1), x(stored.x2), y(stored.y2)};
 }
 
 void Image::DrawFieldAlone(const std::string& field) {
