@@ -10,6 +10,7 @@
 #include "editor/window/palettes.h"
 #include "editor/window/scenes.h"
 #include "editor/window/shortcuts_page.h"
+#include "host/base/error.h"
 #include "host/moves/presets.h"
 #include "host/options/given_view.h"
 #include "host/track/photo_views.h"
@@ -55,7 +56,14 @@ constexpr EasingWord kEasings[] = {
 
 QAction* MainWindow::Add(QMenu* menu, const QString& text, const QKeySequence& keys,
                          const std::function<void()>& work, bool needsDocument) {
-  QAction* action = menu->addAction(text, this, work);
+  QAction* action = menu->addAction(text, this, [this, work] {
+    try {
+      work();
+    } catch (const host::Error& error) {
+      // Such as a view beside another photo: left to Qt, it would end the program.
+      ShowFailure(QString::fromStdString(error.what()));
+    }
+  });
   action->setShortcut(keys);
   if (needsDocument) documentActions_.push_back(action);
   return action;

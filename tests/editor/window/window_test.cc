@@ -6,6 +6,7 @@
 
 #include "editor/document/recovery.h"
 #include "editor/document/settings.h"
+#include "editor/document/tour_changes.h"
 #include "editor/window/main_window.h"
 #include "editor/window/render_dialog.h"
 #include "host/files/start.h"
@@ -130,6 +131,22 @@ TEST_F(Window, ViewsAreCopiedAsTheCommandTakesThem) {
   EXPECT_EQ(window_.TheSession().Current().text, before);
   EXPECT_TRUE(
       window_.findChild<QLabel*>("notice")->text().startsWith("The clipboard holds no view: "));
+}
+
+TEST_F(Window, MenusSayWhatIsWrongWithViewsBesideAnotherPhoto) {
+  const QString small = folder_.File("small.png");
+  ASSERT_TRUE(QImage(40, 30, QImage::Format_RGB32).save(small));
+  window_.TheSession().Apply("Photo", [&](const Document& d) {
+    Document other = WithPart(d, 1, {900, 700, 640, 360});
+    return WithPhoto(other, small.toStdString());
+  });
+  auto* notice = window_.findChild<QLabel*>("notice");
+  for (const char* entry : {"Copy View", "Add Stop"}) {
+    notice->hide();
+    Choose(entry);
+    EXPECT_TRUE(notice->isVisible()) << entry;
+    EXPECT_TRUE(notice->text().contains("outside the photo")) << notice->text().toStdString();
+  }
 }
 
 TEST_F(Window, NumbersCanBeTyped) {
