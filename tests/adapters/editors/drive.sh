@@ -41,6 +41,17 @@ start_display() {
   ffmpeg -nostdin -v error -f lavfi -i testsrc2=size=2400x1500 -frames:v 1 "$folder/films/photo.png"
 }
 
+# settle: waits until nothing moves on the screen any more, a busy machine's too; a minute at most
+settle() {
+  last='' looks=0
+  while [ $looks -lt 60 ]; do
+    sleep 1
+    now=$(import -window root -depth 8 rgb:- | cksum)
+    [ "$now" != "$last" ] || return 0
+    last=$now looks=$((looks + 1))
+  done
+}
+
 rest() { sleep "$(awk "BEGIN { print $1 * $patience }")"; }
 click() { xdotool mousemove "$1" "$2" click 1; rest 1; }
 twice() { xdotool mousemove "$1" "$2" click --repeat 2 --delay 80 1; rest 1; }
@@ -53,9 +64,9 @@ wait_for_window() {
   until window=$(xdotool getactivewindow 2>/dev/null) && xdotool getwindowname "$window" 2>/dev/null | grep -q "$1"; do
     tries=$((tries + 1)); [ $tries -lt 240 ] || return 1; sleep 0.5
   done
-  rest 4
+  settle
   xdotool windowmove "$window" 0 0 windowsize "$window" 1590 "$2"
-  rest 3
+  settle
 }
 
 # save_as FILE: saves under a new name, waits for the file, and closes the editor

@@ -14,16 +14,16 @@ make() {
   dbus-run-session -- kdenlive -i "$folder/films/clip.avi" >"$folder/log" 2>&1 &
   running=$!
   wait_for_window 'Kdenlive$' 960 || return 1
-  rest 4
   xdotool mousemove 200 100
   key v               # the clip into the time-line
+  settle
   click 190 710       # select it there
   click 234 466       # the list of effects
   click 1350 913      # the effects of the clip
   click 240 78        # search
   enter kelto
   key Return
-  rest 2
+  settle              # its page
   click 1466 555      # the photograph's path
   enter "$folder/films/photo.png"
   key Return
