@@ -43,7 +43,8 @@ struct OffscreenWorld;
 typedef OffscreenWorld* GWorldPtr;
 
 /// Makes a specification from a path. fnfErr for a null or empty path, and for a path of more than
-/// 255 characters: a shortened name could be another file's.
+/// 255 characters: a shortened name could be another file's. Extension: "?turned=90", 180 or 270
+/// behind the path turns the picture by as many degrees clockwise, beyond what its file says.
 OSErr MakeFileSpecification(const char* path, FSSpec* spec);
 /// Opens the file with the first decoder that knows it. `*importer` is null after an error.
 OSErr GetGraphicsImporterForFile(const FSSpec* spec, GraphicsImportComponent* importer);

@@ -6,6 +6,7 @@
 #include "adapters/frei0r/console.h"
 #include "catalogue/parameters.h"
 #include "host/base/error.h"
+#include "host/effect/photo.h"
 #include "host/options/choices.h"
 #include "host/options/rate.h"
 #include "host/options/view.h"
@@ -156,7 +157,7 @@ Scene SceneOf(const Values& values, Role role, const Scene& last) {
     plan.photo = image;
   }
   ApplyParameters(values, role, scene.project == nullptr, plan);
-  scene.photo = plan.photo;
+  scene.photo = host::PhotoName(plan);
   scene.settings = plan.settings;
   scene.views = plan.views;
   scene.motion = MotionAt(values, role, plan);

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "adapters/frei0r/adapter.h"
+#include "host/effect/photo.h"
 #include "runtime/stills/deep_reader.h"
 
 namespace kelto::openfx {
@@ -45,7 +46,7 @@ std::shared_ptr<const DeepPicture> DeepPhotos::Decode(const std::string& file,
 std::shared_ptr<const DeepPicture> DeepPhotos::Get(const std::string& file, std::string& reason) {
   const std::lock_guard lock(mutex_);
   std::error_code unknown;
-  const auto written = std::filesystem::last_write_time(file, unknown);
+  const auto written = std::filesystem::last_write_time(host::PartsOfPhotoName(file).path, unknown);
   const auto found = std::find_if(kept_.begin(), kept_.end(),
                                   [&](const Kept& entry) { return entry.file == file; });
   if (found != kept_.end() && found->written == written) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "editor/document/tour_changes.h"
 #include "host/base/error.h"
@@ -49,7 +50,9 @@ Document Rewritten(const Document& document, size_t picture,
 
 /// First and last view of a picture, by what is said of its move; `turn` is its place in the show.
 ordered_json ViewsOfMove(const host::ShowPicture& said, size_t turn, const PhotoSizes& sizes) {
-  const host::PhotoViews views(said.plan, sizes(said.plan.photo));
+  PixelSize photo = sizes(said.plan.photo);
+  if (said.plan.rotate % 180 != 0) std::swap(photo.width, photo.height);
+  const host::PhotoViews views(said.plan, photo);
   std::string name = said.move;
   bool backwards = false;
   std::optional<double> amount = host::ParseNumber(said.amount);

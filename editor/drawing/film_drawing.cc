@@ -37,7 +37,7 @@ std::vector<uint8_t> Reduced(const std::vector<uint8_t>& pixels, host::FrameSize
 }  // namespace
 
 FilmDrawing::FilmDrawing(std::string module, const host::RenderPlan& plan)
-    : module_(std::move(module)), plan_(plan), photo_(host::OpenPhoto(plan.photo)) {}
+    : module_(std::move(module)), plan_(plan), photo_(host::OpenPhoto(host::PhotoName(plan))) {}
 
 void FilmDrawing::SetPlan(const host::RenderPlan& plan, const FadesAround& fades) {
   plan_ = plan;
@@ -76,10 +76,10 @@ host::FrameView FilmDrawing::Drawn(Session& session, const host::RenderPlan& pla
 std::optional<host::FrameView> FilmDrawing::Beside(const host::RenderPlan& plan, int32_t frame,
                                                    host::FrameSize size, double quality) {
   try {
-    if (!besideOpened_ || besidePhoto_ != plan.photo) {
+    if (!besideOpened_ || besidePhoto_ != host::PhotoName(plan)) {
       besideSession_.reset();
-      besideOpened_ = host::OpenPhoto(plan.photo);
-      besidePhoto_ = plan.photo;
+      besideOpened_ = host::OpenPhoto(host::PhotoName(plan));
+      besidePhoto_ = host::PhotoName(plan);
     }
     host::RenderPlan drawn = plan;
     drawn.format.size = size;

@@ -60,10 +60,10 @@ PlanRequest RequestOf(const host::RenderPlan& plan, const FadesAround& fades) {
   return request;
 }
 
-/// Those that a process of this film may open.
+/// Those that a process of this film may open, and how it turns its photo.
 std::vector<std::string> FilesOf(const host::RenderPlan& plan, const FadesAround& fades) {
   return {plan.photo, plan.over, fades.before ? fades.before->photo : "",
-          fades.after ? fades.after->photo : ""};
+          fades.after ? fades.after->photo : "", std::to_string(plan.rotate)};
 }
 
 }  // namespace
@@ -144,7 +144,7 @@ class Preview::Private {
 
 void Preview::Private::SetPlan(const host::RenderPlan& plan, const FadesAround& fades) {
   const bool otherFiles = !hasPlan_ || FilesOf(plan, fades) != FilesOf(plan_, fades_);
-  const bool otherPhoto = !hasPlan_ || plan.photo != plan_.photo;
+  const bool otherPhoto = !hasPlan_ || plan.photo != plan_.photo || plan.rotate != plan_.rotate;
   const bool otherClock =
       !hasPlan_ || plan.frames != plan_.frames || plan.format.rate != plan_.format.rate;
   const int32_t frame = Frame();

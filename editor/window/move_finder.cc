@@ -24,10 +24,10 @@ MoveFinder::MoveFinder(QString command, const Document& document, QObject* paren
 void MoveFinder::Start() {
   const host::RenderPlan plan = PlanOf(document_);
   const QString size = QString("%1x%2").arg(plan.format.size.width).arg(plan.format.size.height);
-  process_.start(
-      command_,
-      {"new", QString::fromStdString(plan.photo), "-o", "-", "--move", "auto", "--size", size},
-      QIODevice::ReadOnly);
+  process_.start(command_,
+                 {"new", QString::fromStdString(plan.photo), "-o", "-", "--move", "auto", "--size",
+                  size, "--rotate", QString::number(plan.rotate)},
+                 QIODevice::ReadOnly);
 }
 
 void MoveFinder::Read(bool made) {

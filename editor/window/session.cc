@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <set>
+#include <utility>
 
 #include "editor/document/recovery.h"
 #include "editor/document/show_fades.h"
@@ -133,9 +134,11 @@ void Session::Take(const Document& document) {
   host::RenderPlan plan = PlanOf(document);
   std::vector<PictureEntry> pictures = PicturesOf(document);
   FadesAround fades = FadesOf(document);
-  if (plan.photo != openedPhoto_) {
+  if (plan.photo != openedPhoto_ || plan.rotate != openedRotation_) {
     photo_ = SizeOf(plan.photo);
+    if (plan.rotate % 180 != 0) std::swap(photo_.width, photo_.height);
     openedPhoto_ = plan.photo;
+    openedRotation_ = plan.rotate;
   }
   plan_ = std::move(plan);
   fades_ = std::move(fades);

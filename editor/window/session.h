@@ -104,6 +104,7 @@ class Session : public QObject {
   std::vector<PictureEntry> pictures_;
   PixelSize photo_{1, 1};
   std::string openedPhoto_;
+  int32_t openedRotation_ = 0;
   bool open_ = false;
   QTimer keepSoon_;
   QThreadPool keeper_;  ///< one thread: what is kept last is the last state

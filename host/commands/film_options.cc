@@ -28,7 +28,7 @@ constexpr int64_t kMaxJobs = 256;
 constexpr std::array kSettleNoPicture = {
     "output",  "format",       "module", "jobs",      "quiet",   "json", "record",
     "resume",  "save-project", "strict", "plan",      "plan-as", "help", "help-all",
-    "sandbox", "order",        "force",  "fade-kind", "title"};
+    "sandbox", "order",        "force",  "fade-kind", "title",   "beats"};
 
 bool NamesFile(const std::string& option) {
   return option == "audio" || option == "over" || option == "face-model";

@@ -17,7 +17,10 @@
 #include "host/facts/frame_list.h"
 #include "host/facts/show_summary.h"
 #include "host/files/output_file.h"
+#include "host/jobs/beats.h"
 #include "host/options/number.h"
+#include "host/project/project_file.h"
+#include "host/project/show_project.h"
 #include "host/sources/photos.h"
 #include "host/terminal/interrupt.h"
 #include "host/terminal/standard_output.h"
@@ -28,7 +31,7 @@ namespace {
 /// The options as they were typed; empty where nothing was.
 struct InspectOptions {
   std::string input, quality, plot, module;
-  bool csv = false, json = false, table = false;
+  bool csv = false, json = false, table = false, beats = false;
   ShowOptions show;
 };
 
@@ -38,6 +41,19 @@ double ParseQuality(const std::string& text) {
     throw UsageError("a quality is a number from 0 to 1");
   }
   return *quality;
+}
+
+/// What there is to say of the beats of the sound, in a line; nothing where it is not asked for. To
+/// be called before the sandbox is entered, which starts no programs.
+std::string BeatsLine(const InspectOptions& options) {
+  if (!options.beats) return "";
+  std::string audio = options.show.plan.audio;
+  if (audio.empty() && IsProjectName(options.input)) {
+    const auto show = ReadShow(options.input);
+    audio = show ? show->audio : ReadProject(options.input).audio;
+  }
+  if (audio.empty()) throw UsageError("--beats: there is no sound; name it with --audio");
+  return TextOf(BeatsOf(audio)) + "\n";
 }
 
 /// Says in a few lines what a show will show.
@@ -52,10 +68,12 @@ void RunOnShow(const InspectOptions& options, const CLI::App& command) {
       throw UsageError(std::string(option) + ": is for the film of one picture; inspect it alone");
     }
   }
+  const std::string beats = BeatsLine(options);
   SandboxAccess access = AccessFor(options.module, {});
   const OpenedShow show = OpenShow(options.show, command, access);
   PrintResult(ShowSummaryText(FindModule(options.module), PlacedPictures(show), FramesOfShow(show),
                               show.audio));
+  if (!beats.empty()) PrintResult("beats:  " + beats);
 }
 
 void Run(InspectOptions& options, const CLI::App& command) {
@@ -65,11 +83,12 @@ void Run(InspectOptions& options, const CLI::App& command) {
   CheckIsShow(options.show);
   const double quality =
       options.quality.empty() ? 1.0 : ReadOption("--quality", options.quality, ParseQuality);
+  const std::string beats = BeatsLine(options);
   const RenderPlan plan =
       PlanFor(options.input, options.show.plan, AccessFor(options.module, {options.plot}));
   CheckNameIsFree(options.plot, {options.input, plan.photo, plan.over, plan.audio});
   const std::string module = FindModule(options.module);
-  const Photo photo = LookAtPhoto(plan.photo);
+  const Photo photo = LookAtPhoto(PhotoName(plan));
   FrameInspector inspector(module, plan, photo, quality);
   DrawPlot(inspector, photo, options.plot);
   if (options.csv) {
@@ -80,6 +99,7 @@ void Run(InspectOptions& options, const CLI::App& command) {
     WriteFrameList(inspector, photo, ListForm::kTable, PrintResult);
   } else if (options.plot.empty()) {
     PrintResult(SummaryText(inspector, photo));
+    if (!beats.empty()) PrintResult("beats:        " + beats);
     PrintResult("faces:        " + TextOf(LookForFaces(photo, options.show.plan.views.faceModel)) +
                 "\n");
   }
@@ -102,6 +122,11 @@ CLI::App* AddInspect(CLI::App& app) {
       command->add_flag("--csv", options->csv, "All frames as comma-separated values");
   CLI::Option* json = command->add_flag("--json", options->json, "All frames as JSON");
   for (CLI::Option* form : {table, csv, json}) form->group(kList);
+  command
+      ->add_flag("--beats", options->beats,
+                 "Say how many beats the sound has, and how many a minute, as the program "
+                 "aubiotrack finds them")
+      ->group(kList);
   json->excludes(csv)->excludes(table);
   csv->excludes(table);
   command

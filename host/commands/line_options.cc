@@ -38,8 +38,9 @@ std::vector<std::string> Joined(const std::vector<std::string>& common,
                                 const std::vector<std::string>& line) {
   std::set<std::string> replaced = NamesIn(line);
   // Of these, a picture has those of one place.
-  const std::set<std::string> views = {"--from", "--to",   "--view", "--hold",
-                                       "--go",   "--move", "--fit",  "--amount"};
+  const std::set<std::string> views = {"--from",      "--to",           "--view", "--hold",
+                                       "--go",        "--move",         "--fit",  "--amount",
+                                       "--max-speed", "--max-zoom-rate"};
   const bool hasViews = std::any_of(replaced.begin(), replaced.end(), [](const auto& name) {
     return name == "--from" || name == "--to" || name == "--view" || name == "--move";
   });

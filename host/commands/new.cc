@@ -33,7 +33,7 @@ void Run(const NewOptions& options) {
                          !views.move.empty() || IsProjectName(options.photo);
   if (!toldViews) plan.views.move = "in";
   const RenderPlan made = PlanFor(options.photo, plan, AccessFor("", {output}));
-  LookAtPhoto(made.photo);
+  LookAtPhoto(PhotoName(made));
   WriteProject(output, made);
 }
 

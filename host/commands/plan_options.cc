@@ -42,6 +42,14 @@ int32_t ParsePlayMode(const std::string& text) {
   return static_cast<int32_t>(*mode);
 }
 
+int32_t ParseRotation(const std::string& text) {
+  const auto degrees = ParseWhole(text);
+  if (!degrees || *degrees < 0 || *degrees > 270 || *degrees % 90 != 0) {
+    throw UsageError("choose one of 0, 90, 180, 270 degrees");
+  }
+  return static_cast<int32_t>(*degrees);
+}
+
 /// The sound, and the video that the film lies over and takes rate and length from.
 void ApplyMedia(const PlanOptions& options, RenderPlan& plan) {
   if (!options.audio.empty()) plan.audio = options.audio;
@@ -252,6 +260,9 @@ void DeclarePicture(CLI::App& command, PlanOptions& options) {
             "{date} for the day on which it was taken, {description} for what it says of itself, "
             "\\n for a new line");
   }
+  declare("--rotate", "DEGREES", options.rotate,
+          "Turn the photo clockwise beyond what its file says: 0, 90, 180, 270; views are of the "
+          "photo as it is then [0]");
   declare("--play-mode", "N", options.playMode,
           "What the effect renders for: 0 final quality, 1 preview [0]");
 }
@@ -304,6 +315,9 @@ RenderPlan ChangedPlan(const std::string& input, const PlanOptions& options) {
 }
 
 bool ApplyOptions(const PlanOptions& options, RenderPlan& plan) {
+  if (!options.rotate.empty()) {
+    plan.rotate = ReadOption("--rotate", options.rotate, ParseRotation);
+  }
   ApplyMedia(options, plan);
   ApplyFilm(options, plan);
   ApplyLists(options, plan);
@@ -321,10 +335,11 @@ bool ApplyOptions(const PlanOptions& options, RenderPlan& plan) {
   ViewOptions views = options.views;
   views.lengthGiven = !options.seconds.empty() || !options.frames.empty() ||
                       !options.over.empty() || options.fitAudio;
-  const bool given = ApplyViews(views, plan);
-  if (given) SetShowsVelocities(options, plan);
+  const AppliedViews applied = ApplyViews(views, plan);
+  if (applied.given) SetShowsVelocities(options, plan);
   ApplyVelocities(options, plan);
-  return given;
+  if (applied.limits) CalmMove(plan, applied.photo, *applied.limits);
+  return applied.given;
 }
 
 }  // namespace kelto::host

@@ -19,7 +19,7 @@ namespace kelto::host {
 struct PlanOptions {
   std::string size, rate, seconds, frames, fields;
   ViewOptions views;
-  std::string background, playMode, ease, caption, beside;
+  std::string background, playMode, ease, caption, beside, rotate;
   std::string over, audio;
   bool linearLight = false;  ///< whether filters mix light
   bool fitAudio = false;     ///< whether the film is as long as its sound

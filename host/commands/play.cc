@@ -54,7 +54,7 @@ PlayerFilm PictureToPlay(const PlayOptions& options, const std::string& module,
   RenderPlan plan = PlanOf(options.input);
   ApplyOptions(options.show.plan, plan);
   AddSources(plan, access);
-  return FilmToPlay(module, plan, LookAtPhoto(plan.photo));
+  return FilmToPlay(module, plan, LookAtPhoto(PhotoName(plan)));
 }
 
 void Run(PlayOptions& options, const CLI::App& command) {

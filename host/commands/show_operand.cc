@@ -9,6 +9,7 @@
 #include "host/commands/film_options.h"
 #include "host/files/input_file.h"
 #include "host/files/path_text.h"
+#include "host/jobs/film_job.h"
 #include "host/jobs/picture_list.h"
 #include "host/jobs/show_film.h"
 #include "host/jobs/slideshow.h"
@@ -78,7 +79,7 @@ OpenedShow OpenShow(const ShowOptions& options, const CLI::App& command, Sandbox
   AddSourcesOf(pictures, access);
   if (!entersLater) EnterSandbox(access);
   OpenedShow show;
-  show.plans = PlansFor(pictures, [](const RenderPlan&, const Photo&) {});
+  show.plans = PlansFor(pictures, CoreCount(), [](const RenderPlan&, const Photo&) {});
   SetFades(pictures, show.plans);
   CheckFormats(show.plans.plans);
   if (!pictures.title.empty()) {

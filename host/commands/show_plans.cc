@@ -11,8 +11,11 @@
 #include "host/files/input_file.h"
 #include "host/jobs/fitted_times.h"
 #include "host/jobs/picture_list.h"
+#include "host/jobs/picture_memory.h"
 #include "host/options/number.h"
 #include "host/options/rate.h"
+#include "host/processes/read_ahead.h"
+#include "host/processes/task_processes.h"
 #include "host/project/project_file.h"
 #include "host/sources/media.h"
 #include "host/sources/photos.h"
@@ -175,23 +178,66 @@ void AddSourcesOf(ShowPictures& show, SandboxAccess& access) {
   access.reads.push_back(show.audio);
 }
 
-ShowPlans PlansFor(ShowPictures& show,
+namespace {
+
+/// A picture's plan at its place in the show.
+RenderPlan PlanAt(const PictureInShow& picture, size_t turn) {
+  PlanOptions asked = picture.options.plan;
+  asked.fitAudio = false;  // of the show, not of each picture
+  asked.views.turn = static_cast<int32_t>(turn);
+  return AtPlaceOf(picture.listed, [&] { return PlanOfPicture(picture, asked); });
+}
+
+/// What looking at each picture will find, as AnswersDuring has it, found by processes side by
+/// side. Nothing of a picture for which that fails: it fails again, and is reported, when its turn
+/// comes.
+std::vector<std::string> LookAhead(const std::vector<PictureInShow>& pictures, int32_t workers,
+                                   Progress& progress) {
+  std::vector<std::string> answers(pictures.size());
+  int64_t count = 0;
+  TaskList tasks{pictures.size(), PictureMemory(), {}, {}, {}};
+  tasks.work = [&](size_t index, const TaskOwner& owner) {
+    const PictureInShow& picture = pictures[index];
+    const RenderPlan plan = picture.plan ? *picture.plan : PlanOf(picture.listed.path);
+    owner.await(LookAtPhoto(PhotoName(plan)).memory);
+    answers[index] = AnswersDuring([&] { CheckWholePhoto(PhotoName(PlanAt(picture, index))); });
+  };
+  tasks.ended = [&](size_t, const std::string&) { progress.Show(++count); };
+  tasks.printed = [](size_t, const std::string&) {};
+  tasks.result = [&](size_t index) { return answers[index]; };
+  tasks.taken = [&](size_t index, const std::string& result) { answers[index] = result; };
+  RunTasks(tasks, workers);
+  return answers;
+}
+
+/// Whether what was found for a picture at one place in the show holds at another, too.
+bool IsSameAnywhere(const PictureInShow& picture) {
+  return picture.options.plan.views.move != "mixed";
+}
+
+}  // namespace
+
+ShowPlans PlansFor(ShowPictures& show, int32_t workers,
                    const std::function<void(const RenderPlan&, const Photo&)>& looked) {
   std::vector<PictureInShow>& pictures = show.pictures;
   ShowPlans plans;
   Progress progress("photo", static_cast<int64_t>(pictures.size()));
-  int64_t count = 0;
+  std::vector<std::string> answers(pictures.size());
+  const bool ahead = workers > 1 && pictures.size() > 1;
+  if (ahead) answers = LookAhead(pictures, workers, progress);
+  size_t next = 0;
   KeepThose(pictures, [&](const PictureInShow& picture) {
     const InterruptsEndAtOnce whileItLooks;
-    progress.Show(count++);
-    PlanOptions asked = picture.options.plan;
-    asked.fitAudio = false;  // of the show, not of each picture
-    asked.views.turn = static_cast<int32_t>(plans.plans.size());
-    RenderPlan plan = AtPlaceOf(picture.listed, [&] { return PlanOfPicture(picture, asked); });
-    Photo photo = CheckWholePhoto(plan.photo);
-    looked(plan, photo);
-    plans.plans.push_back(std::move(plan));
-    plans.photos.push_back(std::move(photo));
+    const size_t index = next++, turn = plans.plans.size();
+    if (!ahead) progress.Show(static_cast<int64_t>(index));
+    const bool holds = turn == index || IsSameAnywhere(picture);
+    WithAnswers(holds ? answers[index] : "", [&] {
+      RenderPlan plan = PlanAt(picture, turn);
+      Photo photo = CheckWholePhoto(PhotoName(plan));
+      looked(plan, photo);
+      plans.plans.push_back(std::move(plan));
+      plans.photos.push_back(std::move(photo));
+    });
   });
   return plans;
 }

@@ -60,9 +60,10 @@ struct ShowPlans {
 };
 
 /// The plans of all pictures, without fades, with `looked` called for each; those that cannot be
-/// shown are left out. To be called in the sandbox, which allows AddSourcesOf. Throws UsageError
-/// and Error.
-ShowPlans PlansFor(ShowPictures& show,
+/// shown are left out. Up to `workers` processes look at photographs side by side, as far as these
+/// fit into memory; what comes of it is the same. To be called in the sandbox, which allows
+/// AddSourcesOf. Throws UsageError and Error.
+ShowPlans PlansFor(ShowPictures& show, int32_t workers,
                    const std::function<void(const RenderPlan&, const Photo&)>& looked);
 
 /// Sets how long each picture is seen so that the film, with a card of `titleFrames` at its

@@ -17,6 +17,8 @@
 #include "host/effect/module_file.h"
 #include "host/files/output_file.h"
 #include "host/film/codecs.h"
+#include "host/film/coded_films.h"
+#include "host/jobs/beats.h"
 #include "host/jobs/deep_choice.h"
 #include "host/jobs/film_job.h"
 #include "host/jobs/picture_memory.h"
@@ -37,7 +39,7 @@ namespace {
 struct SlideshowOptions {
   ShowOptions show;
   std::string output, project, fadeKind, title;
-  bool force = false;
+  bool force = false, beats = false;
   FilmOptions film;
 };
 
@@ -60,6 +62,19 @@ FadeKind ApplyFadeKind(SlideshowOptions& options) {
   });
 }
 
+Beats BeatsFor(const std::string& audio) {
+  if (audio.empty()) throw UsageError("--beats: there is no sound; name it with --audio");
+  return BeatsOf(audio);
+}
+
+void CutOnBeats(const Beats& beats, int32_t begin, ShowPlans& plans) {
+  std::vector<int32_t> times;
+  for (const RenderPlan& plan : plans.plans) times.push_back(plan.frames);
+  const double rate = plans.plans.front().format.rate.PerSecond();
+  times = TimesOnBeats(times, plans.fades, begin, beats, rate);
+  for (size_t i = 0; i < times.size(); ++i) plans.plans[i].frames = times[i];
+}
+
 Slideshow ShowFor(const SlideshowOptions& options, ShowPictures& pictures, ShowPlans& plans) {
   if (options.output.empty()) throw UsageError("-o is empty; name the film");
   // What is quickly found wrong goes before the looking.
@@ -68,20 +83,24 @@ Slideshow ShowFor(const SlideshowOptions& options, ShowPictures& pictures, ShowP
   // One for each of two pictures at the least.
   show.workers = std::max(2, JobsAsked(options.film, CoreCount()));
   show.module = FindModule(options.film.module);
+  const std::string& audio =
+      options.show.plan.audio.empty() ? pictures.audio : options.show.plan.audio;
+  // Before the sandbox, which starts no programs.
+  const Beats beats = options.beats ? BeatsFor(audio) : Beats{};
   SandboxAccess access = AccessFor(options.film.module, {options.output, options.project});
   AddSourcesOf(pictures, access);
   EnterSandbox(access);
-  plans = PlansFor(pictures, [&](const RenderPlan& plan, const Photo& photo) {
-    show.workers = WorkersFor(photo, show.workers);
-    if (show.workers < 2 && pictures.pictures.size() > 1) {
-      throw Error(plan.photo +
-                  ": is too large for a slideshow, which has two pictures in memory at "
-                  "a time; the limit for both is " +
-                  std::to_string(PictureMemory() >> 20) + " MiB");
-    }
-  });
-  const std::string& audio =
-      options.show.plan.audio.empty() ? pictures.audio : options.show.plan.audio;
+  plans = PlansFor(
+      pictures, JobsAsked(options.film, CoreCount()),
+      [&](const RenderPlan& plan, const Photo& photo) {
+        show.workers = WorkersFor(photo, show.workers);
+        if (show.workers < 2 && pictures.pictures.size() > 1) {
+          throw Error(plan.photo +
+                      ": is too large for a slideshow, which has two pictures in memory at "
+                      "a time; the limit for both is " +
+                      std::to_string(PictureMemory() >> 20) + " MiB");
+        }
+      });
   if (!options.title.empty()) {
     show.title.text = ReadOption("--title", options.title, TitleText);
     show.title.frames = FramesOf(kTitleSeconds, plans.plans.front().format.rate);
@@ -89,6 +108,7 @@ Slideshow ShowFor(const SlideshowOptions& options, ShowPictures& pictures, ShowP
   if (options.show.plan.fitAudio) FitToSound(audio, show.title.frames, pictures, plans);
   SetFades(pictures, plans);
   show.title.fade = TitleFadeFor(show.title.frames, pictures, plans);
+  if (options.beats) CutOnBeats(beats, show.title.frames - show.title.fade, plans);
   show.plans = plans.plans;
   show.fades = plans.fades;
   PlaceCaptions(show.plans, show.fades, show.title.fade);
@@ -202,6 +222,14 @@ CLI::App* AddSlideshow(CLI::App& app) {
                    "through the colour of --fade-colour; none, a cut [cross]")
       ->group("Film")
       ->type_name("WORD");
+  if (IsContainer(UsualFilmKind())) {
+    command
+        ->add_flag(
+            "--beats", options->beats,
+            "Move each cut to the nearest beat of the sound, as the program aubiotrack finds "
+            "them")
+        ->group("Film");
+  }
   if (CanDrawLetters()) {
     command
         ->add_option("--title", options->title,

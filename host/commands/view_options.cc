@@ -40,6 +40,9 @@ void ReportIfWidened(const std::string& name, const PhotoRect& part, const Photo
   PrintMessage(name + ": is widened to " + size + " pixels of the photo; zoom 20 goes no closer");
 }
 
+/// What people ask for may be quick; in less than this nothing looks calm.
+constexpr double kLeastCalmSeconds = 1.0;
+
 /// Reads views; opens the photo for the first that speaks of its pixels.
 class ViewReader {
  public:
@@ -68,12 +71,15 @@ class ViewReader {
   const RenderPlan& Plan() const { return plan_; }
 
   const Photo& OpenedPhoto() {
-    if (!photo_) photo_ = LookAtPhoto(plan_.photo);
+    if (!photo_) photo_ = LookAtPhoto(PhotoName(plan_));
     return *photo_;
   }
 
   /// The largest view that shows nothing but photo.
   View Widest() { return Views().ViewOf(Views().Fill()); }
+
+  /// Whether the move goes from face to face, because no view has room for all.
+  bool visitsFaces = false;
 
   const PhotoViews& Views() {
     if (!views_) views_.emplace(plan_, PixelSize{OpenedPhoto().width, OpenedPhoto().height});
@@ -130,6 +136,11 @@ std::optional<std::vector<PhotoRect>> FindMove(const PhotoViews& views, const Ph
                                 {found[5], found[6], found[7], found[8]}};
 }
 
+/// Whether a move that was found goes from face to face: others are closer at one end.
+bool IsVisit(const std::vector<PhotoRect>& parts) {
+  return parts.front().width == parts.back().width && parts.front() != parts.back();
+}
+
 /// The move of a show's picture: what MixedMoveAt says, but that faces are never panned over; they
 /// are gone in to and drawn back from in turns.
 std::vector<PhotoRect> PartsOfMixedMove(const ViewOptions& options, ViewReader& reader, Fit fit,
@@ -160,8 +171,10 @@ std::vector<PhotoRect> PartsOfMove(const ViewOptions& options, const std::string
   const Fit fit = FitFor(options, reader);
   if (name != kAuto) return MoveViews(views, name, fit, amount);
   const Photo& photo = reader.OpenedPhoto();
-  return *FindMove(views, photo, fit, amount.value_or(kUsualAutoAmount), FoundBy::kFacesOrInterest,
-                   options.faceModel);
+  auto parts = FindMove(views, photo, fit, amount.value_or(kUsualAutoAmount),
+                        FoundBy::kFacesOrInterest, options.faceModel);
+  reader.visitsFaces = IsVisit(*parts);
+  return *parts;
 }
 
 std::vector<PhotoRect> PartsOfMixedMove(const ViewOptions& options, ViewReader& reader, Fit fit,
@@ -170,6 +183,7 @@ std::vector<PhotoRect> PartsOfMixedMove(const ViewOptions& options, ViewReader& 
   auto parts = FindMove(reader.Views(), reader.OpenedPhoto(), fit,
                         amount.value_or(kUsualAutoAmount), FoundBy::kFaces, options.faceModel);
   if (parts) {
+    reader.visitsFaces = IsVisit(*parts);
     if (turn % 2 == 1) std::reverse(parts->begin(), parts->end());
     return *parts;
   }
@@ -201,6 +215,41 @@ std::vector<View> EndsGiven(const ViewOptions& options, ViewReader& reader) {
     return text.empty() ? reader.Widest() : reader.Read(option, text);
   };
   return {end("--from", options.from), end("--to", options.to)};
+}
+
+double ParseSpeedLimit(const std::string& text) {
+  const auto most = ParseNumber(text);
+  if (!most || !(*most > 0.0 && *most <= 1000.0)) {
+    throw UsageError("a speed is a number above 0, such as 0.2");
+  }
+  return *most;
+}
+
+/// The limits that hold for the move that the options ask for. What an amount or a face to go to
+/// asks for is only limited by name.
+std::optional<SpeedLimits> LimitsFor(const ViewOptions& options, const ViewReader& reader) {
+  const RenderPlan& plan = reader.Plan();
+  const bool named = !options.maxSpeed.empty() || !options.maxZoomRate.empty();
+  const std::string move = MoveWord(options);
+  const double seconds = plan.frames / plan.format.rate.PerSecond();
+  const bool usual = (move == kAuto || move == kMixed) && options.amount.empty() &&
+                     !reader.visitsFaces && seconds >= kLeastCalmSeconds;
+  if (!named && !usual) return std::nullopt;
+  SpeedLimits limits;
+  constexpr double kAny = 1e9;
+  if (!usual) limits = {kAny, kAny};
+  if (!options.maxSpeed.empty()) {
+    limits.pan = ReadOption("--max-speed", options.maxSpeed, ParseSpeedLimit);
+  }
+  if (!options.maxZoomRate.empty()) {
+    limits.zoom = ReadOption("--max-zoom-rate", options.maxZoomRate, ParseSpeedLimit);
+  }
+  if (named && options.motion == "linear") {
+    throw UsageError(
+        "--max-speed and --max-zoom-rate are for --motion steady and fly; leave --motion linear "
+        "out");
+  }
+  return limits;
 }
 
 /// Sets the views of --view, and the film's length where they say it.
@@ -263,15 +312,26 @@ void DeclareViews(CLI::App& command, const std::string& group, ViewOptions& opti
     add("--face-model", options.faceModel, "FILE",
         "Find faces by this YuNet model, a file .onnx, not by OpenCV's cascades");
   }
-  for (CLI::Option* one : {view, move, fit, amount}) one->excludes(from)->excludes(to);
+  CLI::Option* speed = add(
+      "--max-speed", options.maxSpeed, "SPEED",
+      "Shorten the move where it would pan faster, in frame widths a second [0.3 for moves that "
+      "are found by themselves, without --amount]");
+  CLI::Option* rate =
+      add("--max-zoom-rate", options.maxZoomRate, "RATE",
+          "Shorten the move where it would zoom faster, in doublings a second [0.5, likewise]");
+  for (CLI::Option* one : {view, move, fit, amount, speed, rate}) {
+    one->excludes(from)->excludes(to);
+  }
+  view->excludes(speed)->excludes(rate);
   view->excludes(move)->excludes(fit)->excludes(amount);
 }
 
-bool ApplyViews(const ViewOptions& options, RenderPlan& plan) {
+AppliedViews ApplyViews(const ViewOptions& options, RenderPlan& plan) {
   ViewReader reader(plan);
   const bool tour = !options.tour.empty();
   const bool ends = !options.from.empty() || !options.to.empty();
   const bool move = !options.move.empty() || !options.fit.empty() || !options.amount.empty() ||
+                    !options.maxSpeed.empty() || !options.maxZoomRate.empty() ||
                     (options.movesByItself && plan.frames > 1);
   if (tour) {
     SetTour(options, reader, plan);
@@ -280,20 +340,25 @@ bool ApplyViews(const ViewOptions& options, RenderPlan& plan) {
   } else if (move) {
     SetMove(plan, ViewsOfMove(options, reader));
   }
-  const bool views = tour || ends || move;
+  AppliedViews applied;
+  applied.given = tour || ends || move;
+  if (move && !tour && !ends) {
+    applied.limits = LimitsFor(options, reader);
+    if (applied.limits) applied.photo = {reader.OpenedPhoto().width, reader.OpenedPhoto().height};
+  }
   plan.loop = plan.loop || options.loop;
   if (plan.loop && plan.views.empty()) {
     throw UsageError("--loop: the project has keys of its own; give it a list of views, or --view");
   }
   if (plan.loop) CloseTour(plan.views);
-  if (views) {
+  if (applied.given) {
     if (plan.motion == MotionLaw::kLinear) plan.motion = MotionLaw::kSteady;
   }
   if (!options.motion.empty()) {
     plan.motion = ReadOption("--motion", options.motion,
                              [](const std::string& text) { return ParseMotionLaw(text); });
   }
-  return views;
+  return applied;
 }
 
 void CheckViews(const std::string& place, const RenderPlan& plan) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/commands/tour_options.h"
+#include "host/moves/calm_move.h"
 #include "host/plan/render_plan.h"
 
 namespace CLI {
@@ -17,7 +18,7 @@ namespace kelto::host {
 
 /// The options as they were typed; empty where nothing was.
 struct ViewOptions {
-  std::string from, to, move, fit, amount, motion, faceModel;
+  std::string from, to, move, fit, amount, motion, faceModel, maxSpeed, maxZoomRate;
   std::vector<std::string> views, holds, goes;
   /// The last three in the order in which they were typed.
   std::vector<TourWord> tour;
@@ -34,10 +35,19 @@ struct ViewOptions {
 /// Declares the options on `command`, in this group of its help, to be parsed into `options`.
 void DeclareViews(CLI::App& command, const std::string& group, ViewOptions& options);
 
+/// What ApplyViews set.
+struct AppliedViews {
+  bool given = false;  ///< whether there were views
+  /// How fast the move may be at the most, once the plan says how views are reached and left, and
+  /// the photo's size in pixels; none where it is as fast as it is.
+  std::optional<SpeedLimits> limits{};
+  PixelSize photo{};
+};
+
 /// Sets the views and the motion law that the options ask for, by the plan's film as it stands;
-/// looks at the photo where that is needed. Whether there were views. Throws UsageError that names
-/// the option, and Error for the photo.
-bool ApplyViews(const ViewOptions& options, RenderPlan& plan);
+/// looks at the photo where that is needed. Throws UsageError that names the option, and Error for
+/// the photo.
+AppliedViews ApplyViews(const ViewOptions& options, RenderPlan& plan);
 
 /// Checks the list of views that a plan has from a project, as far as only the photo says what is
 /// wrong with it; `place` is what stands before "views" in messages, such as "photo.json: ". Opens

@@ -11,6 +11,7 @@ namespace kelto::host {
 RenderPlan WholePhoto(const RenderPlan& plan, const Photo& photo, double most) {
   RenderPlan whole;
   whole.photo = plan.photo;
+  whole.rotate = plan.rotate;
   // A frame of the photo's own shape; without keys the effect fits the photo into it.
   const double scale = std::min(1.0, most / std::max(photo.width, photo.height));
   const auto side = [&](int32_t pixels) {

@@ -14,6 +14,7 @@
 #include "host/files/input_file.h"
 #include "host/files/path_text.h"
 #include "platform/still_importer.h"
+#include "runtime/stills/turned_name.h"
 
 namespace kelto::host {
 namespace {
@@ -78,11 +79,31 @@ bool Draw(GraphicsImportComponent importer, std::vector<uint8_t>& pixels) {
 
 }  // namespace
 
-Photo OpenPhoto(const std::string& path) {
+std::string PhotoName(const RenderPlan& plan) {
+  return stills::NameTurnedBy(plan.photo, plan.rotate);
+}
+
+PhotoNameParts PartsOfPhotoName(const std::string& name) {
+  const stills::TurnedName turned = stills::SplitTurnedName(name);
+  return {turned.path, turned.quarters * 90};
+}
+
+std::string NameAt(const std::string& path, const Photo& photo) {
+  std::string name = stills::NameTurnedBy(path, photo.rotate);
+  if (name.size() <= kEffectPathBytes) return name;
+  throw Error(photo.given +
+              ": its path is too long for a photo that is turned; change to the photo's folder or "
+              "link to it");
+}
+
+Photo OpenPhoto(const std::string& name) {
+  const auto [path, rotate] = PartsOfPhotoName(name);
   CheckPicture(path);
-  const EffectName name = NameForEffect(path);
-  Photo photo{path, name.text};
-  photo.file = name.file;
+  const EffectName file = NameForEffect(path);
+  Photo photo{path, file.text};
+  photo.rotate = rotate;
+  photo.path = NameAt(file.text, photo);
+  photo.file = file.file;
   const Importer importer = OpenImporter(photo.path);
   if (!importer) throw Error(path + ": cannot be read as a picture: " + Reason(photo.path));
   StillRect bounds{};

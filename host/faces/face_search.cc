@@ -25,7 +25,10 @@ bool IsWithin(const PhotoRect& face, const Photo& photo) {
 
 FoundFaces SearchFaces(const Photo& photo, const std::string& model, std::vector<uint8_t>& pixels) {
   FoundFaces found;
-  for (const FaceRegion& face : ReadNotes(photo.given).faces) {
+  for (FaceRegion face : ReadNotes(photo.given).faces) {
+    for (int32_t degrees = 0; degrees < photo.rotate; degrees += 90) {
+      face = {1 - face.top - face.height, face.left, face.height, face.width};
+    }
     found.faces.push_back({face.left * photo.width, face.top * photo.height,
                            face.width * photo.width, face.height * photo.height});
   }

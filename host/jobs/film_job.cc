@@ -59,7 +59,7 @@ void CheckJob(FilmJob& job) {
   CheckFilm(*job.kind, job.request, {plan.photo, plan.over, job.request.audio});
   CheckDepth(*job.kind, plan, job.depth, job.request);
   const InterruptsEndAtOnce whileItOpens;
-  Photo photo = CheckPhoto(plan.photo);
+  Photo photo = CheckPhoto(PhotoName(plan));
   ChooseDepth(*job.kind, plan, photo, job.depth, job.request);
   if (job.request.deep) photo.memory = photo.deepMemory;
   job.workers = WorkersFor(photo, job.workers);

@@ -42,9 +42,9 @@ void SceneRenderer::Open(size_t scene) {
   CheckFiles(list_.scenes[scene]);
   CheckNotReplaced(plan.photo);
   CheckNotReplaced(plan.over);
-  Photo photo = OpenPhoto(plan.photo);
+  Photo photo = OpenPhoto(PhotoName(plan));
   // Where the system has no other path of an open file, the name that the effect can open stays.
-  if (std::string held = photo_->Path(); held != plan.photo) photo.path = std::move(held);
+  if (std::string held = photo_->Path(); held != plan.photo) photo.path = NameAt(held, photo);
   if (list_.layout == PixelLayout::kRgba16) {
     deep_ = std::make_unique<DeepSession>(list_.module, plan, photo);
   } else {

@@ -93,6 +93,7 @@ class WorkerFrames : public FrameSource {
           break;
         case MessageKind::kMemory:
         case MessageKind::kShare:
+        case MessageKind::kResult:
           break;  // these have what CheckJob let them have
         case MessageKind::kFailed:
           TellLibraryText(index);

@@ -132,7 +132,7 @@ Check TryModule(const std::string& path) {
     RenderPlan plan = DefaultPlan(WriteSample(folder, SampleStills()[1]));
     plan.format.size = kSize;
     plan.frames = 1;
-    EffectSession session(path, plan, OpenPhoto(plan.photo), PixelLayout::kBGRA);
+    EffectSession session(path, plan, OpenPhoto(PhotoName(plan)), PixelLayout::kBGRA);
     session.Render(0);
   });
 }

@@ -45,6 +45,9 @@ struct Caption {
 
 struct RenderPlan {
   std::string photo;
+  /// Degrees by which the photo is turned clockwise beyond what its file says: 0, 90, 180 or 270.
+  /// Views are of the photo as it is then.
+  int32_t rotate = 0;
   std::string over{};   ///< the video behind the photo; empty for none
   std::string audio{};  ///< file whose sound goes into the film; empty for none
   FilmFormat format;

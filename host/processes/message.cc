@@ -60,8 +60,7 @@ std::optional<Message> Channel::Receive() {
   Header header{};
   if (!Read(&header, sizeof header)) return std::nullopt;
   // A process that a file has taken over may send anything; its line is as good as closed.
-  if (header.size > kMaxMessageBytes ||
-      header.kind > static_cast<uint32_t>(MessageKind::kMisused)) {
+  if (header.size > kMaxMessageBytes || header.kind > static_cast<uint32_t>(MessageKind::kResult)) {
     return std::nullopt;
   }
   Message message{static_cast<MessageKind>(header.kind), std::string(header.size, '\0')};

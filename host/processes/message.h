@@ -13,6 +13,7 @@ enum class MessageKind : unsigned char {
   kShare,    ///< worker: how much of its work is done, in percent
   kFailed,   ///< worker: the text of an Error; it ends
   kMisused,  ///< worker: the text of a UsageError; it ends
+  kResult,   ///< worker: what came of its task, before it is done
 };
 
 struct Message {

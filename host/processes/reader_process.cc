@@ -1,6 +1,7 @@
 #include "host/processes/reader_process.h"
 
 #include "host/base/error.h"
+#include "host/processes/read_ahead.h"
 #include "host/processes/reader_worker.h"
 #include "host/sandbox/sandbox.h"
 #include "host/terminal/interrupt.h"
@@ -38,6 +39,7 @@ std::string ReaderWorker::Next() {
         break;
       case MessageKind::kMemory:
       case MessageKind::kShare:
+      case MessageKind::kResult:
         break;  // only tasks send these
       case MessageKind::kFailed:
         throw Error(message->text);
@@ -53,10 +55,14 @@ std::string ReaderWorker::Next() {
 
 std::string ReadApart(const std::string& file, const std::vector<std::string>& others,
                       const std::function<std::string()>& work) {
-  ReaderWorker reader(file, others, [&](Channel& line) {
-    line.Send({MessageKind::kDone, work()});
+  std::string known;
+  if (IsAnswered(file, known)) return known;
+  return KeptAnswer(file, [&] {
+    ReaderWorker reader(file, others, [&](Channel& line) {
+      line.Send({MessageKind::kDone, work()});
+    });
+    return reader.Next();
   });
-  return reader.Next();
 }
 
 }  // namespace kelto::host

@@ -62,6 +62,7 @@ class TaskRunner {
              line.Send({MessageKind::kShare, std::to_string(percent)});
            };
            tasks_.work(index, {await, report});
+           if (tasks_.result) line.Send({MessageKind::kResult, tasks_.result(index)});
            line.Send({});
          })});
   }
@@ -111,6 +112,10 @@ class TaskRunner {
     }
     if (message->kind == MessageKind::kConsole) {
       tasks_.printed(task.index, message->text);
+      return true;
+    }
+    if (message->kind == MessageKind::kResult) {
+      if (tasks_.taken) tasks_.taken(task.index, message->text);
       return true;
     }
     if (message->kind == MessageKind::kMemory) {

@@ -32,6 +32,10 @@ struct TaskList {
   /// Called with what a task reports of itself, where it is not null; now and then, and once for
   /// each percent at the most.
   std::function<void(size_t index, double share)> reported{};
+  /// What came of a task, asked for in its process once its work is done, and taken by the owner's;
+  /// both or none.
+  std::function<std::string(size_t index)> result{};
+  std::function<void(size_t index, const std::string& result)> taken{};
 };
 
 /// Does all tasks, up to `jobs` at a time, begun in their order. A noted interrupt (see

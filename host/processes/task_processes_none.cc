@@ -21,6 +21,7 @@ void RunTasks(const TaskList& tasks, int32_t) {
         if (tasks.reported) tasks.reported(i, share);
       };
       tasks.work(i, {[](uint64_t) {}, report});  // alone
+      if (tasks.result) tasks.taken(i, tasks.result(i));
     } catch (const std::exception& error) {
       failure = error.what();
     }

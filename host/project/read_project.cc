@@ -217,6 +217,7 @@ void CheckFilm(const json& film) {
 
 RenderPlan PlanOfFilm(const json& document, const std::string& path) {
   RenderPlan plan = DefaultPlan(ReadPath(document, "image", path));
+  plan.rotate = document.value("rotate", 0);
   plan.over = ReadPath(document, "over", path);
   plan.audio = ReadPath(document, "audio", path);
   plan.playMode = document.value("playMode", plan.playMode);

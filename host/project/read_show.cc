@@ -64,7 +64,7 @@ Json FilmAt(const Json& show, size_t index) {
   for (const char* field : {"each", "fade", "move", "fit", "amount"}) film.erase(field);
   if (show.contains("film")) film["film"] = show["film"];
   if (const Json* each = SaidOf(show, picture, "each")) film["film"]["seconds"] = *each;
-  for (const char* field : {"motion", "playMode", "beside", "caption"}) {
+  for (const char* field : {"motion", "playMode", "beside", "caption", "rotate"}) {
     if (const Json* said = SaidOf(show, picture, field)) film[field] = *said;
   }
   if (show.contains("parameters")) {

@@ -97,6 +97,7 @@ ordered_json FilmJson(const std::string& path, const RenderPlan& plan) {
   // A name that means the same on every machine; editors look for it beside the project.
   document["$schema"] = "project.schema.json";
   document["image"] = ForProject(path, plan.photo);
+  if (plan.rotate != 0) document["rotate"] = plan.rotate;
   if (!plan.over.empty()) document["over"] = ForProject(path, plan.over);
   if (!plan.audio.empty()) document["audio"] = ForProject(path, plan.audio);
   if (plan.loop) document["loop"] = true;

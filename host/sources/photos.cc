@@ -15,10 +15,11 @@ namespace {
 
 enum class LookingFor { kSize, kFlaws, kFaults };
 
-Photo Looked(const std::string& path, LookingFor what) {
+Photo Looked(const std::string& photoName, LookingFor what) {
+  const auto [path, rotate] = PartsOfPhotoName(photoName);
   std::optional<Photo> opened;  // where the work is done in this process
-  const std::vector<double> found = NumbersApart(path, 6, [&] {
-    opened = OpenPhoto(path);
+  const std::vector<double> found = NumbersApart(path, 6, [&, path = path] {
+    opened = OpenPhoto(photoName);
     FindDepth(*opened);
     if (what == LookingFor::kFaults) {
       if (const auto fault = FindFault(*opened)) {
@@ -40,6 +41,8 @@ Photo Looked(const std::string& path, LookingFor what) {
   constexpr int64_t kMostMemory = int64_t{1} << 50;
   const EffectName name = NameForEffect(path);
   Photo photo{path, name.text};
+  photo.rotate = rotate;
+  photo.path = NameAt(name.text, photo);
   photo.width = static_cast<int32_t>(IntegerFrom(found[0], 1, kMostSide, path));
   photo.height = static_cast<int32_t>(IntegerFrom(found[1], 1, kMostSide, path));
   photo.memory = static_cast<uint64_t>(IntegerFrom(found[2], 0, kMostMemory, path));
@@ -52,10 +55,10 @@ Photo Looked(const std::string& path, LookingFor what) {
 
 }  // namespace
 
-Photo LookAtPhoto(const std::string& path) { return Looked(path, LookingFor::kSize); }
+Photo LookAtPhoto(const std::string& name) { return Looked(name, LookingFor::kSize); }
 
-Photo CheckPhoto(const std::string& path) { return Looked(path, LookingFor::kFlaws); }
+Photo CheckPhoto(const std::string& name) { return Looked(name, LookingFor::kFlaws); }
 
-Photo CheckWholePhoto(const std::string& path) { return Looked(path, LookingFor::kFaults); }
+Photo CheckWholePhoto(const std::string& name) { return Looked(name, LookingFor::kFaults); }
 
 }  // namespace kelto::host

@@ -9,14 +9,14 @@
 namespace kelto::host {
 
 /// OpenPhoto in a process of its own. Throws Error when there is no such picture.
-Photo LookAtPhoto(const std::string& path);
+Photo LookAtPhoto(const std::string& name);
 
 /// The same; and warns of what the photo will be shown without (see FindFlaw and Warn), and finds
 /// out whether it is transparent anywhere, for which it may have to be decoded.
-Photo CheckPhoto(const std::string& path);
+Photo CheckPhoto(const std::string& name);
 
 /// LookAtPhoto; warns as CheckPhoto does, and decodes all of it, so that one whose file ends early
 /// is found out before the work on a film of many begins.
-Photo CheckWholePhoto(const std::string& path);
+Photo CheckWholePhoto(const std::string& name);
 
 }  // namespace kelto::host

@@ -1,6 +1,7 @@
 #include "runtime/stills/deep_reader.h"
 
 #include "runtime/stills/decoder.h"
+#include "runtime/stills/turned_name.h"
 
 namespace kelto::stills {
 namespace {
@@ -23,16 +24,19 @@ void InOneLine(const StillFile& file, const Operation& operation) {
 }  // namespace
 
 struct DeepReader::File {
-  explicit File(const std::string& path) : file(path) {}
+  explicit File(const TurnedName& turned) : file(turned.path), quarters(turned.quarters) {}
   StillFile file;
+  int quarters;
   const Decoder* decoder = nullptr;
   StillInfo info;
 };
 
-DeepReader::DeepReader(const std::string& path) : file_(std::make_unique<File>(path)) {
+DeepReader::DeepReader(const std::string& path)
+    : file_(std::make_unique<File>(SplitTurnedName(path))) {
   InOneLine(file_->file, [&] {
     file_->decoder = &FindDecoder(file_->file);
     file_->info = file_->decoder->ReadInfo(file_->file);
+    Turn(file_->info, file_->quarters);
     CheckSize(file_->info, file_->file, file_->info.deep_format());
   });
   const StillInfo& found = file_->info;

@@ -9,6 +9,7 @@
 #include "platform/still_importer.h"
 #include "runtime/stills/decoder.h"
 #include "runtime/stills/still_error.h"
+#include "runtime/stills/turned_name.h"
 
 using kelto::stills::ColorConverter;
 using kelto::stills::ColorModel;
@@ -117,9 +118,11 @@ OSErr GetGraphicsImporterForFile(const FSSpec* spec, GraphicsImportComponent* im
   });
   if (error != noErr) return error;
   return Attempt(name, [&] {
-    auto opened = std::make_unique<GraphicsImporter>(name, path);
+    const kelto::stills::TurnedName turned = kelto::stills::SplitTurnedName(path);
+    auto opened = std::make_unique<GraphicsImporter>(name, turned.path);
     opened->decoder = &kelto::stills::FindDecoder(opened->file);
     opened->info = opened->decoder->ReadInfo(opened->file);
+    Turn(opened->info, turned.quarters);
     CheckReads(opened->file);
     kelto::stills::CheckSize(opened->info, opened->file);
     *importer = opened.release();

@@ -100,6 +100,23 @@ TEST_F(Shows, LeaveOutABadPictureAndSaySo) {
   EXPECT_EQ(Seen(), "rrggbb");
 }
 
+TEST_F(Shows, AreTheSameHoweverManyProcessesLookAtPhotographs) {
+  // The second is left out, so that the moves of those behind it are others than by their numbers.
+  std::ofstream(photos_ / "IMG_1b.png") << "no picture";
+  const auto show = [&](const char* jobs, const char* move) {
+    const std::string project = films_ / (std::string(move) + jobs + ".json");
+    const Outcome outcome = Show(
+        {photos_ / ""}, {"--fade", "0", "--move", move, "--jobs", jobs, "--save-project", project});
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_THAT(outcome.err, HasSubstr("IMG_1b.png")) << "is said to be left out";
+    return std::vector<std::string>{outcome.err, BytesOf(project), BytesOf(film_)};
+  };
+  for (const char* move : {"auto", "mixed"}) {
+    const auto alone = show("1", move);
+    EXPECT_EQ(show("3", move), alone) << move;
+  }
+}
+
 TEST_F(Shows, EndWithABadPictureWhereStrictIsAsked) {
   std::ofstream(photos_ / "IMG_3.jpg") << "not a picture";
   const Outcome outcome = Show({photos_ / ""}, {"--strict"});
@@ -236,6 +253,41 @@ TEST_F(ShowsToMusic, LeaveALineItsOwnTime) {
     const Rgb seen = ColourAt(film.frames[i], film.matrix, 48, 32);
     EXPECT_LT(Distance(seen, i < 5 ? kRed : kGreen), 24) << i << ": " << ToString(seen);
   }
+}
+
+TEST_F(ShowsToMusic, AreCutOnItsBeats) {
+  // What stands in for the finder of beats says that they are in frames 3, 6 and 9.
+  const std::string finder = films_ / "aubiotrack";
+  std::ofstream(finder) << "#!/bin/sh\n[ \"$1\" = -i ] && [ -f \"$2\" ] && "
+                           "printf '0.12\\n0.24\\n0.36\\n'\n";
+  std::filesystem::permissions(finder, std::filesystem::perms::owner_all);
+  const std::string music = Music(0.6), project = films_ / "show.json";
+  const std::string show = "\"$0\" slideshow '" + (photos_ / "") + "' -o '" + (films_ / "f.mkv") +
+                           "' --size 96x64 --each 0.2 --fade 0 --force " +
+                           "--quiet --save-project '" + project + "' --audio '" + music + "'";
+  const auto eaches = [&] {
+    const std::string text = BytesOf(project);
+    std::string found;
+    for (size_t at = 0; (at = text.find("\"each\": ", at)) != std::string::npos;) {
+      at += 8;
+      found += text.substr(at, text.find_first_of(",\n", at) - at) + " ";
+    }
+    return found;
+  };
+  EXPECT_EQ(RunShell(show).err, "");
+  EXPECT_EQ(eaches(), "0.2 ");
+  const std::string path = "PATH='" + (films_ / "") + "':$PATH ";
+  EXPECT_EQ(RunShell(path + show + " --beats").err, "");
+  EXPECT_EQ(eaches(), "0.24 0.12 0.24 ") << "cuts in frames 6 and 9 in place of 5 and 10";
+  EXPECT_THAT(
+      RunShell(path + "\"$0\" inspect '" + (photos_ / "") + "' --beats --audio '" + music + "'")
+          .out,
+      HasSubstr("beats:  3 beats, 500.0 a minute\n"));
+  const Outcome missing = RunShell("PATH=/nowhere " + show + " --beats");
+  EXPECT_NE(missing.code, 0);
+  EXPECT_TRUE(IsOneLine(missing.err)) << missing.err;
+  EXPECT_THAT(missing.err, HasSubstr("the package aubio-tools has it"));
+  EXPECT_THAT(Show({photos_ / ""}, {"--beats"}).err, HasSubstr("--beats: there is no sound"));
 }
 
 TEST_F(ShowsToMusic, SayWhatDoesNotFit) {

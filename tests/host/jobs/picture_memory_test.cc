@@ -20,7 +20,7 @@ class Workers : public testing::Test {
   ~Workers() override { SetMessageSink({}); }
 
   std::vector<std::string> messages_;
-  Photo photo_{"huge.png", "huge.png", 20000, 20000, 3 * kGiB};
+  Photo photo_{"huge.png", "huge.png", 0, 20000, 20000, 3 * kGiB};
 };
 
 TEST_F(Workers, AreAsManyAsMayLoadThePhotoAtATime) {

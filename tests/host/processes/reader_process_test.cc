@@ -9,6 +9,7 @@
 #include <fstream>
 
 #include "host/base/error.h"
+#include "host/processes/read_ahead.h"
 #include "host/sandbox/sandbox.h"
 #include "host/terminal/terminal.h"
 #include "tests/support/photo.h"
@@ -107,6 +108,29 @@ TEST_F(ReaderProcess, IsNotBelievedWhatCannotBe) {
   for (const double number : {-1.0, 8.0, 1.5, 1e300}) {
     EXPECT_THROW(IntegerFrom(number, 0, 7, file_), Error) << number;
   }
+}
+
+TEST_F(ReaderProcess, AnswersAheadAreGivenInsteadOfReading) {
+  const auto twice = [&] {
+    ReadApart(file_, {}, [] { return std::string("first"); });
+    ReadApart(file_, {}, []() -> std::string { throw Error("cannot"); });
+  };
+  // Answers are kept in a process of their own.
+  const std::string answers = ReadApart(file_, {}, [&] { return AnswersDuring([&] { twice(); }); });
+  const auto unread = []() -> std::string { throw Error("was read"); };
+  WithAnswers(answers, [&] {
+    EXPECT_EQ(ReadApart(file_, {}, unread), "first");
+    EXPECT_EQ(ErrorOf([&] { ReadApart(file_, {}, unread); }), "cannot");
+    EXPECT_EQ(ErrorOf([&] { ReadApart(file_, {}, unread); }), "was read") << "none is left";
+  });
+  WithAnswers(answers, [&] {
+    std::ofstream(folder_ / "other") << "content";
+    EXPECT_EQ(ErrorOf([&] { ReadApart(folder_ / "other", {}, unread); }), "was read");
+    EXPECT_EQ(ErrorOf([&] { ReadApart(file_, {}, unread); }), "was read") << "out of order";
+  });
+  WithAnswers(answers.substr(0, 12), [&] {
+    EXPECT_EQ(ErrorOf([&] { ReadApart(file_, {}, unread); }), "was read") << "cut short";
+  });
 }
 
 }  // namespace

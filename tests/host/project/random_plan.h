@@ -26,6 +26,7 @@ class RandomPlan {
     plan.format.sampleAspect = Pick<host::SampleAspect>({{1, 1}, {64, 45}, {8, 9}, {4096, 4095}});
     plan.frames = Whole(9'999'999) + 1;
     plan.playMode = Whole(255);
+    plan.rotate = 90 * Whole(3);
     plan.transparent = Whole(1) == 1;
     plan.linearLight = Whole(1) == 1;
     if (Whole(1) == 1) plan.over = "clips/street.mp4";

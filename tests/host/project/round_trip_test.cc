@@ -29,6 +29,7 @@ void ExpectSame(const RenderPlan& a, const RenderPlan& b) {
   EXPECT_EQ(a.format.sampleAspect, b.format.sampleAspect);
   EXPECT_EQ(a.frames, b.frames);
   EXPECT_EQ(a.playMode, b.playMode);
+  EXPECT_EQ(a.rotate, b.rotate);
   EXPECT_EQ(a.transparent, b.transparent);
   EXPECT_EQ(a.linearLight, b.linearLight);
   EXPECT_EQ(a.motion, b.motion);

@@ -40,6 +40,40 @@ TEST_F(Orientation, AllEightTurnPngUpright) {
   }
 }
 
+/// The picture turned clockwise by a quarter.
+Picture Turned(const Picture& picture) {
+  Picture turned = {picture.height, picture.width, {}};
+  for (int y = 0; y < turned.height; ++y) {
+    for (int x = 0; x < turned.width; ++x) {
+      turned.pixels.push_back(picture.at(y, picture.height - 1 - x));
+    }
+  }
+  return turned;
+}
+
+TEST_F(Orientation, IsWhereTurnedNamesTurnOn) {
+  const Picture upright = GradientPicture(37, 53);
+  for (uint16_t orientation = 1; orientation <= 8; ++orientation) {
+    PngSpec spec = PngOf(StoredFor(upright, orientation));
+    DecodedPng(spec, ExifBlock(orientation, true, true));
+    Picture turned = upright;
+    for (const char* degrees : {"90", "180", "270"}) {
+      turned = Turned(turned);
+      const Loaded loaded = LoadStill(Path("picture.png") + "?turned=" + degrees);
+      ASSERT_EQ(loaded.error, noErr) << loaded.text;
+      EXPECT_EQ(LargestDifference(loaded.picture, turned), 0) << orientation << ", " << degrees;
+    }
+  }
+}
+
+TEST_F(Orientation, OfAFileThatIsReallyCalledSoIsItsOwn) {
+  const Picture upright = GradientPicture(20, 30);
+  const Loaded loaded = Load(EncodePng(PngOf(upright)), "picture.png?turned=90");
+  ASSERT_EQ(loaded.error, noErr) << loaded.text;
+  EXPECT_EQ(LargestDifference(loaded.picture, upright), 0);
+  EXPECT_NE(LoadStill(Path("picture.png") + "?turned=45").error, noErr) << "is a name like others";
+}
+
 TEST_F(Orientation, AllEightTurnJpegUpright) {
   // Flat blocks, which JPEG keeps.
   Picture upright = {48, 32, {}};
