@@ -105,9 +105,10 @@ endfunction()
 # kelto_test(NAME SOURCES ... LINK ... [RUNS ...] [FIXTURE ...]): a GoogleTest program; each of its
 # tests is a ctest test, or with KELTO_SUITE_TESTS each of its suites; APART has each test start the
 # program all the same. RUNS names what it loads or starts by file: the module, the command; FIXTURE
-# what ctest has to set up before.
+# what ctest has to set up before; COST about how many seconds the longest of its tests take, which
+# begin first, so that no core waits for them at the end.
 function(kelto_test name)
-  cmake_parse_arguments(ARG "QT;APART" "FIXTURE" "SOURCES;LINK;RUNS" ${ARGN})
+  cmake_parse_arguments(ARG "QT;APART" "FIXTURE;COST" "SOURCES;LINK;RUNS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   set_target_properties(${name} PROPERTIES KELTO_TEST ON)
   target_link_libraries(${name} PRIVATE kelto_options GTest::gmock GTest::gtest_main ${ARG_LINK})
@@ -139,6 +140,9 @@ function(kelto_test name)
   set(properties)
   if(ARG_FIXTURE)
     list(APPEND properties FIXTURES_REQUIRED ${ARG_FIXTURE})
+  endif()
+  if(ARG_COST)
+    list(APPEND properties COST ${ARG_COST})
   endif()
   if(KELTO_SUITE_TESTS AND NOT ARG_APART)
     kelto_suite_tests(${name} TIMEOUT 1800 ${properties})
