@@ -4,8 +4,8 @@
 #include <system_error>
 
 #include "adapters/frei0r/adapter.h"
-#include "host/effect/photo.h"
 #include "runtime/stills/deep_reader.h"
+#include "runtime/stills/turned_name.h"
 
 namespace kelto::openfx {
 namespace {
@@ -46,7 +46,8 @@ std::shared_ptr<const DeepPicture> DeepPhotos::Decode(const std::string& file,
 std::shared_ptr<const DeepPicture> DeepPhotos::Get(const std::string& file, std::string& reason) {
   const std::lock_guard lock(mutex_);
   std::error_code unknown;
-  const auto written = std::filesystem::last_write_time(host::PartsOfPhotoName(file).path, unknown);
+  const auto written =
+      std::filesystem::last_write_time(stills::SplitTurnedName(file).path, unknown);
   const auto found = std::find_if(kept_.begin(), kept_.end(),
                                   [&](const Kept& entry) { return entry.file == file; });
   if (found != kept_.end() && found->written == written) {

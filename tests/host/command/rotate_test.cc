@@ -11,14 +11,16 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr Rgb kRed{200, 40, 40}, kGreen{40, 200, 40}, kBlue{40, 40, 200}, kGrey{128, 128, 128};
+constexpr Rgb kUpperLeft{200, 40, 40}, kUpperRight{40, 200, 40}, kLowerRight{40, 40, 200},
+    kLowerLeft{128, 128, 128};
 
 /// A photo whose quarters, from the upper left clockwise, are red, green, blue and grey.
 class TurnedPhotos : public testing::Test {
  protected:
   TurnedPhotos() {
     WritePng(photo_, MakePicture(96, 48, [](int x, int y) {
-               return y < 24 ? (x < 48 ? kRed : kGreen) : (x < 48 ? kGrey : kBlue);
+               return y < 24 ? (x < 48 ? kUpperLeft : kUpperRight)
+                             : (x < 48 ? kLowerLeft : kLowerRight);
              }));
   }
   /// The quarters of a film's first frame, in the same order: r, g, b, and a point for grey.
@@ -34,11 +36,11 @@ class TurnedPhotos : public testing::Test {
     for (const auto& [x, y] : {std::pair{1, 1}, {3, 1}, {3, 3}, {1, 3}}) {
       const size_t at = (height * y / 4 * width + width * x / 4) * 4;
       const Rgb seen{uint8_t(bytes[at + 2]), uint8_t(bytes[at + 1]), uint8_t(bytes[at])};
-      letters += Distance(seen, kRed) < 8     ? 'r'
-                 : Distance(seen, kGreen) < 8 ? 'g'
-                 : Distance(seen, kBlue) < 8  ? 'b'
-                 : Distance(seen, kGrey) < 8  ? '.'
-                                              : '?';
+      letters += Distance(seen, kUpperLeft) < 8    ? 'r'
+                 : Distance(seen, kUpperRight) < 8 ? 'g'
+                 : Distance(seen, kLowerRight) < 8 ? 'b'
+                 : Distance(seen, kLowerLeft) < 8  ? '.'
+                                                   : '?';
     }
     return letters;
   }
