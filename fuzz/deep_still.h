@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,8 @@ DeepOutcome<Sample> ReadDeepOver(uint8_t fill, stills::DeepReader& reader) {
   } catch (const stills::StillError& error) {
     CheckDeepReason(error.reason);
     outcome.reason = error.reason;
+  } catch (const std::bad_alloc&) {
+    outcome.reason = "not enough memory";
   }
   outcome.samples.resize(row * height);
   for (size_t y = 0; y < height; ++y) {
@@ -88,6 +91,8 @@ inline void CheckDeepStill(const std::string& path, int64_t mostPixels) {
     reader = std::make_unique<stills::DeepReader>(path);
   } catch (const stills::StillError& error) {
     return CheckDeepReason(error.reason);
+  } catch (const std::bad_alloc&) {
+    return;  // what a library also says of a file that asks for too much
   }
   const stills::DeepInfo& info = reader->info();
   Require(info.width >= 1 && info.height >= 1 && info.bits >= 8, "an open still has a form");
