@@ -45,6 +45,10 @@ void WriteDocument(const Document& document) {
   file.Finish();
 }
 
+PixelSize TurnedSize(const host::RenderPlan& plan, const PixelSize& photo) {
+  return plan.rotate % 180 == 0 ? photo : PixelSize{photo.height, photo.width};
+}
+
 host::RenderPlan PlanOf(const Document& document) {
   // Asked for the same again and again: by the change that makes a document, by those who show it
   // and by the next change. With 500 stops, reading takes some milliseconds.

@@ -37,6 +37,9 @@ void WriteDocument(const Document& document);
 /// ReadDocument does.
 host::RenderPlan PlanOf(const Document& document);
 
+/// The size of a plan's photo as the plan turns it; `photo` as its file has it, upright.
+PixelSize TurnedSize(const host::RenderPlan& plan, const PixelSize& photo);
+
 /// The document after `change` of its JSON; of a show, of the JSON that the picture being edited
 /// would have as a film of its own (see show_changes.h for the others). Throws Error where the
 /// result would be no project, so that no change can make a document that could not be read again.

@@ -50,9 +50,7 @@ Document Rewritten(const Document& document, size_t picture,
 
 /// First and last view of a picture, by what is said of its move; `turn` is its place in the show.
 ordered_json ViewsOfMove(const host::ShowPicture& said, size_t turn, const PhotoSizes& sizes) {
-  PixelSize photo = sizes(said.plan.photo);
-  if (said.plan.rotate % 180 != 0) std::swap(photo.width, photo.height);
-  const host::PhotoViews views(said.plan, photo);
+  const host::PhotoViews views(said.plan, TurnedSize(said.plan, sizes(said.plan.photo)));
   std::string name = said.move;
   bool backwards = false;
   std::optional<double> amount = host::ParseNumber(said.amount);

@@ -42,6 +42,8 @@ FilmDrawing::FilmDrawing(std::string module, const host::RenderPlan& plan)
 void FilmDrawing::SetPlan(const host::RenderPlan& plan, const FadesAround& fades) {
   plan_ = plan;
   fades_ = fades;
+  title_.reset();
+  fade_.reset();
   // Two captions would cover each other.
   plan_.caption.from = fades.in;
   plan_.caption.until = plan.frames - fades.out;
@@ -93,10 +95,12 @@ std::optional<host::FrameView> FilmDrawing::Beside(const host::RenderPlan& plan,
 
 std::optional<host::FrameView> FilmDrawing::TitleCard(int32_t frame, host::FrameSize size) {
   try {
-    host::FilmFormat format = plan_.format;
-    format.size = size;
-    title_.emplace(fades_.title, fades_.titleFrames, host::Colour{}, format,
-                   host::PixelLayout::kBGRA);
+    if (!title_) {
+      host::FilmFormat format = plan_.format;
+      format.size = size;
+      title_.emplace(fades_.title, fades_.titleFrames, host::Colour{}, format,
+                     host::PixelLayout::kBGRA);
+    }
     return title_->At(frame);
   } catch (const host::Error&) {
     return std::nullopt;  // where letters cannot be drawn
@@ -106,6 +110,11 @@ std::optional<host::FrameView> FilmDrawing::TitleCard(int32_t frame, host::Frame
 host::FrameView FilmDrawing::Draw(int32_t frame, host::FrameSize size, double quality) {
   host::RenderPlan drawn = plan_;
   drawn.format.size = size;
+  if (size != drawnSize_) {
+    title_.reset();
+    fade_.reset();
+    drawnSize_ = size;
+  }
   const int32_t number = std::clamp(frame, 0, drawn.frames - 1);
   const host::FrameView own = Drawn(session_, drawn, photo_, number, quality);
   const int32_t behind = number - (drawn.frames - fades_.out);  // since the fade out began
@@ -118,8 +127,10 @@ host::FrameView FilmDrawing::Draw(int32_t frame, host::FrameSize size, double qu
     other = Beside(*fades_.after, behind, size, quality);
   }
   if (!other) return own;
-  fade_.emplace(drawn.format, host::PixelLayout::kBGRA,
-                fades_.dip ? host::FadeKind::kDip : host::FadeKind::kCross);
+  if (!fade_) {
+    fade_.emplace(drawn.format, host::PixelLayout::kBGRA,
+                  fades_.dip ? host::FadeKind::kDip : host::FadeKind::kCross);
+  }
   return number < fades_.in ? fade_->Blend(*other, own, number, fades_.in)
                             : fade_->Blend(own, *other, behind, fades_.out);
 }

@@ -22,8 +22,8 @@ class FilmDrawing {
   /// Opens the plan's photo as far as its size.
   FilmDrawing(std::string module, const host::RenderPlan& plan);
 
-  /// Draws this plan from now on, which has to be of the same photo.
-  /// Frames within `fades` are drawn as the show has them.
+  /// Draws this plan from now on, which has to be of the same photo. Frames within `fades` are
+  /// drawn as the show has them.
   void SetPlan(const host::RenderPlan& plan, const FadesAround& fades = {});
 
   /// The plan that shows the middle of this plan's photo, which fills the frame.
@@ -60,8 +60,10 @@ class FilmDrawing {
   std::string besidePhoto_;
   std::optional<host::Photo> besideOpened_;
   Session besideSession_;
+  // Made once for a plan and a size: setting letters takes longer than drawing a frame of them.
   std::optional<host::TitleFrames> title_;
-  std::optional<host::CrossFade> fade_;  ///< holds the frame that was drawn last
+  std::optional<host::CrossFade> fade_;
+  host::FrameSize drawnSize_;
 };
 
 }  // namespace kelto::editor

@@ -135,8 +135,7 @@ void Session::Take(const Document& document) {
   std::vector<PictureEntry> pictures = PicturesOf(document);
   FadesAround fades = FadesOf(document);
   if (plan.photo != openedPhoto_ || plan.rotate != openedRotation_) {
-    photo_ = SizeOf(plan.photo);
-    if (plan.rotate % 180 != 0) std::swap(photo_.width, photo_.height);
+    photo_ = TurnedSize(plan, SizeOf(plan.photo));
     openedPhoto_ = plan.photo;
     openedRotation_ = plan.rotate;
   }
