@@ -35,11 +35,7 @@ class KeyWindow : public testing::Test {
   nlohmann::json Json() { return nlohmann::json::parse(window_.TheSession().Current().text); }
   template <typename Widget>
   Widget* Named(const QString& name) {
-    for (Widget* widget : window_.findChildren<Widget*>()) {
-      if (widget->accessibleName() == name) return widget;
-    }
-    ADD_FAILURE() << name.toStdString() << " is not there";
-    return nullptr;
+    return WidgetNamed<Widget>(window_, name);
   }
 
   PhotoFolder folder_;

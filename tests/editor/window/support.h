@@ -1,11 +1,14 @@
 // A folder with a photo, and waiting for what comes from other processes.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <QColor>
 #include <QImage>
 #include <QPainter>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QWidget>
 #include <functional>
 
 namespace kelto::editor {
@@ -32,6 +35,16 @@ class PhotoFolder {
  private:
   QTemporaryDir folder_;
 };
+
+/// The widget below `window` that screen readers call so; a failed test where there is none.
+template <typename Widget>
+Widget* WidgetNamed(const QWidget& window, const QString& name) {
+  for (Widget* widget : window.findChildren<Widget*>()) {
+    if (widget->accessibleName() == name) return widget;
+  }
+  ADD_FAILURE() << name.toStdString() << " is not there";
+  return nullptr;
+}
 
 /// Runs the event loop until `done`, for a minute at the most. Whether it was.
 inline bool WaitFor(const std::function<bool()>& done) { return QTest::qWaitFor(done, 60000); }

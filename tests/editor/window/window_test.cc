@@ -47,11 +47,7 @@ class Window : public testing::Test {
   }
   template <typename Widget>
   Widget* Named(const QString& name) {
-    for (Widget* widget : window_.findChildren<Widget*>()) {
-      if (widget->accessibleName() == name) return widget;
-    }
-    ADD_FAILURE() << name.toStdString() << " is not there";
-    return nullptr;
+    return WidgetNamed<Widget>(window_, name);
   }
 
   PhotoFolder folder_;

@@ -1,20 +1,19 @@
 // Faces found by what a picture looks like, and what that is good for.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <fstream>
 #include <iostream>
 
 #include "host/base/error.h"
 #include "host/effect/photo.h"
-#include "host/effect/render_state.h"
 #include "host/faces/detectors.h"
 #include "host/moves/auto_move.h"
 #include "host/moves/face_move.h"
 #include "host/plan/default_plan.h"
-#include "host/track/keyed_plan.h"
-#include "host/track/view_track.h"
 #include "tests/host/support/drawn_faces.h"
+#include "tests/host/support/move_frames.h"
 #include "tests/support/photo.h"
 
 namespace kelto::host {
@@ -61,28 +60,12 @@ std::vector<Portrait> Portraits() {
   };
 }
 
-bool IsWhole(const DrawnFace& face, const PhotoRect& view) {
-  constexpr double kPixel = 1.0;
-  return face.x >= view.x - kPixel && face.Right() <= view.Right() + kPixel &&
-         face.y >= view.y - kPixel && face.Bottom() <= view.Bottom() + kPixel;
-}
-
 /// How many of a film's 25 frames show every face whole.
 int WholeFrames(const Portrait& portrait, const std::vector<PhotoRect>& parts) {
-  const PixelSize photo{portrait.width, portrait.height};
-  RenderPlan plan = DefaultPlan("photo.jpg");
-  plan.frames = 25;
-  plan.motion = MotionLaw::kSteady;
-  const PhotoViews views(plan, photo);
-  std::vector<View> tour;
-  for (const PhotoRect& part : parts) tour.push_back(views.ViewOf(part));
-  SetMove(plan, tour);
-  const auto track = ViewTrack::For(KeyedPlan(plan, photo), photo);
   int whole = 0;
-  for (int32_t i = 0; i < plan.frames; ++i) {
-    const PhotoRect view = views.PartOf(track->At(FieldState(plan, i, 0)));
+  for (const PhotoRect& view : test::PartsThrough(parts, {portrait.width, portrait.height}, 25)) {
     whole += std::all_of(portrait.faces.begin(), portrait.faces.end(),
-                         [&](const DrawnFace& face) { return IsWhole(face, view); });
+                         [&](const DrawnFace& face) { return test::IsWhole(face, view); });
   }
   return whole;
 }

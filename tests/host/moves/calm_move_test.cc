@@ -13,22 +13,14 @@
 #include "host/track/planned_stops.h"
 #include "host/track/view_track.h"
 #include "motion/window.h"
+#include "tests/host/support/move_frames.h"
 
 namespace kelto::host {
 namespace {
 
 constexpr PixelSize kCalmPhotos[] = {{4000, 3000}, {2000, 3000}, {9000, 1500}};
 
-RenderPlan PlanThrough(const std::vector<PhotoRect>& parts, PixelSize photo, int32_t frames) {
-  RenderPlan plan = DefaultPlan("photo.jpg");
-  plan.frames = frames;
-  plan.motion = MotionLaw::kSteady;
-  const PhotoViews views(plan, photo);
-  std::vector<View> tour;
-  for (const PhotoRect& part : parts) tour.push_back(views.ViewOf(part));
-  SetMove(plan, tour);
-  return plan;
-}
+using test::PlanThrough;
 
 std::vector<PhotoRect> PartsOf(const RenderPlan& plan, PixelSize photo) {
   const PhotoViews views(plan, photo);

@@ -6,39 +6,14 @@
 #include <cmath>
 #include <random>
 
-#include "host/effect/render_state.h"
 #include "host/moves/auto_move.h"
 #include "host/plan/default_plan.h"
-#include "host/track/keyed_plan.h"
-#include "host/track/view_track.h"
+#include "tests/host/support/move_frames.h"
 
 namespace kelto::host {
 namespace {
 
 constexpr PixelSize kFacePhotos[] = {{4000, 3000}, {3000, 4000}, {6000, 4000}, {2000, 2000}};
-
-/// The part of the photo in each frame of the film that goes through these views.
-std::vector<PhotoRect> FramesOf(const std::vector<PhotoRect>& parts, PixelSize photo) {
-  RenderPlan plan = DefaultPlan("photo.jpg");
-  plan.frames = 50;
-  plan.motion = MotionLaw::kSteady;
-  const PhotoViews views(plan, photo);
-  std::vector<View> tour;
-  for (const PhotoRect& part : parts) tour.push_back(views.ViewOf(part));
-  SetMove(plan, tour);
-  const auto track = ViewTrack::For(KeyedPlan(plan, photo), photo);
-  std::vector<PhotoRect> frames;
-  for (int32_t i = 0; i < plan.frames; ++i) {
-    frames.push_back(views.PartOf(track->At(FieldState(plan, i, 0))));
-  }
-  return frames;
-}
-
-bool IsWhole(const PhotoRect& face, const PhotoRect& view) {
-  constexpr double kPixel = 1.0;
-  return face.x >= view.x - kPixel && face.Right() <= view.Right() + kPixel &&
-         face.y >= view.y - kPixel && face.Bottom() <= view.Bottom() + kPixel;
-}
 
 double EyesOf(const PhotoRect& face) { return face.y + 0.4 * face.height; }
 
@@ -67,9 +42,10 @@ TEST(FaceMove, CutsNoFaceAtAnyMoment) {
     const PhotoViews views(DefaultPlan("photo.jpg"), photo);
     for (const auto& group : Groups(photo)) {
       for (const double amount : {1.25, 1.43, 3.0}) {
-        for (const PhotoRect& view : FramesOf(FaceMove(views, group, Fit::kFill, amount), photo)) {
+        for (const PhotoRect& view :
+             test::PartsThrough(FaceMove(views, group, Fit::kFill, amount), photo, 50)) {
           for (const PhotoRect& face : group) {
-            EXPECT_TRUE(IsWhole(face, view))
+            EXPECT_TRUE(test::IsWhole(face, view))
                 << photo.width << "x" << photo.height << " face " << face.x << "," << face.y
                 << " view " << view.x << "," << view.y << "," << view.width << "," << view.height;
           }
@@ -121,16 +97,16 @@ TEST(FaceMove, VisitsFacesThatNoViewHasRoomForFromLeftToRight) {
   const std::vector<PhotoRect> row{{7800, 500, 300, 400}, {300, 500, 300, 400}};
   const PhotoViews wide(DefaultPlan("photo.jpg"), panorama);
   const auto across = FaceMove(wide, row, Fit::kFill, 1.43);
-  EXPECT_TRUE(IsWhole(row[1], across.front()));
-  EXPECT_TRUE(IsWhole(row[0], across.back()));
+  EXPECT_TRUE(test::IsWhole(row[1], across.front()));
+  EXPECT_TRUE(test::IsWhole(row[0], across.back()));
   const std::vector<PhotoRect> column{{600, 3400, 300, 400}, {600, 300, 300, 400}};
   const PhotoViews tall(DefaultPlan("photo.jpg"), portrait);
   const auto down = FaceMove(tall, column, Fit::kFill, 1.43);
-  EXPECT_TRUE(IsWhole(column[1], down.front()));
-  EXPECT_TRUE(IsWhole(column[0], down.back()));
+  EXPECT_TRUE(test::IsWhole(column[1], down.front()));
+  EXPECT_TRUE(test::IsWhole(column[0], down.back()));
   // Shown whole where what lies beside may be seen.
   for (const PhotoRect& view : FaceMove(tall, column, Fit::kBeside, 1.43)) {
-    for (const PhotoRect& face : column) EXPECT_TRUE(IsWhole(face, view));
+    for (const PhotoRect& face : column) EXPECT_TRUE(test::IsWhole(face, view));
   }
 }
 
@@ -139,8 +115,9 @@ TEST(FaceMove, KeepsBothHeadsOfAPortraitOfTwo) {
   const PixelSize photo{2400, 3200};
   const std::vector<PhotoRect> heads{{250, 900, 700, 800}, {1350, 1300, 700, 800}};
   const PhotoViews views(DefaultPlan("photo.jpg"), photo);
-  for (const PhotoRect& view : FramesOf(FaceMove(views, heads, Fit::kFill, 1.43), photo)) {
-    for (const PhotoRect& head : heads) EXPECT_TRUE(IsWhole(head, view));
+  for (const PhotoRect& view :
+       test::PartsThrough(FaceMove(views, heads, Fit::kFill, 1.43), photo, 50)) {
+    for (const PhotoRect& head : heads) EXPECT_TRUE(test::IsWhole(head, view));
   }
 }
 
