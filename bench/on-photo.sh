@@ -11,4 +11,4 @@ trap 'rm -rf "$folder"' EXIT
 cd "$folder"
 ffmpeg -nostdin -v error -f lavfi -i mandelbrot=size=6000x4000 -frames:v 1 -vf crop=6000:3376 \
   -q:v 3 photo.jpg
-python3 "$script" "$kelto" photo.jpg
+PYTHONPATH=$here PYTHONDONTWRITEBYTECODE=1 python3 "$script" "$kelto" photo.jpg

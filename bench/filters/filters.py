@@ -1,11 +1,11 @@
 """usage: filters.py KELTO PHOTO: CPU time of a frame through the plug-ins and their peers, a table."""
 import os
 import statistics
-import subprocess
 import sys
 
+from cpu_time import on_one_core
+
 ROUNDS = int(os.environ.get("KELTO_BENCH_ROUNDS", "3"))
-ATTEMPTS = 4
 PATIENCE = 60  # seconds, several times what the slowest takes
 SHORT, LONG = 3, 23  # frames; what differs is what frames cost
 FFMPEG = ["ffmpeg", "-nostdin", "-v", "error", "-threads", "1", "-filter_threads", "1"]
@@ -26,24 +26,6 @@ def by_melt(*services):
                            *(word.replace("LAST", str(frames - 1)) for word in services),
                            "-consumer", "avformat:/dev/null", "f=rawvideo", "vcodec=rawvideo",
                            "pix_fmt=rgba", "mlt_image_format=rgba", "real_time=-1", "an=1"]
-
-
-def cpu_seconds(command):
-    """Of one run on the last core."""
-    core = str(max(os.sched_getaffinity(0)))
-    for _ in range(ATTEMPTS):
-        before = os.times()
-        try:
-            subprocess.run(["taskset", "-c", core, *command], check=True, timeout=PATIENCE,
-                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        except subprocess.TimeoutExpired:
-            # melt, held to one core, now and then sleeps for ever before its first frame.
-            print(f"{command[0]} hung and is started again", file=sys.stderr)
-            continue
-        after = os.times()
-        return (after.children_user - before.children_user
-                + after.children_system - before.children_system)
-    sys.exit(f"{command[0]} hung {ATTEMPTS} times")
 
 
 def engine(kelto, photo, name):
@@ -86,7 +68,8 @@ def main(kelto, photo):
     times = {name: [] for name in rows}
     for _ in range(ROUNDS):
         for name, command in rows.items():
-            spent = cpu_seconds(command(LONG)) - cpu_seconds(command(SHORT))
+            spent = (on_one_core(command(LONG), PATIENCE)
+                     - on_one_core(command(SHORT), PATIENCE))
             times[name].append(1000.0 * spent / (LONG - SHORT))
     medians = {name: statistics.median(values) for name, values in times.items()}
     print("| a frame of 1920 x 1080 | CPU ms |")

@@ -1,11 +1,11 @@
 """usage: job.py KELTO PHOTO: times the same move by several programs, in turns on one core."""
 import os
 import statistics
-import subprocess
 import sys
 
+from cpu_time import on_one_core
+
 ROUNDS = int(os.environ.get("KELTO_BENCH_ROUNDS", "5"))
-ATTEMPTS = 4
 PATIENCE = 150  # seconds, several times what the slowest takes
 SIZE = "1920x1080"
 FRAMES = 150
@@ -64,24 +64,11 @@ def kelto_render(kelto, film, photo):
 
 def cpu_seconds(command, film):
     """Of one run on the last core, without what its film leaves behind."""
-    core = str(max(os.sched_getaffinity(0)))
-    for _ in range(ATTEMPTS):
-        before = os.times()
-        try:
-            subprocess.run(["taskset", "-c", core, *command], check=True, timeout=PATIENCE,
-                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-            break
-        except subprocess.TimeoutExpired:
-            # melt, held to one core, now and then sleeps for ever before its first frame.
-            print(f"{command[0]} hung and is started again", file=sys.stderr)
-    else:
-        sys.exit(f"{command[0]} hung {ATTEMPTS} times")
-    after = os.times()
+    seconds = on_one_core(command, PATIENCE)
     if os.path.getsize(film) == 0:
         sys.exit(f"{command[0]}: the film is empty")
     os.remove(film)
-    return (after.children_user - before.children_user
-            + after.children_system - before.children_system)
+    return seconds
 
 
 def medians(film, kelto, photo):
