@@ -42,7 +42,8 @@ for test in $(sed -n 's/^Tests: //p' "$here/debian/tests/control"); do
   quietly in_root apt-get install -y --no-install-recommends "$package"
   # shellcheck disable=SC2046  # one word a package
   quietly in_root apt-get install -y --no-install-recommends $(needs "$test")
-  in_root "/tests/$test" >"$folder/output" 2>&1 ||
+  # A fresh machine has none of this one's settings, such as a compiler launcher.
+  in_root env -i PATH="$PATH" HOME=/root LANG=C.UTF-8 "/tests/$test" >"$folder/output" 2>&1 ||
     { cat "$folder/output" >&2; echo "chroot-test: $package: debian/tests/$test failed" >&2; exit 1; }
   in_root dpkg-query -L "$package" >"$folder/files"
   quietly in_root apt-get remove -y "$package"

@@ -2,6 +2,7 @@
 // views and of keys, slideshows, dialogs, files that are none. KELTO_EVENT_SECONDS lets it go on
 // for longer than a test, and has it print the memory that it takes.
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <QDesktopServices>
 #include <QFile>
@@ -15,6 +16,10 @@
 #include "editor/window/render_queue.h"
 #include "host/project/show_project.h"
 #include "tests/editor/window/support.h"
+
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/allocator_interface.h>
+#endif
 
 namespace kelto::editor {
 namespace {
@@ -36,6 +41,17 @@ double ResidentMegabytes() {
   long pages = 0, resident = 0;
   file >> pages >> resident;
   return static_cast<double>(resident) * 4096 / 1e6;
+}
+
+/// What was allocated and not freed: unlike resident memory, it does not grow with what an
+/// allocator keeps for itself.
+double AllocatedMegabytes() {
+#ifdef __SANITIZE_ADDRESS__
+  return static_cast<double>(__sanitizer_get_current_allocated_bytes()) / 1e6;
+#else
+  const struct mallinfo2 info = mallinfo2();
+  return static_cast<double>(info.uordblks + info.hblkhd) / 1e6;
+#endif
 }
 
 /// Files of every kind that may be opened, and some that may not.
@@ -232,9 +248,12 @@ TEST_F(RandomWindow, EventsLeaveAWindowWithAProjectThatCanBeRead) {
     if (events % 10 == 0) QTest::qWait(5);
     if (events % 50 == 0) Check();
     if (wanted > 0.0 && passed.count() >= reported) {
-      std::printf("%6.0f s %8lld events %6lld turns of dialogs %4lld widgets %7.1f MB\n",
-                  passed.count(), static_cast<long long>(events), static_cast<long long>(dialogs_),
-                  static_cast<long long>(QApplication::allWidgets().size()), ResidentMegabytes());
+      std::printf(
+          "%6.0f s %8lld events %6lld turns of dialogs %4lld widgets %7.1f MB allocated"
+          " %7.1f MB resident\n",
+          passed.count(), static_cast<long long>(events), static_cast<long long>(dialogs_),
+          static_cast<long long>(QApplication::allWidgets().size()), AllocatedMegabytes(),
+          ResidentMegabytes());
       std::fflush(stdout);
       reported += 60.0;
     }
