@@ -79,7 +79,10 @@ void DrawFrames(Drawing& drawing, const std::string& module, const PictureOfShow
                 size_t index, const Grid& grid) {
   EffectSession session(module, picture.plan, picture.photo, PixelLayout::kBGRA);
   session.SetAbortQuery(IsInterrupted);
-  const std::vector<int32_t> frames = StripFrames(grid.Cells() - 1, picture.plan.frames);
+  const int32_t count = grid.Cells() - 1, total = picture.plan.frames;
+  // A single one from the middle: at its ends a picture is not seen alone, nor with its caption.
+  const std::vector<int32_t> frames =
+      count > 1 ? StripFrames(count, total) : std::vector<int32_t>{total / 2};
   const double rate = picture.plan.format.rate.PerSecond();
   for (size_t i = 0; i < frames.size(); ++i) {
     const Box cell = grid.Cell(index, static_cast<int32_t>(i) + 1);
@@ -89,7 +92,15 @@ void DrawFrames(Drawing& drawing, const std::string& module, const PictureOfShow
   }
 }
 
-void DrawCaption(Drawing& drawing, const PictureOfShow& picture, size_t index, const Box& cell) {
+/// The words over the frames, whose letters are too small on a sheet, on one line.
+std::string WordsOver(const PictureOfShow& picture) {
+  std::string words = picture.plan.caption.text;
+  std::replace(words.begin(), words.end(), '\n', ' ');
+  return words;
+}
+
+void DrawCaption(Drawing& drawing, const PictureOfShow& picture, size_t index, const Grid& grid) {
+  const Box cell = grid.Cell(index, 0);
   const double rate = picture.plan.format.rate.PerSecond();
   const std::string name = std::to_string(index + 1) + "  " + NameOf(picture.photo.given);
   drawing.Text(drawing.Shortened(name, cell.width, 14.0), {cell.left, cell.Bottom() + 18.0}, 14.0,
@@ -97,6 +108,10 @@ void DrawCaption(Drawing& drawing, const PictureOfShow& picture, size_t index, c
   std::string facts = FixedText(picture.plan.frames / rate, 2) + " s";
   if (picture.fade > 0) facts += ", fade " + FixedText(picture.fade / rate, 2) + " s";
   drawing.Text(facts, {cell.left, cell.Bottom() + 36.0}, 13.0, kFaint);
+  if (grid.Cells() < 2) return;
+  const Box first = grid.Cell(index, 1), last = grid.Cell(index, grid.Cells() - 1);
+  drawing.Text(drawing.Shortened(WordsOver(picture), last.Right() - first.left, 13.0),
+               {first.left, cell.Bottom() + 36.0}, 13.0, kText);
 }
 
 }  // namespace
@@ -118,7 +133,7 @@ std::string DrawShowStoryboard(const std::string& modulePath,
     const Box cell = grid.Cell(i, 0);
     DrawPhotoCell(drawing, modulePath, pictures[i], cell);
     if (grid.Cells() > 1) DrawFrames(drawing, modulePath, pictures[i], i, grid);
-    DrawCaption(drawing, pictures[i], i, cell);
+    DrawCaption(drawing, pictures[i], i, grid);
   }
   return drawing.Coded();
 }

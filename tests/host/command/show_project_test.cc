@@ -138,5 +138,26 @@ TEST_F(ShowAsProject, HasAStoryboardOfAllPictures) {
   EXPECT_THAT(RunKelto({"storyboard", list, "-o", folder_ / "a.png"}).err, HasSubstr("a.png"));
 }
 
+TEST_F(ShowAsProject, HasAStoryboardWithItsCaptions) {
+  const std::string list = File("list.txt", "a.png\n");
+  const auto sheet = [&](const Words& more) {
+    Words words{"storyboard", list, "-o", folder_ / "sheet.png", "--size", "96x54", "--strip", "1"};
+    words.insert(words.end(), more.begin(), more.end());
+    EXPECT_EQ(RunKelto(words).err, "");
+    return ReadPng(folder_ / "sheet.png");
+  };
+  const Picture without = sheet({}), with = sheet({"--caption", "Sea and sky\\nin May"});
+  ASSERT_EQ(without.bytes.size(), with.bytes.size());
+  // The frame ends in row 220; its caption, too small to be read there, is written below it, too.
+  int inFrame = 0, below = 0;
+  for (int y = 0; y < with.height; ++y) {
+    for (int x = 0; x < with.width; ++x) {
+      if (Distance(with.At(x, y), without.At(x, y)) > 50) ++(y < 220 ? inFrame : below);
+    }
+  }
+  EXPECT_GT(inFrame, 20);
+  EXPECT_GT(below, 100);
+}
+
 }  // namespace
 }  // namespace kelto::test
