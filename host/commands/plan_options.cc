@@ -278,10 +278,11 @@ void AddSources(const RenderPlan& plan, const PlanOptions& options, SandboxAcces
 
 namespace {
 
-RenderPlan Changed(RenderPlan plan, const std::string& input, const PlanOptions& options) {
+RenderPlan Changed(RenderPlan plan, const std::string& input, const PlanOptions& options,
+                   std::optional<AskedMove>* calm = nullptr) {
   PlanOptions given = options;
   given.views.movesByItself = !IsProjectName(input) && options.views.movesByItself;
-  return ChangedPlan(std::move(plan), input + ": ", given);
+  return ChangedPlan(std::move(plan), input + ": ", given, calm);
 }
 
 }  // namespace
@@ -305,16 +306,18 @@ Scene WholeScene(RenderPlan plan) {
   return {std::move(plan), whole};
 }
 
-RenderPlan ChangedPlan(RenderPlan plan, const std::string& place, const PlanOptions& options) {
-  if (!ApplyOptions(options, plan)) CheckViews(place, plan);
+RenderPlan ChangedPlan(RenderPlan plan, const std::string& place, const PlanOptions& options,
+                       std::optional<AskedMove>* calm) {
+  if (!ApplyOptions(options, plan, calm)) CheckViews(place, plan);
   return plan;
 }
 
-RenderPlan ChangedPlan(const std::string& input, const PlanOptions& options) {
-  return Changed(PlanOf(input), input, options);
+RenderPlan ChangedPlan(const std::string& input, const PlanOptions& options,
+                       std::optional<AskedMove>* calm) {
+  return Changed(PlanOf(input), input, options, calm);
 }
 
-bool ApplyOptions(const PlanOptions& options, RenderPlan& plan) {
+bool ApplyOptions(const PlanOptions& options, RenderPlan& plan, std::optional<AskedMove>* calm) {
   if (!options.rotate.empty()) {
     plan.rotate = ReadOption("--rotate", options.rotate, ParseRotation);
   }
@@ -335,10 +338,14 @@ bool ApplyOptions(const PlanOptions& options, RenderPlan& plan) {
   ViewOptions views = options.views;
   views.lengthGiven = !options.seconds.empty() || !options.frames.empty() ||
                       !options.over.empty() || options.fitAudio;
-  const AppliedViews applied = ApplyViews(views, plan);
+  AppliedViews applied = ApplyViews(views, plan);
   if (applied.given) SetShowsVelocities(options, plan);
   ApplyVelocities(options, plan);
-  if (applied.limits) CalmMove(plan, applied.photo, *applied.limits);
+  if (applied.calm) {
+    applied.calm->views = plan.views;
+    SetCalmMove(*applied.calm, plan);
+  }
+  if (calm != nullptr) *calm = std::move(applied.calm);
   return applied.given;
 }
 

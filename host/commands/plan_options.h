@@ -47,12 +47,15 @@ RenderPlan PlanFor(const std::string& input, const PlanOptions& options, Sandbox
 /// beginning would be the first one again: it is left out.
 Scene WholeScene(RenderPlan plan);
 
-/// PlanFor in a process that is in a sandbox already, one that allows AddSources.
-RenderPlan ChangedPlan(const std::string& input, const PlanOptions& options);
+/// PlanFor in a process that is in a sandbox already, one that allows AddSources. `calm` gets the
+/// move that has limits of speed, for films whose length is settled later.
+RenderPlan ChangedPlan(const std::string& input, const PlanOptions& options,
+                       std::optional<AskedMove>* calm = nullptr);
 
 /// The same of a plan from a project; `place` stands before its fields in messages, such as
 /// "photo.json: ".
-RenderPlan ChangedPlan(RenderPlan plan, const std::string& place, const PlanOptions& options);
+RenderPlan ChangedPlan(RenderPlan plan, const std::string& place, const PlanOptions& options,
+                       std::optional<AskedMove>* calm = nullptr);
 
 /// The files that ChangedPlan reads, added to `access`. Throws Error for the project.
 void AddSources(const std::string& input, const PlanOptions& options, SandboxAccess& access);
@@ -60,8 +63,10 @@ void AddSources(const std::string& input, const PlanOptions& options, SandboxAcc
 /// Those of a plan and its options.
 void AddSources(const RenderPlan& plan, const PlanOptions& options, SandboxAccess& access);
 
-/// Lets the options that were given change `plan`. Whether views are among them. Throws UsageError
-/// that names the option, and Error for a photo that an option needs to know the size of.
-bool ApplyOptions(const PlanOptions& options, RenderPlan& plan);
+/// Lets the options that were given change `plan`; `calm` is as in ChangedPlan. Whether views are
+/// among them. Throws UsageError that names the option, and Error for a photo that an option needs
+/// to know the size of.
+bool ApplyOptions(const PlanOptions& options, RenderPlan& plan,
+                  std::optional<AskedMove>* calm = nullptr);
 
 }  // namespace kelto::host

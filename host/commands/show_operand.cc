@@ -108,7 +108,7 @@ int32_t FramesOfShow(const OpenedShow& show) {
 }
 
 std::vector<PictureOfShow> PlacedPictures(const OpenedShow& show) {
-  const auto& [plans, photos, fades] = show.plans;
+  const auto& [plans, photos, moves, fades] = show.plans;
   const std::vector<int32_t> begins = BeginningsOf(plans, fades);
   std::vector<PictureOfShow> pictures;
   for (size_t i = 0; i < plans.size(); ++i) {

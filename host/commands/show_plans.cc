@@ -97,9 +97,10 @@ ShowPictures PicturesOfProject(const std::string& path, ShowProject project,
   return pictures;
 }
 
-RenderPlan PlanOfPicture(const PictureInShow& picture, const PlanOptions& options) {
-  return picture.plan ? ChangedPlan(*picture.plan, picture.place, options)
-                      : ChangedPlan(picture.listed.path, options);
+RenderPlan PlanOfPicture(const PictureInShow& picture, const PlanOptions& options,
+                         std::optional<AskedMove>* calm) {
+  return picture.plan ? ChangedPlan(*picture.plan, picture.place, options, calm)
+                      : ChangedPlan(picture.listed.path, options, calm);
 }
 
 /// Does `work` for a picture. One that cannot be read is left out, with a message: false then.
@@ -181,11 +182,12 @@ void AddSourcesOf(ShowPictures& show, SandboxAccess& access) {
 namespace {
 
 /// A picture's plan at its place in the show.
-RenderPlan PlanAt(const PictureInShow& picture, size_t turn) {
+RenderPlan PlanAt(const PictureInShow& picture, size_t turn,
+                  std::optional<AskedMove>* calm = nullptr) {
   PlanOptions asked = picture.options.plan;
   asked.fitAudio = false;  // of the show, not of each picture
   asked.views.turn = static_cast<int32_t>(turn);
-  return AtPlaceOf(picture.listed, [&] { return PlanOfPicture(picture, asked); });
+  return AtPlaceOf(picture.listed, [&] { return PlanOfPicture(picture, asked, calm); });
 }
 
 /// What looking at each picture will find, as AnswersDuring has it, found by processes side by
@@ -232,11 +234,13 @@ ShowPlans PlansFor(ShowPictures& show, int32_t workers,
     if (!ahead) progress.Show(static_cast<int64_t>(index));
     const bool holds = turn == index || IsSameAnywhere(picture);
     WithAnswers(holds ? answers[index] : "", [&] {
-      RenderPlan plan = PlanAt(picture, turn);
+      std::optional<AskedMove> move;
+      RenderPlan plan = PlanAt(picture, turn, &move);
       Photo photo = CheckWholePhoto(PhotoName(plan));
       looked(plan, photo);
       plans.plans.push_back(std::move(plan));
       plans.photos.push_back(std::move(photo));
+      plans.moves.push_back(std::move(move));
     });
   });
   return plans;
@@ -277,6 +281,12 @@ void FitToSound(const std::string& audio, int32_t titleFrames, ShowPictures& sho
     plans.plans[i].frames = times[i];
     if (pictures[i].options.each.empty())
       pictures[i].each = FixedText(times[i] / rate.PerSecond(), 2);
+  }
+}
+
+void KeepCalm(ShowPlans& plans) {
+  for (size_t i = 0; i < plans.plans.size(); ++i) {
+    if (plans.moves[i]) SetCalmMove(*plans.moves[i], plans.plans[i]);
   }
 }
 

@@ -55,8 +55,9 @@ void AddSourcesOf(ShowPictures& show, SandboxAccess& access);
 /// What each picture shows, and for how many frames it fades into the next one.
 struct ShowPlans {
   std::vector<RenderPlan> plans;
-  std::vector<Photo> photos;   ///< of the plans
-  std::vector<int32_t> fades;  ///< one less
+  std::vector<Photo> photos;                    ///< of the plans
+  std::vector<std::optional<AskedMove>> moves;  ///< of the plans, where they have limits of speed
+  std::vector<int32_t> fades;                   ///< one less
 };
 
 /// The plans of all pictures, without fades, with `looked` called for each; those that cannot be
@@ -70,6 +71,9 @@ ShowPlans PlansFor(ShowPictures& show, int32_t workers,
 /// beginning or 0 for none, is as long as its sound. Throws UsageError where that cannot be.
 void FitToSound(const std::string& audio, int32_t titleFrames, ShowPictures& show,
                 ShowPlans& plans);
+
+/// Has all moves keep to their limits of speed again, after pictures have got other times.
+void KeepCalm(ShowPlans& plans);
 
 /// Frames of the fade from such a card into the first picture, which is as that picture's own.
 int32_t TitleFadeFor(int32_t titleFrames, const ShowPictures& show, const ShowPlans& plans);

@@ -109,6 +109,7 @@ Slideshow ShowFor(const SlideshowOptions& options, ShowPictures& pictures, ShowP
   SetFades(pictures, plans);
   show.title.fade = TitleFadeFor(show.title.frames, pictures, plans);
   if (options.beats) CutOnBeats(beats, show.title.frames - show.title.fade, plans);
+  if (options.show.plan.fitAudio || options.beats) KeepCalm(plans);
   show.plans = plans.plans;
   show.fades = plans.fades;
   PlaceCaptions(show.plans, show.fades, show.title.fade);

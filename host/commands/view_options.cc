@@ -40,9 +40,6 @@ void ReportIfWidened(const std::string& name, const PhotoRect& part, const Photo
   PrintMessage(name + ": is widened to " + size + " pixels of the photo; zoom 20 goes no closer");
 }
 
-/// What people ask for may be quick; in less than this nothing looks calm.
-constexpr double kLeastCalmSeconds = 1.0;
-
 /// Reads views; opens the photo for the first that speaks of its pixels.
 class ViewReader {
  public:
@@ -227,17 +224,13 @@ double ParseSpeedLimit(const std::string& text) {
 
 /// The limits that hold for the move that the options ask for. What an amount or a face to go to
 /// asks for is only limited by name.
-std::optional<SpeedLimits> LimitsFor(const ViewOptions& options, const ViewReader& reader) {
-  const RenderPlan& plan = reader.Plan();
+std::optional<AskedMove> LimitsFor(const ViewOptions& options, ViewReader& reader) {
   const bool named = !options.maxSpeed.empty() || !options.maxZoomRate.empty();
   const std::string move = MoveWord(options);
-  const double seconds = plan.frames / plan.format.rate.PerSecond();
-  const bool usual = (move == kAuto || move == kMixed) && options.amount.empty() &&
-                     !reader.visitsFaces && seconds >= kLeastCalmSeconds;
-  if (!named && !usual) return std::nullopt;
-  SpeedLimits limits;
-  constexpr double kAny = 1e9;
-  if (!usual) limits = {kAny, kAny};
+  AskedMove limits;
+  limits.usual = (move == kAuto || move == kMixed) && options.amount.empty() && !reader.visitsFaces;
+  if (!named && !limits.usual) return std::nullopt;
+  limits.photo = {reader.OpenedPhoto().width, reader.OpenedPhoto().height};
   if (!options.maxSpeed.empty()) {
     limits.pan = ReadOption("--max-speed", options.maxSpeed, ParseSpeedLimit);
   }
@@ -343,8 +336,7 @@ AppliedViews ApplyViews(const ViewOptions& options, RenderPlan& plan) {
   AppliedViews applied;
   applied.given = tour || ends || move;
   if (move && !tour && !ends) {
-    applied.limits = LimitsFor(options, reader);
-    if (applied.limits) applied.photo = {reader.OpenedPhoto().width, reader.OpenedPhoto().height};
+    applied.calm = LimitsFor(options, reader);
   }
   plan.loop = plan.loop || options.loop;
   if (plan.loop && plan.views.empty()) {

@@ -38,10 +38,9 @@ void DeclareViews(CLI::App& command, const std::string& group, ViewOptions& opti
 /// What ApplyViews set.
 struct AppliedViews {
   bool given = false;  ///< whether there were views
-  /// How fast the move may be at the most, once the plan says how views are reached and left, and
-  /// the photo's size in pixels; none where it is as fast as it is.
-  std::optional<SpeedLimits> limits{};
-  PixelSize photo{};
+  /// The limits of a move that has any, for SetCalmMove once the plan says how its views are
+  /// reached and left.
+  std::optional<AskedMove> calm{};
 };
 
 /// Sets the views and the motion law that the options ask for, by the plan's film as it stands;

@@ -80,4 +80,15 @@ void CalmMove(RenderPlan& plan, PixelSize photo, const SpeedLimits& limits) {
   plan = shorten(calm);
 }
 
+void SetCalmMove(const AskedMove& asked, RenderPlan& plan) {
+  // In less than this nothing looks calm.
+  constexpr double kLeastCalmSeconds = 1.0, kAny = 1e9;
+  plan.views = asked.views;
+  const bool usual = asked.usual && plan.frames / plan.format.rate.PerSecond() >= kLeastCalmSeconds;
+  if (!usual && !asked.pan && !asked.zoom) return;
+  const SpeedLimits otherwise = usual ? SpeedLimits{} : SpeedLimits{kAny, kAny};
+  CalmMove(plan, asked.photo,
+           {asked.pan.value_or(otherwise.pan), asked.zoom.value_or(otherwise.zoom)});
+}
+
 }  // namespace kelto::host

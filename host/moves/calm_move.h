@@ -1,6 +1,9 @@
 // Moves that go no faster than is pleasant to watch.
 #pragma once
 
+#include <optional>
+#include <vector>
+
 #include "framing/pixel_size.h"
 #include "host/plan/render_plan.h"
 
@@ -19,5 +22,16 @@ struct SpeedLimits {
 /// the bit. The widest view stays; the others come nearer to it, within what the move showed. Views
 /// of one size come nearer to their middle. `photo` in pixels, upright.
 void CalmMove(RenderPlan& plan, PixelSize photo, const SpeedLimits& limits);
+
+/// A move that is to be calm, before anything is known of how long its film will be.
+struct AskedMove {
+  std::vector<TourView> views{};  ///< as long as the move would be without limits
+  PixelSize photo{};              ///< upright
+  bool usual = false;             ///< whether the usual limits hold, in films of a second or more
+  std::optional<double> pan{}, zoom{};  ///< other limits
+};
+
+/// Sets the move, as far as the limits allow in a film of the plan's length.
+void SetCalmMove(const AskedMove& asked, RenderPlan& plan);
 
 }  // namespace kelto::host
