@@ -233,7 +233,8 @@ class Batch {
                  RecordOf({item.picture, plan.photo, plan.over, plan.audio}, item.options->words),
                  item.film, [&] {
                    const auto frames = static_cast<double>(job.scene.part.Count());
-                   MakeFilm(job, [&](int32_t done) { owner.report(done / frames); });
+                   MakeFilm(job,
+                            [&](int32_t done, const FrameView&) { owner.report(done / frames); });
                  });
   }
 

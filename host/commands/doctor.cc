@@ -9,6 +9,7 @@
 #include "host/commands/module_option.h"
 #include "host/effect/module_file.h"
 #include "host/faces/detectors.h"
+#include "host/live/live_picture.h"
 #include "host/machine/checks.h"
 #include "host/machine/libraries.h"
 #include "host/moves/auto_move.h"
@@ -62,8 +63,8 @@ void Run(const std::string& given) {
 std::string VersionText() {
   std::string text = "kelto " KELTO_VERSION;
   text += "\ninstruction set: " + InstructionSet();
-  for (const Libraries& libraries :
-       {PhotoAndFilmLibraries(), AutoMoveLibraries(), StoryboardLibraries(), PlayLibraries()}) {
+  for (const Libraries& libraries : {PhotoAndFilmLibraries(), AutoMoveLibraries(),
+                                     StoryboardLibraries(), PlayLibraries(), LiveLibraries()}) {
     for (const Library& library : libraries) text += "\n" + library.name + " " + library.version;
   }
   return text;

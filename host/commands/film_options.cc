@@ -26,9 +26,9 @@ constexpr int64_t kMaxJobs = 256;
 
 /// Options that leave a film as it is.
 constexpr std::array kSettleNoPicture = {
-    "output",  "format",       "module", "jobs",      "quiet",   "json", "record",
-    "resume",  "save-project", "strict", "plan",      "plan-as", "help", "help-all",
-    "sandbox", "order",        "force",  "fade-kind", "title",   "beats"};
+    "output",  "format",       "module", "jobs",      "quiet",   "json",  "record",
+    "resume",  "save-project", "strict", "plan",      "plan-as", "help",  "help-all",
+    "sandbox", "order",        "force",  "fade-kind", "title",   "beats", "preview"};
 
 bool NamesFile(const std::string& option) {
   return option == "audio" || option == "over" || option == "face-model";

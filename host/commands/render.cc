@@ -9,9 +9,11 @@
 #include "host/commands/film_report.h"
 #include "host/commands/option_text.h"
 #include "host/commands/plan_options.h"
+#include "host/commands/preview_option.h"
 #include "host/commands/sandbox_option.h"
 #include "host/effect/module_file.h"
 #include "host/files/output_file.h"
+#include "host/film/depth.h"
 #include "host/jobs/film_job.h"
 #include "host/jobs/film_record.h"
 #include "host/options/frame_range.h"
@@ -29,6 +31,7 @@ struct RenderOptions {
   bool force = false;
   FilmOptions film;
   PlanOptions plan;
+  LiveUse preview = LiveUse::kKnown;
 };
 
 /// What to render of which plan: --frames says how long the film is, or which part is wanted.
@@ -111,6 +114,7 @@ void CheckJobOf(const RenderOptions& options, FilmJob& job, const CLI::App& comm
 
 void Run(const RenderOptions& options, const CLI::App& command) {
   ApplyReporting(options.film);
+  LivePicture preview(options.preview);
   FilmJob job = JobFor(options);
   job.module = FindModule(options.film.module);
   CheckJobOf(options, job, command);
@@ -130,7 +134,12 @@ void Run(const RenderOptions& options, const CLI::App& command) {
   }
   const auto make = [&] {
     Progress progress("frame", job.request.frames);
-    MakeFilm(job, [&](int32_t done) { progress.Show(done); });
+    const PixelLayout layout = FrameLayout(*job.kind, job.request);
+    const double aspect = job.request.format.DisplayAspect();
+    MakeFilm(job, [&](int32_t done, const FrameView& frame) {
+      preview.Show(frame, layout, aspect);
+      progress.Show(done);
+    });
   };
   if (options.record.empty()) {
     make();
@@ -159,6 +168,7 @@ CLI::App* AddRender(CLI::App& app) {
               "Processes that render, each with a photograph of its own in memory; the film is the "
               "same [one for each core, and for every 25 frames]");
   DeclareDepth(*command, options->film);
+  DeclarePreview(*command, options->preview);
   command
       ->add_option("--record", options->record,
                    "Note in this file how the film was made, for kelto batch --resume")

@@ -12,6 +12,7 @@
 #include "host/commands/film_report.h"
 #include "host/commands/option_text.h"
 #include "host/commands/picture_options.h"
+#include "host/commands/preview_option.h"
 #include "host/commands/sandbox_option.h"
 #include "host/commands/show_plans.h"
 #include "host/effect/module_file.h"
@@ -41,6 +42,7 @@ struct SlideshowOptions {
   std::string output, project, fadeKind, title;
   bool force = false, beats = false;
   FilmOptions film;
+  LiveUse preview = LiveUse::kKnown;
 };
 
 /// A dip, which goes twice as far as a cross-fade, is no quicker.
@@ -163,6 +165,7 @@ void TellOfLostSound(const ShowPictures& pictures, const Slideshow& show) {
 
 void Run(const SlideshowOptions& given, const CLI::App& command) {
   ApplyReporting(given.film);
+  LivePicture preview(given.preview);
   SlideshowOptions options = given;
   FadeKind fadeKind = ApplyFadeKind(options);
   ShowPictures pictures = PicturesFor(options.show, WordsGiven(command));
@@ -188,7 +191,11 @@ void Run(const SlideshowOptions& given, const CLI::App& command) {
   }
   {
     Progress progress("frame", show.request.frames);
-    MakeSlideshow(show, [&](int32_t done) { progress.Show(done); });
+    const double aspect = show.request.format.DisplayAspect();
+    MakeSlideshow(show, [&](int32_t done, const FrameView& frame) {
+      preview.Show(frame, show.kind->layout, aspect);
+      progress.Show(done);
+    });
   }
   if (events) PrintEvent("done", {{"output", options.output}});
   clock.Report(*show.kind, show.request);
@@ -205,6 +212,7 @@ CLI::App* AddSlideshow(CLI::App& app) {
   DeclareFilm(*command, options->film,
               "Processes that render, at least two, each with a photograph in memory; the film is "
               "the same [one for each core]");
+  DeclarePreview(*command, options->preview);
   command
       ->add_option("--save-project", options->project,
                    "Write what the show shows, with all options, into this project file, .json")

@@ -66,7 +66,7 @@ void CheckJob(FilmJob& job) {
   job.memory = photo.memory * static_cast<uint64_t>(job.workers);
 }
 
-void MakeFilm(const FilmJob& job, const std::function<void(int32_t done)>& shown) {
+void MakeFilm(const FilmJob& job, const FrameDone& done) {
   const PixelLayout layout = FrameLayout(*job.kind, job.request);
   SceneList list{job.module, layout, {job.scene}};
   // Workers before the encoder, which has threads.
@@ -74,9 +74,10 @@ void MakeFilm(const FilmJob& job, const std::function<void(int32_t done)>& shown
   const std::unique_ptr<FrameSink> film = OpenFilm(*job.kind, job.request);
   const int32_t count = job.scene.part.Count();
   EndFades ends(job.ends, job.request.format, layout, count);
-  for (int32_t done = 0; done < count;) {
-    film->Write(ends.Of(frames->Next(), done));
-    shown(++done);
+  for (int32_t number = 0; number < count; ++number) {
+    const FrameView frame = ends.Of(frames->Next(), number);
+    film->Write(frame);
+    done(number + 1, frame);
   }
   film->Finish();
 }

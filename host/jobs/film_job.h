@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -46,7 +45,7 @@ void CheckFilm(const FilmKind& kind, const FilmRequest& request,
 void CheckJob(FilmJob& job);
 
 /// Makes the film of a job that CheckJob let pass; the same bytes for any number of workers.
-/// `shown` is called with the number of frames done. Throws Error.
-void MakeFilm(const FilmJob& job, const std::function<void(int32_t done)>& shown);
+/// Throws Error.
+void MakeFilm(const FilmJob& job, const FrameDone& done);
 
 }  // namespace kelto::host

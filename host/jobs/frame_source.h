@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -27,6 +28,9 @@ class FrameSource {
   FrameSource(const FrameSource&) = delete;
   FrameSource& operator=(const FrameSource&) = delete;
 };
+
+/// Called when a frame has been written: how many there are now, and the frame as the film has it.
+using FrameDone = std::function<void(int32_t done, const FrameView& frame)>;
 
 /// Some frames of a plan.
 struct Scene {

@@ -61,15 +61,16 @@ void PlaceCaptions(std::vector<RenderPlan>& plans, const std::vector<int32_t>& f
   }
 }
 
-void MakeSlideshow(const Slideshow& show, const std::function<void(int32_t done)>& shown) {
+void MakeSlideshow(const Slideshow& show, const FrameDone& shown) {
   const std::array turns = {OpenTurns(show, 0), OpenTurns(show, 1)};
   const std::unique_ptr<FrameSink> film = show.kind->open(show.request);
   CrossFade fade(show.request.format, show.kind->layout, show.fadeKind, show.ends.colour);
   EndFades ends(show.ends, show.request.format, show.kind->layout, show.request.frames);
   int32_t done = 0;
   const auto write = [&](const FrameView& frame) {
-    film->Write(ends.Of(frame, done));
-    shown(++done);
+    const FrameView ended = ends.Of(frame, done);
+    film->Write(ended);
+    shown(++done, ended);
   };
   const auto fadeInto = [&](const auto& next, FrameSource& to, int32_t steps) {
     for (int32_t step = 0; step < steps; ++step) {

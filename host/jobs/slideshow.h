@@ -2,13 +2,13 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "host/film/formats.h"
 #include "host/jobs/cross_fade.h"
 #include "host/jobs/end_fades.h"
+#include "host/jobs/frame_source.h"
 #include "host/plan/render_plan.h"
 
 namespace kelto::host {
@@ -46,8 +46,7 @@ int32_t SlideshowFrames(const Slideshow& show);
 void PlaceCaptions(std::vector<RenderPlan>& plans, const std::vector<int32_t>& fades,
                    int32_t titleFade);
 
-/// Makes the film; `shown` is called with the number of frames done. Two pictures are in memory at
-/// a time, however many there are. Throws Error.
-void MakeSlideshow(const Slideshow& show, const std::function<void(int32_t done)>& shown);
+/// Makes the film. Two pictures are in memory at a time, however many there are. Throws Error.
+void MakeSlideshow(const Slideshow& show, const FrameDone& shown);
 
 }  // namespace kelto::host

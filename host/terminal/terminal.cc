@@ -22,6 +22,9 @@ namespace {
 
 /// The letters of the progress line that stands on the terminal.
 size_t shown = 0;
+/// The rows of the terminal that a picture takes above it, and what removes it.
+int pictureRows = 0;
+std::string pictureEnd;
 Reporting reporting = Reporting::kUsual;
 bool strict = false;
 std::function<void(const std::string&)> messageSink;
@@ -56,7 +59,23 @@ void DrawProgress(const std::string& line) {
   shown = line.size();
 }
 
+void DrawPicture(const std::string& text, int rows, const std::string& remove) {
+  if (pictureRows != rows) ClearProgress();
+  std::string drawn;
+  // Lines to draw over, for which the screen rolls where it has to.
+  if (pictureRows == 0) drawn.append(static_cast<size_t>(rows), '\n');
+  drawn += "\r\0337\033[" + std::to_string(rows) + "A" + text + "\0338";
+  pictureRows = rows;
+  pictureEnd = remove;
+  WriteText(ErrorStream(), drawn);
+}
+
 void ClearProgress() {
+  if (pictureRows > 0) {
+    WriteText(ErrorStream(), "\r\033[K\033[" + std::to_string(std::exchange(pictureRows, 0)) + "A" +
+                                 pictureEnd + "\033[J");
+    shown = 0;
+  }
   if (shown > 0) DrawProgress("");
 }
 

@@ -18,7 +18,12 @@ Reporting CurrentReporting();
 
 /// Writes `line` over the progress line that stands there, if any.
 void DrawProgress(const std::string& line);
-/// Takes the progress line away.
+/// Draws a picture above the progress line, or a new one in its place. `text` has the terminal draw
+/// it from the cursor's place to the right and down, over less than `rows` rows; `remove`, with the
+/// cursor on it, has it forget the picture where erasing the rows is not enough. For terminals that
+/// obey sequences.
+void DrawPicture(const std::string& text, int rows, const std::string& remove);
+/// Takes the progress line away, and the picture above it.
 void ClearProgress();
 
 /// Prints "kelto: " and `text`, one line (see ShownText), clear of the progress line. Not when
