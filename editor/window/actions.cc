@@ -235,9 +235,13 @@ void MainWindow::ShowStates() {
 
 void MainWindow::SuggestMove() {
   auto* finder = new MoveFinder(programs_.command, session_.Current(), this);
-  connect(finder, &MoveFinder::Found, this, [this](const std::vector<host::TourView>& views) {
-    Change(tr("Find Move"), [&](const Document& d) { return WithViewsOf(d, views); });
-  });
+  const std::string photo = session_.Plan().photo;
+  connect(finder, &MoveFinder::Found, this,
+          [this, photo](const std::vector<host::TourView>& views) {
+            // Another photo may have been opened or chosen since.
+            if (session_.Plan().photo != photo) return;
+            Change(tr("Find Move"), [&](const Document& d) { return WithViewsOf(d, views); });
+          });
   connect(finder, &MoveFinder::Failed, this, &MainWindow::ShowFailure);
   finder->Start();
 }

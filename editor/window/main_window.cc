@@ -145,8 +145,9 @@ void MainWindow::Connect() {
   connect(canvas_, &Canvas::ViewSelected, this, &MainWindow::Select);
   connect(canvas_, &Canvas::ViewAdded, this, [this](const host::PhotoRect& part) {
     const int last = static_cast<int>(session_.Plan().views.size()) - 1;
-    // Between start and end where neither says otherwise: the end stays the end.
-    const int after = std::clamp(selected_ < 0 ? last - 1 : std::min(selected_, last - 1), 0, last);
+    // Between start and end where neither says otherwise: the end stays the end. A film of keys
+    // has no views.
+    const int after = std::max(0, selected_ < 0 ? last - 1 : std::min(selected_, last - 1));
     Change(tr("Add Stop"),
            [=](const Document& d) { return WithStopAfter(d, static_cast<size_t>(after), part); });
     Select(after + 1);

@@ -21,6 +21,13 @@ MoveFinder::MoveFinder(QString command, const Document& document, QObject* paren
   });
 }
 
+MoveFinder::~MoveFinder() {
+  // Those who wait for what it finds may be half gone: the window that closes.
+  process_.disconnect(this);
+  process_.kill();  // it writes no files
+  process_.waitForFinished(1000);
+}
+
 void MoveFinder::Start() {
   const host::RenderPlan plan = PlanOf(document_);
   const QString size = QString("%1x%2").arg(plan.format.size.width).arg(plan.format.size.height);

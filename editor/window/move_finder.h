@@ -17,6 +17,7 @@ class MoveFinder : public QObject {
 
  public:
   MoveFinder(QString command, const Document& document, QObject* parent);
+  ~MoveFinder() override;
   void Start();
 
  signals:

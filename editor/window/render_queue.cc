@@ -57,7 +57,7 @@ RenderJob* RenderQueue::Add(const Document& document, const QString& film,
                             const QStringList& options) {
   const int number = static_cast<int>(jobs_.size());
   const QString project = SnapshotOf(document, projects_->path(), number);
-  auto* job = new RenderJob(command_, QString(VerbOf(document)), project, film, options);
+  auto* job = new RenderJob(command_, QString(VerbOf(document)), project, film, options, this);
   jobs_.push_back(job);
   AddRow(job);
   connect(job, &RenderJob::Ended, this, &RenderQueue::StartNext, Qt::QueuedConnection);

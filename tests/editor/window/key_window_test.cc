@@ -87,6 +87,30 @@ TEST_F(KeyWindow, TimeAndValueOfTheSelectedKeyCanBeTyped) {
   EXPECT_EQ(Json()["parameters"]["invelocity"][1]["value"], "In: Linear");
 }
 
+TEST_F(KeyWindow, AStopInAFilmOfKeysIsRefusedInWords) {
+  const std::string before = window_.TheSession().Current().text;
+  Canvas& canvas = window_.TheCanvas();
+  QTest::mouseDClick(&canvas, Qt::LeftButton, {}, canvas.rect().center());
+  EXPECT_EQ(window_.TheSession().Current().text, before);
+  bool told = false;
+  for (QLabel* label : window_.findChildren<QLabel*>()) {
+    told |= label->isVisible() && label->text() == "the film has keys; make them views first";
+  }
+  EXPECT_TRUE(told);
+}
+
+TEST(EmptyWindow, ADoubleClickOnTheCanvasIsNothing) {
+  MainWindow window({KELTO_COMMAND, KELTO_PREVIEW, KELTO_MODULE});
+  window.resize(1280, 720);
+  window.show();
+  Canvas& canvas = window.TheCanvas();
+  for (const QPoint at : {canvas.rect().center(), QPoint(0, 0), canvas.rect().bottomRight()}) {
+    QTest::mouseDClick(&canvas, Qt::LeftButton, {}, at);
+  }
+  EXPECT_FALSE(window.TheSession().IsOpen());
+  EXPECT_FALSE(window.TheSession().Modified());
+}
+
 TEST_F(KeyWindow, HandlesOfViewsMadeOfKeysStayUnderThePointer) {
   for (QAction* action : window_.findChildren<QAction*>()) {
     if (action->text().remove('&') == "Make Keys Views") action->trigger();

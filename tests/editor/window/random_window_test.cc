@@ -18,7 +18,8 @@
 #include "tests/editor/window/support.h"
 
 #ifdef __SANITIZE_ADDRESS__
-#include <sanitizer/allocator_interface.h>
+// Of the run-time library, whose header GCC leaves out in Debian.
+extern "C" size_t __sanitizer_get_current_allocated_bytes();
 #endif
 
 namespace kelto::editor {

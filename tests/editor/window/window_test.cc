@@ -8,6 +8,7 @@
 #include "editor/document/settings.h"
 #include "editor/document/tour_changes.h"
 #include "editor/window/main_window.h"
+#include "editor/window/move_finder.h"
 #include "editor/window/render_dialog.h"
 #include "host/files/start.h"
 #include "tests/editor/window/support.h"
@@ -104,6 +105,30 @@ TEST_F(Window, TheMoveThatThePhotoSuggestsIsTheCommands) {
   EXPECT_EQ(Json()["views"].size(), project["views"].size());
   EXPECT_EQ(Json()["views"][0]["view"], project["views"][0]["view"]);
   EXPECT_EQ(Json()["views"][1]["view"], project["views"][1]["view"]);
+}
+
+TEST(ClosedWindow, LeavesTheSearchForAMove) {
+  const PhotoFolder folder;
+  qputenv("KELTO_MODULE", KELTO_MODULE);
+  auto window = std::make_unique<MainWindow>(Programs{KELTO_COMMAND, KELTO_PREVIEW, KELTO_MODULE});
+  ASSERT_TRUE(window->Open(folder.Photo()));
+  for (QAction* action : window->findChildren<QAction*>()) {
+    if (action->text().remove('&') == "Find by Itself") action->trigger();
+  }
+  ASSERT_EQ(window->findChildren<MoveFinder*>().size(), 1);
+  window->TheSession().Save();
+  window.reset();
+}
+
+TEST_F(Window, AMoveThatIsFoundTooLateForItsPhotoIsLeft) {
+  const QString other = folder_.File("other.png");
+  QImage(400, 300, QImage::Format_RGB32).save(other);
+  Choose("Find by Itself");
+  window_.TheSession().Save();
+  ASSERT_TRUE(window_.Open(other));
+  const std::string before = window_.TheSession().Current().text;
+  ASSERT_TRUE(WaitFor([&] { return window_.findChildren<MoveFinder*>().isEmpty(); }));
+  EXPECT_EQ(window_.TheSession().Current().text, before);
 }
 
 TEST_F(Window, StartAndEndSwapAndReverse) {
