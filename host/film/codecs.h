@@ -44,6 +44,10 @@ struct FilmCodec {
   /// More options where the film is transparent; null where it cannot be.
   const char* alphaOptions = nullptr;
 
+  /// Of the frames that its films take, unless these are deep.
+  PixelLayout Layout() const {
+    return form == CodedForm::kRgb ? PixelLayout::kBGRA : PixelLayout::kYCbYCr;
+  }
   int32_t HeightStep(bool interlaced) const {
     return (form == CodedForm::k420 ? 2 : 1) * (interlaced ? 2 : 1);
   }

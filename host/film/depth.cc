@@ -10,6 +10,8 @@
 namespace kelto::host {
 namespace {
 
+constexpr PixelLayout kDeep = PixelLayout::kRgba16;
+
 std::string TitleOf(const FilmKind& kind, const std::string& codec) {
   return IsContainer(kind.name) ? std::string(CodecFor(kind.name, codec).title) + " films"
                                 : std::string(kind.name) + " films";
@@ -101,13 +103,15 @@ int32_t DepthOf(const FilmKind& kind, const std::string& codec, const DepthAsked
 }
 
 std::unique_ptr<FrameSink> OpenFilm(const FilmKind& kind, const FilmRequest& request) {
+  // The raw form of 16 bits has no other frames.
   const bool holdsFrames =
-      FrameLayout(kind, request) == kind.layout || request.depth > 8 || request.transparent;
+      !request.deep || request.depth > 8 || request.transparent || kind.layout == kDeep;
   return holdsFrames ? kind.open(request) : DitherInto(kind, request);
 }
 
 PixelLayout FrameLayout(const FilmKind& kind, const FilmRequest& request) {
-  return request.deep ? PixelLayout::kRgba16 : kind.layout;
+  if (request.deep) return kDeep;
+  return IsContainer(kind.name) ? CodecFor(kind.name, request.codec).Layout() : kind.layout;
 }
 
 }  // namespace kelto::host

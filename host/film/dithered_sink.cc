@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "deep/dither.h"
+#include "host/film/depth.h"
 
 namespace kelto::host {
 namespace {
@@ -48,43 +49,37 @@ void DitherYCbYCrRow(const uint16_t* row, int32_t y, int32_t width, uint8_t* to)
 class DitheredSink final : public FrameSink {
  public:
   DitheredSink(const FilmKind& kind, const FilmRequest& request)
-      : layout_(kind.layout),
-        rowBytes_(static_cast<size_t>(request.format.size.width) * BytesPerPixel(kind.layout)),
-        bytes_(rowBytes_ * request.format.size.height),
-        film_(kind.open(request)) {}
+      : frame_(request.format.size, FrameLayout(kind, request)), film_(kind.open(request)) {}
 
-  void Write(const FrameView& frame) override {
-    const ptrdiff_t rowBytes = static_cast<ptrdiff_t>(rowBytes_);
-    DitherFrame(frame, layout_, bytes_.data(), rowBytes);
-    film_->Write({bytes_.data(), rowBytes, frame.size});
-  }
+  void Write(const FrameView& frame) override { film_->Write(frame_.Of(frame)); }
   void Finish() override { film_->Finish(); }
 
  private:
-  PixelLayout layout_;
-  size_t rowBytes_;
-  std::vector<uint8_t> bytes_;
+  DitheredFrame frame_;
   std::unique_ptr<FrameSink> film_;
 };
 
 }  // namespace
 
-void DitherFrame(const FrameView& frame, PixelLayout layout, uint8_t* pixels, ptrdiff_t rowBytes) {
-  const FrameSize size = frame.size;
-  if (layout == PixelLayout::kYCbYCr) {
+DitheredFrame::DitheredFrame(FrameSize size, PixelLayout layout)
+    : layout_(layout),
+      rowBytes_(ptrdiff_t{size.width} * BytesPerPixel(layout)),
+      bytes_(static_cast<size_t>(rowBytes_) * static_cast<size_t>(size.height)) {}
+
+FrameView DitheredFrame::Of(const FrameView& deep) {
+  const FrameSize size = deep.size;
+  if (layout_ == PixelLayout::kYCbYCr) {
     for (int32_t y = 0; y < size.height; ++y) {
-      const void* row = frame.Row(y);
-      DitherYCbYCrRow(static_cast<const uint16_t*>(row), y, size.width, pixels + y * rowBytes);
+      const void* row = deep.Row(y);
+      DitherYCbYCrRow(static_cast<const uint16_t*>(row), y, size.width, &bytes_[y * rowBytes_]);
     }
-    return;
+    return {bytes_.data(), rowBytes_, size};
   }
   const DeepSource source{
-      frame.pixels, size.width, size.height, frame.rowBytes, DeepSample::kUnsigned16, true};
-  DitherTo8Bits(source, pixels, rowBytes);
-  for (int32_t y = 0; y < size.height; ++y) {
-    uint8_t* pixel = pixels + y * rowBytes;
-    for (int32_t x = 0; x < size.width; ++x, pixel += 4) std::swap(pixel[0], pixel[2]);
-  }
+      deep.pixels, size.width, size.height, deep.rowBytes, DeepSample::kUnsigned16, true};
+  DitherTo8Bits(source, bytes_.data(), rowBytes_);
+  for (size_t i = 0; i < bytes_.size(); i += 4) std::swap(bytes_[i], bytes_[i + 2]);
+  return {bytes_.data(), rowBytes_, size};
 }
 
 std::unique_ptr<FrameSink> DitherInto(const FilmKind& kind, const FilmRequest& request) {

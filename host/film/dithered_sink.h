@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "host/film/formats.h"
 
@@ -12,7 +13,18 @@ namespace kelto::host {
 /// frame, so that gradients show no bands and nothing flickers.
 std::unique_ptr<FrameSink> DitherInto(const FilmKind& kind, const FilmRequest& request);
 
-/// One frame of the kind's layout out of one in kRgba16.
-void DitherFrame(const FrameView& frame, PixelLayout layout, uint8_t* pixels, ptrdiff_t rowBytes);
+/// Makes frames of kYCbYCr or kBGRA out of those in kRgba16, and holds the last one. What is
+/// transparent shows black behind it.
+class DitheredFrame {
+ public:
+  DitheredFrame(FrameSize size, PixelLayout layout);
+  /// The view holds until the next call.
+  FrameView Of(const FrameView& deep);
+
+ private:
+  PixelLayout layout_;
+  ptrdiff_t rowBytes_;
+  std::vector<uint8_t> bytes_;
+};
 
 }  // namespace kelto::host

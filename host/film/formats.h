@@ -35,7 +35,8 @@ struct FilmKind {
   const char* name;         ///< as --format takes it; a dot before it makes the file name's ending
   const char* otherEnding;  ///< another ending that means this kind, else null
   const char* description;  ///< for the help text
-  PixelLayout layout;       ///< of the frames that its sinks take, unless the request is deep
+  /// Of the frames that its sinks take, unless the request is deep; of a container, the codec says.
+  PixelLayout layout;
   /// Width and height must be multiples of these; of a container, the codec asks for more.
   int32_t widthStep, heightStep, interlacedHeightStep;
   bool pictures;  ///< a file a frame

@@ -5,7 +5,6 @@ extern "C" {
 }
 
 #include <algorithm>
-#include <cmath>
 #include <vector>
 
 #include "host/film/deep_frame.h"
@@ -13,32 +12,12 @@ extern "C" {
 namespace kelto::host {
 namespace {
 
-uint8_t NearestByte(double part) {
-  return static_cast<uint8_t>(std::lround(std::clamp(part, 0.0, 1.0) * 255.0));
-}
-
-/// A pixel of studio range by the BT.601 weights, colour differences spanning as many levels as
-/// luma.
-void PutRgb(int luma, double cb, double cr, uint8_t* to) {
-  const double light = (luma - 16) / 219.0;
-  const double red = light + 1.402 * (cr - 128) / 219.0, blue = light + 1.772 * (cb - 128) / 219.0;
-  to[0] = NearestByte(red);
-  to[1] = NearestByte((light - 0.299 * red - 0.114 * blue) / 0.587);
-  to[2] = NearestByte(blue);
-}
-
-/// The effect's 4:2:2, of even width. The colour of a pair stands at its first pixel; the second
-/// has what lies midway to the next pair's.
 void FillRgb24(const FrameView& frame, const AVFrame& to) {
-  const int32_t width = frame.size.width;
   for (int32_t y = 0; y < frame.size.height; ++y) {
-    const void* const row = frame.Row(y);
-    const auto* from = static_cast<const uint8_t*>(row);
+    const uint8_t* from = frame.Row(y);
     uint8_t* pixel = to.data[0] + ptrdiff_t{y} * to.linesize[0];
-    for (int32_t x = 0; x < width; x += 2, from += 4, pixel += 6) {
-      const uint8_t* const next = x + 2 < width ? from + 4 : from;
-      PutRgb(from[0], from[1], from[3], pixel);
-      PutRgb(from[2], (from[1] + next[1]) / 2.0, (from[3] + next[3]) / 2.0, pixel + 3);
+    for (int32_t x = 0; x < frame.size.width; ++x, from += 4, pixel += 3) {
+      std::reverse_copy(from, from + 3, pixel);
     }
   }
 }

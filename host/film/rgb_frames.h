@@ -12,7 +12,7 @@ namespace kelto::host {
 /// Whether frames of this format are red, green and blue.
 bool IsRgb(AVPixelFormat format);
 
-/// Fills an RGB frame of `to`'s size: from PixelLayout::kYCbYCr those of AV_PIX_FMT_RGB24; from
+/// Fills an RGB frame of `to`'s size: from PixelLayout::kBGRA those of AV_PIX_FMT_RGB24; from
 /// PixelLayout::kRgba16 those of AV_PIX_FMT_ARGB, dithered, and of AV_PIX_FMT_GBRP16 and
 /// AV_PIX_FMT_GBRAP16, to the bit. Colours are not multiplied by alpha.
 void FillRgb(const FrameView& frame, const AVFrame& to);
