@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/base/error.h"
+#include "host/effect/deep_photo.h"
 #include "host/facts/frame_facts.h"
 #include "host/plan/default_plan.h"
 #include "host/track/photo_views.h"
@@ -34,10 +35,18 @@ std::vector<uint8_t> Reduced(const std::vector<uint8_t>& pixels, host::FrameSize
   return result;
 }
 
+/// Opens the plan's photo, with all that settles what draws it.
+host::Photo Opened(const host::RenderPlan& plan) {
+  host::Photo photo = host::OpenPhoto(host::PhotoName(plan));
+  host::FindDepth(photo);
+  photo.transparent = host::IsTransparent(photo);
+  return photo;
+}
+
 }  // namespace
 
 FilmDrawing::FilmDrawing(std::string module, const host::RenderPlan& plan)
-    : module_(std::move(module)), plan_(plan), photo_(host::OpenPhoto(host::PhotoName(plan))) {}
+    : module_(std::move(module)), plan_(plan), photo_(Opened(plan)) {}
 
 void FilmDrawing::SetPlan(const host::RenderPlan& plan, const FadesAround& fades) {
   plan_ = plan;
@@ -66,7 +75,7 @@ host::FrameView FilmDrawing::Drawn(Session& session, const host::RenderPlan& pla
   try {
     if (!session || !session->Adopt(plan)) {
       session.reset();  // first: two would hold two copies of the photo
-      session.emplace(module_, plan, photo, host::PixelLayout::kBGRA);
+      session.emplace(module_, plan, photo);
     }
     return session->Render(std::clamp(frame, 0, plan.frames - 1), quality);
   } catch (...) {
@@ -80,7 +89,7 @@ std::optional<host::FrameView> FilmDrawing::Beside(const host::RenderPlan& plan,
   try {
     if (!besideOpened_ || besidePhoto_ != host::PhotoName(plan)) {
       besideSession_.reset();
-      besideOpened_ = host::OpenPhoto(host::PhotoName(plan));
+      besideOpened_ = Opened(plan);
       besidePhoto_ = host::PhotoName(plan);
     }
     host::RenderPlan drawn = plan;

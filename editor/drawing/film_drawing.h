@@ -8,8 +8,8 @@
 
 #include "editor/rules/fades_around.h"
 #include "editor/rules/film_way.h"
+#include "host/deep/shown_film.h"
 #include "host/effect/photo.h"
-#include "host/frames/effect_session.h"
 #include "host/jobs/cross_fade.h"
 #include "host/jobs/title_frames.h"
 #include "host/plan/render_plan.h"
@@ -42,7 +42,7 @@ class FilmDrawing {
 
  private:
   /// What is drawn of a plan; made when it is first needed.
-  using Session = std::optional<host::EffectSession>;
+  using Session = std::optional<host::ShownFilm>;
 
   host::FrameView Drawn(Session& session, const host::RenderPlan& plan, const host::Photo& photo,
                         int32_t frame, double quality);

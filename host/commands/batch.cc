@@ -167,6 +167,7 @@ class Batch {
     request.output = film;
     request.format = plan.format;
     request.frames = plan.frames;
+    request.transparent = plan.transparent;
     request.audio = SoundFor(plan, kind_);
     ApplyToRequest(options_.film, request);
     return request;
@@ -225,7 +226,7 @@ class Batch {
     job.scene = WholeScene(plan);
     job.kind = &kind_;
     job.request = RequestFor(item.film, plan);
-    job.ends = EndsAsked(options_.film, plan.format, plan.frames);
+    job.ends = EndsAsked(options_.film, job.request);
     job.depth = DepthAskedBy(options_.film);
     CheckJob(job);
     owner.await(job.memory);

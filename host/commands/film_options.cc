@@ -102,7 +102,8 @@ void DeclareFilm(CLI::App& command, FilmOptions& options, const std::string& job
           "Seconds in which the film comes out of a colour at its beginning [0]");
   declare(kFilm, "--fade-out", "TIME", options.fadeOut,
           "Seconds in which it goes into the colour at its end [0]");
-  declare(kFilm, "--fade-colour", "COLOUR", options.fadeColour, "That colour, '#rrggbb' [#000000]");
+  declare(kFilm, "--fade-colour", "COLOUR", options.fadeColour,
+          "That colour, '#rrggbb' [#000000, or nothing in a film over nothing]");
   if (coded) {
     declare(kFilm, "--audio-fade", "TIME", options.audioFade,
             "Seconds in which the sound fades out at the film's end [0]");
@@ -148,23 +149,24 @@ void ApplyReporting(const FilmOptions& options) {
   SetStrict(options.strict);
 }
 
-EndFadeLengths EndsAsked(const FilmOptions& options, const FilmFormat& format, int32_t frames) {
+EndFadeLengths EndsAsked(const FilmOptions& options, const FilmRequest& request) {
   EndFadeLengths ends;
   const auto length = [&](const char* option, const std::string& text) {
     if (text.empty() || ParseNumber(text) == 0.0) return 0;
     return ReadOption(option, text, [&](const std::string& seconds) {
-      return FramesOf(ParseSeconds(seconds), format.rate);
+      return FramesOf(ParseSeconds(seconds), request.format.rate);
     });
   };
+  if (request.transparent) ends.colour = kNothing;
   ends.in = length("--fade-in", options.fadeIn);
   ends.out = length("--fade-out", options.fadeOut);
   if (!options.fadeColour.empty()) {
     ends.colour = ReadOption("--fade-colour", options.fadeColour, ParseColour);
   }
-  if (int64_t{ends.in} + ends.out > frames) {
+  if (int64_t{ends.in} + ends.out > request.frames) {
     throw UsageError("--fade-in and --fade-out take " +
                      std::to_string(int64_t{ends.in} + ends.out) +
-                     " frames together, and the film has " + std::to_string(frames));
+                     " frames together, and the film has " + std::to_string(request.frames));
   }
   return ends;
 }

@@ -29,7 +29,7 @@ void DeclareOutput(CLI::App& command, std::string& output);
 /// `jobs` is the help text of --jobs.
 void DeclareFilm(CLI::App& command, FilmOptions& options, const std::string& jobs);
 
-/// Declares --depth, of commands whose films have one photo each.
+/// Declares --depth.
 void DeclareDepth(CLI::App& command, FilmOptions& options);
 
 /// The bits a channel that --depth asks for; 0 for what photo and film allow. Throws UsageError.
@@ -38,8 +38,9 @@ int32_t DepthAskedBy(const FilmOptions& options);
 /// Sets how the command reports from now on, and whether warnings are errors.
 void ApplyReporting(const FilmOptions& options);
 
-/// The fades at the ends of a film of so many frames. Throws UsageError.
-EndFadeLengths EndsAsked(const FilmOptions& options, const FilmFormat& format, int32_t frames);
+/// The fades at the ends of a film of the request's format, length and transparency. Throws
+/// UsageError.
+EndFadeLengths EndsAsked(const FilmOptions& options, const FilmRequest& request);
 
 /// Sets what the options say of the film's coding and sound. Throws UsageError.
 void ApplyToRequest(const FilmOptions& options, FilmRequest& request);

@@ -40,10 +40,9 @@ PlayerFilm ShowToPlay(const PlayOptions& options, const CLI::App& command,
   film.marks.pop_back();
   for (RenderPlan& plan : show.plans.plans) plan = ForPlaying(std::move(plan));
   film.open = [module, show] {
-    return std::make_unique<ShowFilm>(module,
-                                      ShowScenes{show.plans.plans, show.plans.photos,
-                                                 show.plans.fades, show.fadeKind, show.title},
-                                      PixelLayout::kBGRA);
+    return std::make_unique<ShowFilm>(
+        module, ShowScenes{show.plans.plans, show.plans.photos, show.plans.fades, show.fadeKind,
+                           show.title});
   };
   return film;
 }
@@ -54,7 +53,7 @@ PlayerFilm PictureToPlay(const PlayOptions& options, const std::string& module,
   RenderPlan plan = PlanOf(options.input);
   ApplyOptions(options.show.plan, plan);
   AddSources(plan, access);
-  return FilmToPlay(module, plan, LookAtPhoto(PhotoName(plan)));
+  return FilmToPlay(module, plan, LookThroughPhoto(PhotoName(plan)));
 }
 
 void Run(PlayOptions& options, const CLI::App& command) {

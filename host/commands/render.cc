@@ -64,8 +64,9 @@ FilmJob JobFor(const RenderOptions& options) {
   job.request.frames = part.Count();
   if (whole) job.request.audio = SoundFor(job.scene.plan, *job.kind);
   job.request.firstNumber = part.first;
+  job.request.transparent = job.scene.plan.transparent;
   ApplyToRequest(options.film, job.request);
-  job.ends = EndsAsked(options.film, job.request.format, part.Count());
+  job.ends = EndsAsked(options.film, job.request);
   if (!whole && job.ends.in + job.ends.out > 0) {
     throw UsageError("--fade-in and --fade-out are for whole films, not for parts of one");
   }

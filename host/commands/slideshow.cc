@@ -19,6 +19,7 @@
 #include "host/files/output_file.h"
 #include "host/film/codecs.h"
 #include "host/film/coded_films.h"
+#include "host/film/depth.h"
 #include "host/jobs/beats.h"
 #include "host/jobs/deep_choice.h"
 #include "host/jobs/film_job.h"
@@ -85,6 +86,9 @@ Slideshow ShowFor(const SlideshowOptions& options, ShowPictures& pictures, ShowP
   // One for each of two pictures at the least.
   show.workers = std::max(2, JobsAsked(options.film, CoreCount()));
   show.module = FindModule(options.film.module);
+  const int32_t depth = DepthAskedBy(options.film);
+  ApplyToRequest(options.film, show.request);
+  CheckDepth(*show.kind, {}, depth, show.request);
   const std::string& audio =
       options.show.plan.audio.empty() ? pictures.audio : options.show.plan.audio;
   // Before the sandbox, which starts no programs.
@@ -92,17 +96,23 @@ Slideshow ShowFor(const SlideshowOptions& options, ShowPictures& pictures, ShowP
   SandboxAccess access = AccessFor(options.film.module, {options.output, options.project});
   AddSourcesOf(pictures, access);
   EnterSandbox(access);
-  plans = PlansFor(
-      pictures, JobsAsked(options.film, CoreCount()),
-      [&](const RenderPlan& plan, const Photo& photo) {
-        show.workers = WorkersFor(photo, show.workers);
-        if (show.workers < 2 && pictures.pictures.size() > 1) {
-          throw Error(plan.photo +
-                      ": is too large for a slideshow, which has two pictures in memory at "
-                      "a time; the limit for both is " +
-                      std::to_string(PictureMemory() >> 20) + " MiB");
-        }
-      });
+  const auto makeRoom = [&](const RenderPlan&, const Photo& photo) {
+    show.workers = WorkersFor(photo, show.workers);
+    if (show.workers >= 2 || pictures.pictures.size() < 2) return;
+    throw Error(photo.given +
+                ": is too large for a slideshow, which has two pictures in memory at a time; the "
+                "limit for both is " +
+                std::to_string(PictureMemory() >> 20) + " MiB");
+  };
+  plans = PlansFor(pictures, JobsAsked(options.film, CoreCount()), makeRoom);
+  CheckDepth(*show.kind, plans.plans, depth, show.request);
+  ChooseDepth(*show.kind, plans.plans, plans.photos, depth, show.request);
+  if (show.request.deep) {
+    for (Photo photo : plans.photos) {
+      photo.memory = photo.deepMemory;
+      makeRoom({}, photo);
+    }
+  }
   if (!options.title.empty()) {
     show.title.text = ReadOption("--title", options.title, TitleText);
     show.title.frames = FramesOf(kTitleSeconds, plans.plans.front().format.rate);
@@ -122,8 +132,7 @@ Slideshow ShowFor(const SlideshowOptions& options, ShowPictures& pictures, ShowP
   if (!options.show.plan.audio.empty() || IsContainer(show.kind->name)) {
     show.request.audio = audio;
   }
-  ApplyToRequest(options.film, show.request);
-  show.ends = EndsAsked(options.film, show.request.format, show.request.frames);
+  show.ends = EndsAsked(options.film, show.request);
   return show;
 }
 
@@ -135,7 +144,6 @@ void Check(const SlideshowOptions& options, const ShowPictures& pictures, const 
   sources.insert(show.request.audio);
   for (const RenderPlan& plan : show.plans) sources.insert({plan.photo, plan.over});
   CheckFilm(*show.kind, show.request, {sources.begin(), sources.end()});
-  for (const RenderPlan& plan : show.plans) CheckEffectDraws(*show.kind, plan);
   CheckFormats(show.plans);
   if (options.project.empty()) return;
   if (options.output == kStandardOutput && options.project == kStandardOutput) {
@@ -191,9 +199,10 @@ void Run(const SlideshowOptions& given, const CLI::App& command) {
   }
   {
     Progress progress("frame", show.request.frames);
+    const PixelLayout layout = FrameLayout(*show.kind, show.request);
     const double aspect = show.request.format.DisplayAspect();
     MakeSlideshow(show, [&](int32_t done, const FrameView& frame) {
-      preview.Show(frame, show.kind->layout, aspect);
+      preview.Show(frame, layout, aspect);
       progress.Show(done);
     });
   }
@@ -213,6 +222,7 @@ CLI::App* AddSlideshow(CLI::App& app) {
               "Processes that render, at least two, each with a photograph in memory; the film is "
               "the same [one for each core]");
   DeclarePreview(*command, options->preview);
+  DeclareDepth(*command, options->film);
   command
       ->add_option("--save-project", options->project,
                    "Write what the show shows, with all options, into this project file, .json")

@@ -73,7 +73,7 @@ void RunOnPicture(const Options& options) {
       PlanFor(options.input, options.show.plan, AccessFor(options.module, {options.output}));
   CheckNameIsFree(options.output, {options.input, plan.photo, plan.over, plan.audio});
   const std::string module = FindModule(options.module);
-  const Photo photo = LookAtPhoto(PhotoName(plan));
+  const Photo photo = LookThroughPhoto(PhotoName(plan));
   // Apart, since it decodes the photo; this process writes what comes of it.
   std::vector<std::string> reads = ModuleFolders(options.module);
   reads.push_back(plan.over);

@@ -1,11 +1,13 @@
 #include "host/deep/deep_session.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "catalogue/parameters.h"
 #include "deep/engine.h"
 #include "framing/frame_rects.h"
+#include "host/base/error.h"
 #include "host/effect/deep_photo.h"
 #include "host/effect/render_state.h"
 #include "host/track/drawn_frame.h"
@@ -40,49 +42,106 @@ std::string WhyNotDeep(const RenderPlan& plan) {
     return "the source display";
   }
   if (IsOther(plan, key::kLevels, std::string(entry::kLevelsRGB))) return "601 levels";
-  if (plan.beside == Beside::kBlur) return "--beside blur";
-  if (!plan.caption.text.empty()) return "a caption";
+  if (plan.transparent && !plan.over.empty()) return "a video behind the photo";
+  if (plan.transparent && plan.beside == Beside::kBlur) return "--beside blur";
   return "";
 }
 
-DeepSession::DeepSession(const std::string& modulePath, const RenderPlan& plan, const Photo& photo)
-    : plan_(plan),
-      size_{photo.width, photo.height},
-      motion_(modulePath, plan, size_),
-      picture_(ReadDeepPhoto(photo)) {
-  if (plan.over.empty()) return;
-  const FrameSize size = plan.format.size;
-  backdrop_.emplace(plan, PixelLayout::kBGRA);
-  video_.emplace(size.width, size.height, hfxColorspaceRGB);
-  backdropRows_ = DeepPicture(size.width, size.height, DeepSample::kUnsigned16, false);
+DeepSession::DeepSession(std::string modulePath, const RenderPlan& plan, const Photo& photo)
+    : module_(std::move(modulePath)), photo_(photo), picture_(ReadDeepPhoto(photo)) {
+  SetPlan(plan);
 }
 
-FrameView DeepSession::Render(int32_t number) {
-  const FrameSize size = plan_.format.size;
+void DeepSession::SetPlan(const RenderPlan& plan) {
+  const RenderPlan before = std::exchange(plan_, plan);
+  const FrameSize size = plan.format.size;
+  if (!(before.format == plan.format) || frame_.width() == 0) {
+    frame_ = {};
+    behind_ = {};
+    backdrop_.reset();
+    caption_.reset();
+  }
+  motion_.emplace(module_, plan, PixelSize{photo_.width, photo_.height});
+  if (plan.caption.text != before.caption.text) caption_.reset();
+  if (!plan.caption.text.empty()) {
+    if (caption_) {
+      caption_->SetTimes(plan);
+    } else {
+      caption_.emplace(plan, photo_.given, PixelLayout::kRgba16);
+    }
+  }
+  SetBehind(before);
   if (frame_.width() == 0) {
     frame_ = DeepPicture(size.width, size.height, DeepSample::kUnsigned16, true);
   }
-  const DeepTarget rows = frame_.view();
-  RenderInto(static_cast<uint8_t*>(rows.pixels), rows.rowBytes, number);
-  return {static_cast<const uint8_t*>(rows.pixels), rows.rowBytes, size};
 }
 
-void DeepSession::RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number) {
+void DeepSession::SetBehind(const RenderPlan& before) {
   const FrameSize size = plan_.format.size;
-  if (backdrop_) FillBackdrop(number);
+  const auto make = [&] {
+    behind_ = DeepPicture(size.width, size.height, DeepSample::kUnsigned16, false);
+  };
+  if (!plan_.over.empty()) {
+    // Where the video ends depends on the film's length.
+    if (backdrop_ && before.frames == plan_.frames) return;
+    backdrop_.emplace(plan_, PixelLayout::kBGRA);
+    video_.emplace(size.width, size.height, hfxColorspaceRGB);
+    return make();
+  }
+  if (plan_.beside != Beside::kBlur) {
+    behind_ = {};
+    return;
+  }
+  if (behind_.width() > 0) return;
+  if (!beside_) beside_.emplace(std::as_const(picture_).view());
+  const std::vector<uint8_t> blurred = beside_->Frame(plan_.format, PixelLayout::kRgba16);
+  make();
+  const DeepTarget rows = behind_.view();
+  const size_t rowBytes = static_cast<size_t>(size.width) * BytesPerPixel(PixelLayout::kRgba16);
+  for (int32_t y = 0; y < rows.height; ++y) {
+    std::memcpy(rows.Row<uint8_t>(y), &blurred[rowBytes * static_cast<size_t>(y)], rowBytes);
+  }
+}
+
+void DeepSession::Change(const Setting& setting) {
+  RenderPlan changed = plan_;
+  changed.SettingOf(setting.parameter) = setting;
+  SetPlan(changed);
+}
+
+bool DeepSession::Adopt(const RenderPlan& plan) {
+  if (!WhyNotDeep(plan).empty() || PhotoName(plan) != PhotoName(plan_) || plan.over != plan_.over) {
+    return false;
+  }
+  SetPlan(plan);
+  return true;
+}
+
+FrameView DeepSession::Render(int32_t number, double quality) {
+  const DeepTarget rows = frame_.view();
+  RenderInto(rows.Row<uint8_t>(0), rows.rowBytes, number, quality);
+  return {rows.Row<uint8_t>(0), rows.rowBytes, plan_.format.size};
+}
+
+void DeepSession::RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number, double quality) {
+  const FrameSize size = plan_.format.size;
+  if (backdrop_) FillVideo(number);
   DeepTarget whole;
   whole.pixels = pixels;
   whole.width = size.width;
   whole.height = size.height;
   whole.rowBytes = rowBytes;
   whole.hasAlpha = plan_.transparent;
-  for (int32_t field = 0; field < FieldsOf(plan_); ++field) RenderField(whole, number, field);
+  for (int32_t field = 0; field < FieldsOf(plan_); ++field) {
+    RenderField(whole, number, field, quality);
+  }
+  if (caption_) caption_->Over(pixels, rowBytes, number);
 }
 
-void DeepSession::FillBackdrop(int32_t number) {
+void DeepSession::FillVideo(int32_t number) {
   hfxImage& image = *video_->image();
   backdrop_->Fill(number, image);
-  const DeepTarget rows = backdropRows_.view();
+  const DeepTarget rows = behind_.view();
   for (int32_t y = 0; y < rows.height; ++y) {
     const auto* from = static_cast<const uint8_t*>(image.GetRowPtr(y));
     uint16_t* to = rows.Row<uint16_t>(y);
@@ -93,20 +152,24 @@ void DeepSession::FillBackdrop(int32_t number) {
   }
 }
 
-void DeepSession::RenderField(const DeepTarget& whole, int32_t number, int32_t field) {
+void DeepSession::RenderField(const DeepTarget& whole, int32_t number, int32_t field,
+                              double quality) {
+  if (aborted_ && aborted_()) throw Error("interrupted");
   const hfx::RenderState state = FieldState(plan_, number, field);
-  const FrameMotion motion = motion_.At(number, field);
+  const FrameMotion motion = motion_->At(number, field);
+  const PixelSize size{photo_.width, photo_.height};
   const FrameRects rects = ComputeFrameRects(
-      FrameToDraw(plan_, size_, state, motion.squarePixels).geometry, size_, motion.view);
+      FrameToDraw(plan_, size, state, motion.squarePixels).geometry, size, motion.view);
   DeepJob job;
   job.sourceRect = rects.source;
   job.targetRect = rects.target;
   job.frame = {whole.width, whole.height};
   job.filterMode = FilterOf(motion.filter);
+  if (quality < 1.0) job.filterMode = std::min<int32_t>(job.filterMode, kFilterTriangle);
   job.linearLight = plan_.linearLight;
   job.background = plan_.transparent ? std::array<float, 4>{} : SeenColour(motion.background);
   DeepTarget target = whole;
-  DeepSource behind = std::as_const(backdropRows_).view();
+  DeepSource behind = std::as_const(behind_).view();
   if (plan_.format.Interlaced()) {
     job.fieldRows = state.topField ? kEvenRows : kOddRows;
     const int32_t first = state.topField ? 0 : 1;
@@ -117,7 +180,8 @@ void DeepSession::RenderField(const DeepTarget& whole, int32_t number, int32_t f
     behind.height = target.height;
     behind.rowBytes *= 2;
   }
-  if (backdrop_ && motion.overVideo) job.backdrop = behind;
+  const bool shows = backdrop_ ? motion.overVideo : behind_.width() > 0;
+  if (shows) job.backdrop = behind;
   RenderDeep(job, std::as_const(picture_).view(), target);
 }
 

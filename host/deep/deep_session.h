@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,6 +17,9 @@
 #include "host/effect/photo.h"
 #include "host/facts/motion.h"
 #include "host/frames/backdrop.h"
+#include "host/frames/blurred_photo.h"
+#include "host/frames/caption_letters.h"
+#include "host/frames/plan_session.h"
 #include "host/plan/render_plan.h"
 
 namespace kelto::host {
@@ -24,30 +28,46 @@ namespace kelto::host {
 /// can be drawn here.
 std::string WhyNotDeep(const RenderPlan& plan);
 
-/// Operations throw Error.
-class DeepSession {
+/// Draws in PixelLayout::kRgba16. Operations throw Error.
+class DeepSession : public PlanSession {
  public:
   /// `photo` is the plan's, opened.
-  DeepSession(const std::string& modulePath, const RenderPlan& plan, const Photo& photo);
+  DeepSession(std::string modulePath, const RenderPlan& plan, const Photo& photo);
 
-  /// Renders frame `number`, 0-based, in PixelLayout::kRgba16; both its fields when the film is
-  /// interlaced.
-  void RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number);
-  /// The same into memory of its own. The view holds until the next call.
-  FrameView Render(int32_t number);
+  /// Asked before each field.
+  void SetAbortQuery(std::function<bool()> query) override { aborted_ = std::move(query); }
+
+  /// Renders frame `number`, 0-based; both its fields when the film is interlaced. A quality below
+  /// 1 takes the quickest filter that is smooth. The view holds until the next call.
+  FrameView Render(int32_t number, double quality = 1.0) override;
+  void RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number,
+                  double quality = 1.0) override;
+
+  /// The plan has to remain one that can be drawn here.
+  void Change(const Setting& setting) override;
+
+  /// Another session is needed for another photo or video, and for what cannot be drawn here.
+  bool Adopt(const RenderPlan& plan) override;
 
  private:
-  void RenderField(const DeepTarget& whole, int32_t number, int32_t field);
-  /// What lies behind frame `number`, into `backdropRows_`.
-  void FillBackdrop(int32_t number);
+  void SetPlan(const RenderPlan& plan);
+  void SetBehind(const RenderPlan& before);
+  void RenderField(const DeepTarget& whole, int32_t number, int32_t field, double quality);
+  /// What of the video lies behind frame `number`, into `behind_`.
+  void FillVideo(int32_t number);
 
+  std::string module_;
   RenderPlan plan_;
-  PixelSize size_;
-  Motion motion_;
+  Photo photo_;
   DeepPicture picture_;
-  std::optional<Backdrop> backdrop_;  ///< of plans with a video
+  std::function<bool()> aborted_;
+  std::optional<Motion> motion_;
+  std::optional<CaptionLetters> caption_;
+  std::optional<BlurredPhoto> beside_;  ///< once it has been needed
+  std::optional<Backdrop> backdrop_;    ///< of plans with a video
   std::optional<hfx::ImageBuffer> video_;
-  DeepPicture backdropRows_, frame_;
+  DeepPicture behind_;  ///< the video's frame, or the photo blurred; no pixels where neither is
+  DeepPicture frame_;
 };
 
 }  // namespace kelto::host

@@ -5,11 +5,11 @@
 
 #include "host/base/error.h"
 #include "host/base/texts.h"
+#include "host/deep/shown_film.h"
 #include "host/drawing/photo_map.h"
 #include "host/drawing/storyboard.h"
 #include "host/drawing/whole_photo.h"
 #include "host/files/path_text.h"
-#include "host/frames/effect_session.h"
 #include "host/options/size.h"
 #include "host/terminal/interrupt.h"
 
@@ -69,16 +69,15 @@ std::string FactsOf(const std::vector<PictureOfShow>& pictures, int32_t total) {
 void DrawPhotoCell(Drawing& drawing, const std::string& module, const PictureOfShow& picture,
                    const Box& cell) {
   FrameInspector inspector(module, picture.plan, picture.photo);
-  EffectSession session(module, WholePhoto(picture.plan, picture.photo, 2 * cell.width),
-                        picture.photo, PixelLayout::kBGRA);
-  DrawPhotoMap(drawing, cell, session.Render(0), {picture.photo.width, picture.photo.height},
-               MarksOf(inspector), PathOf(inspector));
+  ShownFilm whole(module, WholePhoto(picture.plan, picture.photo, 2 * cell.width), picture.photo);
+  DrawPhotoMap(drawing, cell, whole.Render(0, kWholeQuality),
+               {picture.photo.width, picture.photo.height}, MarksOf(inspector), PathOf(inspector));
 }
 
 void DrawFrames(Drawing& drawing, const std::string& module, const PictureOfShow& picture,
                 size_t index, const Grid& grid) {
-  EffectSession session(module, picture.plan, picture.photo, PixelLayout::kBGRA);
-  session.SetAbortQuery(IsInterrupted);
+  ShownFilm film(module, picture.plan, picture.photo);
+  film.SetAbortQuery(IsInterrupted);
   const int32_t count = grid.Cells() - 1, total = picture.plan.frames;
   // A single one from the middle: at its ends a picture is not seen alone, nor with its caption.
   const std::vector<int32_t> frames =
@@ -86,7 +85,7 @@ void DrawFrames(Drawing& drawing, const std::string& module, const PictureOfShow
   const double rate = picture.plan.format.rate.PerSecond();
   for (size_t i = 0; i < frames.size(); ++i) {
     const Box cell = grid.Cell(index, static_cast<int32_t>(i) + 1);
-    drawing.Picture(session.Render(frames[i]), cell);
+    drawing.Picture(film.Render(frames[i], kWholeQuality), cell);
     drawing.Text(FixedText((picture.begin + frames[i]) / rate, 2) + " s",
                  {cell.Right(), cell.Bottom() + 18.0}, 14.0, kFaint, Align::kRight);
   }

@@ -6,11 +6,11 @@
 
 #include "host/base/error.h"
 #include "host/base/texts.h"
+#include "host/deep/shown_film.h"
 #include "host/drawing/axis_ticks.h"
 #include "host/drawing/photo_map.h"
 #include "host/drawing/whole_photo.h"
 #include "host/files/path_text.h"
-#include "host/frames/effect_session.h"
 #include "host/options/size.h"
 #include "host/terminal/interrupt.h"
 
@@ -69,18 +69,19 @@ class Sheet {
   }
   void DrawMap() {
     const Box room{kMargin, kHead, kWidth - 2 * kMargin, mapHeight_};
-    EffectSession session(module_, WholePhoto(plan_, photo_), photo_, PixelLayout::kBGRA);
-    DrawPhotoMap(drawing_, room, session.Render(0), Size(), marks_, PathOf(inspector_));
+    ShownFilm whole(module_, WholePhoto(plan_, photo_), photo_);
+    DrawPhotoMap(drawing_, room, whole.Render(0, kWholeQuality), Size(), marks_,
+                 PathOf(inspector_));
   }
   void DrawStrip() {
-    EffectSession session(module_, plan_, photo_, PixelLayout::kBGRA);
-    session.SetAbortQuery(IsInterrupted);
+    ShownFilm film(module_, plan_, photo_);
+    film.SetAbortQuery(IsInterrupted);
     for (size_t i = 0; i < strip_.size(); ++i) {
       const auto index = static_cast<int32_t>(i);
       const int32_t column = index % columns_, row = index / columns_;
       const Box cell{kMargin + column * (cellWidth_ + kGap),
                      StripTop() + row * (cellHeight_ + kCaption + kGap), cellWidth_, cellHeight_};
-      drawing_.Picture(session.Render(strip_[i]), cell);
+      drawing_.Picture(film.Render(strip_[i], kWholeQuality), cell);
       const double base = cell.Bottom() + 18.0;
       drawing_.Text("frame " + std::to_string(strip_[i]), {cell.left, base}, 14.0, kText);
       drawing_.Text(FixedText(strip_[i] / plan_.format.rate.PerSecond(), 2) + " s",

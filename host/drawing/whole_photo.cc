@@ -21,6 +21,10 @@ RenderPlan WholePhoto(const RenderPlan& plan, const Photo& photo, double most) {
   whole.Set(key::kDisplay, std::string(entry::kDisplayTarget));
   whole.Set(key::kFilter, std::string(entry::kFilterHiQual));
   if (const Setting* levels = plan.FindSetting(key::kLevels)) whole.settings.push_back(*levels);
+  whole.linearLight = plan.linearLight;
+  whole.transparent = plan.transparent;
+  const Setting* background = plan.FindSetting(key::kBackgroundColor);
+  if (photo.transparent && background != nullptr) whole.settings.push_back(*background);
   return whole;
 }
 

@@ -22,9 +22,9 @@ struct Photo {
   int32_t width = 0;   ///< pixels, upright
   int32_t height = 0;
   uint64_t memory = 0;  ///< bytes that loading it takes of a process at the most
-  int32_t bits = 8;  ///< of a sample, 32 for floating-point ones; as FindDepth and CheckPhoto find
+  int32_t bits = 8;  ///< of a sample, 32 for floating-point ones; as FindDepth and LookAtPhoto find
   uint64_t deepMemory = 0;   ///< bytes that loading it with all its bits takes; found likewise
-  bool transparent = false;  ///< whether anything behind it shows; as CheckPhoto finds
+  bool transparent = false;  ///< whether anything behind it shows; as LookThroughPhoto finds
   std::shared_ptr<const void> file = {};  ///< what has to stay while `path` is in use
 };
 

@@ -82,7 +82,19 @@ uint8_t Dithered(float value, int32_t x, int32_t y) {
   return static_cast<uint8_t>(std::clamp(std::floor(value + threshold), 0.0f, 255.0f));
 }
 
+void WriteDeepRow(const std::vector<Bgr>& row, uint8_t* out) {
+  void* const first = out;
+  auto* words = static_cast<uint16_t*>(first);
+  for (const Bgr& pixel : row) {
+    for (size_t c = 0; c < 3; ++c) {
+      *words++ = static_cast<uint16_t>(std::lround(std::clamp(pixel[2 - c], 0.0f, 255.0f) * 257));
+    }
+    *words++ = 65535;
+  }
+}
+
 void WriteRow(const std::vector<Bgr>& row, int32_t y, PixelLayout layout, uint8_t* out) {
+  if (layout == PixelLayout::kRgba16) return WriteDeepRow(row, out);
   const auto width = static_cast<int32_t>(row.size());
   if (layout == PixelLayout::kBGRA) {
     for (int32_t x = 0; x < width; ++x) {
@@ -105,7 +117,10 @@ void WriteRow(const std::vector<Bgr>& row, int32_t y, PixelLayout layout, uint8_
 
 }  // namespace
 
-BlurredPhoto::BlurredPhoto(const std::vector<uint8_t>& pixels, int32_t width, int32_t height) {
+/// Keeps the photo's means, smaller. `bgrAt` gives a pixel's blue, green and red, of which `unit`
+/// is one level of 255.
+template <typename BgrAt>
+void BlurredPhoto::Keep(int32_t width, int32_t height, double unit, const BgrAt& bgrAt) {
   const double scale = std::min(1.0, static_cast<double>(kKeptSide) / std::max(width, height));
   width_ = std::max(1, static_cast<int32_t>(std::lround(width * scale)));
   height_ = std::max(1, static_cast<int32_t>(std::lround(height * scale)));
@@ -116,17 +131,39 @@ BlurredPhoto::BlurredPhoto(const std::vector<uint8_t>& pixels, int32_t width, in
     for (int32_t x = 0; x < width_; ++x) {
       const Span columns = SpanOf(static_cast<double>(x) * width / width_,
                                   static_cast<double>(x + 1) * width / width_, width);
-      std::array<int64_t, 3> sum{};
+      std::array<double, 3> sum{};
       for (int32_t row = rows.begin; row < rows.end; ++row) {
-        const uint8_t* pixel = &pixels[(static_cast<size_t>(row) * width + columns.begin) * 4];
-        for (int32_t i = columns.begin; i < columns.end; ++i, pixel += 4) {
-          for (size_t c = 0; c < 3; ++c) sum[c] += pixel[c] * pixel[3];
+        for (int32_t column = columns.begin; column < columns.end; ++column) {
+          const std::array<double, 3> bgr = bgrAt(column, row);
+          for (size_t c = 0; c < 3; ++c) sum[c] += bgr[c];
         }
       }
-      const double count = 255.0 * (rows.end - rows.begin) * (columns.end - columns.begin);
-      for (const int64_t value : sum) pixels_.push_back(static_cast<float>(value / count));
+      const double count = unit * (rows.end - rows.begin) * (columns.end - columns.begin);
+      for (const double value : sum) pixels_.push_back(static_cast<float>(value / count));
     }
   }
+}
+
+BlurredPhoto::BlurredPhoto(const std::vector<uint8_t>& pixels, int32_t width, int32_t height) {
+  Keep(width, height, 255.0, [&](int32_t x, int32_t y) {
+    const uint8_t* const pixel = &pixels[(static_cast<size_t>(y) * width + x) * 4];
+    std::array<double, 3> bgr;
+    for (size_t c = 0; c < 3; ++c) bgr[c] = pixel[c] * pixel[3];
+    return bgr;
+  });
+}
+
+BlurredPhoto::BlurredPhoto(const DeepSource& photo) {
+  const bool words = photo.sample == DeepSample::kUnsigned16;
+  Keep(photo.width, photo.height, FullScale(photo.sample) / 255.0, [&](int32_t x, int32_t y) {
+    std::array<double, 3> bgr;
+    for (size_t c = 0; c < 3; ++c) {
+      const size_t at = size_t{4} * x + 2 - c;
+      // Highlights beyond white would light up all that is near them.
+      bgr[c] = words ? photo.Row<uint16_t>(y)[at] : std::clamp(photo.Row<float>(y)[at], 0.0f, 1.0f);
+    }
+    return bgr;
+  });
 }
 
 std::vector<uint8_t> BlurredPhoto::Frame(const FilmFormat& format, PixelLayout layout) const {

@@ -8,7 +8,6 @@
 #include "host/effect/effect_settings.h"
 #include "host/effect/render_state.h"
 #include "host/files/path_text.h"
-#include "host/terminal/terminal.h"
 #include "host/track/keyed_plan.h"
 
 namespace kelto::host {
@@ -85,14 +84,7 @@ void EffectSession::MakeImages() {
 
 void EffectSession::MakeCaption() {
   caption_.reset();
-  const std::string& text = plan_.caption.text;
-  if (text.empty()) return;
-  caption_.emplace(text, LetterPlace::kCaption, plan_.format, layout_);
-  if (caption_->MissingLetters() > 0) {
-    PrintMessage(photo_.given + ": no font on this machine has " +
-                 std::to_string(caption_->MissingLetters()) +
-                 " of its caption's letters; install one that has them, such as fonts-noto");
-  }
+  if (!plan_.caption.text.empty()) caption_.emplace(plan_, photo_.given, layout_);
 }
 
 EffectSession::~EffectSession() { effect_->EndRender(nullptr); }
@@ -128,17 +120,7 @@ void EffectSession::RenderFrame(hfxImage& whole, int32_t number, double quality)
       RenderField(state, *input_->image(), whole);
     }
   }
-  if (caption_) DrawCaption(whole.GetRowPtr(0), whole.GetRowDelta(), number);
-}
-
-void EffectSession::DrawCaption(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number) const {
-  constexpr double kField = 0.5;
-  const Caption& caption = plan_.caption;
-  const int32_t until = caption.until > 0 ? caption.until : plan_.frames;
-  const auto at = [&](double frame) {
-    return CaptionOpacity(frame, caption.from, until, plan_.format.rate);
-  };
-  caption_->Over(pixels, rowBytes, at(number), at(number + kField));
+  if (caption_) caption_->Over(whole.GetRowPtr(0), whole.GetRowDelta(), number);
 }
 
 void EffectSession::Change(const Setting& setting) {
@@ -160,7 +142,11 @@ bool EffectSession::Adopt(const RenderPlan& given) {
   track_ = std::move(track);
   const bool sameVideo = plan.over.empty() || (plan.frames == before.frames);
   if (plan.format != before.format || !sameVideo) MakeImages();
-  if (plan.format != before.format || plan.caption.text != before.caption.text) MakeCaption();
+  if (plan.format != before.format || plan.caption.text != before.caption.text) {
+    MakeCaption();
+  } else if (caption_) {
+    caption_->SetTimes(plan_);
+  }
   std::vector<Setting> changed;
   for (const Setting& setting : plan.settings) {
     const Setting* earlier = before.FindSetting(setting.parameter);

@@ -10,8 +10,8 @@
 #include "host/base/film_format.h"
 #include "host/effect/photo.h"
 #include "host/frames/backdrop.h"
-#include "host/frames/played_film.h"
-#include "host/lettering/lettering.h"
+#include "host/frames/caption_letters.h"
+#include "host/frames/plan_session.h"
 #include "host/plan/render_plan.h"
 #include "host/track/view_track.h"
 #include "runtime/hfx/host.h"
@@ -20,7 +20,7 @@ namespace kelto::host {
 
 /// Loads the effect's module, sets its first effect up for a plan and renders frames, in any order,
 /// over those of the plan's video. Operations throw Error.
-class EffectSession : public PlayedFilm {
+class EffectSession : public PlanSession {
  public:
   /// `photo` is the plan's, opened.
   EffectSession(const std::string& modulePath, const RenderPlan& plan, const Photo& photo,
@@ -35,24 +35,20 @@ class EffectSession : public PlayedFilm {
   /// the next call.
   FrameView Render(int32_t number, double quality = 1.0) override;
 
-  /// The same into memory of the caller's, `rowBytes` from one row to the row below. What the
-  /// effect leaves alone in a frame keeps what it has there.
-  void RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number, double quality = 1.0);
+  void RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number,
+                  double quality = 1.0) override;
 
   /// Changes one of the plan's settings for the frames to come.
   void Change(const Setting& setting) override;
 
-  /// Renders another plan from now on, without loading the photo again. False, with nothing
-  /// changed, where that takes another session: for another photo, video, play mode or order of
-  /// fields, where the host's motion takes the place of the effect's or the other way round, and
-  /// where a setting is taken back to what the effect begins with. After an Error the session is of
-  /// no use.
-  bool Adopt(const RenderPlan& given);
+  /// Another session is needed for another photo, video, play mode or order of fields, where the
+  /// host's motion takes the place of the effect's or the other way round, and where a setting is
+  /// taken back to what the effect begins with.
+  bool Adopt(const RenderPlan& given) override;
 
  private:
   void MakeImages();
   void MakeCaption();
-  void DrawCaption(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number) const;
   void RenderFrame(hfxImage& whole, int32_t number, double quality);
   void RenderField(const hfx::RenderState& state, hfxImage& input, hfxImage& output);
 
@@ -64,7 +60,7 @@ class EffectSession : public PlayedFilm {
   std::optional<hfx::ImageBuffer> input_, output_;  ///< of the plan's frames
   std::optional<BlurredPhoto> beside_;
   std::optional<Backdrop> backdrop_;
-  std::optional<Lettering> caption_;
+  std::optional<CaptionLetters> caption_;
   std::unique_ptr<hfx::Module> module_;
   std::unique_ptr<hfx::Effect> effect_;  // goes before its module
 };

@@ -5,22 +5,25 @@
 namespace kelto::host {
 namespace {
 
-/// The weight of the new picture in 256ths, 256 at most.
-uint32_t WeightOf(int64_t part, int64_t whole) {
-  return static_cast<uint32_t>(std::min<int64_t>(256, (256 * part + whole / 2) / whole));
-}
+/// The weight of the new picture: 2^kWeightBits is all of it. Its sum with a sample's bits fills 32
+/// at the most, and fades of 16 bits are as fine in time as in level.
+template <typename Sample>
+constexpr uint32_t kWeightBits = 8 * sizeof(Sample);
 
-/// The same `halves` half steps after the first frame.
-uint32_t WeightAt(int32_t halves, int32_t steps) {
-  return WeightOf(int64_t{halves} + 2, 2 * (int64_t{steps} + 1));
+/// `part` of `whole` as a weight of so many bits.
+uint32_t WeightOf(int64_t part, int64_t whole, uint32_t bits) {
+  const int64_t all = int64_t{1} << bits;
+  return static_cast<uint32_t>(std::min(all, (all * part + whole / 2) / whole));
 }
 
 template <typename Sample>
 void BlendSamples(const void* from, const void* to, uint32_t weight, size_t bytes, void* out) {
   const Sample *before = static_cast<const Sample*>(from), *after = static_cast<const Sample*>(to);
   Sample* mixed = static_cast<Sample*>(out);
+  constexpr uint32_t kBits = kWeightBits<Sample>, kAll = 1U << kBits;
   for (size_t i = 0; i < bytes / sizeof(Sample); ++i) {
-    mixed[i] = static_cast<Sample>((before[i] * (256 - weight) + after[i] * weight + 128) >> 8);
+    const uint32_t sum = before[i] * (kAll - weight) + after[i] * weight;
+    mixed[i] = static_cast<Sample>((sum + kAll / 2) >> kBits);
   }
 }
 
@@ -46,16 +49,18 @@ CrossFade::CrossFade(const FilmFormat& format, PixelLayout layout, FadeKind kind
 FrameView CrossFade::Blend(const FrameView& from, const FrameView& to, int32_t step,
                            int32_t steps) {
   const FrameView colour = colour_.View();
+  const bool deep = layout_ == PixelLayout::kRgba16;
+  const uint32_t bits = deep ? kWeightBits<uint16_t> : kWeightBits<uint8_t>;
   for (int32_t row = 0; row < format_.size.height; ++row) {
     const int32_t halves = 2 * step + (IsLaterField(row) ? 1 : 0);
     const uint8_t *before = from.Row(row), *after = to.Row(row);
-    uint32_t weight = WeightAt(halves, steps);
+    uint32_t weight = WeightOf(int64_t{halves} + 2, 2 * (int64_t{steps} + 1), bits);
     if (kind_ == FadeKind::kDip) {
       // At twice the rate: the first half goes to the colour, the second one from it.
       const int64_t done = 2 * (int64_t{halves} + 2), middle = 2 * (int64_t{steps} + 1);
       const bool goes = done <= middle;
       (goes ? after : before) = colour.Row(row);
-      weight = WeightOf(goes ? done : done - middle, middle);
+      weight = WeightOf(goes ? done : done - middle, middle, bits);
     }
     BlendRow(layout_, before, after, weight, rowBytes_, &bytes_[row * rowBytes_]);
   }

@@ -1,9 +1,11 @@
 #include "host/jobs/deep_choice.h"
 
+#include <algorithm>
 #include <string>
 
 #include "host/base/error.h"
 #include "host/deep/deep_session.h"
+#include "host/deep/shown_film.h"
 #include "host/film/depth.h"
 
 namespace kelto::host {
@@ -18,38 +20,53 @@ std::string WhatIsDeep(const FilmKind& kind, const RenderPlan& plan, int32_t dep
   return "";
 }
 
+/// The same of any of the plans.
+std::string WhatIsDeep(const FilmKind& kind, std::span<const RenderPlan> plans, int32_t depth) {
+  for (const RenderPlan& plan : plans) {
+    if (std::string what = WhatIsDeep(kind, plan, depth); !what.empty()) return what;
+  }
+  return "";
+}
+
+bool IsTransparent(std::span<const RenderPlan> plans) {
+  return std::any_of(plans.begin(), plans.end(),
+                     [](const RenderPlan& plan) { return plan.transparent; });
+}
+
 }  // namespace
 
-void CheckDepth(const FilmKind& kind, const RenderPlan& plan, int32_t depth,
+void CheckDepth(const FilmKind& kind, std::span<const RenderPlan> plans, int32_t depth,
                 const FilmRequest& request) {
-  DepthOf(kind, request.codec, {depth, 8, plan.transparent});
-  const std::string what = WhatIsDeep(kind, plan, depth);
+  DepthOf(kind, request.codec, {depth, 8, IsTransparent(plans)});
+  const std::string what = WhatIsDeep(kind, plans, depth);
   if (what.empty()) return;
 #if defined(_WIN32)
   throw UsageError(what + ": on this system films have eight bits and no transparency");
 #endif
-  if (plan.transparent && !plan.over.empty()) {
-    throw UsageError("--background none: the project has a video behind the photo");
-  }
-  const std::string lack = WhyNotDeep(plan);
-  if (!lack.empty()) throw UsageError(what + ": cannot be had with " + lack);
-}
-
-void ChooseDepth(const FilmKind& kind, const RenderPlan& plan, const Photo& photo, int32_t depth,
-                 FilmRequest& request) {
-  request.depth = DepthOf(kind, request.codec, {depth, photo.bits, plan.transparent});
-  const bool more = photo.bits > 8 || photo.transparent;
-  request.deep = !WhatIsDeep(kind, plan, depth).empty() || (more && WhyNotDeep(plan).empty());
-  request.transparent = plan.transparent;
-  if (request.deep && photo.deepMemory == 0) {
-    throw Error(photo.given + ": is too large to be read with all its bits; reduce it");
+  for (const RenderPlan& plan : plans) {
+    const std::string whose = plans.size() > 1 ? plan.photo + ": " : "";
+    if (plan.transparent && !plan.over.empty()) {
+      throw UsageError(whose + "--background none: the project has a video behind the photo");
+    }
+    const std::string lack = WhyNotDeep(plan);
+    if (!lack.empty()) throw UsageError(whose + what + ": cannot be had with " + lack);
   }
 }
 
-void CheckEffectDraws(const FilmKind& kind, const RenderPlan& plan) {
-  const std::string what = WhatIsDeep(kind, plan, 0);
-  if (what.empty()) return;
-  throw UsageError(what + ": is for films of one photo; use kelto render or batch");
+void ChooseDepth(const FilmKind& kind, std::span<const RenderPlan> plans,
+                 std::span<const Photo> photos, int32_t depth, FilmRequest& request) {
+  int32_t bits = 8;
+  for (const Photo& photo : photos) bits = std::max(bits, photo.bits);
+  request.transparent = IsTransparent(plans);
+  request.depth = DepthOf(kind, request.codec, {depth, bits, request.transparent});
+  const bool asked = !WhatIsDeep(kind, plans, depth).empty();
+  request.deep = asked || AreDrawnDeep(plans, photos);
+  if (!asked) return;
+  for (const Photo& photo : photos) {
+    if (photo.deepMemory == 0) {
+      throw Error(photo.given + ": is too large to be read with all its bits; reduce it");
+    }
+  }
 }
 
 }  // namespace kelto::host

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 #include "host/effect/photo.h"
 #include "host/film/formats.h"
@@ -10,18 +11,15 @@
 namespace kelto::host {
 
 /// Throws UsageError for what is asked of the film's depth and transparency that it cannot have,
-/// whatever the photo; `depth` is 0 where nothing is asked.
-void CheckDepth(const FilmKind& kind, const RenderPlan& plan, int32_t depth,
+/// whatever its photos; `plans` are those of its pictures, and `depth` is 0 where nothing is asked.
+void CheckDepth(const FilmKind& kind, std::span<const RenderPlan> plans, int32_t depth,
                 const FilmRequest& request);
 
-/// Settles `depth`, `deep` and `transparent` of a request that CheckDepth let pass. Films of photos
-/// of eight bits without transparency come from the effect, unless more is asked for. Throws Error
-/// for a photo that is too large to be read with all its bits.
-void ChooseDepth(const FilmKind& kind, const RenderPlan& plan, const Photo& photo, int32_t depth,
-                 FilmRequest& request);
-
-/// Throws UsageError for a film of several pictures that would have to be deep: its frames are
-/// those of the effect.
-void CheckEffectDraws(const FilmKind& kind, const RenderPlan& plan);
+/// Settles `depth`, `deep` and `transparent` of a request that CheckDepth let pass; `photos` are
+/// those of the plans. Films of photos of eight bits without transparency come from the effect,
+/// unless more is asked for; where one picture of several needs more, all are drawn deep. Throws
+/// Error for a photo that is too large to be read with all its bits.
+void ChooseDepth(const FilmKind& kind, std::span<const RenderPlan> plans,
+                 std::span<const Photo> photos, int32_t depth, FilmRequest& request);
 
 }  // namespace kelto::host

@@ -57,10 +57,10 @@ void CheckFilm(const FilmKind& kind, const FilmRequest& request,
 void CheckJob(FilmJob& job) {
   const RenderPlan& plan = job.scene.plan;
   CheckFilm(*job.kind, job.request, {plan.photo, plan.over, job.request.audio});
-  CheckDepth(*job.kind, plan, job.depth, job.request);
+  CheckDepth(*job.kind, {&plan, 1}, job.depth, job.request);
   const InterruptsEndAtOnce whileItOpens;
   Photo photo = CheckPhoto(PhotoName(plan));
-  ChooseDepth(*job.kind, plan, photo, job.depth, job.request);
+  ChooseDepth(*job.kind, {&plan, 1}, {&photo, 1}, job.depth, job.request);
   if (job.request.deep) photo.memory = photo.deepMemory;
   job.workers = WorkersFor(photo, job.workers);
   job.memory = photo.memory * static_cast<uint64_t>(job.workers);

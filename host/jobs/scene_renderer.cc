@@ -3,29 +3,31 @@
 #include <utility>
 
 #include "host/base/error.h"
+#include "host/deep/shown_film.h"
 #include "host/effect/photo.h"
 #include "host/sandbox/sandbox.h"
 #include "host/terminal/interrupt.h"
 
 namespace kelto::host {
+namespace {
+
+constexpr double kWholeQuality = 1.0;
+
+}  // namespace
 
 SceneRenderer::SceneRenderer(SceneList list, std::function<bool()> aborted)
     : list_(std::move(list)), aborted_(std::move(aborted)), open_(list_.scenes.size()) {}
 
 FrameView SceneRenderer::Render(size_t scene, int32_t number) {
   Open(scene);
-  const FrameView frame = deep_ ? deep_->Render(number) : session_->Render(number);
+  const FrameView frame = session_->Render(number, kWholeQuality);
   Settle();
   return frame;
 }
 
 void SceneRenderer::RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, size_t scene, int32_t number) {
   Open(scene);
-  if (deep_) {
-    deep_->RenderInto(pixels, rowBytes, number);
-  } else {
-    session_->RenderInto(pixels, rowBytes, number);
-  }
+  session_->RenderInto(pixels, rowBytes, number, kWholeQuality);
   Settle();
 }
 
@@ -33,7 +35,6 @@ void SceneRenderer::Open(size_t scene) {
   if (scene == open_) return;
   // First the old one goes: two pictures at a time would take turns in the module's memory.
   session_.reset();
-  deep_.reset();
   open_ = list_.scenes.size();
   const RenderPlan& plan = list_.scenes[scene].plan;
   const InterruptsEndAtOnce whileItLoads;
@@ -45,12 +46,8 @@ void SceneRenderer::Open(size_t scene) {
   Photo photo = OpenPhoto(PhotoName(plan));
   // Where the system has no other path of an open file, the name that the effect can open stays.
   if (std::string held = photo_->Path(); held != plan.photo) photo.path = NameAt(held, photo);
-  if (list_.layout == PixelLayout::kRgba16) {
-    deep_ = std::make_unique<DeepSession>(list_.module, plan, photo);
-  } else {
-    session_ = std::make_unique<EffectSession>(list_.module, plan, photo, list_.layout);
-    session_->SetAbortQuery(aborted_);
-  }
+  session_ = OpenSession(list_.module, plan, photo, list_.layout);
+  session_->SetAbortQuery(aborted_);
   CheckFiles(list_.scenes[scene]);
   settled_ = false;
   open_ = scene;

@@ -4,8 +4,7 @@
 #include <functional>
 #include <memory>
 
-#include "host/deep/deep_session.h"
-#include "host/frames/effect_session.h"
+#include "host/frames/plan_session.h"
 #include "host/jobs/frame_source.h"
 
 namespace kelto::host {
@@ -22,7 +21,7 @@ class SceneRenderer {
 
   /// Frame `number` of a scene's film. The view holds until the next call.
   FrameView Render(size_t scene, int32_t number);
-  /// The same into a frame's memory; see EffectSession::RenderInto.
+  /// The same into a frame's memory; see PlanSession::RenderInto.
   void RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, size_t scene, int32_t number);
 
  private:
@@ -36,9 +35,7 @@ class SceneRenderer {
   std::function<bool()> aborted_;
   size_t open_;  ///< the scene that is
   std::unique_ptr<HeldFile> photo_;
-  // One of the two while a scene is open: deep frames come from the second.
-  std::unique_ptr<EffectSession> session_;
-  std::unique_ptr<DeepSession> deep_;
+  std::unique_ptr<PlanSession> session_;  ///< of the scene that is open
   bool settled_ = false;  ///< whether the session has read all that it needs of the photo
 };
 

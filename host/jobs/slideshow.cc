@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/base/error.h"
+#include "host/film/depth.h"
 #include "host/jobs/cross_fade.h"
 #include "host/jobs/frame_source.h"
 #include "host/jobs/title_frames.h"
@@ -20,7 +21,7 @@ namespace {
 /// The pictures take turns in two sources, so that each holds one at a time; while one source's
 /// picture is shown, the other loads the next.
 std::unique_ptr<FrameSource> OpenTurns(const Slideshow& show, size_t first) {
-  SceneList list{show.module, show.kind->layout, {}};
+  SceneList list{show.module, FrameLayout(*show.kind, show.request), {}};
   for (size_t i = first; i < show.plans.size(); i += 2) {
     list.scenes.push_back({show.plans[i], {0, show.plans[i].frames}});
   }
@@ -31,7 +32,7 @@ std::unique_ptr<FrameSource> OpenTurns(const Slideshow& show, size_t first) {
 /// The card at the beginning, with a message where letters are missing.
 TitleFrames TitleOf(const Slideshow& show) {
   TitleFrames title(show.title.text, show.title.frames, show.ends.colour, show.request.format,
-                    show.kind->layout);
+                    FrameLayout(*show.kind, show.request));
   if (title.MissingLetters() > 0) {
     PrintMessage("--title: no font on this machine has " + std::to_string(title.MissingLetters()) +
                  " of its letters; install one that has them, such as fonts-noto");
@@ -63,9 +64,10 @@ void PlaceCaptions(std::vector<RenderPlan>& plans, const std::vector<int32_t>& f
 
 void MakeSlideshow(const Slideshow& show, const FrameDone& shown) {
   const std::array turns = {OpenTurns(show, 0), OpenTurns(show, 1)};
-  const std::unique_ptr<FrameSink> film = show.kind->open(show.request);
-  CrossFade fade(show.request.format, show.kind->layout, show.fadeKind, show.ends.colour);
-  EndFades ends(show.ends, show.request.format, show.kind->layout, show.request.frames);
+  const std::unique_ptr<FrameSink> film = OpenFilm(*show.kind, show.request);
+  const PixelLayout layout = FrameLayout(*show.kind, show.request);
+  CrossFade fade(show.request.format, layout, show.fadeKind, show.ends.colour);
+  EndFades ends(show.ends, show.request.format, layout, show.request.frames);
   int32_t done = 0;
   const auto write = [&](const FrameView& frame) {
     const FrameView ended = ends.Of(frame, done);

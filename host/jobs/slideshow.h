@@ -32,7 +32,7 @@ struct Slideshow {
   std::vector<int32_t> fades;
   FadeKind fadeKind = FadeKind::kCross;  ///< a dip goes through the colour of `ends`
   const FilmKind* kind = nullptr;
-  FilmRequest request;  ///< of SlideshowFrames frames
+  FilmRequest request;  ///< of SlideshowFrames frames, with its depth as ChooseDepth has it
   EndFadeLengths ends{};
   TitleCard title{};
   int32_t workers = 2;  ///< processes that render, two at the least

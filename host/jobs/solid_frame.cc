@@ -30,7 +30,7 @@ std::array<uint8_t, 8> TwoPixels(Colour colour, PixelLayout layout) {
 SolidFrame::SolidFrame(Colour colour, FrameSize size, PixelLayout layout)
     : size_(size), row_(static_cast<size_t>(size.width) * BytesPerPixel(layout)) {
   if (layout == PixelLayout::kRgba16) {
-    const std::array<uint8_t, 4> samples{colour.red, colour.green, colour.blue, 255};
+    const std::array<uint8_t, 4> samples{colour.red, colour.green, colour.blue, colour.alpha};
     // Both bytes of a word are the sample: 255 becomes 65535.
     for (size_t i = 0; i < row_.size(); ++i) row_[i] = samples[i / 2 % 4];
     return;

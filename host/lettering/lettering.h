@@ -36,13 +36,16 @@ class Lettering {
 
  private:
   void Keep(const uint8_t* drawn, ptrdiff_t rowBytes);
+  template <typename Sample>
+  void OverRow(uint8_t* row, int32_t y, uint32_t part) const;
 
   FilmFormat format_;
   PixelLayout layout_;
   int32_t missing_ = 0;
   /// The part of the frame that has letters, in pixels.
   int32_t left_ = 0, top_ = 0, width_ = 0, height_ = 0;
-  /// Of each byte of the frame there: how much of the letters it gets, and how much it keeps less.
+  /// Of each sample of the frame there, of 255: how much of the letters it gets, and how much it
+  /// keeps less.
   std::vector<uint8_t> colour_, cover_;
 };
 

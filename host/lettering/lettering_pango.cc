@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <memory>
 #include <new>
 
@@ -14,7 +15,8 @@
 namespace kelto::host {
 namespace {
 
-constexpr double kSafeMargin = 0.05;  ///< of the frame's sides
+constexpr double kSafeMargin = 0.05;     ///< of the frame's sides
+constexpr uint32_t kWholeLetters = 256;  ///< opacity 1
 /// Heights of letters and of all lines together, in heights of the frame.
 struct LetterSizes {
   double letters, lines;
@@ -63,6 +65,12 @@ void DrawLetters(cairo_t* cairo, PangoLayout* layout, double outline) {
   cairo_stroke_preserve(cairo);
   cairo_set_source_rgb(cairo, 1.0, 1.0, 1.0);
   cairo_fill(cairo);
+}
+
+/// Of a row of pixels.
+size_t SamplesIn(int32_t pixels, PixelLayout layout) {
+  const size_t sampleBytes = layout == PixelLayout::kRgba16 ? 2 : 1;
+  return static_cast<size_t>(pixels) * BytesPerPixel(layout) / sampleBytes;
 }
 
 /// A component of studio range BT.601 of a colour that is multiplied with its alpha; all 0..255.
@@ -123,9 +131,9 @@ Lettering::Lettering(const std::string& text, LetterPlace place, const FilmForma
 }
 
 void Lettering::Keep(const uint8_t* drawn, ptrdiff_t rowBytes) {
-  const size_t bytes = static_cast<size_t>(width_) * BytesPerPixel(layout_);
-  colour_.reserve(bytes * height_);
-  cover_.reserve(bytes * height_);
+  const size_t samples = SamplesIn(width_, layout_);
+  colour_.reserve(samples * height_);
+  cover_.reserve(samples * height_);
   const auto put = [&](uint8_t colour, uint8_t cover) {
     colour_.push_back(colour);
     cover_.push_back(cover);
@@ -133,6 +141,13 @@ void Lettering::Keep(const uint8_t* drawn, ptrdiff_t rowBytes) {
   for (int32_t y = 0; y < height_; ++y) {
     for (int32_t x = 0; x < width_; x += 2) {
       const uint8_t* pair = drawn + y * rowBytes + 4 * static_cast<ptrdiff_t>(x);
+      if (layout_ == PixelLayout::kRgba16) {
+        for (int i = 0; i < 8; ++i) {
+          constexpr int kFromBgra[] = {2, 1, 0, 3};
+          put(pair[i / 4 * 4 + kFromBgra[i % 4]], pair[i / 4 * 4 + 3]);
+        }
+        continue;
+      }
       if (layout_ == PixelLayout::kBGRA) {
         for (int i = 0; i < 8; ++i) {
           // A frame's own alpha stays as it is.
@@ -156,21 +171,34 @@ void Lettering::Keep(const uint8_t* drawn, ptrdiff_t rowBytes) {
   }
 }
 
+template <typename Sample>
+void Lettering::OverRow(uint8_t* row, int32_t y, uint32_t part) const {
+  constexpr uint32_t kUnit = 255 * kWholeLetters;
+  constexpr uint32_t kFull = std::numeric_limits<Sample>::max();
+  const size_t samples = SamplesIn(width_, layout_);
+  const uint8_t *colour = &colour_[y * samples], *cover = &cover_[y * samples];
+  void* const first = row;
+  auto* const out = static_cast<Sample*>(first);
+  for (size_t i = 0; i < samples; ++i) {
+    if (cover[i] == 0) continue;
+    // At most full scale times the unit, which 32 bits hold.
+    const uint32_t mixed = out[i] * (kUnit - cover[i] * part) + colour[i] * kFull * part;
+    out[i] = static_cast<Sample>((mixed + kUnit / 2) / kUnit);
+  }
+}
+
 void Lettering::Over(uint8_t* pixels, ptrdiff_t rowBytes, double opacity, double later) const {
-  constexpr uint32_t kWhole = 256, kUnit = 255 * kWhole;
-  const size_t pixelBytes = BytesPerPixel(layout_), bytes = width_ * pixelBytes;
   for (int32_t y = 0; y < height_; ++y) {
     const int32_t row = top_ + y;
     const bool first =
         !format_.Interlaced() || (row % 2 == 0) == (format_.fields == FieldOrder::kTopFirst);
-    const auto part = static_cast<uint32_t>(std::lround((first ? opacity : later) * kWhole));
+    const auto part = static_cast<uint32_t>(std::lround((first ? opacity : later) * kWholeLetters));
     if (part == 0) continue;
-    uint8_t* out = pixels + row * rowBytes + static_cast<ptrdiff_t>(left_ * pixelBytes);
-    const uint8_t *colour = &colour_[y * bytes], *cover = &cover_[y * bytes];
-    for (size_t i = 0; i < bytes; ++i) {
-      if (cover[i] == 0) continue;
-      const uint32_t mixed = out[i] * (kUnit - cover[i] * part) + colour[i] * 255u * part;
-      out[i] = static_cast<uint8_t>((mixed + kUnit / 2) / kUnit);
+    uint8_t* const out = pixels + row * rowBytes + ptrdiff_t{left_} * BytesPerPixel(layout_);
+    if (layout_ == PixelLayout::kRgba16) {
+      OverRow<uint16_t>(out, y, part);
+    } else {
+      OverRow<uint8_t>(out, y, part);
     }
   }
 }

@@ -9,14 +9,15 @@
 
 #include "catalogue/parameters.h"
 #include "host/base/error.h"
+#include "host/deep/shown_film.h"
 #include "host/facts/key_times.h"
 #include "host/files/path_text.h"
-#include "host/frames/effect_session.h"
 #include "host/playback/playback.h"
 #include "host/playback/quality_control.h"
 #include "host/player/status_bar.h"
 #include "host/player/window.h"
 #include "host/terminal/interrupt.h"
+#include "platform/hfx.h"
 
 namespace kelto::host {
 namespace {
@@ -209,9 +210,7 @@ PlayerFilm FilmToPlay(const std::string& modulePath, const RenderPlan& plan, con
   PlayerFilm film{NameOf(photo.given), plan.format, plan.frames};
   film.marks = Times(KeyTimesOf(plan));
   film.target = ShowsTarget(plan);
-  film.open = [=] {
-    return std::make_unique<EffectSession>(modulePath, ForPlaying(plan), photo, PixelLayout::kBGRA);
-  };
+  film.open = [=] { return std::make_unique<ShownFilm>(modulePath, ForPlaying(plan), photo); };
   return film;
 }
 

@@ -38,7 +38,7 @@ struct PlayerFilm {
 /// the photo of the frame's size.
 RenderPlan ForPlaying(RenderPlan plan);
 
-/// The film of a plan; `photo` is the plan's.
+/// The film of a plan; `photo` is the plan's, as IsDrawnDeep takes it.
 PlayerFilm FilmToPlay(const std::string& modulePath, const RenderPlan& plan, const Photo& photo);
 
 /// Whether a plan shows the view itself, not what zoom 1 shows.

@@ -13,7 +13,8 @@
 namespace kelto::host {
 namespace {
 
-enum class LookingFor { kSize, kFlaws, kFaults };
+/// Each for what those before it look for, too.
+enum class LookingFor { kSize, kTransparency, kFlaws, kFaults };
 
 Photo Looked(const std::string& photoName, LookingFor what) {
   const auto [path, rotate] = PartsOfPhotoName(photoName);
@@ -26,11 +27,10 @@ Photo Looked(const std::string& photoName, LookingFor what) {
         throw Error(path + ": cannot be read as a picture: " + *fault);
       }
     }
-    if (what != LookingFor::kSize) {
+    if (what >= LookingFor::kFlaws) {
       if (const auto flaw = FindFlaw(*opened)) Warn(*flaw);
     }
-    // Films of many are opaque, whatever their photos are.
-    if (what == LookingFor::kFlaws) opened->transparent = IsTransparent(*opened);
+    if (what != LookingFor::kSize) opened->transparent = IsTransparent(*opened);
     return std::vector<double>{
         static_cast<double>(opened->width),      static_cast<double>(opened->height),
         static_cast<double>(opened->memory),     static_cast<double>(opened->bits),
@@ -56,6 +56,8 @@ Photo Looked(const std::string& photoName, LookingFor what) {
 }  // namespace
 
 Photo LookAtPhoto(const std::string& name) { return Looked(name, LookingFor::kSize); }
+
+Photo LookThroughPhoto(const std::string& name) { return Looked(name, LookingFor::kTransparency); }
 
 Photo CheckPhoto(const std::string& name) { return Looked(name, LookingFor::kFlaws); }
 

@@ -11,11 +11,14 @@ namespace kelto::host {
 /// OpenPhoto in a process of its own. Throws Error when there is no such picture.
 Photo LookAtPhoto(const std::string& name);
 
-/// The same; and warns of what the photo will be shown without (see FindFlaw and Warn), and finds
-/// out whether it is transparent anywhere, for which it may have to be decoded.
+/// The same, and finds out whether the photo is transparent anywhere, for which it may have to be
+/// decoded: what IsDrawnDeep asks for.
+Photo LookThroughPhoto(const std::string& name);
+
+/// The same; and warns of what the photo will be shown without (see FindFlaw and Warn).
 Photo CheckPhoto(const std::string& name);
 
-/// LookAtPhoto; warns as CheckPhoto does, and decodes all of it, so that one whose file ends early
+/// The same, and decodes all of it in eight bits, so that one whose file ends early
 /// is found out before the work on a film of many begins.
 Photo CheckWholePhoto(const std::string& name);
 

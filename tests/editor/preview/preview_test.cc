@@ -11,6 +11,8 @@
 #include <memory>
 
 #include "host/base/error.h"
+#include "host/deep/shown_film.h"
+#include "host/effect/deep_photo.h"
 #include "host/effect/photo.h"
 #include "host/frames/effect_session.h"
 #include "host/jobs/show_film.h"
@@ -112,6 +114,33 @@ TEST_F(PreviewProcess, ShowsFieldsAsTheyWillBe) {
   EXPECT_EQ(frame_.image, OfFilm(plan_, 12));
 }
 
+TEST_F(PreviewProcess, ShowsTransparencyAndLinearLightAsTheFilmDoes) {
+  QImage glass(60, 40, QImage::Format_ARGB32);
+  for (int y = 0; y < 40; ++y) {
+    for (int x = 0; x < 60; ++x) glass.setPixel(x, y, qRgba(255, 255, 255, x % 2 == 0 ? 255 : 100));
+  }
+  plan_.photo = folder_ / "glass.png";
+  ASSERT_TRUE(glass.save(QString::fromStdString(plan_.photo)));
+  plan_.Set("bgcolor", host::BackgroundFor({255, 0, 0}));
+  host::Photo photo = host::OpenPhoto(plan_.photo);
+  host::FindDepth(photo);
+  photo.transparent = host::IsTransparent(photo);
+  Open();
+  for (const bool linear : {false, true, false}) {
+    plan_.linearLight = linear;
+    frame_ = {};
+    preview_->SetPlan(plan_);
+    preview_->Seek(12);
+    ASSERT_TRUE(ShowsExactly(12));
+    host::ShownFilm film(KELTO_MODULE, plan_, photo);
+    EXPECT_EQ(frame_.image, ImageOf(film.Render(12, 1.0)));
+    const QRgb seen = frame_.image.pixel(48, 27);
+    EXPECT_EQ(qRed(seen), 255) << "the background through the glass";
+    EXPECT_GT(qGreen(seen), 90);
+    EXPECT_LT(qGreen(seen), 250);
+  }
+}
+
 TEST_F(PreviewProcess, ShowsFadesTitleAndCaptionsOfAShowAsItsFilmDoes) {
   test::WritePhoto(folder_ / "other.bmp", 200, 150, [](int32_t x, int32_t y) {
     return test::Rgb{uint8_t(200 - x), uint8_t(y), uint8_t(x)};
@@ -127,8 +156,7 @@ TEST_F(PreviewProcess, ShowsFadesTitleAndCaptionsOfAShowAsItsFilmDoes) {
     host::PlaceCaptions(plans, {10}, 6);
     host::ShowFilm film(
         KELTO_MODULE,
-        {plans, {host::OpenPhoto(plan_.photo), host::OpenPhoto(other.photo)}, {10}, kind},
-        host::PixelLayout::kBGRA);
+        {plans, {host::OpenPhoto(plan_.photo), host::OpenPhoto(other.photo)}, {10}, kind});
     FadesAround fades;
     fades.after = other;
     fades.out = 10;

@@ -53,6 +53,23 @@ TEST(CrossFade, OfEqualFramesIsTheFrame) {
   }
 }
 
+TEST(CrossFade, OfDeepFramesMovesOnInEachOfManySteps) {
+  constexpr int32_t kSteps = 1000;
+  CrossFade fade(FormatOf(FieldOrder::kProgressive), PixelLayout::kRgba16);
+  const std::vector<uint16_t> black(size_t{4} * kSize.width), white(black.size(), 65535);
+  const auto view = [](const std::vector<uint16_t>& row) {
+    return FrameView{reinterpret_cast<const uint8_t*>(row.data()), 0, kSize};
+  };
+  int last = 0;
+  for (int32_t step = 0; step < kSteps; ++step) {
+    const void* const row = fade.Blend(view(black), view(white), step, kSteps).Row(0);
+    const int level = *static_cast<const uint16_t*>(row);
+    EXPECT_NEAR(level, 65535.0 * (step + 1) / (kSteps + 1), 1.0) << step;
+    ASSERT_GT(level, last) << step;
+    last = level;
+  }
+}
+
 TEST(CrossFade, LetsTheLaterFieldBeHalfAStepFurther) {
   const FlatFrame from(0), to(240);
   for (const FieldOrder order : {FieldOrder::kTopFirst, FieldOrder::kBottomFirst}) {

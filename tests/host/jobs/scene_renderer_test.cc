@@ -8,6 +8,7 @@
 
 #include "host/base/error.h"
 #include "host/plan/default_plan.h"
+#include "runtime/hfx/host.h"
 #include "tests/support/photo.h"
 
 namespace kelto::host {

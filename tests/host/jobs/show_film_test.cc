@@ -8,7 +8,9 @@
 #include <cstring>
 
 #include "catalogue/parameters.h"
+#include "host/frames/effect_session.h"
 #include "host/plan/default_plan.h"
+#include "runtime/hfx/host.h"
 #include "tests/support/photo.h"
 
 namespace kelto::host {
@@ -51,7 +53,7 @@ TEST_F(ShowOfShades, BeginsEachPictureWhereTheOneBeforeFades) {
 }
 
 TEST_F(ShowOfShades, FadesBetweenPictures) {
-  ShowFilm film(KELTO_MODULE, scenes_, PixelLayout::kBGRA);
+  ShowFilm film(KELTO_MODULE, scenes_);
   std::vector<int> shades;
   for (int32_t number = 0; number < 9; ++number) shades.push_back(Shade(film, number));
   const int expected[] = {60, 60, 80, 100, 120, 120, 150, 180, 180};
@@ -59,8 +61,7 @@ TEST_F(ShowOfShades, FadesBetweenPictures) {
 }
 
 TEST_F(ShowOfShades, GivesTheSameFramesInAnyOrder) {
-  ShowFilm film(KELTO_MODULE, scenes_, PixelLayout::kBGRA),
-      other(KELTO_MODULE, scenes_, PixelLayout::kBGRA);
+  ShowFilm film(KELTO_MODULE, scenes_), other(KELTO_MODULE, scenes_);
   std::vector<int> shades;
   for (int32_t number = 0; number < 9; ++number) shades.push_back(Shade(film, number));
   for (const int32_t number : {8, 3, 0, 6, 2, 7, 1, 5, 4}) {
@@ -71,7 +72,7 @@ TEST_F(ShowOfShades, GivesTheSameFramesInAnyOrder) {
 #if !defined(_WIN32)  // which draws no letters
 TEST_F(ShowOfShades, BeginsWithItsTitle) {
   scenes_.title = {"I", 6, 2};
-  ShowFilm film(KELTO_MODULE, scenes_, PixelLayout::kBGRA);
+  ShowFilm film(KELTO_MODULE, scenes_);
   // Beside the letter.
   const auto shade = [&](int32_t number) { return int{film.Render(number, 1.0).Row(2)[4 * 2]}; };
   const int expected[] = {0, 0, 0, 0, 20, 40, 80, 100, 120};
@@ -93,7 +94,7 @@ TEST_F(ShowOfShades, KeepsAChangeForPicturesThatCome) {
   for (RenderPlan& plan : scenes_.plans) {
     plan.Set(key::kDisplay, std::string(entry::kDisplayTarget));
   }
-  ShowFilm film(KELTO_MODULE, scenes_, PixelLayout::kBGRA);
+  ShowFilm film(KELTO_MODULE, scenes_);
   Shade(film, 0);
   const Setting source{key::kDisplay, std::string("Display: Source"), {}, -1};
   film.Change(source);
