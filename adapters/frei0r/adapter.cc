@@ -208,9 +208,9 @@ void Adapter::RenderOver(const uint32_t* in, uint32_t* out, int64_t frame, Cover
   request.quality = values_.numbers[kQuality];
   // The effect demands an input. Of this one it takes nothing: it draws over a colour.
   const uint32_t* behind = out;
+  const size_t pixels = size_t{rowLength_} * (height_ - 1) + width_;
   if (!scene_->background) {
     // It overwrites the video, which is the host's and not to be written to. A source has none.
-    const size_t pixels = size_t{rowLength_} * (height_ - 1) + width_;
     if (in != nullptr) {
       videoCopy_.assign(in, in + pixels);
     } else {
@@ -221,8 +221,13 @@ void Adapter::RenderOver(const uint32_t* in, uint32_t* out, int64_t frame, Cover
   // A frame drawn in place loses the video that it is to keep.
   const bool keeps = !scene_->background && in != nullptr;
   if (keeps && in == out) original_.assign(in, in + videoCopy_.size());
-  const hfxImage video = ImageOf(in == out ? original_.data() : in);
-  if (keeps) request.video = &video;
+  request.overNothing = scene_->background == host::kNothing;
+  if (request.overNothing) {
+    original_.assign(pixels, 0);
+    request.covered = nullptr;
+  }
+  const hfxImage video = ImageOf(in == out || request.overNothing ? original_.data() : in);
+  if (keeps || request.overNothing) request.video = &video;
   hfxImage input = ImageOf(behind), output = ImageOf(out);
   request.input = &input;
   request.output = &output;
@@ -255,7 +260,7 @@ void Adapter::MakeOpaque(uint32_t* out) const {
 
 void Adapter::FillBackground(const uint32_t* in, uint32_t* out) const {
   const host::Colour colour = scene_->background.value_or(host::Colour{});
-  const uint8_t bytes[4] = {colour.blue, colour.green, colour.red, 255};
+  const uint8_t bytes[4] = {colour.blue, colour.green, colour.red, colour.alpha};
   uint32_t pixel = 0;
   std::memcpy(&pixel, bytes, sizeof pixel);
   const bool video = !scene_->background && in != nullptr;

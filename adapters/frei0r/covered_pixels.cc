@@ -13,10 +13,26 @@ int32_t Within(double coordinate, int32_t size) {
   return static_cast<int32_t>(std::clamp(coordinate, 0.0, static_cast<double>(size)));
 }
 
-void CopyOpaque(const hfxImage& video, int32_t row, int32_t from, int32_t to, hfxImage& output) {
-  uint8_t* out = output.GetRowPtr(row);
-  std::copy(video.GetRowPtr(row) + 4 * from, video.GetRowPtr(row) + 4 * to, out + 4 * from);
-  for (int32_t x = from; x < to; ++x) out[4 * x + 3] = 255;
+void CopyPixels(const hfxImage& video, int32_t row, int32_t from, int32_t to, hfxImage& output) {
+  std::copy(video.GetRowPtr(row) + 4 * from, video.GetRowPtr(row) + 4 * to,
+            output.GetRowPtr(row) + 4 * from);
+}
+
+/// What of a side the photo takes up, in pixels of the frame.
+struct Extent {
+  double from, to;
+  /// The part of pixel `n` that is covered.
+  double PartOf(int32_t n) const {
+    return std::clamp(std::min(n + 1.0, to) - std::max<double>(n, from), 0.0, 1.0);
+  }
+};
+
+void SetPart(double part, uint8_t* pixel) {
+  if (part > 1.0 - kNegligible) return;
+  pixel[3] = static_cast<uint8_t>(std::lround(255 * part));
+  for (int c = 0; c < 3; ++c) {
+    pixel[c] = static_cast<uint8_t>(std::min(255.0, pixel[c] / std::max(part, kNegligible)));
+  }
 }
 
 }  // namespace
@@ -52,10 +68,26 @@ void KeepVideoBeside(const CoveredPixels& covered, const hfxImage& video, int32_
   for (int32_t row = 0; row < output.GetHeight(); ++row) {
     const int32_t frameRow = firstRow + row * rowStep;
     if (frameRow < covered.top || frameRow >= covered.bottom || covered.left >= covered.right) {
-      CopyOpaque(video, row, 0, width, output);
+      CopyPixels(video, row, 0, width, output);
     } else {
-      CopyOpaque(video, row, 0, covered.left, output);
-      CopyOpaque(video, row, covered.right, width, output);
+      CopyPixels(video, row, 0, covered.left, output);
+      CopyPixels(video, row, covered.right, width, output);
+    }
+  }
+}
+
+void SetPartsAsAlpha(const DrawnFrame& frame, const View& view, const CoveredPixels& covered,
+                     int32_t firstRow, int32_t rowStep, hfxImage& output) {
+  const DrawnArea area = AreaOf(frame, view);
+  const Extent across{-area.left / area.scaleX, (frame.photo.width - area.left) / area.scaleX};
+  const Extent down{-area.top / area.scaleY, (frame.photo.height - area.top) / area.scaleY};
+  for (int32_t row = 0; row < output.GetHeight(); ++row) {
+    const int32_t frameRow = firstRow + row * rowStep;
+    if (frameRow < covered.top || frameRow >= covered.bottom) continue;
+    const double part = down.PartOf(frameRow);
+    uint8_t* const pixels = output.GetRowPtr(row);
+    for (int32_t x = covered.left; x < covered.right; ++x) {
+      SetPart(part * across.PartOf(x), pixels + 4 * x);
     }
   }
 }

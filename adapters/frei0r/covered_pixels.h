@@ -24,9 +24,14 @@ KELTO_PLATFORM_API CoveredPixels CoveredBy(const DrawnFrame& frame, const View& 
 /// The smallest such area that holds both, of two fields.
 KELTO_PLATFORM_API CoveredPixels CoveredByEither(const CoveredPixels& a, const CoveredPixels& b);
 
-/// Copies the pixels outside `covered` from `video` to `output`, opaque. Both are images of a
-/// frame, or of one of its fields: then row n is the frame's row `firstRow` + n * `rowStep`.
+/// Copies the pixels outside `covered` from `video` to `output`, with their alpha. Both are images
+/// of a frame, or of one of its fields: then row n is the frame's row `firstRow` + n * `rowStep`.
 void KeepVideoBeside(const CoveredPixels& covered, const hfxImage& video, int32_t firstRow,
                      int32_t rowStep, hfxImage& output);
+
+/// Of a frame drawn over black: gives the pixels that the photo covers in part that part as their
+/// alpha, and the photo's colours alone. `covered` and `output` as above.
+void SetPartsAsAlpha(const DrawnFrame& frame, const View& view, const CoveredPixels& covered,
+                     int32_t firstRow, int32_t rowStep, hfxImage& output);
 
 }  // namespace kelto::frei0r

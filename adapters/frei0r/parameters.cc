@@ -44,8 +44,9 @@ Table MakeTable(Role role) {
            "or a "
            "project runs as long as it says"),
       Choice("filter", key::kFilter),
-      filter ? Text("background", "video", "What the photograph does not cover: video or #rrggbb")
-             : Text("background", "#000000", "What the photograph does not cover: #rrggbb"),
+      filter ? Text("background", "video",
+                    "What the photograph does not cover: video, #rrggbb or none")
+             : Text("background", "#000000", "What the photograph does not cover: #rrggbb or none"),
       Choice("leave", key::kOutVelocity),
       Choice("arrive", key::kInVelocity),
       Choice("path", key::kPath),

@@ -206,9 +206,15 @@ void PhotoEffect::KeepVideo(const FrameRequest& request, const host::RenderPlan&
   if (request.covered != nullptr) {
     *request.covered = firstField ? covered : CoveredByEither(*request.covered, covered);
   }
-  if (!plan.format.Interlaced()) return KeepVideoBeside(covered, *request.video, 0, 1, output);
-  KeepVideoBeside(covered, hfx::FieldView(*request.video, state.topField), state.topField ? 0 : 1,
-                  2, output);
+  const bool fields = plan.format.Interlaced();
+  const int32_t first = fields && !state.topField ? 1 : 0, step = fields ? 2 : 1;
+  if (fields) {
+    KeepVideoBeside(covered, hfx::FieldView(*request.video, state.topField), first, step, output);
+  } else {
+    KeepVideoBeside(covered, *request.video, first, step, output);
+  }
+  if (!request.overNothing || nearest) return;
+  SetPartsAsAlpha(frame, host::DrawnView(*effect_), covered, first, step, output);
 }
 
 void PhotoEffect::SetUp(const FrameRequest& request) {

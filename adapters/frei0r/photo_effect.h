@@ -46,6 +46,7 @@ struct FrameRequest {
   PixelSize size{};  ///< of the frame, where the images stand for a larger one
   /// The host's video, kept to the bit where the photo does not touch it; null: a colour is behind.
   const hfxImage* video = nullptr;
+  bool overNothing = false;          ///< that video is nothing: edges get what they cover as alpha
   CoveredPixels* covered = nullptr;  ///< gets what the photo touches, where the video was kept
 };
 

@@ -15,7 +15,7 @@
 namespace kelto::frei0r {
 namespace {
 
-constexpr const char* kVideo = "video";
+constexpr const char *kVideo = "video", *kNone = "none";
 
 /// What `parse` makes of a text; of the default, when that fails.
 template <typename Parse>
@@ -54,6 +54,7 @@ std::vector<host::ViewKey> KeysOf(const Values& values, Role role) {
 
 std::optional<host::Colour> BackgroundAt(const Values& values, Role role) {
   return Read(values, role, kBackground, [&](const std::string& text) {
+    if (text == kNone) return std::optional(host::kNothing);
     if (text != kVideo) return std::optional(host::ParseColour(text));
     if (role == Role::kSource) throw host::UsageError("a source has no video behind its picture");
     return std::optional<host::Colour>();

@@ -59,7 +59,7 @@ DeepJob JobOf(const frei0r::Adapter::Parts& parts, const ofx::RectI& frame,
   if (parts.background) {
     const auto level = [](uint8_t byte) { return static_cast<float>(byte) / 255.0f; };
     job.background = {level(parts.background->red), level(parts.background->green),
-                      level(parts.background->blue), 1.0f};
+                      level(parts.background->blue), level(parts.background->alpha)};
   }
   return job;
 }

@@ -33,7 +33,7 @@ class CoveredPixels : public testing::Test {
       return test::Rgb{grey, grey, grey};
     });
     std::mt19937 random(20261122);
-    for (uint32_t& pixel : video_) pixel = random() | 0xff000000;
+    for (uint32_t& pixel : video_) pixel = static_cast<uint32_t>(random());  // with any alpha
   }
 
   std::vector<uint32_t> Render(const std::string& photo, const Case& given,

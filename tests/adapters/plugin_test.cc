@@ -103,12 +103,40 @@ TEST_F(FreiPlugin, MakingAnInstanceLoadsNoModuleAndSaysNothing) {
   EXPECT_EQ(loaded.find("KeltoPanAndZoom.hfx"), std::string::npos);
 }
 
-TEST_F(FreiPlugin, EveryPixelIsOpaque) {
+TEST_F(FreiPlugin, VideoBesideThePhotoKeepsItsTransparency) {
+  constexpr uint32_t kHalf = 0x80604020;
   Instance instance(FilterPlugin(), 101, 67);
   instance.Set(kImage, photo_);
   instance.Set(kZoom, 0.6);
-  std::fill(instance.input.begin(), instance.input.end(), 0x00808080);
-  for (const uint32_t pixel : instance.Render()) ASSERT_EQ(pixel >> 24, 255u);
+  std::fill(instance.input.begin(), instance.input.end(), kHalf);
+  const std::vector<uint32_t> frame = instance.Render();
+  EXPECT_EQ(frame.front(), kHalf);
+  EXPECT_EQ(frame.back(), kHalf);
+  EXPECT_EQ(frame[33 * 101 + 50] >> 24, 255u) << "the photo is opaque";
+}
+
+TEST_F(FreiPlugin, ABackgroundOfNothingIsTransparent) {
+  const std::string white = folder_ / "white.bmp";
+  test::WritePhoto(white, 90, 60, [](int32_t, int32_t) { return test::Rgb{255, 255, 255}; });
+  Instance filter(FilterPlugin(), 101, 67), source(SourcePlugin(), 101, 67);
+  for (Instance* instance : {&filter, &source}) {
+    instance->Set(kImage, white);
+    instance->Set(kZoom, 0.6);
+    instance->Set(kBackground, "none");
+  }
+  const std::vector<uint32_t> frame = filter.Render();
+  EXPECT_EQ(frame.front(), 0u);
+  EXPECT_EQ(frame[33 * 101 + 50], 0xffffffff);
+  int parts = 0;
+  for (const uint32_t pixel : frame) {
+    const uint32_t alpha = pixel >> 24;
+    if (alpha < 16) continue;
+    parts += alpha < 255;
+    ASSERT_GE(pixel & 255, 225u) << "no dark fringe, at alpha " << alpha;
+  }
+  EXPECT_GT(parts, 50) << "edges between pixels";
+  SourcePlugin().update(source.handle(), 0.0, nullptr, source.output.data());
+  EXPECT_EQ(source.output, frame);
 }
 
 TEST_F(FreiPlugin, SourceDoesWithoutAnInput) {

@@ -14,7 +14,7 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr size_t kSide = 64;
+constexpr size_t kShowSide = 64;
 
 class DeepShows : public DeepFilms {
  protected:
@@ -39,7 +39,7 @@ class DeepShows : public DeepFilms {
     return words;
   }
   static const uint16_t* At(const std::vector<uint16_t>& film, size_t frame, size_t x, size_t y) {
-    return &film[4 * ((frame * kSide + y) * kSide + x)];
+    return &film[4 * ((frame * kShowSide + y) * kShowSide + x)];
   }
 
   /// A photo of eight bits, so that the effect draws it where nothing more is asked for.
@@ -54,9 +54,9 @@ class DeepShows : public DeepFilms {
   }
 };
 
-const Words kSmall = {"--size", "64x64", "--move", "hold"};
+const Words kSmallShow = {"--size", "64x64", "--move", "hold"};
 
-Words With(const Words& some, const Words& more) {
+Words WordsWith(const Words& some, const Words& more) {
   Words all = some;
   all.insert(all.end(), more.begin(), more.end());
   return all;
@@ -94,7 +94,8 @@ TEST_F(DeepShows, HaveTheBitsThatTheDeepestPhotoAndTheCodecHave) {
   const std::string deep = WritePhoto("deep.png", kSkyWidth, kSkyHeight, Sky);
   const std::string flat = WritePhoto("flat.png", kSkyWidth, kSkyHeight, Sky, "rgb24");
   const auto format = [&](const std::vector<std::string>& photos, const Words& more) {
-    return PixelFormatOf(Show(photos, "s.mkv", With(With(kSmall, {"--codec", "ffv1"}), more)));
+    return PixelFormatOf(
+        Show(photos, "s.mkv", WordsWith(WordsWith(kSmallShow, {"--codec", "ffv1"}), more)));
   };
   EXPECT_EQ(format({flat, deep}, {}), "gbrp16le\n");
   EXPECT_EQ(format({flat, deep}, {"--depth", "10"}), "yuv422p10le\n");
@@ -123,7 +124,7 @@ TEST_F(DeepShows, ShowWhatTheEffectShows) {
       {"--move", "hold", "--beside", "blur", "--title", "Sea", "--fade-colour", "#402010"},
       {"--fade-kind", "dip", "--fade-colour", "#ff8000", "--fields", "top"}};
   for (const Words& look : looks) {
-    const Words words = With({"--size", "64x64"}, look);
+    const Words words = WordsWith({"--size", "64x64"}, look);
     const std::string effect = BytesOf(Show({first, second}, "s.bgra", words));
     const auto deep = WordsOf(Show({first, second}, "s.rgba64", words));
     ASSERT_EQ(effect.size(), deep.size());
@@ -138,15 +139,17 @@ TEST_F(DeepShows, ShowWhatTheEffectShows) {
 
 TEST_F(DeepShows, CaptionsAreDrawnOverDeepFilms) {
   const std::string photo = WritePhoto("sky.png", kSkyWidth, kSkyHeight, Sky);
-  const Words words = With(kSmall, {"--frames", "20", "--depth", "16"});
+  const Words words = WordsWith(kSmallShow, {"--frames", "20", "--depth", "16"});
   const auto plain = WordsOf(Film(photo, "1.rgba64", words));
-  const auto lettered = WordsOf(Film(photo, "2.rgba64", With(words, {"--caption", "Sky"})));
+  const auto lettered = WordsOf(Film(photo, "2.rgba64", WordsWith(words, {"--caption", "Sky"})));
+  ASSERT_EQ(plain.size(), size_t{4} * kShowSide * kShowSide * 20);
+  ASSERT_EQ(lettered.size(), plain.size());
   int white = 0;
-  for (size_t y = 0; y < kSide; ++y) {
-    for (size_t x = 0; x < kSide; ++x) {
+  for (size_t y = 0; y < kShowSide; ++y) {
+    for (size_t x = 0; x < kShowSide; ++x) {
       white += *At(lettered, 10, x, y) > 40000;
       EXPECT_EQ(At(lettered, 10, x, y)[3], 65535);
-      ASSERT_TRUE(y >= kSide / 2 || *At(lettered, 10, x, y) == *At(plain, 10, x, y))
+      ASSERT_TRUE(y >= kShowSide / 2 || *At(lettered, 10, x, y) == *At(plain, 10, x, y))
           << x << "," << y;
     }
   }
@@ -156,29 +159,30 @@ TEST_F(DeepShows, CaptionsAreDrawnOverDeepFilms) {
 TEST_F(DeepShows, OverNothingKeepTheirTransparency) {
   const std::string disc = WritePhoto("disc.png", 128, 128, Disc, "rgba");
   const auto film = WordsOf(Show({disc, disc}, "s.rgba64",
-                                 With(kSmall, {"--background", "none", "--title", "MM", "--fade-in",
-                                               "0.3", "--caption", "Disc"})));
-  const size_t frames = film.size() / (4 * kSide * kSide);
+                                 WordsWith(kSmallShow, {"--background", "none", "--title", "MM",
+                                                        "--fade-in", "0.3", "--caption", "Disc"})));
+  const size_t frames = film.size() / (4 * kShowSide * kShowSide);
   ASSERT_EQ(frames, 40u + 10 - 2 + 10 - 2);
   int letters = 0;
   for (size_t frame = 0; frame < frames; ++frame) {
     EXPECT_EQ(At(film, frame, 0, 0)[3], 0) << "nothing in the corner of frame " << frame;
-    for (size_t i = 0; i < kSide * kSide; ++i) {
-      const uint16_t* pixel = &film[4 * (frame * kSide * kSide + i)];
+    for (size_t i = 0; i < kShowSide * kShowSide; ++i) {
+      const uint16_t* pixel = &film[4 * (frame * kShowSide * kShowSide + i)];
       letters += frame == 20 && pixel[3] > 50000 && pixel[0] > 30000;
       ASSERT_TRUE(frame > 0 || pixel[3] == 0) << "out of nothing";
     }
   }
   EXPECT_GE(letters, 5) << "of the card";
   // The disc, alone, and through the fade into itself.
-  EXPECT_EQ(At(film, 45, kSide / 2, kSide / 2)[3], 65535);
-  EXPECT_EQ(At(film, 46, kSide / 2, kSide / 2)[3], 65535);
+  EXPECT_EQ(At(film, 45, kShowSide / 2, kShowSide / 2)[3], 65535);
+  EXPECT_EQ(At(film, 46, kShowSide / 2, kShowSide / 2)[3], 65535);
   for (const auto& [name, codec] : {std::pair{"s.mov", "prores"}, std::pair{"s.webm", "vp9"}}) {
     const auto rgba = Decoded<uint8_t>(
-        Show({disc, disc}, name, With(kSmall, {"--codec", codec, "--background", "none"})), "rgba",
-        std::string(codec) == "vp9" ? "-c:v libvpx-vp9" : "");
-    const size_t fade = size_t{4} * kSide * kSide * 9, middle = 4 * (kSide * kSide / 2 + kSide / 2);
-    ASSERT_EQ(rgba.size(), size_t{4} * kSide * kSide * 18) << name;
+        Show({disc, disc}, name, WordsWith(kSmallShow, {"--codec", codec, "--background", "none"})),
+        "rgba", std::string(codec) == "vp9" ? "-c:v libvpx-vp9" : "");
+    const size_t fade = size_t{4} * kShowSide * kShowSide * 9,
+                 middle = 4 * (kShowSide * kShowSide / 2 + kShowSide / 2);
+    ASSERT_EQ(rgba.size(), size_t{4} * kShowSide * kShowSide * 18) << name;
     EXPECT_LE(rgba[fade + 3], 3) << name;
     EXPECT_GE(rgba[fade + middle + 3], 250) << name;
   }
@@ -187,10 +191,11 @@ TEST_F(DeepShows, OverNothingKeepTheirTransparency) {
 TEST_F(DeepShows, ATransparentPhotoLiesOverItsBackground) {
   const std::string disc = WritePhoto("disc.png", 128, 128, Disc, "rgba");
   const std::string plain = WriteWaves("plain.png", 0.0);
-  const std::string film = BytesOf(
-      Show({plain, disc}, "s.bgra", With(kSmall, {"--fit", "whole", "--background", "#204060"})));
-  const size_t corner = size_t{4} * kSide * kSide * 15;
-  ASSERT_EQ(film.size(), size_t{4} * kSide * kSide * 18);
+  const std::string film =
+      BytesOf(Show({plain, disc}, "s.bgra",
+                   WordsWith(kSmallShow, {"--fit", "whole", "--background", "#204060"})));
+  const size_t corner = size_t{4} * kShowSide * kShowSide * 15;
+  ASSERT_EQ(film.size(), size_t{4} * kShowSide * kShowSide * 18);
   const int background[] = {96, 64, 32};
   for (size_t c = 0; c < 3; ++c) {
     EXPECT_NEAR(static_cast<uint8_t>(film[corner + c]), background[c], 2);
@@ -211,7 +216,7 @@ TEST_F(DeepShows, WhatTheyCannotBeIsRefusedInOneLine) {
        "disc.png: --background none: cannot be had with the source display"},
   };
   for (const auto& refused : kRefused) {
-    const Outcome outcome = RunKelto(With(
+    const Outcome outcome = RunKelto(WordsWith(
         {"slideshow", disc, disc, "-o", folder_ / refused.name, "--size", "64x64"}, refused.more));
     EXPECT_EQ(outcome.code, 2) << refused.text;
     EXPECT_THAT(outcome.err, HasSubstr(refused.text));
@@ -224,7 +229,7 @@ class OnScreen : public DeepShows {
  protected:
   host::RenderPlan PlanOf(const std::string& photo) {
     host::RenderPlan plan = host::DefaultPlan(photo);
-    plan.format.size = {kSide, kSide};
+    plan.format.size = {kShowSide, kShowSide};
     plan.format.rate = {10, 1};
     plan.frames = 10;
     return plan;
@@ -254,7 +259,7 @@ TEST_F(OnScreen, AFilmLooksAsItsFile) {
       Words words = {"--size", "64x64",   "--frames", "10",           "--fps",
                      "10",     "--depth", "8",        "--background", "#204060"};
       if (linear) words.push_back("--linear-light");
-      Film(photo, "f-%d.png", With(words, {"--move", "hold", "--fit", "whole"}));
+      Film(photo, "f-%d.png", WordsWith(words, {"--move", "hold", "--fit", "whole"}));
       host::ShownFilm film(KELTO_MODULE, plan, host::LookThroughPhoto(photo));
       ExpectShown(film.Render(5, 1.0), folder_ / "f-5.png");
     }
@@ -264,7 +269,7 @@ TEST_F(OnScreen, AFilmLooksAsItsFile) {
 TEST_F(OnScreen, AShowLooksAsItsFile) {
   const std::string sky = WritePhoto("sky.png", kSkyWidth, kSkyHeight, Sky);
   const std::string waves = WriteWaves("waves.png", 0.0);
-  Show({waves, sky}, "s-%d.png", With(kSmall, {"--fit", "whole", "--depth", "8"}));
+  Show({waves, sky}, "s-%d.png", WordsWith(kSmallShow, {"--fit", "whole", "--depth", "8"}));
   host::ShowScenes scenes;
   for (const std::string& photo : {waves, sky}) {
     scenes.plans.push_back(PlanOf(photo));

@@ -125,6 +125,20 @@ TEST_F(Playing, KeepsTimeAndStopsAtTheLastFrame) {
   ExpectQuits("q");
 }
 
+TEST_F(Playing, ShowsTheBackgroundThroughATransparentPhoto) {
+  ASSERT_EQ(
+      RunShell("ffmpeg -nostdin -v error -f lavfi -i color=white@0.5:size=256x144,format=rgba "
+               "-frames:v 1 -y " +
+               photo_)
+          .code,
+      0);
+  Start({"--background", "#ff0000", "--paused"});
+  screen_.WaitForTitle("paused");
+  const Rgb middle = Middle(screen_.Look());
+  EXPECT_LE(Distance(middle, {255, 128, 128}), kTolerance) << ToString(middle);
+  ExpectQuits("q");
+}
+
 TEST_F(Playing, PausesAndGoesOn) {
   Start({"--loop"});
   screen_.WaitForTitle([](const auto& title) { return FrameOf(title) > 10; });
