@@ -25,11 +25,11 @@ Libraries AutoMoveLibraries();
 /// How much closer the last view of AutoMove is than the first, where nothing says otherwise.
 inline constexpr double kUsualAutoAmount = 1 / 0.7;
 
-/// First and last view of a slow move in by the factor `amount`, to the most eye-catching area: the
-/// window with the most of what remains of the picture when what its spectrum has in common with
-/// those of all pictures is subtracted (Hou and Zhang, Saliency Detection: A Spectral Residual
-/// Approach, 2007). The first view contains the last; neither leaves the photo further than `fit`
-/// asks for. The same picture gets the same move.
+/// First and last view of a slow move in by the factor `amount`, to the most eye-catching area
+/// (host/moves/interest.h). A subject, or several about as strong, that a view of the frame's shape
+/// can show is cut by neither view: the move goes in by less, down to 1.05, where it is large. The
+/// first view contains the last; neither leaves the photo further than `fit` asks for. The same
+/// picture gets the same move.
 /// Throws UsageError in a build without.
 std::vector<PhotoRect> AutoMove(const PhotoViews& views, const PhotoPixels& pixels, Fit fit,
                                 double amount = kUsualAutoAmount);

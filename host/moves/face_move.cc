@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/moves/stretch.h"
+
 namespace kelto::host {
 namespace {
 
@@ -34,18 +36,11 @@ double EyeLineOf(const std::vector<PhotoRect>& faces) {
   return sum / weights;
 }
 
-/// Moves a stretch of `length` that begins at `begin` so that it has all of [from, to), where it is
-/// long enough.
-double Having(double begin, double length, double from, double to) {
-  if (to - from >= length) return (from + to - length) / 2;
-  return std::clamp(begin, to - length, from);
-}
-
 /// The view of this width that has `room`, with the eyes on its line as far as that goes.
 PhotoRect ViewWith(const PhotoViews& views, const PhotoRect& room, double eyes, double width) {
   PhotoRect view = views.About(room.CentreX(), 0, width);
-  view.y = Having(eyes - kEyeLine * view.height, view.height, room.y, room.Bottom());
-  view.x = Having(view.x, view.width, room.x, room.Right());
+  view.y = BeginHaving(eyes - kEyeLine * view.height, view.height, room.y, room.Bottom());
+  view.x = BeginHaving(view.x, view.width, room.x, room.Right());
   return views.Inside(view);
 }
 

@@ -122,7 +122,7 @@ TEST(Faces, AreWholeInEveryFrameOfAutomaticMoves) {
   std::cout << "frames with every face whole: " << 100 * before / frames
             << " % by what is eye-catching, " << 100 * after / frames << " % by faces\n";
   EXPECT_EQ(after, frames);
-  EXPECT_LT(before, frames / 2);
+  EXPECT_LT(before, frames * 2 / 3) << "portraits that nothing draws the eye away from";
 }
 
 TEST(FaceModels, ThatCannotBeUsedAreNamedWithWhatCanBe) {

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <functional>
 
+#include "host/effect/photo.h"
 #include "host/plan/default_plan.h"
 
 namespace kelto::host {
@@ -55,6 +56,87 @@ TEST(AutoMove, KeepsABrightSubjectOutsideTheMiddleInView) {
       }
     }
   }
+}
+
+/// A dark wall with bright heads of this radius about these places.
+PhotoPixels Heads(PixelSize size, double radius,
+                  const std::vector<std::array<double, 2>>& middles) {
+  return Make(size, [=](int32_t px, int32_t py) -> std::array<uint8_t, 3> {
+    for (const auto& [x, y] : middles) {
+      if (std::hypot(px - x, py - y) < radius) return {190, 120, 60};
+    }
+    const auto shade = static_cast<uint8_t>(60 + 20.0 * px / size.width);
+    return {shade, shade, shade};
+  });
+}
+
+/// How far a part reaches beyond a view, in pixels; 0 where it is whole.
+double CutFrom(const PhotoRect& view, const PhotoRect& part) {
+  return std::max({0.0, view.x - part.x, view.y - part.y, part.Right() - view.Right(),
+                   part.Bottom() - view.Bottom()});
+}
+
+TEST(AutoMove, CutsNoneOfTwoHeadsAboveEachOther) {
+  // In 16:9 a view of this portrait is 225 pixels high: both fit, with little around them, and a
+  // view closer by the usual factor would have one.
+  constexpr PixelSize kSize{400, 600};
+  constexpr double kRadius = 40;
+  const PhotoViews views(DefaultPlan("photo.jpg"), kSize);
+  for (const double top : {150.0, 260.0}) {
+    const std::vector<std::array<double, 2>> middles = {{170, top}, {230, top + 110}};
+    const auto move = AutoMove(views, Heads(kSize, kRadius, middles), Fit::kFill);
+    for (const PhotoRect& view : move) {
+      for (const auto& [x, y] : middles) {
+        const PhotoRect head{x - kRadius, y - kRadius, 2 * kRadius, 2 * kRadius};
+        EXPECT_EQ(CutFrom(view, head), 0) << top << ": " << view.y << " to " << view.Bottom();
+      }
+    }
+    EXPECT_LE(move[1].width, move[0].width / 1.04) << "it moves";
+  }
+}
+
+/// A photograph of a Debian package, and where its subjects are, in its widths and heights.
+struct Photograph {
+  const char* name;
+  std::vector<PhotoRect> subjects;
+};
+
+TEST(AutoMove, KeepsTheSubjectsOfPhotographsWhole) {
+  const std::vector<Photograph> photographs = {
+      // two heads above each other, in a portrait
+      {"friends_by_Aitzol_Berasategi.jpg", {{0.30, 0.24, 0.23, 0.16}, {0.46, 0.445, 0.215, 0.13}}},
+      // sharp before leaves of every colour that are not, and the same turned on its side
+      {"Dragonfly_by_Bolly.jpg", {{0.46, 0.33, 0.24, 0.18}}},
+      {"Dragonfly_by_Bolly.jpg?turned=90", {{0.49, 0.43, 0.18, 0.33}}},
+      {"free_by_Peter_Nerlich.jpg", {{0.25, 0.57, 0.40, 0.28}}},
+      {"Kleiber_by_Lukas_Baubkus.jpg", {{0.41, 0.37, 0.13, 0.32}}},
+      {"seeding_by_Clements_Engelhardt.jpg", {{0.16, 0.10, 0.29, 0.5}}},
+  };
+  for (const auto& [name, subjects] : photographs) {
+    const Photo photo = OpenPhoto(std::string("/usr/share/backgrounds/") + name);
+    const PhotoPixels pixels{{photo.width, photo.height}, DecodePhoto(photo)};
+    const PhotoViews views(DefaultPlan("photo.jpg"), pixels.size);
+    const auto move = AutoMove(views, pixels, Fit::kFill);
+    for (const PhotoRect& subject : subjects) {
+      const PhotoRect part{subject.x * photo.width, subject.y * photo.height,
+                           subject.width * photo.width, subject.height * photo.height};
+      EXPECT_EQ(CutFrom(move[0], part), 0) << name;
+      EXPECT_EQ(CutFrom(move[1], part), 0) << name;
+    }
+  }
+}
+
+TEST(AutoMove, LeavesTheCornersOfAnEvenlyShadedPicture) {
+  // Left and right, top and bottom differ: what is transformed as if it went on beyond its edges
+  // jumps there.
+  constexpr PixelSize kSize{600, 400};
+  const PhotoViews views(DefaultPlan("photo.jpg"), kSize);
+  const PhotoPixels shaded = Make(kSize, [](int32_t x, int32_t y) -> std::array<uint8_t, 3> {
+    if (std::hypot(x - 330, y - 220) < 25) return {150, 130, 120};
+    return {uint8_t(30 + x / 3), uint8_t(60 + y / 3), uint8_t(200 - x / 4)};
+  });
+  const PhotoRect last = AutoMove(views, shaded, Fit::kFill, 2.5)[1];
+  EXPECT_EQ(CutFrom(last, {305, 195, 50, 50}), 0) << last.x << "," << last.y;
 }
 
 TEST(AutoMove, GoesInWithinThePhotoAndTheFirstViewHoldsTheLast) {
