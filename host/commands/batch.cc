@@ -319,8 +319,9 @@ CLI::App* AddBatch(CLI::App& app) {
   command
       ->add_option(
           "--plan-as", options->planForm,
-          "Print the work as a shell's lines (shell), a job array for sbatch (slurm) or a job "
-          "template of Open Job Description (openjd), and do nothing [shell]")
+          "Print the work as a shell's lines (shell), a job array for sbatch (slurm), a job "
+          "template of Open Job Description (openjd) or a job specification of OpenCue (opencue), "
+          "and do nothing [shell]")
       ->group("Work")
       ->type_name("FORM");
   DeclarePlan(*command, options->plan);

@@ -4,13 +4,14 @@
 
 #include "host/base/error.h"
 #include "host/base/texts.h"
+#include "host/jobs/cue_spec.h"
 #include "host/jobs/job_template.h"
 #include "host/jobs/task_line.h"
 
 namespace kelto::host {
 namespace {
 
-constexpr const char* kPlanForms[] = {"shell", "slurm", "openjd"};
+constexpr const char* kPlanForms[] = {"shell", "slurm", "openjd", "opencue"};
 
 /// Slurm allows an array no higher index than 1000 unless its configuration says otherwise.
 constexpr size_t kMaxArraySize = 1000;
@@ -64,6 +65,13 @@ std::string SlurmPlan(const std::string& program, std::span<const FilmTask> task
          "exit \"$code\"\n";
 }
 
+std::string CuePlan(const std::string& program, std::span<const FilmTask> tasks) {
+  if (tasks.empty()) return "";
+  std::vector<std::string> lines;
+  for (const FilmTask& task : tasks) lines.push_back(RenderLine(program, task));
+  return CueSpec(CueSiteOfEnvironment(), lines);
+}
+
 }  // namespace
 
 std::span<const char* const> PlanForms() { return kPlanForms; }
@@ -73,6 +81,7 @@ std::string PlanText(const std::string& form, const std::string& program,
   if (form == "shell") return ShellPlan(program, tasks);
   if (form == "slurm") return SlurmPlan(program, tasks);
   if (form == "openjd") return JobTemplate(program, tasks);
+  if (form == "opencue") return CuePlan(program, tasks);
   throw UsageError("--plan-as " + form + ": choose one of " + Joined(kPlanForms));
 }
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cctype>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -12,6 +13,7 @@
 #include <set>
 
 #include "host/base/error.h"
+#include "host/jobs/cue_spec.h"
 #include "tests/support/photo.h"
 
 namespace kelto::host {
@@ -165,6 +167,102 @@ std::vector<std::vector<std::string>> LinesOfTemplate(const std::string& text) {
   return lines;
 }
 
+/// The text between two tags, behind `from`, which is moved there; what XML has other names for as
+/// it is meant.
+std::string ElementText(const std::string& xml, const std::string& name, size_t& from) {
+  const size_t begin = xml.find("<" + name + ">", from);
+  if (begin == xml.npos) return "";
+  const size_t end = xml.find("</" + name + ">", begin);
+  from = end;
+  std::string text = xml.substr(begin + name.size() + 2, end - begin - name.size() - 2);
+  for (const auto& [escape, meant] : {std::pair("&lt;", "<"), {"&gt;", ">"}, {"&amp;", "&"}}) {
+    for (size_t at; (at = text.find(escape)) != text.npos;) {
+      text.replace(at, std::string(escape).size(), meant);
+    }
+  }
+  return text;
+}
+
+/// The names of all tags, in their order.
+std::string TagsOf(const std::string& xml) {
+  std::string tags;
+  for (size_t at = 0; (at = xml.find('<', at)) != xml.npos; ++at) {
+    if (std::isalpha(static_cast<unsigned char>(xml[at + 1])) == 0) continue;
+    tags += xml.substr(at + 1, xml.find_first_of(" >", at) - at - 1) + " ";
+  }
+  return tags;
+}
+
+/// A user's environment for OpenCue, which the tests of a machine may not have.
+class CuePlan : public TaskPlan {
+ protected:
+  CuePlan() {
+    setenv("USER", "ann", 1);
+    unsetenv("SHOW");
+    unsetenv("SHOT");
+  }
+};
+
+TEST_F(CuePlan, HasTheElementsOfItsDocumentTypeInTheirOrder) {
+  const std::string spec = PlanText("opencue", "kelto", Tasks(2));
+  EXPECT_THAT(spec, testing::StartsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                        "<!DOCTYPE spec PUBLIC \"SPI Cue Specification Language\" "
+                                        "\"http://localhost:8080/spcue/dtd/cjsl-1.12.dtd\">\n"));
+  EXPECT_EQ(TagsOf(spec),
+            "spec show shot user job layers layer cmd range chunk layer cmd range chunk ");
+  size_t at = 0;
+  EXPECT_EQ(ElementText(spec, "show", at), "testing");
+  EXPECT_EQ(ElementText(spec, "shot", at), "default");
+  EXPECT_EQ(ElementText(spec, "user", at), "ann");
+  EXPECT_THAT(spec, HasSubstr("<layer name=\"film_2\" type=\"Render\">"));
+  EXPECT_EQ(PlanText("opencue", "kelto", {}), "");
+}
+
+TEST_F(CuePlan, RunsTheCommandOncePerFilm) {
+  const std::vector<FilmTask> tasks{TaskFor("it's <a> & $HOME"),
+                                    TaskFor("b", {"--caption", "Zürich #1"})};
+  const std::string spec = PlanText("opencue", program_, tasks);
+  size_t at = 0;
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(RunScript(ElementText(spec, "cmd", at)), 0);
+  EXPECT_EQ(Ran(), RunOf("it's <a> & $HOME") + RunOf("b", "--caption|Zürich #1|"));
+}
+
+TEST_F(CuePlan, HasNoMoreLayersInAJobThanTheServerTakes) {
+  const std::string spec = PlanText("opencue", "kelto", Tasks(2003));
+  std::vector<int> layers;
+  for (size_t at = 0; (at = spec.find('<', at)) != spec.npos; ++at) {
+    if (spec.compare(at, 5, "<job ") == 0) layers.push_back(0);
+    if (spec.compare(at, 7, "<layer ") == 0) ++layers.back();
+  }
+  EXPECT_THAT(layers, ElementsAre(1000, 1000, 3));
+  EXPECT_THAT(spec, HasSubstr("<job name=\"kelto_3\">"));
+}
+
+TEST_F(CuePlan, RefusesWhatItCannotHold) {
+  const auto refusal = [](const FilmTask& task) -> std::string {
+    try {
+      PlanText("opencue", "kelto", {&task, 1});
+    } catch (const Error& error) {
+      return error.what();
+    }
+    return "";
+  };
+  EXPECT_THAT(
+      refusal(TaskFor("a", {"--caption", "#IFRAME#"})),
+      HasSubstr("has a word between #, which is replaced, which no job of OpenCue can hold"));
+  // Words are quoted for a shell without control characters; other lines may have some.
+  const std::string line = "a\x1b";
+  EXPECT_THROW(CueSpec(CueSiteOfEnvironment(), {&line, 1}), Error);
+  EXPECT_THAT(refusal(TaskFor("a", {"--caption", std::string(4000, 'a')})),
+              HasSubstr("longer than 4000 bytes"));
+  setenv("SHOT", "a shot", 1);
+  EXPECT_THAT(refusal(TaskFor("a")), HasSubstr("SHOT is \"a shot\"; set it to a name of"));
+  setenv("SHOT", "sh010", 1);
+  EXPECT_EQ(refusal(TaskFor("a")), "");
+  setenv("USER", "root", 1);
+  EXPECT_THAT(refusal(TaskFor("a")), HasSubstr("OpenCue runs no jobs of root; set USER"));
+}
+
 TEST(JobTemplate, RunsTheCommandOncePerFilm) {
   const std::vector<FilmTask> tasks{TaskFor("it's $1", {"--caption", "a \"b\""}),
                                     TaskFor("b", {"--caption", "a \"b\""}), TaskFor("Zürich")};
@@ -203,6 +301,7 @@ TEST(JobTemplate, RefusesWhatItCannotHold) {
 }
 
 TEST(PlanForms, AreThoseThatArePrinted) {
+  setenv("USER", "ann", 1);
   const std::vector<FilmTask> tasks = Tasks(1), none;
   for (const std::string form : PlanForms()) {
     EXPECT_THAT(PlanText(form, "kelto", tasks), HasSubstr("it"));
