@@ -73,6 +73,37 @@ TEST_F(Captions, StandForWhatThePhotoSaysOfItself) {
   same("  One\\nTwo ", "One\nTwo");
 }
 
+/// A record of IPTC's second section: what it is of, and its text.
+std::string IptcRecord(uint8_t section, uint8_t set, const std::string& text) {
+  const auto length = static_cast<char>(text.size());
+  return std::string{'\x1c', static_cast<char>(section), static_cast<char>(set), '\0', length} +
+         text;
+}
+
+/// A JPEG's segment with these records, as Photoshop keeps them.
+std::string IptcSegment(const std::string& records) {
+  using namespace std::string_literals;
+  const auto sizeOf = [](size_t size) {
+    return std::string{static_cast<char>(size >> 8), static_cast<char>(size)};
+  };
+  const std::string body = "Photoshop 3.0\0"s + "8BIM\x04\x04\0\0\0\0"s + sizeOf(records.size()) +
+                           records + std::string(records.size() % 2, '\0');
+  return "\xff\xed" + sizeOf(body.size() + 2) + body;
+}
+
+TEST_F(Captions, StandForWhatIptcSaysOfThePhoto) {
+  WriteJpeg(photo_, MakePicture(kAcross, kDown, [](int, int) { return kSea; }));
+  const std::string photo = BytesOf(photo_);
+  std::ofstream(photo_, std::ios::binary)
+      << photo.substr(0, 2)
+      << IptcSegment(IptcRecord(1, 90, "\x1b%G") + IptcRecord(2, 55, "20190312") +
+                     IptcRecord(2, 120, "Sète, boats"))
+      << photo.substr(2);
+  EXPECT_EQ(Film({"--frames", "8", "--caption", "{description}: {date}"}, "a.bgra"),
+            Film({"--frames", "8", "--caption", "Sète, boats: 2019-03-12"}, "b.bgra"));
+  EXPECT_NE(BytesOf(folder_ / "a.bgra"), Film({"--frames", "8"}, "c.bgra"));
+}
+
 TEST_F(Captions, OfNothingThatThePhotoSaysAreNone) {
   WriteJpeg(photo_, MakePicture(kAcross, kDown, [](int, int) { return kSea; }));
   EXPECT_EQ(Film({"--frames", "8", "--caption", "{description}"}, "a.bgra"),

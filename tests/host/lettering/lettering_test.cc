@@ -170,5 +170,45 @@ TEST(CaptionOpacityTest, ComesAndGoesSoftlyBetweenItsFrames) {
   }
 }
 
+/// The groups of columns that letters, which are white, stand in without a gap: their widths, from
+/// left to right.
+std::vector<int> LetterWidths(const std::string& text) {
+  const Lettered frame(text, LetterPlace::kTitle, LetterFormat({1280, 720}));
+  EXPECT_EQ(frame.missing, 0) << text << ": fonts-noto-core and fonts-sawarabi-gothic have it";
+  std::vector<int> widths;
+  bool inside = false;
+  for (int x = 0; x < frame.size.width; ++x) {
+    bool white = false;
+    for (int y = 0; y < frame.size.height; ++y) white |= frame.At(x, y) > 200;
+    if (white && !inside) widths.push_back(0);
+    if (white) ++widths.back();
+    inside = white;
+  }
+  return widths;
+}
+
+TEST(Letters, ThatGoFromRightToLeftBeginAtTheRight) {
+  // Shin is wide, vav narrow.
+  const std::vector<int> shinFirst = LetterWidths("ש ו"), vavFirst = LetterWidths("ו ש");
+  ASSERT_EQ(shinFirst.size(), 2u);
+  EXPECT_GT(shinFirst[1], 2 * shinFirst[0]);
+  ASSERT_EQ(vavFirst.size(), 2u);
+  EXPECT_GT(vavFirst[0], 2 * vavFirst[1]);
+  // Digits in them keep their order.
+  EXPECT_EQ(LetterWidths("17").front(), LetterWidths("ש 17").front());
+}
+
+TEST(Letters, OfChineseAndJapaneseAreNotBoxes) {
+  for (const char* text : {"漢字", "ひらがな", "カタカナ"}) {
+    const Lettered frame(text, LetterPlace::kTitle, LetterFormat({1280, 720}));
+    EXPECT_EQ(frame.missing, 0) << text << ": fonts-sawarabi-gothic has it";
+    EXPECT_EQ(frame.lightest, 255);
+  }
+  // As wide as high, and each of its own shape.
+  const Lettered one("漢", LetterPlace::kTitle, LetterFormat({1280, 720}));
+  EXPECT_NEAR(one.right - one.left, one.bottom - one.top, 16);
+  EXPECT_NE(one.bytes, Lettered("字", LetterPlace::kTitle, LetterFormat({1280, 720})).bytes);
+}
+
 }  // namespace
 }  // namespace kelto::host

@@ -154,6 +154,33 @@ TEST(AutoMove, GoesInWithinThePhotoAndTheFirstViewHoldsTheLast) {
   }
 }
 
+/// The picture a quarter further clockwise.
+PhotoPixels Turned(const PhotoPixels& pixels) {
+  const PixelSize size = pixels.size;
+  return Make({size.height, size.width}, [&](int32_t x, int32_t y) -> std::array<uint8_t, 3> {
+    const uint8_t* from =
+        &pixels.bytes[4 * (size_t(size.height - 1 - x) * size.width + static_cast<size_t>(y))];
+    return {from[2], from[1], from[0]};
+  });
+}
+
+TEST(AutoMove, GoesToTheSamePlaceOfAPhotoThatIsTurnedInAFrameThatIsTurned) {
+  RenderPlan upright = DefaultPlan("photo.jpg"), turned = upright;
+  turned.format.size = {upright.format.size.height, upright.format.size.width};
+  for (const PixelSize size : kPhotos) {
+    // Places of the map that is looked at.
+    const double reach = 2.5 * std::sqrt(1.0 * size.width * size.height) / 64;
+    for (const double x : {0.2, 0.7}) {
+      const PhotoPixels photo = Disc(size, x, 0.3);
+      const PhotoRect one = AutoMove(PhotoViews(upright, size), photo, Fit::kFill).back();
+      const PhotoRect other =
+          AutoMove(PhotoViews(turned, {size.height, size.width}), Turned(photo), Fit::kFill).back();
+      EXPECT_NEAR(other.CentreX(), size.height - one.CentreY(), reach);
+      EXPECT_NEAR(other.CentreY(), one.CentreX(), reach);
+    }
+  }
+}
+
 TEST(AutoMove, IsTheSameForTheSamePicture) {
   const PhotoViews views(DefaultPlan("photo.jpg"), {600, 400});
   const PhotoPixels noise = Make({600, 400}, [](int32_t x, int32_t y) -> std::array<uint8_t, 3> {
