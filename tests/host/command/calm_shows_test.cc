@@ -57,7 +57,7 @@ class CalmShows : public testing::Test {
 };
 
 TEST_F(CalmShows, FittedToMusicMoveAsThoseOfTheSameTimes) {
-  const Words limits{"--max-zoom-rate", "0.05"};
+  const Words limits{"--move", "in", "--max-zoom-rate", "0.05"};
   const auto with = [&](Words words) {
     words.insert(words.end(), limits.begin(), limits.end());
     return PicturesOf(words);
@@ -75,18 +75,13 @@ TEST_F(CalmShows, FittedToMusicKeepToTheUsualLimits) {
   // A second is the least for which they hold.
   const nlohmann::json timed = PicturesOf({"--each", "1", "--move", "auto"});
   EXPECT_EQ(PicturesOf({"--move", "auto", "--fit-audio", "--audio", Music(2)}), timed);
-  EXPECT_NE(timed.at(0).at("views"),
-            PicturesOf({"--each", "5", "--move", "auto"}).at(0).at("views"));
-  const Words brief{"--move", "auto", "--fit-audio", "--audio", Music(1)};
-  EXPECT_EQ(PicturesOf(brief).at(0).at("views"),
-            PicturesOf({"--each", "0.6", "--move", "auto"}).at(0).at("views"));
 }
 
 TEST_F(CalmShows, CutOnBeatsMoveAsThoseOfTheSameTimes) {
   const std::string finder = folder_ / "aubiotrack";
   std::ofstream(finder) << "#!/bin/sh\nprintf '1.2\\n'\n";
   std::filesystem::permissions(finder, std::filesystem::perms::owner_all);
-  const Words limits{"--max-zoom-rate", "0.1", "--each", "2", "--audio", Music(4)};
+  const Words limits{"--move", "in", "--max-zoom-rate", "0.1", "--each", "2", "--audio", Music(4)};
   Words beats = limits;
   beats.emplace_back("--beats");
   std::ofstream(folder_ / "timed.txt") << "a.png --each 1.2\nb.png --each 2.8\n";

@@ -126,5 +126,30 @@ TEST(CalmMove, StillShowsAllOfWhatItGoesInTo) {
   }
 }
 
+TEST(SetCalmMove, GoesAsFarAsTheFilmsLengthAllows) {
+  const PixelSize photo = kCalmPhotos[0];
+  const PhotoViews views(DefaultPlan("photo.jpg"), photo);
+  const PhotoRect fill = views.Fill();
+  RenderPlan plan = PlanThrough(
+      {fill, views.About(photo.width / 2, photo.height / 2, fill.width / 3)}, photo, 125);
+  const AskedMove asked{plan.views, photo, true};
+  const auto closest = [&](int32_t frames, const AskedMove& move) {
+    plan.frames = frames;
+    SetCalmMove(move, plan);
+    return PartsOf(plan, photo).back().width;
+  };
+  const double whole = fill.width / 3, inTwo = closest(50, asked), inOne = closest(25, asked);
+  EXPECT_GT(inOne, inTwo);
+  EXPECT_GT(inTwo, 1.1 * whole);
+  EXPECT_NEAR(closest(1000, asked), whole, 0.01) << "back from a shorter one";
+  EXPECT_EQ(closest(50, asked), inTwo);
+  // In less than a second nothing looks calm, but limits that are given hold.
+  EXPECT_NEAR(closest(24, asked), whole, 0.01);
+  AskedMove given{asked.views, photo, false};
+  EXPECT_NEAR(closest(50, given), whole, 0.01);
+  given.zoom = 0.5;
+  EXPECT_GT(closest(24, given), inOne);
+}
+
 }  // namespace
 }  // namespace kelto::host
