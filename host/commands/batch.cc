@@ -218,9 +218,10 @@ class Batch {
 
   void Make(const Item& item, const TaskOwner& owner) const {
     FilmJob job;
+    SandboxAccess access = AccessFor(options_.film.module, {item.film, item.record});
+    AddDevices(options_.film, access);
     const RenderPlan plan = AtPlaceOf({item.picture, "", item.place}, [&] {
-      return PlanFor(item.picture, item.options->plan,
-                     AccessFor(options_.film.module, {item.film, item.record}));
+      return PlanFor(item.picture, item.options->plan, access);
     });
     job.module = module_;
     job.scene = WholeScene(plan);

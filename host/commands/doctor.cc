@@ -44,6 +44,9 @@ void Run(const std::string& given) {
   PrintChecks("reads photographs:", stills);
   const std::vector<Check> films = TryFilms();
   PrintChecks("writes films:", films);
+  if (const std::vector<Check> hardware = TryHardware(); !hardware.empty()) {
+    PrintChecks("has encoders in hardware (--encoder):", hardware);
+  }
   std::vector<Check> kept;
   for (const SandboxCheck& check : TrySandbox()) kept.push_back({check.name, check.fault});
   if (!kept.empty()) PrintChecks("keeps decoders from:", kept);

@@ -13,6 +13,7 @@
 #include "host/film/codecs.h"
 #include "host/film/coded_films.h"
 #include "host/film/depth.h"
+#include "host/film/hardware.h"
 #include "host/options/colour.h"
 #include "host/options/number.h"
 #include "host/options/rate.h"
@@ -95,6 +96,10 @@ void DeclareFilm(CLI::App& command, FilmOptions& options, const std::string& job
         kFiles, "--speed", "WORD", options.speed,
         "How quickly the film is coded: slow, medium, fast, fastest; the quicker, the larger the "
         "file [medium]");
+    declare(
+        kFiles, "--encoder", "WORD", options.encoder,
+        "What codes H.264 and H.265: software; or hardware, nvenc (NVIDIA) or qsv (Intel), which is "
+        "quicker and needs more bytes; without such hardware no film is made [software]");
   }
   DeclareModule(command, kFiles, options.module);
   constexpr const char* kFilm = "Film";
@@ -171,7 +176,25 @@ EndFadeLengths EndsAsked(const FilmOptions& options, const FilmRequest& request)
   return ends;
 }
 
+namespace {
+
+std::string EncoderAsked(const FilmOptions& options) {
+  return options.encoder.empty() ? "" : ReadOption("--encoder", options.encoder, ParseEncoder);
+}
+
+}  // namespace
+
+void AddDevices(const FilmOptions& options, SandboxAccess& access) {
+  const std::string hardware = EncoderAsked(options);
+  if (hardware.empty()) return;
+  const std::vector<std::string> devices = DevicesOf(hardware);
+  access.devices.insert(access.devices.end(), devices.begin(), devices.end());
+  // Where the drivers find out what the devices are.
+  access.reads.insert(access.reads.end(), {"/sys", "/proc/driver/nvidia"});
+}
+
 void ApplyToRequest(const FilmOptions& options, FilmRequest& request) {
+  request.hardware = EncoderAsked(options);
   request.codec = options.codec;
   request.quality = options.quality;
   request.speed = options.speed;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/jobs/film_job.h"
+#include "host/sandbox/sandbox.h"
 
 namespace CLI {
 class App;
@@ -15,8 +16,8 @@ namespace kelto::host {
 
 /// The options as they were typed; empty where nothing was.
 struct FilmOptions {
-  std::string format, codec, quality, speed, depth, fadeIn, fadeOut, fadeColour, audioFade, module,
-      jobs;
+  std::string format, codec, quality, speed, encoder, depth, fadeIn, fadeOut, fadeColour, audioFade,
+      module, jobs;
   bool audioLoop = false;
   bool quiet = false, json = false, strict = false;
 };
@@ -41,6 +42,10 @@ void ApplyReporting(const FilmOptions& options);
 /// The fades at the ends of a film of the request's format, length and transparency. Throws
 /// UsageError.
 EndFadeLengths EndsAsked(const FilmOptions& options, const FilmRequest& request);
+
+/// Lets `access` use the devices of the encoder that is asked for, if it needs any. Throws
+/// UsageError.
+void AddDevices(const FilmOptions& options, SandboxAccess& access);
 
 /// Sets what the options say of the film's coding and sound. Throws UsageError.
 void ApplyToRequest(const FilmOptions& options, FilmRequest& request);

@@ -8,6 +8,7 @@
 #include "host/film/codecs.h"
 #include "host/film/coded_films.h"
 #include "host/film/formats.h"
+#include "host/film/hardware.h"
 #include "host/options/size.h"
 #include "host/terminal/standard_output.h"
 
@@ -56,6 +57,11 @@ std::string Formats() {
       std::string kinds;
       for (const char* kind : codec.kinds) kinds += (kinds.empty() ? "" : ", ") + std::string(kind);
       text += Line(codec.name, std::string(codec.title) + "; in " + kinds);
+    }
+    text += "\nEncoders of H.264 and H.265, by --encoder:\n\n" +
+            Line("software", "runs everywhere, and makes the same bytes every time");
+    for (const char* word : HardwareWords()) {
+      text += Line(word, std::string("needs ") + HardwareNeed(word));
     }
   }
   text += "\nSizes, by --size:\n\n";

@@ -37,8 +37,9 @@ struct RenderOptions {
 /// What to render of which plan: --frames says how long the film is, or which part is wanted.
 Scene SceneFor(const RenderOptions& options) {
   const std::string& frames = options.plan.frames;
-  const SandboxAccess access =
+  SandboxAccess access =
       AccessFor(options.film.module, {options.output, options.project, options.record});
+  AddDevices(options.film, access);
   if (!IsFrameRange(frames)) {
     return WholeScene(PlanFor(options.photo, options.plan, access));
   }

@@ -95,6 +95,7 @@ Slideshow ShowFor(const SlideshowOptions& options, ShowPictures& pictures, ShowP
   const Beats beats = options.beats ? BeatsFor(audio) : Beats{};
   SandboxAccess access = AccessFor(options.film.module, {options.output, options.project});
   AddSourcesOf(pictures, access);
+  AddDevices(options.film, access);
   EnterSandbox(access);
   const auto makeRoom = [&](const RenderPlan&, const Photo& photo) {
     show.workers = WorkersFor(photo, show.workers);

@@ -1,6 +1,7 @@
 #include "host/film/codecs.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 
 #include "host/base/error.h"
@@ -10,6 +11,30 @@
 
 namespace kelto::host {
 namespace {
+
+/// Encoders of graphics cards by NVIDIA. Qualities are quantisers, which H.264 and H.265 count
+/// alike.
+constexpr FilmEncoder OfNvidia(const char* name) {
+  return {name,         2,
+          "rc=constqp", {28, 23, 18, 12},
+          51,           {"preset=p6", "preset=p4", "preset=p2", "preset=p1"},
+          "qp",         0,
+          "nvenc",      false};
+}
+
+/// Encoders of processors by Intel, Quick Sync Video.
+constexpr FilmEncoder OfIntel(const char* name) {
+  return {name,
+          2,
+          "",
+          {28, 23, 18, 12},
+          51,
+          {"preset=slow", "preset=medium", "preset=fast", "preset=veryfast"},
+          "global_quality",
+          1,
+          "qsv",
+          true};
+}
 
 // Constant qualities at which a film is commonly held to look like its source.
 const std::vector<FilmCodec> kCodecs = {
@@ -23,7 +48,9 @@ const std::vector<FilmCodec> kCodecs = {
        "threads=8",
        {28, 23, 18, 12},
        51,
-       {"preset=slow", "", "preset=veryfast", "preset=ultrafast"}}}},
+       {"preset=slow", "", "preset=veryfast", "preset=ultrafast"}},
+      OfNvidia("h264_nvenc"),
+      OfIntel("h264_qsv")}},
     {"h265",
      "H.265",
      CodedForm::k420,
@@ -35,7 +62,9 @@ const std::vector<FilmCodec> kCodecs = {
        "threads=2 x265-params=log-level=none:info=0:lookahead-slices=0:lookahead-threads=0",
        {28, 23, 18, 12},
        51,
-       {"preset=slow", "", "preset=veryfast", "preset=ultrafast"}}},
+       {"preset=slow", "", "preset=veryfast", "preset=ultrafast"}},
+      OfNvidia("hevc_nvenc"),
+      OfIntel("hevc_qsv")},
      {8, 10}},
     {"prores",
      "ProRes 4:2:2 HQ",
@@ -137,9 +166,13 @@ int32_t QualityOf(const FilmCodec& codec, const FilmEncoder& encoder, const std:
     return encoder.qualities[*place];
   }
   const auto number = ParseWhole(quality);
-  if (number && *number >= 0 && *number <= encoder.worst) return static_cast<int32_t>(*number);
-  throw UsageError(option + "choose one of " + Joined(kQualityWords) + ", or " + codec.name +
-                   "'s own number from 0, the best, to " + std::to_string(encoder.worst));
+  if (number && *number >= encoder.best && *number <= encoder.worst) {
+    return static_cast<int32_t>(*number);
+  }
+  throw UsageError(option + "choose one of " + Joined(kQualityWords) + ", or " +
+                   (encoder.hardware == nullptr ? codec.name : encoder.name) +
+                   "'s own number from " + std::to_string(encoder.best) + ", the best, to " +
+                   std::to_string(encoder.worst));
 }
 
 bool Holds(const FilmCodec& codec, const std::string& kind) {
@@ -150,8 +183,9 @@ bool Holds(const FilmCodec& codec, const std::string& kind) {
 }  // namespace
 
 int32_t FilmCodec::MinimumSide() const {
+  const std::vector<FilmEncoder> software = EncodersOf(*this, "");
   return std::min_element(
-             encoders.begin(), encoders.end(),
+             software.begin(), software.end(),
              [](const auto& a, const auto& b) { return a.minimumSide < b.minimumSide; })
       ->minimumSide;
 }
@@ -161,6 +195,33 @@ std::span<const FilmCodec> FilmCodecs() { return kCodecs; }
 std::span<const char* const> QualityWords() { return kQualityWords; }
 std::span<const char* const> SpeedWords() { return kSpeedWords; }
 
+std::vector<FilmEncoder> EncodersOf(const FilmCodec& codec, const std::string& hardware) {
+  std::vector<FilmEncoder> encoders;
+  std::copy_if(codec.encoders.begin(), codec.encoders.end(), std::back_inserter(encoders),
+               [&](const FilmEncoder& encoder) {
+                 return hardware.empty()
+                            ? encoder.hardware == nullptr
+                            : encoder.hardware != nullptr && hardware == encoder.hardware;
+               });
+  return encoders;
+}
+
+void CheckHardware(const FilmCodec& codec, const std::string& hardware, const FilmFormat& format) {
+  if (hardware.empty()) return;
+  if (EncodersOf(codec, hardware).empty()) {
+    std::vector<const char*> able;
+    for (const FilmCodec& each : kCodecs) {
+      if (!EncodersOf(each, hardware).empty()) able.push_back(each.name);
+    }
+    throw UsageError("--encoder " + hardware + ": has no " + codec.title + "; use --codec " +
+                     Joined(able) + ", or --encoder software");
+  }
+  if (format.Interlaced()) {
+    throw UsageError("--encoder " + hardware +
+                     ": takes whole frames alone; use --encoder software, or --fields progressive");
+  }
+}
+
 std::string EncoderOptions(const FilmCodec& codec, const FilmEncoder& encoder,
                            const std::string& quality, const std::string& speed) {
   std::string options = encoder.options;
@@ -169,7 +230,8 @@ std::string EncoderOptions(const FilmCodec& codec, const FilmEncoder& encoder,
     options += more;
   };
   if (encoder.worst > 0 || !quality.empty()) {
-    add("crf=" + std::to_string(QualityOf(codec, encoder, quality)));
+    add(std::string(encoder.qualityOption) + "=" +
+        std::to_string(QualityOf(codec, encoder, quality)));
   }
   const auto place = PlaceOf(kSpeedWords, speed, kUsualSpeed);
   if (!place) throw UsageError("--speed " + speed + ": choose one of " + Joined(kSpeedWords));

@@ -29,6 +29,13 @@ struct FilmEncoder {
   int32_t worst = 0;
   /// More options for each of SpeedWords; null where the encoder has one speed.
   std::array<const char*, 4> speeds{};
+  /// The option that takes the constant quality, and the best one that it takes.
+  const char* qualityOption = "crf";
+  int32_t best = 0;
+  /// Of encoders that the machine has in hardware, one of HardwareWords; null for all others, which
+  /// are in software. They take frames of eight bits that are whole.
+  const char* hardware = nullptr;
+  bool pairedChroma = false;  ///< whether Cb and Cr alternate in one plane (NV12)
 };
 
 struct FilmCodec {
@@ -51,7 +58,7 @@ struct FilmCodec {
   int32_t HeightStep(bool interlaced) const {
     return (form == CodedForm::k420 ? 2 : 1) * (interlaced ? 2 : 1);
   }
-  /// The least width and height that any of the encoders takes.
+  /// The least width and height that any of the encoders in software takes.
   int32_t MinimumSide() const;
 };
 
@@ -61,6 +68,13 @@ std::span<const FilmCodec> FilmCodecs();
 /// first.
 std::span<const char* const> QualityWords();
 std::span<const char* const> SpeedWords();
+
+/// The encoders of the codec in hardware of this kind, or, where `hardware` is empty, in software.
+std::vector<FilmEncoder> EncodersOf(const FilmCodec& codec, const std::string& hardware);
+
+/// Throws UsageError when no encoder in this hardware codes such films; none is needed where
+/// `hardware` is empty.
+void CheckHardware(const FilmCodec& codec, const std::string& hardware, const FilmFormat& format);
 
 /// The options of an encoder for a film of this quality, one of QualityWords or a constant quality
 /// of the encoder's own scale, and this speed; empty texts ask for the usual ones. Throws

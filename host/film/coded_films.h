@@ -18,8 +18,9 @@ std::span<const FilmKind> CodedFilmKinds();
 const char* UsualFilmKind();
 
 /// The name of the installed FFmpeg's encoder that codes frames of this size; empty when it has
-/// none.
-std::string InstalledEncoder(const FilmCodec& codec, FrameSize size = {});
+/// none. In software, or in this hardware, of which it is not said that the machine has it.
+std::string InstalledEncoder(const FilmCodec& codec, FrameSize size = {},
+                             const std::string& hardware = "");
 
 /// Throws Error when the file `path` has no sound for a film.
 void CheckSound(const std::string& path);

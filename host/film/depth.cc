@@ -84,6 +84,11 @@ int32_t DepthOf(const FilmKind& kind, const std::string& codec, const DepthAsked
     throw UsageError("--background none: " + TitleOf(kind, codec) + " have no transparency; use " +
                      Advice(&HoldsAlpha));
   }
+  if (asked.hardware && asked.depth > 8) {
+    throw UsageError("--depth " + std::to_string(asked.depth) +
+                     ": encoders in hardware have 8 bits; use --encoder software");
+  }
+  if (asked.hardware) return 8;
   if (asked.depth == 0) {
     // The least that holds the photo's bits; else all that there are.
     const auto enough = std::find_if(depths.begin(), depths.end(), [&](int32_t depth) {

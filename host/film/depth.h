@@ -24,6 +24,7 @@ struct DepthAsked {
   int32_t depth = 0;         ///< 0: as the photo and the film allow
   int32_t photoBits = 8;     ///< of a sample of the photo
   bool transparent = false;  ///< whether the film is to have nothing behind the photo
+  bool hardware = false;     ///< whether the encoder is one in hardware, which has eight bits
 };
 
 /// The depth of such a film. Throws UsageError that says what to use instead, where the film cannot

@@ -5,12 +5,14 @@ extern "C" {
 }
 
 #include <algorithm>
+#include <optional>
 #include <string>
 
 #include "host/base/error.h"
 #include "host/film/coded_films.h"
 #include "host/film/container_output.h"
 #include "host/film/deep_planes.h"
+#include "host/film/hardware.h"
 #include "host/film/libav.h"
 #include "host/film/planes.h"
 #include "host/film/rgb_frames.h"
@@ -59,13 +61,17 @@ AVPixelFormat PixelFormatOf(CodedForm form) {
   return AV_PIX_FMT_YUV420P;
 }
 
-/// The first encoder of the codec that takes frames of this size and is installed.
-const FilmEncoder* FindEncoder(const FilmCodec& codec, FrameSize size) {
-  const auto found = std::find_if(codec.encoders.begin(), codec.encoders.end(), [&](auto& each) {
-    return std::min(size.width, size.height) >= each.minimumSide &&
-           avcodec_find_encoder_by_name(each.name) != nullptr;
-  });
-  return found == codec.encoders.end() ? nullptr : &*found;
+/// The first encoder of the codec, in this hardware or in software, that takes frames of this size
+/// and is installed.
+std::optional<FilmEncoder> FindEncoder(const FilmCodec& codec, FrameSize size,
+                                       const std::string& hardware) {
+  for (const FilmEncoder& each : EncodersOf(codec, hardware)) {
+    if (std::min(size.width, size.height) >= each.minimumSide &&
+        avcodec_find_encoder_by_name(each.name) != nullptr) {
+      return each;
+    }
+  }
+  return std::nullopt;
 }
 
 void Fill(const FrameView& frame, const ChromaMap& map, bool interlaced, const AVFrame& to) {
@@ -74,6 +80,10 @@ void Fill(const FrameView& frame, const ChromaMap& map, bool interlaced, const A
     FillPlanes422(
         frame, map,
         TenBitPlanes{plane(0), plane(1), plane(2), to.linesize[0], to.linesize[1], to.linesize[2]});
+    return;
+  }
+  if (to.format == AV_PIX_FMT_NV12) {
+    FillNv12(frame, map, interlaced, {to.data[0], to.data[1], to.linesize[0], to.linesize[1]});
     return;
   }
   const Planes planes{to.data[0],     to.data[1],     to.data[2],
@@ -154,17 +164,21 @@ class Encoder : public FrameSink {
   }
 
   void OpenCodec(const FilmRequest& request) {
-    const FilmEncoder* chosen = FindEncoder(choice_, format_.size);
-    if (chosen == nullptr) {
-      throw Error(name_ + ": the installed FFmpeg has no " + choice_.encoders.back().name +
-                  ", the encoder for " + choice_.name + "; choose another --codec or --format");
+    const std::optional<FilmEncoder> chosen = FindEncoder(choice_, format_.size, request.hardware);
+    if (!chosen) {
+      throw Error(name_ + ": the installed FFmpeg has no " +
+                  EncodersOf(choice_, request.hardware).back().name + ", the encoder for " +
+                  choice_.name +
+                  (request.hardware.empty() ? "; choose another --codec or --format"
+                                            : "; use --encoder software"));
     }
     const AVCodec* encoder = avcodec_find_encoder_by_name(chosen->name);
     codec_ = Own(avcodec_alloc_context3(encoder));
     codec_->width = format_.size.width;
     codec_->height = format_.size.height;
     codec_->pix_fmt = request.deep ? DeepFormatOf(choice_.form, request.depth, request.transparent)
-                                   : PixelFormatOf(choice_.form);
+                      : chosen->pairedChroma ? AV_PIX_FMT_NV12
+                                             : PixelFormatOf(choice_.form);
     if (request.deep && !IsRgb(codec_->pix_fmt))
       deep_ = std::make_unique<DeepPlanes>(format_.size, codec_->pix_fmt);
     codec_->framerate = {format_.rate.numerator, format_.rate.denominator};
@@ -187,6 +201,12 @@ class Encoder : public FrameSink {
       av_dict_set(&options, "x264-params", "bff=1", 0);
     }
     if (code >= 0) code = avcodec_open2(codec_.get(), encoder, &options);
+    if (code < 0 && chosen->hardware != nullptr) {
+      av_dict_free(&options);
+      throw Error(name_ + ": the encoder " + chosen->name + " does not run on this machine (" +
+                  LibavText(code) + "); it needs " + HardwareNeed(chosen->hardware) +
+                  "; use --encoder software");
+    }
     const AVDictionaryEntry* unknown = av_dict_get(options, "", nullptr, AV_DICT_IGNORE_SUFFIX);
     const std::string lack = unknown == nullptr ? "" : unknown->key;
     av_dict_free(&options);
@@ -311,9 +331,9 @@ std::unique_ptr<FrameSink> OpenWebm(const FilmRequest& request) {
   return Open(request, {"webm", "webm", false});
 }
 
-std::string InstalledEncoder(const FilmCodec& codec, FrameSize size) {
-  const FilmEncoder* encoder = FindEncoder(codec, size);
-  return encoder == nullptr ? "" : encoder->name;
+std::string InstalledEncoder(const FilmCodec& codec, FrameSize size, const std::string& hardware) {
+  const std::optional<FilmEncoder> encoder = FindEncoder(codec, size, hardware);
+  return encoder ? encoder->name : "";
 }
 
 }  // namespace kelto::host

@@ -209,7 +209,8 @@ void CheckRequest(const FilmKind& kind, const FilmRequest& request) {
   if (IsContainer(kind.name)) {
     const FilmCodec& codec = CodecFor(kind.name, request.codec);
     CheckFormat(codec, request.format);
-    for (const FilmEncoder& encoder : codec.encoders) {
+    CheckHardware(codec, request.hardware, request.format);
+    for (const FilmEncoder& encoder : EncodersOf(codec, request.hardware)) {
       EncoderOptions(codec, encoder, request.quality, request.speed);
     }
     heightStep = codec.HeightStep(interlaced);
@@ -223,6 +224,7 @@ void CheckRequest(const FilmKind& kind, const FilmRequest& request) {
     if (!request.codec.empty()) refuse("--codec " + request.codec, "codec");
     if (!request.quality.empty()) refuse("--quality " + request.quality, "codec");
     if (!request.speed.empty()) refuse("--speed " + request.speed, "codec");
+    if (!request.hardware.empty()) refuse("--encoder " + request.hardware, "codec");
     if (!request.audio.empty()) refuse("--audio " + request.audio, "sound");
   }
   CheckSize(kind, request.format.size, heightStep, interlaced);

@@ -21,6 +21,7 @@ struct FilmRequest {
   int32_t firstNumber = 0;   ///< of numbered pictures
   std::string quality{};     ///< how good it looks, and how quickly it is coded, as EncoderOptions
   std::string speed{};       ///< takes them
+  std::string hardware{};    ///< one of HardwareWords; empty for an encoder in software
   bool repeatSound = false;  ///< whether the sound begins again where it ends before the film
   double soundFade = 0.0;    ///< seconds in which it fades out at the film's end
   int32_t depth = 8;         ///< bits a channel, one of DepthsOf

@@ -1,5 +1,7 @@
 #include "host/film/planes.h"
 
+#include <vector>
+
 #include <algorithm>
 
 namespace kelto::host {
@@ -82,6 +84,23 @@ void FillPlanes420(const FrameView& frame, const ChromaMap& map, bool interlaced
     const int32_t upperQuarters = !interlaced ? 2 : field == 0 ? 3 : 1;
     ChromaRow(frame.Row(upper), frame.Row(lower), upperQuarters, frame.size.width / 2, map,
               planes.cb + row * planes.cbRowBytes, planes.cr + row * planes.crRowBytes);
+  }
+}
+
+void FillNv12(const FrameView& frame, const ChromaMap& map, bool interlaced,
+              const Nv12Planes& planes) {
+  const auto width = static_cast<size_t>(frame.size.width / 2),
+             height = static_cast<size_t>(frame.size.height / 2);
+  std::vector<uint8_t> cb(width * height), cr(width * height);
+  const auto rowBytes = static_cast<ptrdiff_t>(width);
+  FillPlanes420(frame, map, interlaced,
+                {planes.luma, cb.data(), cr.data(), planes.lumaRowBytes, rowBytes, rowBytes});
+  for (size_t y = 0; y < height; ++y) {
+    uint8_t* to = planes.chroma + static_cast<ptrdiff_t>(y) * planes.chromaRowBytes;
+    for (size_t x = 0; x < width; ++x) {
+      *to++ = cb[y * width + x];
+      *to++ = cr[y * width + x];
+    }
   }
 }
 

@@ -32,4 +32,16 @@ void FillPlanes422(const FrameView& frame, const ChromaMap& map, const TenBitPla
 void FillPlanes420(const FrameView& frame, const ChromaMap& map, bool interlaced,
                    const Planes& planes);
 
+/// Luma, and half-height chroma, Cb and Cr in turns; each row starts `rowBytes` behind the one
+/// above it.
+struct Nv12Planes {
+  uint8_t* luma;
+  uint8_t* chroma;
+  ptrdiff_t lumaRowBytes, chromaRowBytes;
+};
+
+/// The samples of FillPlanes420.
+void FillNv12(const FrameView& frame, const ChromaMap& map, bool interlaced,
+              const Nv12Planes& planes);
+
 }  // namespace kelto::host

@@ -37,7 +37,7 @@ bool IsTransparent(std::span<const RenderPlan> plans) {
 
 void CheckDepth(const FilmKind& kind, std::span<const RenderPlan> plans, int32_t depth,
                 const FilmRequest& request) {
-  DepthOf(kind, request.codec, {depth, 8, IsTransparent(plans)});
+  DepthOf(kind, request.codec, {depth, 8, IsTransparent(plans), !request.hardware.empty()});
   const std::string what = WhatIsDeep(kind, plans, depth);
   if (what.empty()) return;
 #if defined(_WIN32)
@@ -58,7 +58,8 @@ void ChooseDepth(const FilmKind& kind, std::span<const RenderPlan> plans,
   int32_t bits = 8;
   for (const Photo& photo : photos) bits = std::max(bits, photo.bits);
   request.transparent = IsTransparent(plans);
-  request.depth = DepthOf(kind, request.codec, {depth, bits, request.transparent});
+  request.depth =
+      DepthOf(kind, request.codec, {depth, bits, request.transparent, !request.hardware.empty()});
   const bool asked = !WhatIsDeep(kind, plans, depth).empty();
   request.deep = asked || AreDrawnDeep(plans, photos);
   if (!asked) return;

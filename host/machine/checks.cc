@@ -15,6 +15,7 @@
 #include "host/film/codecs.h"
 #include "host/film/coded_films.h"
 #include "host/film/formats.h"
+#include "host/film/hardware.h"
 #include "host/frames/effect_session.h"
 #include "host/machine/sample_stills.h"
 #include "host/plan/default_plan.h"
@@ -67,12 +68,14 @@ std::string WriteSample(const WorkFolder& folder, const SampleStill& still) {
   return path;
 }
 
-void WriteFilm(const FilmKind& kind, const std::string& path, const std::string& codec) {
+void WriteFilm(const FilmKind& kind, const std::string& path, const std::string& codec,
+               const std::string& hardware = "") {
   FilmRequest request;
   request.output = path;
   request.format.size = kSize;
   request.frames = 2;
   request.codec = codec;
+  request.hardware = hardware;
   CheckRequest(kind, request);
   const std::unique_ptr<FrameSink> film = kind.open(request);
   const size_t rowBytes = static_cast<size_t>(kSize.width) * BytesPerPixel(kind.layout);
@@ -122,6 +125,23 @@ std::vector<Check> TryFilms() {
     if (IsContainer(kind.name)) continue;
     const std::string path = folder / ("film-%d." + std::string(kind.name));
     checks.push_back(WithoutPath(Try(kind.name, [&] { WriteFilm(kind, path, ""); }), path));
+  }
+  return checks;
+}
+
+std::vector<Check> TryHardware() {
+  if (CodedFilmKinds().empty()) return {};
+  const WorkFolder folder;
+  std::vector<Check> checks;
+  for (const char* hardware : HardwareWords()) {
+    for (const FilmCodec& codec : FilmCodecs()) {
+      if (EncodersOf(codec, hardware).empty()) continue;
+      const std::string kind = codec.kinds.front(), path = folder / ("film." + kind);
+      checks.push_back(
+          WithoutPath(Try(std::string(codec.name) + " by " + hardware,
+                          [&] { WriteFilm(KindFor(path, ""), path, codec.name, hardware); }),
+                      path));
+    }
   }
   return checks;
 }

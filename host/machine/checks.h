@@ -18,6 +18,9 @@ std::vector<Check> TryStills();
 /// Every codec and kind of film, written with a few frames.
 std::vector<Check> TryFilms();
 
+/// Every encoder in hardware, in the same way.
+std::vector<Check> TryHardware();
+
 /// Whether the module at `path` renders a photograph.
 Check TryModule(const std::string& path);
 

@@ -66,7 +66,7 @@ class Rules {
     struct stat kind {};
     fstat(place, &kind);
     if (!S_ISDIR(kind.st_mode)) {
-      access &= kReadFile | LANDLOCK_ACCESS_FS_WRITE_FILE | kTruncate;
+      access &= kReadFile | LANDLOCK_ACCESS_FS_WRITE_FILE | kTruncate | kDeviceControls;
     }
     landlock_path_beneath_attr rule{};
     rule.allowed_access = access & handled_.files;
@@ -111,6 +111,9 @@ int RestrictFiles(const SandboxAccess& access, const std::vector<std::string>& a
   for (const std::string& path : always) rules.Allow(path, kReadFolder);
   for (const std::string& path : access.reads) rules.Allow(path, kReadFolder);
   for (const std::string& path : access.writes) rules.Allow(FolderOf(path), kWriteFolder);
+  for (const std::string& path : access.devices) {
+    rules.Allow(path, kReadFolder | LANDLOCK_ACCESS_FS_WRITE_FILE | kDeviceControls);
+  }
   rules.Allow("/dev/null", kReadFile | LANDLOCK_ACCESS_FS_WRITE_FILE);
   return rules.Enforce();
 }

@@ -15,6 +15,7 @@ namespace kelto::host {
 struct SandboxAccess {
   std::vector<std::string> reads;   ///< files; or folders, with all that is below them
   std::vector<std::string> writes;  ///< folders, or files by their folders, to write, read and list
+  std::vector<std::string> devices{};  ///< to be used in any way; or folders of them
 };
 
 enum class SandboxUse {

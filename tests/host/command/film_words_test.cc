@@ -136,5 +136,29 @@ TEST_F(FilmWords, ALoopComesBackToItsBeginningWithoutASeam) {
             soft.substr(5 * kFrame, 4 * kFrame));
 }
 
+TEST_F(FilmWords, EncodersInHardwareAreNeverReplacedInSilence) {
+  EXPECT_EQ(Film("f.mp4", {"--encoder", "software"}), Film("f.mp4", {}));
+  for (const char* hardware : {"nvenc", "qsv"}) {
+    for (const char* codec : {"h264", "h265"}) {
+      const std::string name = std::string(hardware) + codec + ".mp4";
+      const Outcome outcome =
+          Render(photo_, folder_ / name,
+                 {"--size", "320x240", "--move", "hold", "--encoder", hardware, "--codec", codec});
+      if (outcome.code == 0) {  // a machine that has it
+        EXPECT_EQ(ReadFilm(folder_ / name).frames.size(), 3u);
+        continue;
+      }
+      EXPECT_EQ(outcome.code, 1) << outcome.err;
+      EXPECT_TRUE(IsOneLine(outcome.err)) << outcome.err;
+      EXPECT_THAT(outcome.err, HasSubstr(name));
+      EXPECT_THAT(outcome.err, HasSubstr("; use --encoder software"));
+      EXPECT_THAT(NamesIn(folder_), testing::Not(testing::Contains(name)));
+    }
+  }
+  EXPECT_THAT(FaultOf("f.mp4", {"--encoder", "vaapi"}),
+              HasSubstr("--encoder vaapi: is not supported"));
+  EXPECT_THAT(FaultOf("f.webm", {"--encoder", "qsv"}), HasSubstr("use --codec h264, h265"));
+}
+
 }  // namespace
 }  // namespace kelto::test
