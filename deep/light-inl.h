@@ -60,14 +60,22 @@ HWY_INLINE DeepVector OnStraightLanes(DeepVector pixels, Curve curve) {
   return hn::IfThenElse(AlphaLanes(), pixels, result);
 }
 
+/// Of values of 0 and above.
+HWY_INLINE DeepVector DecodeCurve(DeepVector value) {
+  const Floats floats;
+  const auto base =
+      hn::MulAdd(value, hn::Set(floats, 1 / 1.055f), hn::Set(floats, 0.055f / 1.055f));
+  return hn::IfThenElse(hn::Le(value, hn::Set(floats, 0.04045f)),
+                        hn::Mul(value, hn::Set(floats, 1 / 12.92f)), PowerOf(base, 2.4f));
+}
+
 HWY_INLINE DeepVector DecodeLightOf(DeepVector pixels) {
-  return OnStraightLanes(pixels, [](DeepVector value) {
-    const Floats floats;
-    const auto base =
-        hn::MulAdd(value, hn::Set(floats, 1 / 1.055f), hn::Set(floats, 0.055f / 1.055f));
-    return hn::IfThenElse(hn::Le(value, hn::Set(floats, 0.04045f)),
-                          hn::Mul(value, hn::Set(floats, 1 / 12.92f)), PowerOf(base, 2.4f));
-  });
+  return OnStraightLanes(pixels, [](DeepVector value) { return DecodeCurve(value); });
+}
+
+/// The same of opaque pixels, of which no alpha is asked for.
+HWY_INLINE DeepVector DecodeOpaqueLightOf(DeepVector pixels) {
+  return hn::CopySign(DecodeCurve(hn::Abs(pixels)), pixels);
 }
 
 HWY_INLINE DeepVector EncodeLightOf(DeepVector pixels) {

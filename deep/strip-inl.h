@@ -151,7 +151,8 @@ class DeepStrip {
     const auto scale = hn::Set(floats, 1.0f / FullScale(plan_.picture.sample));
     for (size_t i = 0; i < kStripFloats; i += kLanes) {
       const auto pixels = hn::Mul(hn::Load(floats, row + i), scale);
-      hn::Store(DecodeLightOf(WithAlpha(pixels, plan_.picture.hasAlpha)), floats, row + i);
+      hn::Store(plan_.picture.hasAlpha ? DecodeLightOf(pixels) : DecodeOpaqueLightOf(pixels),
+                floats, row + i);
     }
   }
 
