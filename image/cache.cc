@@ -43,16 +43,21 @@ void ReleaseWorkImages(PanZoomState& state) {
   for (ImagePtr& image : state.picture.workImages) image.reset();
 }
 
-void AllocateImageData(PanZoomState& state, IplImage* image) {
+namespace {
+
+void Allocate(IplImage* image) { iplAllocateImage(image, 0, 0); }
+
+/// Allocates or counts an image, at the cost of other instances where it must.
+void Obtain(PanZoomState& state, IplImage* image, void (*obtain)(IplImage*)) {
   const int32_t errorMode = iplGetErrMode();
   iplSetErrMode(IPL_ErrModeSilent);
-  iplAllocateImage(image, 0, 0);
+  obtain(image);
   for (PanZoomState* other : InstanceRegistry()) {
     if (iplGetErrStatus() == IPL_StsOk) break;
     if (other == &state) continue;
     iplSetErrStatus(IPL_StsOk);
     ReleaseWorkImages(*other);
-    iplAllocateImage(image, 0, 0);
+    obtain(image);
   }
   iplSetErrMode(errorMode);
 
@@ -68,6 +73,12 @@ void AllocateImageData(PanZoomState& state, IplImage* image) {
                 reinterpret_cast<uintptr_t>(&state));
   hfxGlobal::ConsolePrintf("%s", message);
 }
+
+}  // namespace
+
+void AllocateImageData(PanZoomState& state, IplImage* image) { Obtain(state, image, Allocate); }
+
+void CountImageData(PanZoomState& state, IplImage* image) { Obtain(state, image, iplxCountImage); }
 
 IplImage* NewCachedImageHeader(int32_t width, int32_t height) {
   return iplCreateImageHeader(4, 0, IPL_DEPTH_8U, "MSI", "MSI", IPL_DATA_ORDER_PIXEL, IPL_ORIGIN_TL,

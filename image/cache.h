@@ -25,6 +25,10 @@ void ReleaseWorkImages(PanZoomState& state);
 /// the cache's account; on failure a line goes to the console and the library's status stays set.
 void AllocateImageData(PanZoomState& state, IplImage* image);
 
+/// Enters `image` into the account as AllocateImageData does, without memory: its pixels will be
+/// those of an image that it exchanges them with.
+void CountImageData(PanZoomState& state, IplImage* image);
+
 /// Makes the header of a cached image; null, with the library's status set, when that fails.
 IplImage* NewCachedImageHeader(int32_t width, int32_t height);
 

@@ -87,51 +87,13 @@ void ConvertInPlace(const IplImage& rgb, const IplImage& ycrcb, bool toStudioRan
   }
 }
 
-/// Rows of an image as an image of their own, which owns nothing.
-IplImage Strip(const IplImage& image, int32_t firstRow, int32_t rows) {
-  IplImage strip = image;
-  strip.imageData += ptrdiff_t{firstRow} * image.widthStep;
-  strip.height = rows;
-  return strip;
-}
-
-/// The same into pixels of their own, in strips, for the same reason.
-void ConvertApart(const IplImage& rgb, const IplImage& ycrcb, bool toStudioRange) {
-  constexpr int32_t kStripRows = 8;
-  for (int32_t row = 0; row < rgb.height && !LibraryFailed(); row += kStripRows) {
-    const int32_t rows = std::min(kStripRows, rgb.height - row);
-    const IplImage from = Strip(rgb, row, rows);
-    IplImage to = Strip(ycrcb, row, rows);
-    if (toStudioRange) CompressToStudioRange(from);
-    iplRGB2YCrCb(&from, &to);
-  }
-}
-
-/// Three bytes a pixel to four; the fourth is not written.
-void SpreadPixels(const IplImage& from, const IplImage& to) {
-  for (int32_t row = 0; row < from.height; ++row) {
-    const char* source = from.imageData + ptrdiff_t{row} * from.widthStep;
-    char* dest = to.imageData + ptrdiff_t{row} * to.widthStep;
-    for (int32_t column = 0; column < from.width; ++column, source += 3, dest += 4) {
-      std::memcpy(dest, source, 3);
-    }
-  }
-}
-
-/// Whether a picture stays where it is decoded, which spares memory and time. What the other images
-/// of a load are given takes addresses all the same, of which a 32-bit process has too few: for it,
-/// the smaller of the images is kept while the last one is given its own.
-constexpr bool kStays = sizeof(void*) > 4;
-
-/// Allocates the pixels of `image`; a line on the console says when memory runs out.
-bool AllocateOrReport(PanZoomState& state, IplImage* image) {
-  AllocateImageData(state, image);
-  if (LibraryFailed()) {
-    hfxGlobal::ConsolePrintf("PanZoom HFX: Unable to allocate memory for image.\n");
-    return false;
-  }
-  if (image->imageData == nullptr) throw kOutOfMemory;
-  return true;
+/// Counts the pixels of `image`, which stay where they were decoded; a line on the console says
+/// when that is more than the account has.
+bool CountOrReport(PanZoomState& state, IplImage* image) {
+  CountImageData(state, image);
+  if (!LibraryFailed()) return true;
+  hfxGlobal::ConsolePrintf("PanZoom HFX: Unable to allocate memory for image.\n");
+  return false;
 }
 
 IplImage* NewHeader(int32_t channels, const char* model, const char* sequence, int32_t align,
@@ -162,29 +124,19 @@ bool Load(PanZoomState& state, bool interactive) {
   ImagePtr decoded(NewHeader(4, "RGBA", "BGRA", IPL_ALIGN_DWORD, size));
   if (!Decode(state, still, bounds, decoded.get())) return false;
 
-  // Where the picture stays, what the other images are given is counted, and may be refused, but
-  // nobody writes there, so that the system provides no memory for it.
+  // The picture stays where it is decoded, which spares memory and time: the other two images of a
+  // load are counted, and may be refused, but have no memory of their own.
   const IplImage rows = *decoded;
-  const bool toStudioRange = state.settings.levels == kLevelsRGB;
   ImagePtr converted(NewHeader(3, "YCr", "YCr", IPL_ALIGN_QWORD, size));
-  if (!AllocateOrReport(state, converted.get())) return false;
-  if (kStays) {
-    ExchangePixels(*decoded, *converted);
-  } else {
-    ConvertApart(*decoded, *converted, toStudioRange);
-  }
-  if (LibraryFailed()) return false;
-  decoded.reset();  // before the next allocation: two full-size images at a time, never three
+  if (!CountOrReport(state, converted.get())) return false;
+  ExchangePixels(*decoded, *converted);
+  decoded.reset();  // before the next is counted: two full-size images at a time, never three
 
   ImagePtr cached(NewCachedImageHeader(size.width, size.height));
-  if (!AllocateOrReport(state, cached.get())) return false;
-  if (kStays) {
-    ExchangePixels(*converted, *cached);
-    converted.reset();
-    ConvertInPlace(rows, *cached, toStudioRange);
-  } else {
-    SpreadPixels(*converted, *cached);
-  }
+  if (!CountOrReport(state, cached.get())) return false;
+  ExchangePixels(*converted, *cached);
+  converted.reset();
+  ConvertInPlace(rows, *cached, state.settings.levels == kLevelsRGB);
   if (LibraryFailed()) return false;
 
   state.picture.workImages[0] = std::move(cached);

@@ -105,6 +105,10 @@ KELTO_PLATFORM_API void iplDeallocate(IplImage* image, int32_t flags);
 /// (IPL_BadNumChannels) or the source's sequence lacks R, G or B (IPL_BadOrder).
 KELTO_PLATFORM_API void iplRGB2YCrCb(const IplImage* rgb, IplImage* ycrcb);
 
+/// Extension: what iplAllocateImage does to the account, without memory: `imageData` stays null
+/// until the image exchanges it with one that has memory. Fails as iplAllocateImage does.
+KELTO_PLATFORM_API void iplxCountImage(IplImage* image);
+
 /// Extension: caps the pixel bytes allocated at any time (0 lifts the cap), so that running out of
 /// memory can be made to happen; iplxAllocatedBytes returns what is allocated now.
 KELTO_PLATFORM_API void iplxSetMemoryLimit(uint64_t bytes);

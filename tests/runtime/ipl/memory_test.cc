@@ -65,6 +65,36 @@ TEST_F(Memory, ImagesThatExchangedTheirPixelsCountAsBefore) {
   EXPECT_EQ(iplxAllocatedBytes(), 40000u);
 }
 
+TEST_F(Memory, CountedImagesTakeOfTheAccountAndHaveNoPixels) {
+  Image first = NewPixels(10, 10);
+  char* const pixels = first->imageData;
+  const Image counted = NewHeader(4, "RGBA", "BGRA", IPL_ALIGN_DWORD, 20, 10);
+  iplxCountImage(counted.get());
+  EXPECT_EQ(iplGetErrStatus(), IPL_StsOk);
+  EXPECT_EQ(counted->imageData, nullptr);
+  EXPECT_EQ(iplxAllocatedBytes(), 1200u);
+  iplxCountImage(counted.get());
+  EXPECT_EQ(iplxAllocatedBytes(), 1200u) << "counted once";
+  std::swap(first->imageData, counted->imageData);
+  std::swap(first->imageDataOrigin, counted->imageDataOrigin);
+  first.reset();
+  EXPECT_EQ(iplxAllocatedBytes(), 800u);
+  EXPECT_EQ(counted->imageData, pixels) << "freed with the image that has them now";
+}
+
+TEST_F(Memory, CountingStopsAtTheLimit) {
+  const Image first = NewPixels(10, 10);
+  const Image counted = NewHeader(4, "RGBA", "BGRA", IPL_ALIGN_DWORD, 20, 10);
+  iplxSetMemoryLimit(1199);
+  iplxCountImage(counted.get());
+  EXPECT_EQ(iplGetErrStatus(), IPL_StsNoMem);
+  EXPECT_EQ(iplxAllocatedBytes(), 400u);
+  iplSetErrStatus(IPL_StsOk);
+  iplxSetMemoryLimit(1200);
+  iplxCountImage(counted.get());
+  EXPECT_EQ(iplGetErrStatus(), IPL_StsOk);
+}
+
 TEST_F(Memory, AllocatingAgainReplacesThePixels) {
   const Image image = NewPixels(10, 10);
   iplAllocateImage(image.get(), 1, 1);
