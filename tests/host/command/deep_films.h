@@ -96,11 +96,18 @@ struct Column {
   std::set<Sample> levels;
 };
 
-/// A sky: grey from studio level 66.33 to 104.88, the top lighter.
+/// A sky: grey from studio level 105.73 at the top to 67.12. These are levels 60 to 104 of a photo
+/// of eight bits, and all that the effect shows as levels 68 to 105: it brings two levels of a
+/// photo to one here and there, 60 and 61 and 103 and 104 among them.
 inline constexpr int kSkyWidth = 64, kSkyHeight = 1080;
-inline double SkyLevel(int y) { return 104.88 - 38.55 * y / (kSkyHeight - 1); }
+inline double SkyLevel(int y) { return 105.73 - 38.61 * y / (kSkyHeight - 1); }
 inline DeepPixel Sky(int, int y) {
   const double grey = (SkyLevel(y) - 16.0) / 219.0;
+  return {grey, grey, grey, 1.0};
+}
+/// Rounded to eight bits here, since programs that convert photos need not round to nearest.
+inline DeepPixel FlatSky(int x, int y) {
+  const double grey = std::round(255 * Sky(x, y)[0]) / 255;
   return {grey, grey, grey, 1.0};
 }
 inline const Words kSkyFilm = {"--size", "64x1080", "--frames", "2", "--from", "1", "--to", "1.01"};
