@@ -1,6 +1,7 @@
 #!/bin/sh
 # The engine and what surrounds it beside their peers: one core, all of it interleaved in one run,
-# several times over; medians. Figures of different runs cannot be compared.
+# several times over; medians, or with KELTO_BENCH_LEAST=1 least times, for a machine with other
+# work. Figures of different runs cannot be compared.
 set -eu
 cd "$(dirname "$0")/../.."
 sh tools/setup.sh tools/packages-bench.txt
