@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <ctime>
 #include <functional>
 #include <vector>
 
@@ -27,6 +28,13 @@ constexpr int kPatience = 60000;
 
 double Since(Clock::time_point begin) {
   return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+}
+
+/// CPU time of this thread, which other work on the machine changes little.
+double ThreadMilliseconds() {
+  timespec now{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+  return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
 }
 
 void Report(const char* what, std::vector<double> times) {
@@ -165,17 +173,28 @@ void MeasureWindow(const char* path) {
   window.Open(project);
   window.Select(250);
   QTest::qWait(2000);  // the way has been found
-  std::vector<double> events, idle;
+  bool drawn = false, found = false;
+  QObject::connect(&window.ThePreview(), &Preview::FrameDrawn, &window, [&] { drawn = true; });
+  QObject::connect(&window.ThePreview(), &Preview::WayFound, &window, [&] { found = true; });
+  std::vector<double> events, painted, answered, busy;
   for (int key = 0; key < 60; ++key) {
+    drawn = found = false;
     const auto pressed = Clock::now();
+    const double before = ThreadMilliseconds();
     QTest::keyClick(&window.TheCanvas(), key % 2 == 0 ? Qt::Key_Right : Qt::Key_Left);
     events.push_back(Since(pressed));
     QCoreApplication::processEvents();
-    idle.push_back(Since(pressed));
+    painted.push_back(Since(pressed));
+    while (!drawn || !found) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    QCoreApplication::processEvents();
+    answered.push_back(Since(pressed));
+    busy.push_back(ThreadMilliseconds() - before);
     QTest::qWait(30);
   }
   Report("500 stops: a key in the canvas", events);
-  Report("500 stops: and all that it changes painted", idle);
+  Report("500 stops: and all that it changes painted", painted);
+  Report("500 stops: and the preview's answers painted", answered);
+  Report("500 stops: CPU time of the window for all that", busy);
   window.TheSession().Save();
 }
 

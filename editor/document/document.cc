@@ -67,13 +67,15 @@ host::RenderPlan PlanOf(const Document& document) {
 }
 
 Document Changed(const Document& document, const std::function<void(ordered_json&)>& change) {
-  ordered_json json = ordered_json::parse(document.text);
+  const ordered_json current = ordered_json::parse(document.text);
+  ordered_json json = current;
   if (json.contains("pictures")) {
     ChangePicture(json, document.picture, change);
   } else {
     change(json);
   }
-  Document changed{document.path, host::PatchedJson(document.text, json), document.picture};
+  Document changed{document.path, host::PatchedJson(document.text, current, json),
+                   document.picture};
   PlanOf(changed);
   return changed;
 }

@@ -41,9 +41,10 @@ ordered_json& PictureAt(ordered_json& show, size_t at) {
 /// The document after `change` of the whole JSON, with `picture` being edited.
 Document Rewritten(const Document& document, size_t picture,
                    const std::function<void(ordered_json&)>& change) {
-  ordered_json json = ordered_json::parse(document.text);
+  const ordered_json current = ordered_json::parse(document.text);
+  ordered_json json = current;
   change(json);
-  Document changed{document.path, host::PatchedJson(document.text, json), picture};
+  Document changed{document.path, host::PatchedJson(document.text, current, json), picture};
   host::ParseShow(changed.text, changed.path);
   return changed;
 }

@@ -41,6 +41,8 @@ Document WithChangedTour(const Document& document, bool timed, Change change) {
   if (plan.views.empty()) throw host::Error("the film has keys; make them views first");
   Tour tour = timed ? TimedTour(plan) : plan.views;
   change(tour);
+  // A gesture ends with what it changed last.
+  if (!timed && tour == plan.views) return document;
   return WithTour(document, tour, timed);
 }
 

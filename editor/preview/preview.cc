@@ -17,7 +17,6 @@
 #include "host/base/error.h"
 #include "host/playback/playback.h"
 #include "host/playback/quality_control.h"
-#include "host/project/layout.h"
 #include "host/project/plan_json.h"
 
 namespace kelto::editor {
@@ -50,7 +49,7 @@ host::FrameSize SizeWithin(const host::FilmFormat& format, QSize box) {
 
 PlanRequest RequestOf(const host::RenderPlan& plan, const FadesAround& fades) {
   const auto text = [](const host::RenderPlan& one) {
-    return host::LaidOut(host::FilmJson("/film.json", one));
+    return host::FilmJson("/film.json", one).dump();
   };
   PlanRequest request{text(plan)};
   if (fades.before) request.before = text(*fades.before);

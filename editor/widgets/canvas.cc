@@ -37,6 +37,11 @@ void Canvas::SetPhoto(const QImage& photo) {
 
 void Canvas::SetScene(const CanvasScene& scene) { p_->SetScene(scene); }
 
+void Canvas::SetWay(const FilmWay& way) {
+  p_->scene_.way = way;
+  update();
+}
+
 void Canvas::SetTime(double seconds) {
   if (seconds == p_->seconds_) return;
   p_->seconds_ = seconds;

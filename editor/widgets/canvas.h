@@ -42,6 +42,8 @@ class Canvas : public QWidget {
   /// `photo` may be smaller than the scene's photo: it is shown as large.
   void SetPhoto(const QImage& photo);
   void SetScene(const CanvasScene& scene);
+  /// The scene's way alone, which takes longer to find than the views.
+  void SetWay(const FilmWay& way);
   /// Where the film stands, in seconds: the view there is drawn as a thin frame. Below 0: none.
   void SetTime(double seconds);
   /// A text in the middle instead of the photo, such as why it could not be read; empty for none.

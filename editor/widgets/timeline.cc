@@ -7,11 +7,9 @@
 #include <QToolTip>
 #include <algorithm>
 #include <cmath>
-#include <optional>
 #include <utility>
 
 #include "editor/rules/timecode.h"
-#include "editor/widgets/timeline_painter.h"
 #include "editor/widgets/timeline_private.h"
 
 namespace kelto::editor {
@@ -31,7 +29,13 @@ Timeline::~Timeline() = default;
 
 const TimelineScene& Timeline::Scene() const { return p_->scene_; }
 
+void Timeline::SetWay(const FilmWay& way) {
+  p_->scene_.way = way;
+  p_->Redraw();
+}
+
 void Timeline::SetScene(const TimelineScene& scene) {
+  const bool otherRows = HeightOf(scene) != HeightOf(p_->scene_);
   const StopTimes dragged = p_->scene_.stops;
   const bool dragging =
       p_->gesture_ && p_->doing_ == Private::Doing::kEdge && dragged.size() == scene.stops.size();
@@ -50,15 +54,12 @@ void Timeline::SetScene(const TimelineScene& scene) {
   });
   p_->Select(std::move(keys));
   if (p_->doing_ == Private::Doing::kNothing) p_->Refit();
-  updateGeometry();
-  update();
+  // Laying out all of the window for each step of a drag takes longer than the step.
+  if (otherRows) updateGeometry();
+  p_->Redraw();
 }
 
-void Timeline::SetTime(double seconds) {
-  if (seconds == p_->seconds_) return;
-  p_->seconds_ = seconds;
-  update();
-}
+void Timeline::SetTime(double seconds) { p_->SetTime(seconds); }
 
 const std::vector<KeyPlace>& Timeline::SelectedKeys() const { return p_->selected_; }
 
@@ -97,10 +98,7 @@ bool Timeline::event(QEvent* event) {
 
 void Timeline::paintEvent(QPaintEvent*) {
   QPainter painter(this);
-  const TimelineRows rows = p_->Rows();
-  const bool band = p_->doing_ == Private::Doing::kBand;
-  DrawTimeline(painter, {p_->scene_, rows, p_->axis_, p_->seconds_, p_->selected_,
-                         band ? std::optional(p_->band_) : std::nullopt, palette()});
+  p_->Paint(painter);
   if (!hasFocus()) return;
   painter.setRenderHint(QPainter::Antialiasing, false);
   painter.setBrush(Qt::NoBrush);
@@ -149,7 +147,13 @@ void Timeline::wheelEvent(QWheelEvent* event) {
   } else {
     p_->axis_ = MovedAxis(p_->axis_, down + right, p_->scene_.length, rows.width);
   }
-  update();
+  p_->Redraw();
+}
+
+void Timeline::changeEvent(QEvent* event) {
+  // Of colours, letters or language, or of whether it is enabled.
+  p_->Redraw();
+  QWidget::changeEvent(event);
 }
 
 void Timeline::keyPressEvent(QKeyEvent* event) {

@@ -56,6 +56,8 @@ class Timeline : public QWidget {
 
   void SetScene(const TimelineScene& scene);
   const TimelineScene& Scene() const;
+  /// The scene's way alone, which takes longer to find than all else.
+  void SetWay(const FilmWay& way);
   /// Where the film stands.
   void SetTime(double seconds);
   const std::vector<KeyPlace>& SelectedKeys() const;
@@ -81,6 +83,7 @@ class Timeline : public QWidget {
  protected:
   bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
+  void changeEvent(QEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;

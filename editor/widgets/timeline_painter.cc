@@ -13,6 +13,9 @@ namespace kelto::editor {
 namespace {
 
 constexpr double kBetweenLabels = 70.0;
+/// Pixels in which no time finds room.
+constexpr double kNarrowLabel = 24.0;
+constexpr int kManyStops = 100;
 
 QString Seconds(double seconds) {
   return QCoreApplication::translate("Timeline", "%1 s")
@@ -76,6 +79,7 @@ void DrawWays(QPainter& painter, const TimelineDrawing& drawing) {
     if (way.right() < 0.0 || way.left() > drawing.rows.stops.right() || way.width() < 1.0) continue;
     painter.fillRect(way, back);
     if (stop < scene.easing.size()) DrawEasing(painter, way, scene.easing[stop], curve);
+    if (way.width() < kNarrowLabel) continue;  // quicker than to measure one
     const QString label = Seconds(scene.stops[stop].go);
     if (way.width() < painter.fontMetrics().horizontalAdvance(label) + 24) continue;
     painter.setPen(line);
@@ -86,6 +90,8 @@ void DrawWays(QPainter& painter, const TimelineDrawing& drawing) {
 void DrawStops(QPainter& painter, const TimelineDrawing& drawing) {
   const TimelineScene& scene = drawing.scene;
   const int count = static_cast<int>(scene.stops.size());
+  // Measured once: hundreds of stops have no room for their numbers.
+  const double digit = painter.fontMetrics().horizontalAdvance('1');
   double arrival = 0.0;
   for (int stop = 0; stop < count; ++stop) {
     const StopTime& time = scene.stops[stop];
@@ -100,8 +106,14 @@ void DrawStops(QPainter& painter, const TimelineDrawing& drawing) {
     const bool selected = stop == scene.selected;
     painter.setPen(selected ? QPen(drawing.palette.color(QPalette::Text), 2.0) : QPen(Qt::NoPen));
     painter.setBrush(colour);
+    // Of hundreds, each covers the next one's corners.
+    if (count > kManyStops && !selected && width < kNarrowestStop) {
+      painter.fillRect(block, colour);
+      continue;
+    }
     painter.drawRoundedRect(block, 4.0, 4.0);
     const QString number = QString::number(stop + 1);
+    if (block.width() < static_cast<double>(number.size()) * digit) continue;
     if (block.width() < painter.fontMetrics().horizontalAdvance(number) + 2) continue;
     painter.setPen(TextOn(colour));
     const QString with = number + QStringLiteral("   ") + Seconds(time.hold);
@@ -218,6 +230,10 @@ void DrawTimeline(QPainter& painter, const TimelineDrawing& drawing) {
   DrawSpeed(painter, drawing);
   painter.restore();
   DrawLanes(painter, drawing);
+}
+
+void DrawMoment(QPainter& painter, const TimelineDrawing& drawing) {
+  painter.setRenderHint(QPainter::Antialiasing);
   DrawPlace(painter, drawing);
   if (!drawing.band) return;
   QColor fill = drawing.palette.color(QPalette::Highlight);

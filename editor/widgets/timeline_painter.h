@@ -20,6 +20,13 @@ struct TimelineDrawing {
   QPalette palette;
 };
 
+/// What stays while the film plays.
 void DrawTimeline(QPainter& painter, const TimelineDrawing& drawing);
+
+/// Where the film stands, and the band: above all else.
+void DrawMoment(QPainter& painter, const TimelineDrawing& drawing);
+
+/// Pixels across of what marks where the film stands, and a little more.
+inline constexpr double kPlaceWidth = 14.0;
 
 }  // namespace kelto::editor

@@ -1,10 +1,13 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 #include "editor/rules/key_drag.h"
+#include "editor/widgets/timeline_painter.h"
 #include "editor/widgets/timeline_private.h"
 
 namespace kelto::editor {
@@ -16,6 +19,37 @@ constexpr double kEdgeReach = 6.0;
 constexpr double kKeyStep = 0.1;
 
 }  // namespace
+
+void Timeline::Private::Paint(QPainter& painter) {
+  const TimelineRows rows = Rows();
+  const bool band = doing_ == Doing::kBand;
+  const TimelineDrawing drawing{
+      scene_,           rows,      axis_,
+      seconds_,         selected_, band ? std::optional(band_) : std::nullopt,
+      owner_->palette()};
+  const double ratio = owner_->devicePixelRatioF();
+  const QSize size = (QSizeF(owner_->size()) * ratio).toSize();
+  if (drawn_.size() != size || drawn_.devicePixelRatio() != ratio) {
+    drawn_ = QPixmap(size);
+    drawn_.setDevicePixelRatio(ratio);
+    drawn_.fill(drawing.palette.color(owner_->backgroundRole()));
+    QPainter below(&drawn_);
+    DrawTimeline(below, drawing);
+  }
+  painter.drawPixmap(0, 0, drawn_);
+  DrawMoment(painter, drawing);
+}
+
+void Timeline::Private::SetTime(double seconds) {
+  if (seconds == seconds_) return;
+  const auto place = [&] {
+    return QRectF(axis_.ToX(seconds_) - kPlaceWidth / 2, 0.0, kPlaceWidth, owner_->height())
+        .toAlignedRect();
+  };
+  owner_->update(place());
+  seconds_ = seconds;
+  owner_->update(place());
+}
 
 void Timeline::Private::Refit() {
   const TimelineRows rows = Rows();
@@ -39,7 +73,7 @@ void Timeline::Private::AskTime(double x) {
 void Timeline::Private::Select(std::vector<KeyPlace> keys) {
   if (keys == selected_) return;
   selected_ = std::move(keys);
-  owner_->update();
+  Redraw();
   emit owner_->KeysSelected();
 }
 
@@ -112,7 +146,7 @@ void Timeline::Private::Press(QMouseEvent& event) {
     doing_ = Doing::kScrub;
     AskTime(at.x());
   }
-  owner_->update();
+  Redraw();
 }
 
 void Timeline::Private::DragKeys(double by) {
@@ -154,12 +188,12 @@ void Timeline::Private::Move(QMouseEvent& event) {
     case Doing::kBand:
       band_ = QRectF(pressedAt_, at).normalized();
       Select(KeysIn(scene_, Rows(), axis_, band_));
-      break;
+      return owner_->update();
     default:
       owner_->setCursor(Edge(at) ? Qt::SplitHCursor : Qt::ArrowCursor);
       return;
   }
-  owner_->update();
+  Redraw();
 }
 
 void Timeline::Private::Release() {
@@ -179,7 +213,7 @@ void Timeline::Private::Release() {
     }
   }
   Refit();
-  owner_->update();
+  Redraw();
 }
 
 void Timeline::Private::Lengthen(bool way, double by) {

@@ -1,6 +1,7 @@
 // What the timeline is doing, and what events make of it.
 #pragma once
 
+#include <QPixmap>
 #include <QPointF>
 #include <QRectF>
 #include <optional>
@@ -11,6 +12,7 @@
 
 class QKeyEvent;
 class QMouseEvent;
+class QPainter;
 
 namespace kelto::editor {
 
@@ -19,6 +21,13 @@ class Timeline::Private {
   explicit Private(Timeline* owner) : owner_(owner) {}
 
   TimelineRows Rows() const { return RowsOf(scene_, owner_->size()); }
+  void Paint(QPainter& painter);
+  /// What is seen has changed, but for where the film stands.
+  void Redraw() {
+    drawn_ = {};
+    owner_->update();
+  }
+  void SetTime(double seconds);
   void Refit();
   void Press(QMouseEvent& event);
   void PressKey(const KeyPlace& key, Qt::KeyboardModifiers modifiers);
@@ -39,6 +48,9 @@ class Timeline::Private {
 
   Timeline* owner_;
   TimelineScene scene_;
+  /// What is seen below the film's place; null when it has to be drawn. A film that plays moves
+  /// nothing but the place, and hundreds of stops take longer than a frame.
+  QPixmap drawn_;
   double seconds_ = 0.0;
   TimeAxis axis_;
   bool fitted_ = true;  ///< all of the film is seen

@@ -39,7 +39,10 @@ MainWindow::MainWindow(const Programs& programs, QWidget* parent)
   restoreGeometry(settings.value("window/geometry").toByteArray());
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow() {
+  // A number that is being typed is entered as its box loses the focus, which takes a window.
+  hide();
+}
 
 FoundSizes MainWindow::FindSizes(const std::vector<std::string>& photos) {
   const auto find = [this](const std::vector<std::string>& some, const SizesProgress& progress) {
@@ -130,6 +133,7 @@ void MainWindow::Connect() {
     preview_.SetPlan(session_.Plan(), session_.Fades());
     ShowDocument();
   });
+  connect(&session_, &Session::CameToNothing, this, &MainWindow::ShowDocument);
   connect(&session_, &Session::StateChanged, this, &MainWindow::ShowStates);
   connect(&session_, &Session::StateChanged, this, &MainWindow::ShowTitle);
   connect(&session_, &Session::Failed, this, &MainWindow::ShowFailure);
@@ -191,7 +195,8 @@ void MainWindow::Connect() {
   });
   connect(&preview_, &Preview::WayFound, this, [this](const FilmWay& way) {
     way_ = way;
-    ShowDocument();
+    canvas_->SetWay(way_);
+    timeline_->SetWay(way_);
   });
   connect(&preview_, &Preview::PlayingChanged, previewView_, &PreviewView::SetPlaying);
   connect(&preview_, &Preview::Failed, previewView_, &PreviewView::SetNotice);

@@ -178,6 +178,7 @@ void Session::Apply(const QString& name, const Change& change, Gesture gesture) 
   if (!open_) return;
   Try([&] {
     Document next = change(Current());
+    if (next == Current()) return emit CameToNothing();
     Take(next);
     // Another program may have left fewer pictures.
     if (!pictures_.empty()) next.picture = std::min(next.picture, pictures_.size() - 1);

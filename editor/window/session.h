@@ -79,6 +79,8 @@ class Session : public QObject {
  signals:
   /// Another document, or another state of it.
   void Changed();
+  /// A change has left the document as it was.
+  void CameToNothing();
   /// What is undone and saved, or where, is another.
   void StateChanged();
   /// Another program has changed the project's file.

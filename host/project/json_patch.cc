@@ -166,8 +166,13 @@ class Patch {
 
 std::string PatchedJson(const std::string& text, const ordered_json& wanted) {
   ParseJson(text);
+  return PatchedJson(text, ordered_json::parse(text), wanted);
+}
+
+std::string PatchedJson(const std::string& text, const ordered_json& current,
+                        const ordered_json& wanted) {
   Patch patch(text);
-  patch.Compare(OutlineOf(text), ordered_json::parse(text), wanted);
+  patch.Compare(OutlineOf(text), current, wanted);
   return patch.Applied();
 }
 

@@ -13,4 +13,9 @@ namespace kelto::host {
 /// not UTF-8.
 std::string PatchedJson(const std::string& text, const nlohmann::ordered_json& wanted);
 
+/// The same where `text` has been parsed already, as `current`; reading a long text takes longer
+/// than changing it.
+std::string PatchedJson(const std::string& text, const nlohmann::ordered_json& current,
+                        const nlohmann::ordered_json& wanted);
+
 }  // namespace kelto::host

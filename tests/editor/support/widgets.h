@@ -4,12 +4,38 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QPaintEvent>
 #include <QTest>
 #include <QWheelEvent>
 #include <QWidget>
 #include <cstdlib>
 
 namespace kelto::editor {
+
+/// Counts the events of a type that a widget gets.
+class EventCount : public QObject {
+ public:
+  EventCount(QObject& watched, QEvent::Type type) : type_(type) {
+    watched.installEventFilter(this);
+  }
+  int Count() const { return count_; }
+  /// Of the last one, where it was to paint.
+  QRect Painted() const { return painted_; }
+
+ protected:
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() != type_) return false;
+    ++count_;
+    if (type_ == QEvent::Paint)
+      painted_ = static_cast<QPaintEvent*>(event)->region().boundingRect();
+    return false;
+  }
+
+ private:
+  QEvent::Type type_;
+  int count_ = 0;
+  QRect painted_;
+};
 
 /// The one application of a test program.
 class WidgetTest : public testing::Test {

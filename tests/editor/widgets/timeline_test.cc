@@ -77,6 +77,52 @@ class TimelineWidget : public WidgetTest {
   double later_ = 0.0;
 };
 
+// Hundreds of stops take longer to draw than a frame of the film is seen.
+TEST_F(TimelineWidget, AFilmThatPlaysRedrawsItsPlaceAlone) {
+  timeline_.SetTime(2.0);
+  QCoreApplication::processEvents();
+  const EventCount paints(timeline_, QEvent::Paint);
+  timeline_.SetTime(2.04);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(paints.Count(), 1);
+  EXPECT_LT(paints.Painted().width(), 40);
+  const QImage played = timeline_.grab().toImage();
+  timeline_.SetScene(scene_);
+  EXPECT_EQ(timeline_.grab().toImage(), played) << "as if all of it had been drawn";
+  timeline_.SetTime(7.0);
+  EXPECT_NE(timeline_.grab().toImage(), played);
+}
+
+TEST_F(TimelineWidget, WhatIsDrawnFollowsWhatItShows) {
+  const QImage before = timeline_.grab().toImage();
+  scene_.way = {{0.0, {}, 1.0}, {5.0, {}, 3.0}, {10.0, {}, 0.0}};
+  timeline_.SetWay(scene_.way);
+  const QImage fast = timeline_.grab().toImage();
+  EXPECT_NE(fast, before);
+  timeline_.resize(900, 200);
+  EXPECT_EQ(timeline_.grab().toImage().size(), QSize(900, 200));
+  timeline_.resize(1020, 200);
+  EXPECT_EQ(timeline_.grab().toImage(), fast);
+  timeline_.setEnabled(false);
+  EXPECT_NE(timeline_.grab().toImage(), fast);
+}
+
+TEST_F(TimelineWidget, TheWindowIsLaidOutAnewWhereItsRowsChangeAlone) {
+  QWidget window;
+  timeline_.setParent(&window);
+  window.show();
+  QCoreApplication::processEvents();
+  const EventCount layouts(window, QEvent::LayoutRequest);
+  scene_.selected = 1;
+  timeline_.SetScene(scene_);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(layouts.Count(), 0);
+  OpenKeys();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(layouts.Count(), 1);
+  timeline_.setParent(nullptr);
+}
+
 TEST_F(TimelineWidget, TheRulerScrubs) {
   Drag(timeline_, At(3.0, kRuler), At(6.0, kRuler));
   Release(timeline_, At(6.0, kRuler));
