@@ -106,6 +106,8 @@ class MainWindow : public QMainWindow {
   void RemovePicture(int at);
 
   // main_window_files.cc: files and questions
+  /// Of what is open, or of the user's pictures.
+  QString LastFolder() const;
   void AskOpen();
   void AskOpenFolder();
   bool Save();

@@ -30,9 +30,14 @@ bool MainWindow::Open(const QStringList& paths) {
   return true;
 }
 
+QString MainWindow::LastFolder() const {
+  if (session_.IsOpen()) return QFileInfo(session_.Path()).absolutePath();
+  return QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+}
+
 void MainWindow::AskOpen() {
   const QStringList paths = QFileDialog::getOpenFileNames(
-      this, tr("Open Photographs or a Project"), QString(),
+      this, tr("Open Photographs or a Project"), LastFolder(),
       tr("Photographs and projects (*.json *.jpg *.jpeg *.png *.tif *.tiff *.webp *.gif *.bmp "
          "*.tga *.heic *.heif);;All files (*)"));
   if (!paths.isEmpty()) Open(paths);
@@ -40,7 +45,7 @@ void MainWindow::AskOpen() {
 
 void MainWindow::AskOpenFolder() {
   const QString folder =
-      QFileDialog::getExistingDirectory(this, tr("Open a Folder of Photographs"));
+      QFileDialog::getExistingDirectory(this, tr("Open a Folder of Photographs"), LastFolder());
   if (!folder.isEmpty()) Open(folder);
 }
 

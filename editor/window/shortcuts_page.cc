@@ -99,7 +99,7 @@ void ShowShortcuts(QMainWindow& window) {
   auto* column = new QVBoxLayout(dialog);
   column->addWidget(text);
   column->addWidget(buttons);
-  dialog->resize(620, 600);
+  dialog->resize(QSize(620, 600).boundedTo(window.screen()->availableSize() - QSize(16, 48)));
   dialog->show();
 }
 
