@@ -30,9 +30,12 @@ namespace {
 
 /// The options as they were typed; empty where nothing was.
 struct InspectOptions {
-  std::string input, quality, plot, module;
+  std::string quality, plot, module;
   bool csv = false, json = false, table = false, beats = false;
   ShowOptions show;
+
+  /// The photograph or project, or the first of a show.
+  const std::string& Input() const { return show.inputs.front(); }
 };
 
 double ParseQuality(const std::string& text) {
@@ -48,9 +51,9 @@ double ParseQuality(const std::string& text) {
 std::string BeatsLine(const InspectOptions& options) {
   if (!options.beats) return "";
   std::string audio = options.show.plan.audio;
-  if (audio.empty() && IsProjectName(options.input)) {
-    const auto show = ReadShow(options.input);
-    audio = show ? show->audio : ReadProject(options.input).audio;
+  if (audio.empty() && IsProjectName(options.Input())) {
+    const auto show = ReadShow(options.Input());
+    audio = show ? show->audio : ReadProject(options.Input()).audio;
   }
   if (audio.empty()) throw UsageError("--beats: there is no sound; name it with --audio");
   return TextOf(BeatsOf(audio)) + "\n";
@@ -78,15 +81,14 @@ void RunOnShow(const InspectOptions& options, const CLI::App& command) {
 
 void Run(InspectOptions& options, const CLI::App& command) {
   const InterruptsEndAtOnce throughout;  // it loads photographs, and leaves nothing half-written
-  options.show.inputs = {options.input};
-  if (NamesShow(options.input)) return RunOnShow(options, command);
+  if (NamesShow(options.show.inputs)) return RunOnShow(options, command);
   CheckIsShow(options.show);
   const double quality =
       options.quality.empty() ? 1.0 : ReadOption("--quality", options.quality, ParseQuality);
   const std::string beats = BeatsLine(options);
   const RenderPlan plan =
-      PlanFor(options.input, options.show.plan, AccessFor(options.module, {options.plot}));
-  CheckNameIsFree(options.plot, {options.input, plan.photo, plan.over, plan.audio});
+      PlanFor(options.Input(), options.show.plan, AccessFor(options.module, {options.plot}));
+  CheckNameIsFree(options.plot, {options.Input(), plan.photo, plan.over, plan.audio});
   const std::string module = FindModule(options.module);
   const Photo photo = LookAtPhoto(PhotoName(plan));
   FrameInspector inspector(module, plan, photo, quality);
@@ -111,11 +113,7 @@ CLI::App* AddInspect(CLI::App& app) {
   CLI::App* command =
       app.add_subcommand("inspect", "Say what a film will show: in a few lines, or frame by frame");
   const auto options = std::make_shared<InspectOptions>();
-  command
-      ->add_option("INPUT", options->input,
-                   "The photograph or project; or a show: its project, a folder or a list")
-      ->required()
-      ->type_name("");
+  DeclareShown(*command, options->show.inputs);
   constexpr const char* kList = "List";
   CLI::Option* table = command->add_flag("--frames-table", options->table, "A table of all frames");
   CLI::Option* csv =

@@ -22,16 +22,20 @@ namespace {
 
 /// The options as they were typed; empty where nothing was.
 struct PlayOptions {
-  std::string input, module;
+  std::string module;
   PlayerOptions player;
   ShowOptions show;
+
+  /// The photograph or project, or the first of a show.
+  const std::string& Input() const { return show.inputs.front(); }
 };
 
 /// The show as the player plays it. Its plans are looked at by other processes.
 PlayerFilm ShowToPlay(const PlayOptions& options, const CLI::App& command,
                       const std::string& module, SandboxAccess& access) {
   OpenedShow show = OpenShow(options.show, command, access, true);
-  PlayerFilm film{NameOf(options.input), show.plans.plans.front().format, FramesOfShow(show)};
+  PlayerFilm film{ShownName(options.show.inputs), show.plans.plans.front().format,
+                  FramesOfShow(show)};
   film.target = ShowsTarget(show.plans.plans.front());
   for (const int32_t begin : BeginningsOf(show.plans.plans, show.plans.fades)) {
     film.marks.push_back(static_cast<double>(show.title.Lead() + begin) /
@@ -50,7 +54,7 @@ PlayerFilm ShowToPlay(const PlayOptions& options, const CLI::App& command,
 PlayerFilm PictureToPlay(const PlayOptions& options, const std::string& module,
                          SandboxAccess& access) {
   CheckIsShow(options.show);
-  RenderPlan plan = PlanOf(options.input);
+  RenderPlan plan = PlanOf(options.Input());
   ApplyOptions(options.show.plan, plan);
   AddSources(plan, access);
   return FilmToPlay(module, plan, LookThroughPhoto(PhotoName(plan)));
@@ -58,12 +62,12 @@ PlayerFilm PictureToPlay(const PlayOptions& options, const std::string& module,
 
 void Run(PlayOptions& options, const CLI::App& command) {
   const InterruptsEndAtOnce throughout;  // it loads photographs, and leaves nothing half-written
-  options.show.inputs = {options.input};
   // Not yet in the sandbox, where no window could be opened: the player enters it.
   const std::string module = FindModule(options.module);
   SandboxAccess access = AccessFor(options.module, {});
-  const PlayerFilm film = NamesShow(options.input) ? ShowToPlay(options, command, module, access)
-                                                   : PictureToPlay(options, module, access);
+  const PlayerFilm film = NamesShow(options.show.inputs)
+                              ? ShowToPlay(options, command, module, access)
+                              : PictureToPlay(options, module, access);
   PlayInWindow(film, access, options.player);
 }
 
@@ -75,11 +79,7 @@ CLI::App* AddPlay(CLI::App& app) {
   CLI::App* command = app.add_subcommand(
       "play", "Play a film in a window, in real time; h in the window lists the keys");
   const auto options = std::make_shared<PlayOptions>();
-  command
-      ->add_option("INPUT", options->input,
-                   "The photograph or project; or a show: its project, a folder or a list")
-      ->required()
-      ->type_name("");
+  DeclareShown(*command, options->show.inputs);
   constexpr const char* kPlayer = "Player";
   command->add_flag("--loop", options->player.loop, "Start over at the end, instead of pausing")
       ->group(kPlayer);

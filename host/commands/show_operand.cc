@@ -65,11 +65,28 @@ void RefuseLength(const PlanOptions& plan) {
 
 }  // namespace
 
-bool NamesShow(const std::string& input) {
+void DeclareShown(CLI::App& command, std::vector<std::string>& inputs) {
+  command
+      .add_option("INPUT", inputs,
+                  "The photograph or project; or a show: its project, a folder, a list, or several "
+                  "photographs")
+      ->required()
+      ->type_name("");
+}
+
+bool NamesShow(const std::vector<std::string>& inputs) {
+  if (inputs.size() > 1) return true;
+  const std::string& input = inputs.front();
   if (fs::is_directory(StatusOf(PathOf(input)))) return true;
   if (!IsFile(input)) return false;
   if (IsProjectName(input)) return IsShowText(ReadProjectText(input), input);
   return !EndsLikeAPicture(input) && BeginsAsText(input);
+}
+
+std::string ShownName(const std::vector<std::string>& inputs) {
+  const std::string first = NameOf(AbsoluteText(inputs.front()));
+  if (inputs.size() == 1) return first;
+  return first + " and " + std::to_string(inputs.size() - 1) + " more";
 }
 
 OpenedShow OpenShow(const ShowOptions& options, const CLI::App& command, SandboxAccess& access,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "host/commands/show_plans.h"
 #include "host/facts/show_summary.h"
@@ -14,9 +15,15 @@ class App;
 
 namespace kelto::host {
 
-/// Whether `input` is a folder, a list of pictures, or a project of a show: not a photograph, nor a
-/// project of one.
-bool NamesShow(const std::string& input);
+/// Declares the operand of commands that show a film of one picture or a show; one at the least.
+void DeclareShown(CLI::App& command, std::vector<std::string>& inputs);
+
+/// Whether `inputs` are several, or a folder, a list of pictures, or a project of a show: not one
+/// photograph, nor a project of one.
+bool NamesShow(const std::vector<std::string>& inputs);
+
+/// What a sheet or a window with a film of these is called: by its file, or by its first.
+std::string ShownName(const std::vector<std::string>& inputs);
 
 /// What is to be known of a show.
 struct OpenedShow {

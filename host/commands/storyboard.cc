@@ -28,8 +28,11 @@ constexpr int32_t kMaxStrip = 120;
 
 /// The options as they were typed; empty where nothing was.
 struct Options {
-  std::string input, output, strip, module;
+  std::string output, strip, module;
   ShowOptions show;
+
+  /// The photograph or project, or the first of a show.
+  const std::string& Input() const { return show.inputs.front(); }
 };
 
 int32_t ParseStrip(const std::string& text) {
@@ -47,20 +50,21 @@ void WriteSheet(const std::string& output, const std::string& bytes) {
 }
 
 void RunOnShow(const Options& options, const CLI::App& command) {
-  ShowSheet sheet{options.output, NameOf(AbsoluteText(options.input))};
+  ShowSheet sheet{options.output, ShownName(options.show.inputs)};
   if (!options.strip.empty()) sheet.frames = ReadOption("--strip", options.strip, ParseStrip);
   SandboxAccess access = AccessFor(options.module, {options.output});
   const OpenedShow show = OpenShow(options.show, command, access);
+  for (const std::string& input : options.show.inputs) CheckNameIsFree(options.output, {input});
   std::vector<std::string> reads = ModuleFolders(options.module);
   for (const RenderPlan& plan : show.plans.plans) {
-    CheckNameIsFree(options.output, {options.input, plan.photo, plan.over});
+    CheckNameIsFree(options.output, {plan.photo, plan.over});
     reads.insert(reads.end(), {plan.photo, plan.over});
   }
   const std::string module = FindModule(options.module);
   const std::vector<PictureOfShow> pictures = PlacedPictures(show);
   sheet.total = FramesOfShow(show);
   // Apart, since it decodes the photos; this process writes what comes of it.
-  WriteSheet(options.output, ReadApart(options.input, reads, [&] {
+  WriteSheet(options.output, ReadApart(options.Input(), reads, [&] {
                return DrawShowStoryboard(module, pictures, sheet);
              }));
 }
@@ -70,8 +74,8 @@ void RunOnPicture(const Options& options) {
   sheet.file = options.output;
   if (!options.strip.empty()) sheet.frames = ReadOption("--strip", options.strip, ParseStrip);
   const RenderPlan plan =
-      PlanFor(options.input, options.show.plan, AccessFor(options.module, {options.output}));
-  CheckNameIsFree(options.output, {options.input, plan.photo, plan.over, plan.audio});
+      PlanFor(options.Input(), options.show.plan, AccessFor(options.module, {options.output}));
+  CheckNameIsFree(options.output, {options.Input(), plan.photo, plan.over, plan.audio});
   const std::string module = FindModule(options.module);
   const Photo photo = LookThroughPhoto(PhotoName(plan));
   // Apart, since it decodes the photo; this process writes what comes of it.
@@ -83,8 +87,7 @@ void RunOnPicture(const Options& options) {
 
 void Run(Options& options, const CLI::App& command) {
   const InterruptsEndAtOnce throughout;  // it loads photographs, and leaves nothing half-written
-  options.show.inputs = {options.input};
-  if (NamesShow(options.input)) return RunOnShow(options, command);
+  if (NamesShow(options.show.inputs)) return RunOnShow(options, command);
   CheckIsShow(options.show);
   RunOnPicture(options);
 }
@@ -97,11 +100,7 @@ CLI::App* AddStoryboard(CLI::App& app) {
   CLI::App* command = app.add_subcommand(
       "storyboard", "Draw a film on one sheet: the photo with the views, and some frames");
   const auto options = std::make_shared<Options>();
-  command
-      ->add_option("INPUT", options->input,
-                   "The photograph or project; or a show: its project, a folder or a list")
-      ->required()
-      ->type_name("");
+  DeclareShown(*command, options->show.inputs);
   constexpr const char* kSheet = "Sheet";
   command->add_option("-o,--output", options->output, "The sheet, .png or .svg")
       ->group(kSheet)

@@ -138,6 +138,22 @@ TEST_F(ShowAsProject, HasAStoryboardOfAllPictures) {
   EXPECT_THAT(RunKelto({"storyboard", list, "-o", folder_ / "a.png"}).err, HasSubstr("a.png"));
 }
 
+TEST_F(ShowAsProject, IsSeveralPhotographs) {
+  const std::string sheet = folder_ / "sheet.png", listed = folder_ / "listed.png";
+  const std::string a = folder_ / "a.png", b = folder_ / "b.png", film = folder_ / "ab.bgra";
+  const Words size{"--size", "96x54", "--each", "1", "--fade", "0.2"};
+  const auto run = [&](Words words) {
+    words.insert(words.end(), size.begin(), size.end());
+    return RunKelto(words);
+  };
+  ASSERT_EQ(run({"storyboard", a, b, "-o", sheet}).err, "");
+  const std::string list = File("a.png and 1 more", a + "\n" + b + "\n");
+  ASSERT_EQ(run({"storyboard", list, "-o", listed}).err, "");
+  EXPECT_EQ(BytesOf(sheet), BytesOf(listed)) << "as a list of that name";
+  EXPECT_EQ(run({"inspect", a, b}).out, run({"inspect", list}).out);
+  EXPECT_THAT(run({"storyboard", a, b, "-o", b}).err, HasSubstr("b.png"));
+}
+
 TEST_F(ShowAsProject, HasAStoryboardWithItsCaptions) {
   const std::string list = File("list.txt", "a.png\n");
   const auto sheet = [&](const Words& more) {
