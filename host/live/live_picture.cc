@@ -80,7 +80,7 @@ std::string TextOfPicture(TerminalForm form, const LiveRoom& room,
                                                        : CHAFA_PIXEL_MODE_SIXELS);
   const OwnedChafa<ChafaCanvas> canvas(chafa_canvas_new(config.get()));
   const FrameSize size = room.Pixels();
-  // Chafa 1.12 takes rows to begin at multiples of four bytes, whatever it is told.
+  // Chafa 1.12 takes rows to begin at multiples of four bytes, whatever row length is given.
   chafa_canvas_draw_all_pixels(canvas.get(), CHAFA_PIXEL_RGBA8_UNASSOCIATED, pixels.data(),
                                size.width, size.height, 4 * size.width);
   // Both forms are written alike on all terminals that have them.
