@@ -5,10 +5,12 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "editor/document/show_fades.h"
 #include "editor/document/tour_changes.h"
 #include "host/base/error.h"
 #include "host/moves/presets.h"
 #include "host/options/number.h"
+#include "host/options/rate.h"
 #include "host/options/usual_times.h"
 #include "host/plan/default_plan.h"
 #include "host/project/json_patch.h"
@@ -150,23 +152,20 @@ std::vector<PictureEntry> PicturesOf(const Document& document) {
   const auto read = ShowOf(document);
   if (read == nullptr) return entries;
   const host::ShowProject& show = *read;
-  for (const host::ShowPicture& picture : show.pictures) {
-    const host::RenderPlan& plan = picture.plan;
-    entries.push_back({plan.photo, plan.frames / plan.format.rate.PerSecond(), picture.fade});
-  }
-  // As the command has it: no fade takes more than half of what is on either side, and the title's
-  // is the first picture's.
-  const auto fadeOf = [](const PictureEntry& picture, double before, double after) {
-    return std::min(picture.fade.value_or(host::kUsualFadeSeconds), std::min(before, after) / 2);
-  };
-  double begin = 0.0;
+  const host::ShowPicture& first = show.pictures.front();
+  const host::FrameRate rate = first.plan.format.rate;
+  int64_t begin = 0;
   if (!show.title.empty()) {
-    begin = host::kTitleSeconds - fadeOf(entries[0], host::kTitleSeconds, entries[0].seconds);
+    const int32_t card = host::FramesOf(host::kTitleSeconds, rate);
+    begin = card - FadeOf(first, card, first.plan.frames);  // the card's is the first picture's
   }
-  for (size_t i = 0; i < entries.size(); ++i) {
-    entries[i].begin = begin;
-    if (i + 1 == entries.size()) break;
-    begin += entries[i].seconds - fadeOf(entries[i], entries[i].seconds, entries[i + 1].seconds);
+  for (size_t i = 0; i < show.pictures.size(); ++i) {
+    const host::ShowPicture& picture = show.pictures[i];
+    const int32_t frames = picture.plan.frames;
+    entries.push_back({picture.plan.photo, frames / picture.plan.format.rate.PerSecond(),
+                       picture.fade, static_cast<double>(begin) / rate.PerSecond()});
+    if (i + 1 == show.pictures.size()) break;
+    begin += frames - FadeOf(picture, frames, show.pictures[i + 1].plan.frames);
   }
   return entries;
 }

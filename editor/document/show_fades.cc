@@ -3,21 +3,17 @@
 #include <algorithm>
 
 #include "editor/document/show_changes.h"
+#include "host/options/fades.h"
 #include "host/options/rate.h"
 #include "host/options/usual_times.h"
 
 namespace kelto::editor {
-namespace {
 
-/// Frames of the fade behind `picture` where it and what is beside it are seen for so many. As the
-/// command has it: no fade takes more than half of what is on either side.
-int32_t FadeFrames(const host::ShowPicture& picture, int32_t here, int32_t there) {
+int32_t FadeOf(const host::ShowPicture& picture, int32_t here, int32_t there) {
   const double seconds = picture.fade.value_or(host::kUsualFadeSeconds);
-  const int32_t fade = seconds > 0.0 ? host::FramesOf(seconds, picture.plan.format.rate) : 0;
-  return std::min(fade, std::min(here, there) / 2);
+  return std::min(host::FadeFrames(seconds, picture.plan.format.rate),
+                  host::LongestFade(here, there));
 }
-
-}  // namespace
 
 FadesAround FadesOf(const Document& document) {
   FadesAround fades;
@@ -31,16 +27,16 @@ FadesAround FadesOf(const Document& document) {
   if (at > 0) {
     const host::ShowPicture& before = show.pictures[at - 1];
     fades.before = before.plan;
-    fades.in = FadeFrames(before, before.plan.frames, frames);
+    fades.in = FadeOf(before, before.plan.frames, frames);
   } else if (!show.title.empty()) {
     fades.title = show.title;
     fades.titleFrames = host::FramesOf(host::kTitleSeconds, picture.plan.format.rate);
     // The card's is the first picture's own.
-    fades.in = FadeFrames(picture, fades.titleFrames, frames);
+    fades.in = FadeOf(picture, fades.titleFrames, frames);
   }
   if (at + 1 < show.pictures.size()) {
     fades.after = show.pictures[at + 1].plan;
-    fades.out = FadeFrames(picture, frames, fades.after->frames);
+    fades.out = FadeOf(picture, frames, fades.after->frames);
   }
   return fades;
 }

@@ -5,6 +5,7 @@
 
 #include "host/base/error.h"
 #include "host/effect/deep_photo.h"
+#include "host/effect/small_photo.h"
 #include "host/facts/frame_facts.h"
 #include "host/plan/default_plan.h"
 #include "host/track/photo_views.h"
@@ -124,14 +125,18 @@ host::FrameView FilmDrawing::Draw(int32_t frame, host::FrameSize size, double qu
     fade_.reset();
     drawnSize_ = size;
   }
-  const int32_t number = std::clamp(frame, 0, drawn.frames - 1);
+  const int32_t lead = fades_.Lead();
+  if (frame < lead) {
+    if (const auto card = TitleCard(std::max(0, frame), size)) return *card;
+  }
+  const int32_t number = std::clamp(frame - lead, 0, drawn.frames - 1);
   const host::FrameView own = Drawn(session_, drawn, photo_, number, quality);
   const int32_t behind = number - (drawn.frames - fades_.out);  // since the fade out began
   std::optional<host::FrameView> other;
   if (number < fades_.in) {
     other = fades_.before
                 ? Beside(*fades_.before, fades_.before->frames - fades_.in + number, size, quality)
-                : TitleCard(fades_.titleFrames - fades_.in + number, size);
+                : TitleCard(lead + number, size);
   } else if (behind >= 0 && fades_.after) {
     other = Beside(*fades_.after, behind, size, quality);
   }
@@ -161,9 +166,15 @@ FilmWay FilmDrawing::Way(int32_t most) {
   return way;
 }
 
-std::vector<uint8_t> FilmDrawing::PhotoPixels(int64_t mostPixels, host::FrameSize& size) const {
-  std::vector<uint8_t> pixels = host::DecodePhoto(photo_);
-  size = {photo_.width, photo_.height};
+std::vector<uint8_t> FilmDrawing::QuickPhotoPixels(int64_t enoughPixels, int64_t mostPixels,
+                                                   host::FrameSize& size) const {
+  int32_t quick = 1;
+  while (int64_t{photo_.width / (2 * quick)} * (photo_.height / (2 * quick)) >= enoughPixels) {
+    quick *= 2;
+  }
+  PixelSize decoded;
+  std::vector<uint8_t> pixels = host::DecodePhoto(photo_, quick, decoded);
+  size = {decoded.width, decoded.height};
   int32_t by = 1;
   while (int64_t{size.width / by} * (size.height / by) > mostPixels) ++by;
   // A strip keeps its pixels rather than vanish.
@@ -171,6 +182,10 @@ std::vector<uint8_t> FilmDrawing::PhotoPixels(int64_t mostPixels, host::FrameSiz
   if (by == 1) return pixels;
   const host::FrameSize whole = size;
   return Reduced(pixels, whole, by, size);
+}
+
+std::vector<uint8_t> FilmDrawing::PhotoPixels(int64_t mostPixels, host::FrameSize& size) const {
+  return QuickPhotoPixels(int64_t{photo_.width} * photo_.height, mostPixels, size);
 }
 
 }  // namespace kelto::editor

@@ -30,15 +30,23 @@ class FilmDrawing {
   host::RenderPlan Filled(const host::RenderPlan& plan) const;
 
   /// A frame of the film as the film has it, drawn in another size than the film's where that is
-  /// asked for. The nearest frame that there is. The view holds until the next call.
+  /// asked for. Frames are counted from the card on, where there is one. The nearest frame that
+  /// there is. The view holds until the next call.
   host::FrameView Draw(int32_t frame, host::FrameSize size, double quality);
 
   /// What frames of the film show, evenly chosen, `most` of them at the most, the first and the
   /// last among them.
   FilmWay Way(int32_t most);
 
+  PixelSize PhotoSize() const { return {photo_.width, photo_.height}; }
+
   /// The photo's pixels, B, G, R, A, upright; reduced by an integer to `mostPixels` at the most.
   std::vector<uint8_t> PhotoPixels(int64_t mostPixels, host::FrameSize& size) const;
+
+  /// The same in less time, with fewer pixels where its form allows it: `enoughPixels` at the
+  /// least, or all that the photo has.
+  std::vector<uint8_t> QuickPhotoPixels(int64_t enoughPixels, int64_t mostPixels,
+                                        host::FrameSize& size) const;
 
  private:
   /// What is drawn of a plan; made when it is first needed.

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <new>
@@ -28,6 +29,8 @@ namespace {
 
 /// Pixels of a photo that the editor shows: 128 MB.
 constexpr int64_t kPhotoPixels = 32'000'000;
+/// Pixels that show all of a photo at once on most screens.
+constexpr int64_t kScreenPixels = 1'200'000;
 
 void WriteAll(int out, std::string_view bytes) {
   while (!bytes.empty()) {
@@ -52,7 +55,7 @@ class Server {
         case MessageKind::kWay:
           return Send(MessageKind::kWay, BodyOf(Film().Way(FromBytes<int32_t>(request.body))));
         case MessageKind::kPhoto:
-          return SendPhoto();
+          return SendPhoto(FromBytes<PhotoRequest>(request.body).quickly != 0);
         case MessageKind::kSize:
           return SendSizes(TextsOf(request.body));
         case MessageKind::kThumbnail:
@@ -150,9 +153,15 @@ class Server {
     Write(message);
   }
 
-  void SendPhoto() {
+  void SendPhoto(bool quickly) {
     PictureHead head;
-    const std::vector<uint8_t> pixels = Film().PhotoPixels(kPhotoPixels, head.size);
+    const std::vector<uint8_t> pixels =
+        quickly ? Film().QuickPhotoPixels(kScreenPixels, kPhotoPixels, head.size)
+                : Film().PhotoPixels(kPhotoPixels, head.size);
+    const PixelSize photo = Film().PhotoSize();
+    const int64_t all = int64_t{photo.width} * photo.height;
+    const int64_t shown = int64_t{head.size.width} * head.size.height;
+    head.frame = quickly && shown < std::min(all, kPhotoPixels) / 2 ? 1 : 0;
     Write(HeadOf(MessageKind::kPhoto, head));
     Write({reinterpret_cast<const char*>(pixels.data()), pixels.size()});
   }

@@ -14,7 +14,7 @@ namespace kelto::editor {
 
 /// Ahead of the pixels of a frame or of the photo: B, G, R, A, rows without padding.
 struct PictureHead {
-  int32_t frame = 0;  ///< of the film; of the photo 0
+  int32_t frame = 0;  ///< of the film; of the photo 0, or 1 for one that has more pixels
   host::FrameSize size;
 };
 

@@ -13,7 +13,7 @@ enum class MessageKind : uint32_t {
   kPlan = 1,   ///< editor: the film from now on, which is not answered
   kDraw,       ///< editor: a frame is wanted
   kWay,        ///< editor: samples of the film's way that are wanted at the most; process: the way
-  kPhoto,      ///< editor: the photo is wanted; process: its pixels
+  kPhoto,      ///< editor: the photo is wanted, quickly or with all its pixels; process: those
   kFrame,      ///< process: a frame
   kSize,       ///< editor: the sizes of the photos of these paths are wanted; process: a size, or
                ///< kFailed, for each of them in order

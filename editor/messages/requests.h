@@ -17,6 +17,11 @@ struct DrawRequest {
   double quality = 1.0;  ///< of what the effect draws, 0.5 in a hurry
 };
 
+/// What there is to be seen of a photo.
+struct PhotoRequest {
+  int32_t quickly = 0;  ///< 1: a smaller picture will do, where it takes less time
+};
+
 std::string BodyOf(const DrawRequest& request);
 /// Throws Error.
 DrawRequest DrawRequestOf(std::string_view body);

@@ -79,17 +79,16 @@ class Preview::Private {
   }
 
   void SetPlan(const host::RenderPlan& plan, const FadesAround& fades);
+  void WantWholePhoto();
   void SetBox(QSize box);
   void Seek(int32_t frame);
   void Play(bool play);
   void SetLoop(bool loop);
   int32_t Frame() { return hasPlan_ ? clock_.FrameAt(Now()) : 0; }
-  int32_t Frames() const { return hasPlan_ ? plan_.frames : 0; }
+  int32_t Frames() const { return hasPlan_ ? plan_.frames + fades_.Lead() : 0; }
   bool Playing() const { return playing_; }
 
  private:
-  enum class Asked { kNothing, kPhoto, kFrame };
-
   /// What has been asked for is what has changed since: one turn of the event loop for all of it.
   void PumpSoon() { soon_.start(0); }
   /// Asks for what is wanted most, unless an answer is still due.
@@ -101,7 +100,8 @@ class Preview::Private {
   bool SendPlan(DrawingProcess& process, bool& unsent);
   bool AskFrame();
   void PumpWay();
-  void Ask(Asked what, MessageKind kind, const std::string& body);
+  void AskPhoto();
+  void TakePhoto(const StreamMessage& answer);
   void Take(const StreamMessage& answer);
   void TakeWay(const StreamMessage& answer);
   void TakeFrame(const StreamMessage& answer);
@@ -111,22 +111,25 @@ class Preview::Private {
 
   Preview* owner_;
   QString program_, module_;
-  // The owner's, once they are needed. One finds out the way, which needs no pixels, so that no
-  // frame waits for it.
+  // The owner's, once they are needed. One reads the photo for the canvas and finds out the way, so
+  // that no frame waits for them.
   DrawingProcess *process_ = nullptr, *wayProcess_ = nullptr;
   host::RenderPlan plan_;
   FadesAround fades_;
   std::string planText_;  ///< as both processes get it; empty until one does
   bool hasPlan_ = false, planUnsent_ = false, wayPlanUnsent_ = false;
-  uint64_t version_ = 0;  ///< of the plan, counted
-  uint64_t failed_ = 0;   ///< the version that could not be drawn
-  bool photoWanted_ = false;
+  uint64_t version_ = 0;                          ///< of the plan, counted
+  uint64_t failed_ = 0;                           ///< the version that could not be drawn
+  enum class Photo { kNothing, kQuick, kWhole };  ///< with the pixels of a screen, or all of them
+  Photo photoWanted_ = Photo::kNothing;
+  Photo photoAsked_ = Photo::kNothing;  ///< while its answer is due; it is wanted until then
+  bool photoHasMore_ = false;
   QSize box_;
   host::Playback clock_{1, {}};
   std::optional<host::QualityControl> control_;
   bool loop_ = false, playing_ = false;
 
-  Asked asked_ = Asked::kNothing;
+  bool asked_ = false;
   DrawRequest request_;        ///< the frame asked for
   uint64_t askedVersion_ = 0;  ///< what it is a frame of
   bool wayAsked_ = false;
@@ -144,9 +147,9 @@ class Preview::Private {
 void Preview::Private::SetPlan(const host::RenderPlan& plan, const FadesAround& fades) {
   const bool otherFiles = !hasPlan_ || FilesOf(plan, fades) != FilesOf(plan_, fades_);
   const bool otherPhoto = !hasPlan_ || plan.photo != plan_.photo || plan.rotate != plan_.rotate;
-  const bool otherClock =
-      !hasPlan_ || plan.frames != plan_.frames || plan.format.rate != plan_.format.rate;
-  const int32_t frame = Frame();
+  const bool otherClock = !hasPlan_ || plan.frames != plan_.frames ||
+                          plan.format.rate != plan_.format.rate || fades.Lead() != fades_.Lead();
+  const int32_t frame = std::max(0, Frame() - fades_.Lead() + fades.Lead());
   plan_ = plan;
   fades_ = fades;
   planText_.clear();
@@ -156,17 +159,22 @@ void Preview::Private::SetPlan(const host::RenderPlan& plan, const FadesAround& 
   if (otherFiles) {
     // The process may open no files but its first ones.
     Drop();
-    photoWanted_ = photoWanted_ || otherPhoto;
+    if (otherPhoto) photoWanted_ = Photo::kQuick, photoHasMore_ = false;
   }
   rest_.start(kRest);
   PumpSoon();
 }
 
 void Preview::Private::StartClock(int32_t frame, bool playing) {
-  clock_ = host::Playback(plan_.frames, plan_.format.rate, loop_);
+  clock_ = host::Playback(Frames(), plan_.format.rate, loop_);
   clock_.Seek(frame, Now());
   if (playing) clock_.Play(Now());
   control_.emplace(1.0 / plan_.format.rate.PerSecond());
+}
+
+void Preview::Private::WantWholePhoto() {
+  if (photoHasMore_) photoWanted_ = Photo::kWhole;
+  PumpSoon();
 }
 
 void Preview::Private::SetBox(QSize box) {
@@ -208,14 +216,13 @@ void Preview::Private::NoticePlaying(bool playing) {
 void Preview::Private::Pump() {
   if (!hasPlan_ || failed_ == version_) return;
   PumpWay();
-  if (asked_ != Asked::kNothing) return;
+  if (asked_) return;
   if (process_ == nullptr) {
     process_ = Start();
     planUnsent_ = true;
     shownVersion_ = 0;
   }
   if (planUnsent_ && !SendPlan(*process_, planUnsent_)) return;
-  if (photoWanted_) return Ask(Asked::kPhoto, MessageKind::kPhoto, {});
   if (AskFrame() || !playing_) return;
   due_.start(std::chrono::milliseconds(
       std::max<int64_t>(0, std::llround((clock_.NextDue(Now()) - Now()) * 1000))));
@@ -238,8 +245,8 @@ DrawingProcess* Preview::Private::Start() {
 void Preview::Private::Drop() {
   Drop(process_);
   Drop(wayProcess_);
-  asked_ = Asked::kNothing;
-  wayAsked_ = false;
+  asked_ = wayAsked_ = false;
+  photoAsked_ = Photo::kNothing;
 }
 
 void Preview::Private::Drop(DrawingProcess*& process) {
@@ -276,14 +283,18 @@ bool Preview::Private::AskFrame() {
     return false;
   }
   request_ = wanted;
-  Ask(Asked::kFrame, MessageKind::kDraw, BodyOf(wanted));
+  asked_ = true;
+  askedVersion_ = version_;
+  askedAt_ = Now();
+  process_->Send(MessageKind::kDraw, BodyOf(wanted));
   return true;
 }
 
 void Preview::Private::PumpWay() {
   const int32_t samples = rest_.isActive() ? kQuickWay : kFullWay;
   const bool known = wayVersion_ == version_ && waySamples_ >= std::min(samples, plan_.frames);
-  if (wayAsked_ || (known && wayProcess_ != nullptr)) return;
+  const bool photo = photoWanted_ != Photo::kNothing;
+  if (wayAsked_ || (known && !photo && wayProcess_ != nullptr)) return;
   if (wayProcess_ == nullptr) {
     wayProcess_ = Start();
     wayPlanUnsent_ = true;
@@ -291,37 +302,33 @@ void Preview::Private::PumpWay() {
   if (wayPlanUnsent_ && !SendPlan(*wayProcess_, wayPlanUnsent_)) return;
   wayAsked_ = true;
   askedWayVersion_ = version_;
+  if (photoWanted_ == Photo::kQuick || (known && photo)) return AskPhoto();
   askedSamples_ = samples;
   wayProcess_->Send(MessageKind::kWay, BytesOf(samples));
 }
 
-void Preview::Private::Ask(Asked what, MessageKind kind, const std::string& body) {
-  asked_ = what;
-  askedVersion_ = version_;
-  askedAt_ = Now();
-  process_->Send(kind, body);
+void Preview::Private::AskPhoto() {
+  photoAsked_ = photoWanted_;
+  const PhotoRequest request{photoAsked_ == Photo::kQuick ? 1 : 0};
+  wayProcess_->Send(MessageKind::kPhoto, BytesOf(request));
+}
+
+void Preview::Private::TakePhoto(const StreamMessage& answer) {
+  const PictureBody photo = PictureOf(answer.body);
+  const host::FrameSize size = photo.head.size;
+  photoHasMore_ = photo.head.frame != 0;
+  emit owner_->PhotoRead(
+      QImage(photo.pixels, size.width, size.height, size.width * 4, QImage::Format_RGB32).copy());
 }
 
 void Preview::Private::Take(const StreamMessage& answer) {
-  const Asked asked = std::exchange(asked_, Asked::kNothing);
-  if (asked == Asked::kPhoto) photoWanted_ = false;
+  asked_ = false;
   try {
-    switch (answer.kind) {
-      case MessageKind::kPhoto: {
-        const PictureBody photo = PictureOf(answer.body);
-        const host::FrameSize size = photo.head.size;
-        emit owner_->PhotoRead(
-            QImage(photo.pixels, size.width, size.height, size.width * 4, QImage::Format_RGB32)
-                .copy());
-        break;
-      }
-      case MessageKind::kFrame:
-        TakeFrame(answer);
-        break;
-      default:
-        // What is wrong with a plan that has been replaced is no news.
-        if (askedVersion_ == version_) Fail(QString::fromStdString(answer.body));
-        break;
+    if (answer.kind == MessageKind::kFrame) {
+      TakeFrame(answer);
+    } else if (askedVersion_ == version_) {
+      // What is wrong with a plan that has been replaced is no news.
+      Fail(QString::fromStdString(answer.body));
     }
   } catch (const host::Error& error) {
     Fail(QString::fromUtf8(error.what()));
@@ -331,13 +338,16 @@ void Preview::Private::Take(const StreamMessage& answer) {
 
 void Preview::Private::TakeWay(const StreamMessage& answer) {
   wayAsked_ = false;
+  const Photo photo = std::exchange(photoAsked_, Photo::kNothing);
+  if (photo != Photo::kNothing && photo == photoWanted_) photoWanted_ = Photo::kNothing;
   try {
-    if (answer.kind == MessageKind::kWay) {
+    if (answer.kind == MessageKind::kPhoto) {
+      TakePhoto(answer);
+    } else if (answer.kind == MessageKind::kWay) {
       wayVersion_ = askedWayVersion_;
       waySamples_ = askedSamples_;
       emit owner_->WayFound(WayOf(answer.body));
     } else if (askedWayVersion_ == version_) {
-      // What is wrong with a plan that has been replaced is no news.
       Fail(QString::fromStdString(answer.body));
     }
   } catch (const host::Error& error) {
@@ -376,6 +386,7 @@ Preview::~Preview() = default;
 void Preview::SetPlan(const host::RenderPlan& plan, const FadesAround& fades) {
   p_->SetPlan(plan, fades);
 }
+void Preview::WantWholePhoto() { p_->WantWholePhoto(); }
 void Preview::SetBox(QSize box) { p_->SetBox(box); }
 int32_t Preview::Frame() const { return p_->Frame(); }
 int32_t Preview::Frames() const { return p_->Frames(); }

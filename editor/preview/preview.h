@@ -28,8 +28,11 @@ class Preview : public QObject {
 
   /// Shows this plan from now on. Its photo is read again only where that is another. The frame
   /// being looked at stays, as far as the film has it.
-  /// `fades` are what is seen beside a picture of a show.
+  /// `fades` are what is seen beside a picture of a show. Frames are counted from the card on that
+  /// comes before the first one; to begin with, the picture's first is looked at.
   void SetPlan(const host::RenderPlan& plan, const FadesAround& fades = {});
+  /// Reads the photo with all its pixels, where PhotoRead gave fewer.
+  void WantWholePhoto();
   /// The pixels that there are for showing frames. Films of larger frames are drawn that size while
   /// they play or change; 0 x 0, as at first: always the film's own.
   void SetBox(QSize box);
@@ -46,7 +49,8 @@ class Preview : public QObject {
   void SetLoop(bool loop);
 
  signals:
-  /// The photo, upright; reduced where it has more than 32 million pixels.
+  /// The photo, upright; reduced where it has more than 32 million pixels, and to those of a screen
+  /// where it can be read in less time so, until WantWholePhoto.
   void PhotoRead(const QImage& photo);
   /// A frame of the plan given last. `exact`: in the film's size and full quality.
   void FrameDrawn(const QImage& image, int32_t frame, bool exact);

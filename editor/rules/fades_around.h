@@ -17,6 +17,9 @@ struct FadesAround {
   bool dip = false;         ///< whether they go through black
   std::string title{};      ///< of the card
   int32_t titleFrames = 0;  ///< for which it is seen, the fade included; 0 for no card
+
+  /// Frames of the card alone, ahead of the picture's first.
+  int32_t Lead() const { return title.empty() ? 0 : titleFrames - in; }
 };
 
 }  // namespace kelto::editor

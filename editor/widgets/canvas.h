@@ -76,6 +76,8 @@ class Canvas : public QWidget {
   void ViewRemoved(int view);
   /// A menu for a view, -1 for the photo, at a place on the screen.
   void MenuAsked(int view, const QPoint& screen);
+  /// The photo is shown larger than the picture of it that there is, which has fewer pixels.
+  void DetailWanted();
   /// Space was tapped, not held to move the photo.
   void PlayAsked();
 

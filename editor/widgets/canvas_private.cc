@@ -97,7 +97,10 @@ void Canvas::Private::Paint(QPainter& painter) {
     background_.fill(owner_->palette().color(QPalette::Dark).darker(140));
     QPainter below(&background_);
     const PhotoRect whole{0.0, 0.0, scene_.limits.photoWidth, scene_.limits.photoHeight};
-    if (notice_.isEmpty()) photo_.Draw(below, OnCanvas(whole, transform_), canvas);
+    const QRectF target = OnCanvas(whole, transform_);
+    if (notice_.isEmpty()) photo_.Draw(below, target, canvas);
+    const bool finer = photo_.Width() > 0 && photo_.Width() < whole.width;
+    if (finer && target.width() * ratio > photo_.Width()) emit owner_->DetailWanted();
   }
   if (!notice_.isEmpty()) {
     painter.drawPixmap(0, 0, background_);

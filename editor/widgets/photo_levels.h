@@ -14,6 +14,7 @@ class PhotoLevels {
   explicit PhotoLevels(const QImage& photo);
 
   bool IsEmpty() const { return levels_.empty(); }
+  int Width() const { return IsEmpty() ? 0 : levels_.front().width(); }
   /// Draws the photo into `target`, of which only `seen` is looked at. Pixels larger than a few of
   /// the painter's are drawn as squares.
   void Draw(QPainter& painter, const QRectF& target, const QRectF& seen) const;

@@ -58,7 +58,7 @@ class Timeline : public QWidget {
   const TimelineScene& Scene() const;
   /// The scene's way alone, which takes longer to find than all else.
   void SetWay(const FilmWay& way);
-  /// Where the film stands.
+  /// Where the film stands, in seconds. Below 0: before it, which is not shown.
   void SetTime(double seconds);
   const std::vector<KeyPlace>& SelectedKeys() const;
 

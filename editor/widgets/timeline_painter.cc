@@ -205,7 +205,7 @@ void DrawSpeed(QPainter& painter, const TimelineDrawing& drawing) {
 
 void DrawPlace(QPainter& painter, const TimelineDrawing& drawing) {
   const double x = drawing.axis.ToX(drawing.seconds);
-  if (x < drawing.rows.left - 1.0) return;
+  if (drawing.seconds < 0.0 || x < drawing.rows.left - 1.0) return;
   const QColor colour = drawing.palette.color(QPalette::WindowText);
   painter.setPen(QPen(colour, 1.0));
   painter.drawLine(QPointF(x, drawing.rows.ruler.top() + 8.0),

@@ -251,7 +251,8 @@ bool Timeline::Private::Key(const QKeyEvent& event) {
       if (place.key >= scene_.lanes[place.lane].times.size()) return false;
       first = std::min(first, scene_.lanes[place.lane].times[place.key]);
     }
-    emit owner_->KeysCopied(copied_, seconds_ / std::max(scene_.length, 1e-3) - first);
+    const double here = std::max(0.0, seconds_);  // a card may come before the film
+    emit owner_->KeysCopied(copied_, here / std::max(scene_.length, 1e-3) - first);
     return true;
   }
   switch (event.key()) {

@@ -152,6 +152,7 @@ void MainWindow::MakeActions() {
   movesButton->setText(tr("Moves"));
   movesButton->setMenu(moves);
   movesButton->setPopupMode(QToolButton::InstantPopup);
+  movesButton->setFocusPolicy(Qt::NoFocus);  // as the other buttons: the menu bar has its keys
   bar->addWidget(movesButton);
   auto* gap = new QWidget;
   gap->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);

@@ -30,6 +30,7 @@ MainWindow::MainWindow(const Programs& programs, QWidget* parent)
   setAcceptDrops(true);
   MakeWidgets();
   MakeActions();
+  OrderTabs();
   Connect();
   ShowDocument();
   ShowTitle();
@@ -86,6 +87,7 @@ void MainWindow::MakeWidgets() {
   scroll->setWidget(panels);
   scroll->setWidgetResizable(true);
   scroll->setFrameShape(QFrame::NoFrame);
+  scroll->setFocusPolicy(Qt::NoFocus);  // it follows what has the focus within it
   scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   scroll->setMinimumWidth(panels->minimumSizeHint().width() + 20);
 
@@ -128,6 +130,23 @@ void MainWindow::MakeWidgets() {
   queueDock_->hide();
 }
 
+void MainWindow::OrderTabs() {
+  QWidget* last = nullptr;
+  const auto follow = [&](QWidget* next) {
+    // Editors within boxes are their boxes' own.
+    const bool own = next->objectName().startsWith("qt_") || next->focusProxy() != nullptr;
+    if (own || (next->focusPolicy() & Qt::TabFocus) == 0) return;
+    if (last != nullptr) setTabOrder(last, next);
+    last = next;
+  };
+  // The strip and the films being made come behind these as it is.
+  for (QWidget* part : std::initializer_list<QWidget*>{canvas_, previewView_, viewPanel_, keyPanel_,
+                                                       filmPanel_, timeline_}) {
+    follow(part);
+    for (QWidget* child : part->findChildren<QWidget*>()) follow(child);
+  }
+}
+
 void MainWindow::Connect() {
   connect(&session_, &Session::Changed, this, [this] {
     preview_.SetPlan(session_.Plan(), session_.Fades());
@@ -167,7 +186,7 @@ void MainWindow::Connect() {
 
   connect(timeline_, &Timeline::TimeAsked, this, [this](double seconds) {
     const double rate = session_.Plan().format.rate.PerSecond();
-    preview_.Seek(static_cast<int32_t>(std::lround(seconds * rate)));
+    preview_.Seek(static_cast<int32_t>(std::lround(seconds * rate)) + session_.Fades().Lead());
     ShowTime();
   });
   connect(timeline_, &Timeline::StopSelected, this, &MainWindow::Select);
@@ -188,6 +207,7 @@ void MainWindow::Connect() {
   connect(previewView_, &PreviewView::LoopAsked, &preview_, &Preview::SetLoop);
   connect(previewView_, &PreviewView::BoxChanged, &preview_, &Preview::SetBox);
   connect(&preview_, &Preview::PhotoRead, canvas_, &Canvas::SetPhoto);
+  connect(canvas_, &Canvas::DetailWanted, &preview_, &Preview::WantWholePhoto);
   connect(&preview_, &Preview::FrameDrawn, this, [this](const QImage& image, int32_t frame) {
     previewView_->SetNotice("");
     previewView_->SetFrame(image, frame);
@@ -268,7 +288,7 @@ void MainWindow::ShowDocument() {
     wave_.Want(plan.audio);
     times.sound = SoundDuring(wave_.Peaks(), session_.SoundBegin(), times.length);
     timeline_->SetScene(times);
-    previewView_->SetFilm(plan.format, plan.frames);
+    previewView_->SetFilm(plan.format, plan.frames + session_.Fades().Lead());
     viewPanel_->Show(scene, StopTimesOf(plan));
     viewPanel_->setVisible(!plan.views.empty());
     keyPanel_->setVisible(plan.views.empty());
@@ -282,7 +302,9 @@ void MainWindow::ShowDocument() {
 
 void MainWindow::ShowTime() {
   if (!session_.IsOpen()) return;
-  const double seconds = preview_.Frame() / session_.Plan().format.rate.PerSecond();
+  // Below 0 while the card before a show's first picture is seen.
+  const int32_t frame = preview_.Frame() - session_.Fades().Lead();
+  const double seconds = frame / session_.Plan().format.rate.PerSecond();
   canvas_->SetTime(seconds);
   timeline_->SetTime(seconds);
 }

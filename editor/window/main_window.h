@@ -67,6 +67,8 @@ class MainWindow : public QMainWindow {
   // main_window.cc: what is shown
   void MakeWidgets();
   void Connect();
+  /// Tab goes through the window as it is read.
+  void OrderTabs();
   /// Gives the film beside the panels the room that it can use, until the user chooses.
   void FitSide();
   void ShowDocument();

@@ -150,6 +150,8 @@ void MainWindow::AskRender() {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
+  // What is being typed counts.
+  for (auto* box : findChildren<QAbstractSpinBox*>()) box->interpretText();
   if (!AskKeep()) return event->ignore();
   if (queue_->Unfinished() > 0 &&
       QMessageBox::question(this, tr("Films Being Made"),

@@ -8,6 +8,8 @@
 #include "editor/window/render_queue.h"
 #include "host/base/error.h"
 #include "host/film/codecs.h"
+#include "host/film/depth.h"
+#include "host/film/formats.h"
 #include "host/options/choices.h"
 
 namespace kelto::editor {
@@ -70,6 +72,13 @@ RenderDialog::RenderDialog(QString command, const Document& document, QWidget* p
     const int w = width / share / 2 * 2, h = height / share / 2 * 2;
     if (w >= 2 && h >= 2) size_->addItem(text.arg(w).arg(h), share == 1 ? QSize() : QSize(w, h));
   }
+  depth_ = new QComboBox;
+  depth_->setAccessibleName(tr("Colour depth"));
+  depth_->setToolTip(tr("How many bits a channel the film has"));
+  // In one row: on small screens there is no room for another.
+  auto* codecRow = new QHBoxLayout;
+  codecRow->addWidget(codec_, 1);
+  codecRow->addWidget(depth_, 1);
   quality_ = new QComboBox;
   for (const auto& [text, word] : {std::pair{tr("High"), "high"},
                                    {tr("Best"), "best"},
@@ -89,7 +98,7 @@ RenderDialog::RenderDialog(QString command, const Document& document, QWidget* p
   auto* form = new QFormLayout;
   form->addRow(tr("Name"), nameRow);
   form->addRow(tr("Format"), kind_);
-  form->addRow(tr("Codec"), codec_);
+  form->addRow(tr("Codec"), codecRow);
   form->addRow(tr("Size"), size_);
   form->addRow(tr("Quality"), quality_);
   form->addRow(tr("Filter"), filter_);
@@ -109,7 +118,8 @@ RenderDialog::RenderDialog(QString command, const Document& document, QWidget* p
     ShowCodecs();
     Estimate();
   });
-  for (QComboBox* box : {codec_, size_, quality_, filter_}) {
+  connect(codec_, &QComboBox::activated, this, &RenderDialog::ShowDepths);
+  for (QComboBox* box : {codec_, depth_, size_, quality_, filter_}) {
     connect(box, &QComboBox::activated, this, &RenderDialog::Estimate);
   }
   connect(name_, &QLineEdit::textEdited, this, &RenderDialog::ShowKind);
@@ -137,6 +147,8 @@ QStringList RenderDialog::Options() const {
   QStringList options;
   const QString codec = codec_->currentData().toString();
   if (!codec.isEmpty()) options << "--codec" << codec;
+  const int depth = depth_->currentData().toInt();
+  if (depth > 0) options << "--depth" << QString::number(depth);
   const QString quality = quality_->currentData().toString();
   if (quality_->isEnabled() && quality != "high") options << "--quality" << quality;
   const QSize size = size_->currentData().toSize();
@@ -159,6 +171,21 @@ void RenderDialog::ShowCodecs() {
   codec_->setEnabled(codec_->count() > 0);
   quality_->setEnabled(codec_->count() >
                        0);  // stills are coded without loss, or as the kind has it
+  ShowDepths();
+}
+
+void RenderDialog::ShowDepths() {
+  const int before = depth_->currentData().toInt();
+  depth_->clear();
+  depth_->addItem(tr("Depth of the photo"), 0);
+  const host::FilmKind& kind =
+      host::KindFor("", KindOf(kind_->currentData().toString()).toStdString());
+  const std::string codec = codec_->currentData().toString().toStdString();
+  for (const int32_t depth : host::DepthsOf(kind, codec, false)) {
+    depth_->addItem(tr("%1 bits a channel").arg(depth), depth);
+  }
+  depth_->setEnabled(depth_->count() > 2);  // more than one
+  depth_->setCurrentIndex(std::max(0, depth_->findData(before)));
 }
 
 void RenderDialog::ShowKind() {

@@ -15,8 +15,8 @@ class QLineEdit;
 
 namespace kelto::editor {
 
-/// Asks for name, format, codec, size and filter, and reckons how long the film will take and how
-/// large it will be by making a second of it.
+/// Asks for name, format, codec, colour depth, size and filter, and reckons how long the film will
+/// take and how large it will be by making a second of it.
 class RenderDialog : public QDialog {
   Q_OBJECT
 
@@ -29,6 +29,8 @@ class RenderDialog : public QDialog {
 
  private:
   void ShowCodecs();
+  /// The depths of the codec; the one chosen stays where there is such.
+  void ShowDepths();
   void ShowKind();
   void AskName();
   void Estimate();
@@ -41,7 +43,7 @@ class RenderDialog : public QDialog {
   std::unique_ptr<RenderJob> sample_;
   int32_t sampleFrames_ = 1;
   QLineEdit* name_;
-  QComboBox *kind_, *codec_, *size_, *quality_, *filter_;
+  QComboBox *kind_, *codec_, *depth_, *size_, *quality_, *filter_;
   QLabel* estimate_;
   QDialogButtonBox* buttons_;
 };

@@ -12,6 +12,7 @@
 #include "host/jobs/fitted_times.h"
 #include "host/jobs/picture_list.h"
 #include "host/jobs/picture_memory.h"
+#include "host/options/fades.h"
 #include "host/options/number.h"
 #include "host/options/rate.h"
 #include "host/processes/read_ahead.h"
@@ -31,7 +32,7 @@ constexpr const char* kUsualFade = "1";
 
 /// Whole frames of a fade; none for 0.
 int32_t ParseFade(const std::string& text, FrameRate rate) {
-  return ParseNumber(text) == 0.0 ? 0 : FramesOf(ParseSeconds(text), rate);
+  return FadeFrames(ParseNumber(text) == 0.0 ? 0.0 : ParseSeconds(text), rate);
 }
 
 /// Whole frames of the fade from `picture` to the next one, of as many frames as `frames` says.
@@ -44,9 +45,8 @@ int32_t FadeFor(const PictureInShow& picture, const PictureInShow& next,
   const double longest = ParseSeconds(shorter.each) / 2;
   // Half of a photograph's time may end within a frame: rounded up, two of it would not fit.
   const bool fits = ParseNumber(picture.fade).value_or(0.0) <= longest;
-  const int32_t least = std::min(here, there);
-  if (fits || !picture.fadeGiven) return std::min(fade, least / 2);
-  if (2 * int64_t{fade} <= least) return fade;
+  const int32_t most = LongestFade(here, there);
+  if (fits || !picture.fadeGiven || fade <= most) return std::min(fade, most);
   throw UsageError("--fade " + picture.fade + ": two fades do not fit into --each " + shorter.each +
                    "; --fade " + NumberText(longest) + " is the longest");
 }
@@ -249,7 +249,7 @@ ShowPlans PlansFor(ShowPictures& show, int32_t workers,
 int32_t TitleFadeFor(int32_t titleFrames, const ShowPictures& show, const ShowPlans& plans) {
   const RenderPlan& first = plans.plans.front();
   return std::min(ParseFade(show.pictures.front().fade, first.format.rate),
-                  std::min(titleFrames, first.frames) / 2);
+                  LongestFade(titleFrames, first.frames));
 }
 
 void FitToSound(const std::string& audio, int32_t titleFrames, ShowPictures& show,

@@ -11,9 +11,11 @@
 
 #include "host/base/error.h"
 #include "host/effect/effect_name.h"
+#include "host/effect/small_photo.h"
 #include "host/files/input_file.h"
 #include "host/files/path_text.h"
 #include "platform/still_importer.h"
+#include "platform/still_reduction.h"
 #include "runtime/stills/turned_name.h"
 
 namespace kelto::host {
@@ -117,8 +119,18 @@ Photo OpenPhoto(const std::string& name) {
 }
 
 std::vector<uint8_t> DecodePhoto(const Photo& photo) {
+  PixelSize size;
+  return DecodePhoto(photo, 1, size);
+}
+
+std::vector<uint8_t> DecodePhoto(const Photo& photo, int32_t by, PixelSize& size) {
   const Importer importer = OpenImporter(photo.path);
   std::vector<uint8_t> pixels;
+  StillRect bounds{};
+  StillImporterReduce(importer.get(), by);
+  if (importer && GraphicsImportGetNaturalBounds(importer.get(), &bounds) == noErr) {
+    size = {bounds.right - bounds.left, bounds.bottom - bounds.top};
+  }
   if (!importer || !Draw(importer.get(), pixels)) {
     throw Error(photo.given + ": cannot be read as a picture: " + Reason(photo.path));
   }

@@ -21,6 +21,9 @@ struct StillInfo {
   int bits = 8;         ///< of a sample; pictures of fewer than 8 count as such of 8
   bool floats = false;  ///< whether samples are floating-point numbers
   bool alpha = false;   ///< whether there may be pixels that let something through
+  /// By what Decode divides the sides, rounded up: `width` and `height` are those of the smaller
+  /// picture then. A power of two up to `most_reduction`, with which decoding takes less time.
+  uint32_t reduction = 1, most_reduction = 1;
   /// Bytes that Decode takes beside the caller's buffer at the most, as far as they grow with the
   /// picture; those of a few rows are not counted. `deep_scratch` is for buffers in words or
   /// floats.
@@ -39,6 +42,11 @@ struct StillInfo {
   uint32_t upright_height() const { return turned() ? width : height; }
   uint64_t pixels() const { return uint64_t{width} * height; }
 };
+
+/// A side of a picture whose sides are divided by `reduction`.
+constexpr uint32_t ReducedSide(uint32_t side, uint32_t reduction) {
+  return side / reduction + (side % reduction != 0);
+}
 
 /// Rows of the caller, as large as the upright picture; row 0 is the top one.
 struct PixelBuffer {

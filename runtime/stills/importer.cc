@@ -1,4 +1,5 @@
 // The still importer's functions over the decoders of this folder.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -7,6 +8,7 @@
 #include <string>
 
 #include "platform/still_importer.h"
+#include "platform/still_reduction.h"
 #include "runtime/stills/decoder.h"
 #include "runtime/stills/still_error.h"
 #include "runtime/stills/turned_name.h"
@@ -139,6 +141,20 @@ OSErr GraphicsImportGetNaturalBounds(GraphicsImportComponent importer, StillRect
 
 uint64_t StillImporterScratchBytes(GraphicsImportComponent importer) {
   return importer == nullptr ? 0 : importer->info.scratch;
+}
+
+int32_t StillImporterReduce(GraphicsImportComponent importer, int32_t by) {
+  if (importer == nullptr) return 1;
+  StillInfo& info = importer->info;
+  // Once: sides that are rounded up twice would not be the decoder's.
+  if (info.reduction > 1) return static_cast<int32_t>(info.reduction);
+  while (info.reduction * 2 <= info.most_reduction &&
+         info.reduction * 2 <= static_cast<uint32_t>(std::max(by, 1))) {
+    info.reduction *= 2;
+  }
+  info.width = kelto::stills::ReducedSide(info.width, info.reduction);
+  info.height = kelto::stills::ReducedSide(info.height, info.reduction);
+  return static_cast<int32_t>(info.reduction);
 }
 
 OSErr QTNewGWorldFromPtr(GWorldPtr* world, OSType pixelFormat, const StillRect* bounds,

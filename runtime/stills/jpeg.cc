@@ -198,13 +198,17 @@ class Jpeg final : public Decoder {
     info.height = session.cinfo.image_height;
     info.model = session.Model();
     info.scratch = info.deep_scratch = CoefficientBytes(session.cinfo);
+    info.most_reduction = 8;  // of each block of 8x8 pixels, its mean remains
     return info;
   }
 
   void Decode(StillFile& file, const StillInfo& info, const PixelBuffer& target) const override {
     Session session(file);
     jpeg_decompress_struct& cinfo = session.cinfo;
-    CheckUnchanged(info, cinfo.image_width, cinfo.image_height);
+    CheckUnchanged(info, ReducedSide(cinfo.image_width, info.reduction),
+                   ReducedSide(cinfo.image_height, info.reduction));
+    cinfo.scale_num = 1;
+    cinfo.scale_denom = info.reduction;
     const bool ink = session.Model() == ColorModel::kCmyk;
     cinfo.out_color_space = ink ? JCS_CMYK : JCS_EXT_BGRA;
     RowWriter writer(info, session.Model(), ink ? PixelFormat::kCmyka8 : PixelFormat::kBgra8,

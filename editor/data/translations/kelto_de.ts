@@ -1080,6 +1080,22 @@ Macht aus Fotos Filme mit bewegtem Ausschnitt.</translation>
         <source>Filter</source>
         <translation>Filter</translation>
     </message>
+    <message>
+        <source>Colour depth</source>
+        <translation>Farbtiefe</translation>
+    </message>
+    <message>
+        <source>Depth of the photo</source>
+        <translation>Tiefe des Fotos</translation>
+    </message>
+    <message>
+        <source>%1 bits a channel</source>
+        <translation>%1 Bit je Kanal</translation>
+    </message>
+    <message>
+        <source>How many bits a channel the film has</source>
+        <translation>Wie viele Bit je Kanal der Film hat</translation>
+    </message>
 </context>
 <context>
     <name>kelto::editor::RenderJob</name>

@@ -151,9 +151,10 @@ TEST_F(ShowDocument, KnowsWhereInTheSoundEachPictureBegins) {
     }
     return seconds;
   };
-  // The usual fade of a second is half of the last picture's at the most.
-  EXPECT_EQ(begins(""), (std::vector{0.0, 2.5, 4.0}));
-  EXPECT_EQ(begins(R"("title": "T", )"), (std::vector{3.5, 6.0, 7.5}));
+  // Half a second of 25 frames is 13 of them, as in the film. The usual fade of a second is half of
+  // the last picture's at the most.
+  EXPECT_EQ(begins(""), (std::vector{0.0, 2.48, 4.0}));
+  EXPECT_EQ(begins(R"("title": "T", )"), (std::vector{3.48, 5.96, 7.48}));
 }
 
 TEST_F(ShowDocument, KnowsWhatFadesShowBesideEachPicture) {

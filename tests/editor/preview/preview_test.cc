@@ -154,9 +154,11 @@ TEST_F(PreviewProcess, ShowsFadesTitleAndCaptionsOfAShowAsItsFilmDoes) {
     // The film: a card, this picture, the other one.
     std::vector<host::RenderPlan> plans = {plan_, other};
     host::PlaceCaptions(plans, {10}, 6);
-    host::ShowFilm film(
-        KELTO_MODULE,
-        {plans, {host::OpenPhoto(plan_.photo), host::OpenPhoto(other.photo)}, {10}, kind});
+    host::ShowFilm film(KELTO_MODULE, {plans,
+                                       {host::OpenPhoto(plan_.photo), host::OpenPhoto(other.photo)},
+                                       {10},
+                                       kind,
+                                       {"Summer", 20, 6}});
     FadesAround fades;
     fades.after = other;
     fades.out = 10;
@@ -167,16 +169,14 @@ TEST_F(PreviewProcess, ShowsFadesTitleAndCaptionsOfAShowAsItsFilmDoes) {
     Open();
     frame_ = {};
     preview_->SetPlan(plan_, fades);
-    for (const int32_t frame : {6, 10, 15, 19, 24}) {
+    EXPECT_EQ(preview_->Frames(), 14 + 25);
+    ASSERT_TRUE(ShowsExactly(14)) << "it begins with the picture";
+    // The card's letters come and stay, then they fade into the picture.
+    for (const int32_t frame : {0, 4, 13, 14, 16, 19, 20, 24, 29, 33, 38}) {
       preview_->Seek(frame);
       ASSERT_TRUE(ShowsExactly(frame));
       EXPECT_EQ(frame_.image, ImageOf(film.Render(frame, 1.0))) << frame;
     }
-    host::TitleFrames title("Summer", 20, {}, plan_.format, host::PixelLayout::kBGRA);
-    host::CrossFade blend(plan_.format, host::PixelLayout::kBGRA, kind);
-    preview_->Seek(2);
-    ASSERT_TRUE(ShowsExactly(2));
-    EXPECT_EQ(frame_.image, ImageOf(blend.Blend(title.At(16), film.Render(2, 1.0), 2, 6)));
     // The other picture, behind this one.
     fades = {};
     fades.before = plan_;
@@ -187,7 +187,7 @@ TEST_F(PreviewProcess, ShowsFadesTitleAndCaptionsOfAShowAsItsFilmDoes) {
     for (const int32_t frame : {0, 9, 10, 17}) {
       preview_->Seek(frame);
       ASSERT_TRUE(ShowsExactly(frame));
-      EXPECT_EQ(frame_.image, ImageOf(film.Render(15 + frame, 1.0))) << frame;
+      EXPECT_EQ(frame_.image, ImageOf(film.Render(14 + 15 + frame, 1.0))) << frame;
     }
   }
   EXPECT_TRUE(failures_.empty());
@@ -216,6 +216,7 @@ TEST_F(PreviewProcess, FollowsAPlanThatChanges) {
   preview_->SetPlan(plan_);
   ASSERT_TRUE(ShowsExactly(20));
   EXPECT_EQ(frame_.image, OfFilm(plan_, 20));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !photos_.empty(); }, kPatience));
   EXPECT_EQ(photos_.size(), 1u) << "the photo is read once";
 }
 
@@ -301,6 +302,7 @@ TEST_F(PreviewProcess, OpensAnotherPhoto) {
   Open();
   preview_->SetPlan(plan_);
   ASSERT_TRUE(ShowsExactly(0));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return photos_.size() == 1; }, kPatience));
   frame_.exact = false;
   test::WritePhoto(folder_ / "other.bmp", 100, 200, [](int32_t x, int32_t) {
     return test::Rgb{uint8_t(2 * x), 0, 200};
@@ -309,8 +311,33 @@ TEST_F(PreviewProcess, OpensAnotherPhoto) {
   preview_->SetPlan(plan_);
   ASSERT_TRUE(ShowsExactly(0));
   EXPECT_EQ(frame_.image, OfFilm(plan_, 0));
-  ASSERT_EQ(photos_.size(), 2u);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return photos_.size() == 2; }, kPatience));
   EXPECT_EQ(photos_[1].size(), QSize(100, 200));
+}
+
+// Those of a camera take a second to read whole, and a screen shows a tenth of their pixels.
+TEST_F(PreviewProcess, ReadsALargePhotoQuicklyAndWholeOnDemand) {
+  QImage photo(3000, 2000, QImage::Format_RGB32);
+  for (int y = 0; y < photo.height(); ++y) {
+    auto* row = reinterpret_cast<QRgb*>(photo.scanLine(y));
+    for (int x = 0; x < photo.width(); ++x) row[x] = qRgb(x / 12, y / 8, 120);
+  }
+  plan_.photo = folder_ / "large.jpg";
+  ASSERT_TRUE(photo.save(QString::fromStdString(plan_.photo), nullptr, 95));
+  Open();
+  preview_->SetPlan(plan_);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return photos_.size() == 1; }, kPatience));
+  EXPECT_EQ(photos_[0].size(), QSize(1500, 1000)) << "more than a million pixels";
+  preview_->WantWholePhoto();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return photos_.size() == 2; }, kPatience));
+  ASSERT_EQ(photos_[1].size(), photo.size());
+  EXPECT_NEAR(qGreen(photos_[0].pixel(700, 500)), qGreen(photos_[1].pixel(1400, 1000)), 3);
+  // There is no more of it, and frames are the film's as ever.
+  preview_->WantWholePhoto();
+  ASSERT_TRUE(ShowsExactly(0));
+  EXPECT_EQ(frame_.image, OfFilm(plan_, 0));
+  EXPECT_EQ(photos_.size(), 2u);
+  EXPECT_TRUE(failures_.empty());
 }
 
 TEST_F(PreviewProcess, SaysWhatIsWrongAsTheCommandDoesAndGoesOnAfterwards) {

@@ -82,6 +82,23 @@ TEST_F(CanvasWidget, MovesTheViewThatIsDragged) {
   ExpectOneGesture();
 }
 
+TEST_F(CanvasWidget, AsksForDetailWhereThePictureOfThePhotoHasTooFewPixels) {
+  int asked = 0;
+  QObject::connect(&canvas_, &Canvas::DetailWanted, &canvas_, [&] { ++asked; });
+  QImage picture(1000, 750, QImage::Format_RGB32);
+  picture.fill(Qt::gray);
+  canvas_.SetPhoto(picture);
+  canvas_.grab();
+  EXPECT_EQ(asked, 0) << "the whole photo is shown in as many pixels";
+  canvas_.ZoomIn();
+  canvas_.grab();
+  EXPECT_EQ(asked, 1);
+  canvas_.SetPhoto(picture.scaled(4000, 3000));
+  canvas_.ShowPixels();
+  canvas_.grab();
+  EXPECT_EQ(asked, 1) << "there is no more";
+}
+
 TEST_F(CanvasWidget, ADragWithoutMovingSelectsAndChangesNothing) {
   QTest::mouseClick(&canvas_, Qt::LeftButton, Qt::NoModifier, At(1400, 1200));
   EXPECT_EQ(scene_.selected, 1);

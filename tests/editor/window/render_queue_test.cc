@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <QComboBox>
 #include <QFileInfo>
 #include <QLabel>
+#include <QRgba64>
+#include <vector>
 
 #include "editor/document/settings.h"
 #include "editor/window/render_dialog.h"
@@ -67,6 +70,77 @@ TEST(RenderDialog, ReturnMakesTheFilmAsItStands) {
   EXPECT_EQ(dialog.result(), QDialog::Accepted);
   EXPECT_EQ(dialog.Film(), folder.File("photo.mp4"));
   EXPECT_EQ(dialog.Options(), (QStringList{"--codec", "h264"}));
+}
+
+/// The box of the dialog in which `data` can be chosen.
+QComboBox* BoxWith(const RenderDialog& dialog, const QVariant& data) {
+  for (QComboBox* box : dialog.findChildren<QComboBox*>()) {
+    if (box->findData(data) >= 0) return box;
+  }
+  ADD_FAILURE() << data.toString().toStdString() << " cannot be chosen";
+  return nullptr;
+}
+
+void Choose(QComboBox* box, const QVariant& data) {
+  ASSERT_GE(box->findData(data), 0) << data.toString().toStdString();
+  box->setCurrentIndex(box->findData(data));
+  emit box->activated(box->currentIndex());
+}
+
+TEST(RenderDialog, OffersTheDepthsThatTheCodecHas) {
+  const PhotoFolder folder;
+  const RenderDialog dialog(KELTO_COMMAND, SmallFilm(folder));
+  QComboBox* depth = BoxWith(dialog, 8);
+  const auto depths = [&] {
+    std::vector<int> all;
+    for (int i = 0; i < depth->count(); ++i) all.push_back(depth->itemData(i).toInt());
+    return all;
+  };
+  EXPECT_EQ(depths(), (std::vector{0, 8})) << "H.264";
+  EXPECT_FALSE(depth->isEnabled());
+  Choose(BoxWith(dialog, "h265"), "h265");
+  EXPECT_EQ(depths(), (std::vector{0, 8, 10}));
+  EXPECT_FALSE(dialog.Options().contains("--depth")) << "as the command has it";
+  Choose(depth, 10);
+  EXPECT_EQ(dialog.Options().mid(dialog.Options().indexOf("--depth"), 2),
+            QStringList({"--depth", "10"}));
+  Choose(BoxWith(dialog, "h264"), "h264");
+  EXPECT_FALSE(dialog.Options().contains("--depth")) << "which it cannot have";
+  Choose(BoxWith(dialog, "-%04d.png"), "-%04d.png");
+  EXPECT_EQ(depths(), (std::vector{0, 8, 16}));
+}
+
+TEST(RenderDialog, AFilmHasTheDepthThatWasChosen) {
+  const PhotoFolder folder;
+  QImage deep(320, 240, QImage::Format_RGBX64);
+  for (int y = 0; y < deep.height(); ++y) {
+    auto* row = reinterpret_cast<QRgba64*>(deep.scanLine(y));
+    for (int x = 0; x < deep.width(); ++x) {
+      row[x] = qRgba64(quint16(x * 200 + 7), quint16(y * 270 + 3), 40000, 65535);
+    }
+  }
+  ASSERT_TRUE(deep.save(folder.Photo()));
+  qputenv("KELTO_MODULE", KELTO_MODULE);
+  const Document film = WithLength(WithSize(NewDocument(folder.Photo().toStdString(), {320, 240},
+                                                        folder.Project().toStdString()),
+                                            160, 90),
+                                   0.04);
+  RenderQueue queue(KELTO_COMMAND);
+  const auto bitsOf = [&](int depth) {
+    RenderDialog dialog(KELTO_COMMAND, film);
+    Choose(BoxWith(dialog, "-%04d.png"), "-%04d.png");
+    Choose(BoxWith(dialog, 16), depth);
+    const QString name = folder.File(QString("bits%1-%04d.png").arg(depth));
+    RenderJob* job = queue.Add(film, name, dialog.Options());
+    EXPECT_TRUE(WaitFor([&] { return queue.Unfinished() == 0; }));
+    EXPECT_EQ(job->TheState(), RenderJob::State::kDone) << job->Reason().toStdString();
+    QFile png(folder.File(QString("bits%1-0000.png").arg(depth)));
+    EXPECT_TRUE(png.open(QIODevice::ReadOnly));
+    return int(png.read(25).at(24));  // as the header has it
+  };
+  EXPECT_EQ(bitsOf(0), 16) << "as the photo has it";
+  EXPECT_EQ(bitsOf(8), 8);
+  EXPECT_EQ(bitsOf(16), 16);
 }
 
 TEST(RenderDialog, SaysHowLargeTheFilmWillBe) {

@@ -1,7 +1,6 @@
 // The window as a whole: events in, the project's JSON out.
 #include <gtest/gtest.h>
 
-#include <QSignalSpy>
 #include <QtWidgets>
 #include <nlohmann/json.hpp>
 
@@ -12,7 +11,6 @@
 #include "editor/window/move_finder.h"
 #include "editor/window/render_dialog.h"
 #include "host/files/start.h"
-#include "tests/editor/support/widgets.h"
 #include "tests/editor/window/support.h"
 
 namespace kelto::editor {
@@ -65,35 +63,6 @@ TEST_F(Window, ArrowsMoveTheSelectedViewByAPixelOfThePhoto) {
   EXPECT_NEAR(Part(1)[0], before[0] + 1, 1e-3);
   EXPECT_NEAR(Part(1)[1], before[1] + 10, 1e-3);
   EXPECT_NEAR(Part(1)[2], before[2], 1e-3);
-}
-
-// The preview draws a film anew for each change, and the window shows it.
-TEST_F(Window, AKeyIsOneChange) {
-  window_.Select(1);
-  const QSignalSpy changes(&window_.TheSession(), &Session::Changed);
-  QTest::keyClick(&window_.TheCanvas(), Qt::Key_Right);
-  EXPECT_EQ(changes.count(), 1) << "its release changes nothing";
-  QTest::keyClick(&window_.TheCanvas(), Qt::Key_Right);
-  EXPECT_EQ(changes.count(), 2);
-}
-
-TEST_F(Window, AnAnswerOfThePreviewRefreshesWhatItIsAboutAlone) {
-  const auto known = [&] { return window_.TheTimeline().Scene().way.size(); };
-  const auto frames = static_cast<size_t>(window_.TheSession().Plan().frames);
-  ASSERT_TRUE(WaitFor([&] { return known() == frames; })) << "no other answer is due";
-  auto* length = Named<QDoubleSpinBox>("Length");
-  length->setFocus();
-  length->selectAll();
-  QTest::keyClicks(length, "12");  // not entered yet
-  QCoreApplication::processEvents();
-  auto* around = window_.TheTimeline().parentWidget();
-  const EventCount layouts(*around, QEvent::LayoutRequest);
-  const FilmWay way = {{0.0, {0, 0, 1600, 900}, 0.5}, {5.0, {400, 300, 800, 450}, 1.0}};
-  emit window_.ThePreview().WayFound(way);
-  QCoreApplication::processEvents();
-  EXPECT_EQ(window_.TheTimeline().Scene().way, way);
-  EXPECT_EQ(layouts.Count(), 0) << "the window was laid out again";
-  EXPECT_EQ(length->text().left(2), "12") << "what was being typed is gone";
 }
 
 TEST_F(Window, UndoTakesBackWhatItNames) {

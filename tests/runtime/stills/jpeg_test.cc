@@ -1,3 +1,4 @@
+#include "platform/still_reduction.h"
 #include "tests/runtime/stills/encode_jpeg.h"
 #include "tests/runtime/stills/exif_block.h"
 #include "tests/runtime/stills/profiles.h"
@@ -27,6 +28,63 @@ TEST_F(Jpeg, ProgressiveFilesGiveTheSamePictureAsSequentialOnes) {
   const Loaded progressive = Load(EncodeJpeg(spec));
   ASSERT_EQ(progressive.error, noErr) << progressive.text;
   EXPECT_EQ(LargestDifference(progressive.picture, sequential.picture), 0);
+}
+
+/// The picture drawn with its sides divided by `by`.
+Picture Reduced(const std::string& path, int32_t by, int32_t divided) {
+  const Opened opened = OpenStill(path);
+  EXPECT_EQ(opened.error, noErr) << opened.text;
+  EXPECT_EQ(StillImporterReduce(opened.importer, by), divided);
+  StillRect bounds{};
+  EXPECT_EQ(GraphicsImportGetNaturalBounds(opened.importer, &bounds), noErr);
+  Picture picture{bounds.right, bounds.bottom, {}};
+  picture.pixels.resize(size_t{1} * picture.width * picture.height);
+  GWorldPtr world = nullptr;
+  EXPECT_EQ(QTNewGWorldFromPtr(&world, k32BGRAPixelFormat, &bounds, nullptr, nullptr, 0,
+                               picture.pixels.data(), 4 * picture.width),
+            noErr);
+  EXPECT_EQ(GraphicsImportSetGWorld(opened.importer, world, nullptr), noErr);
+  EXPECT_EQ(GraphicsImportDraw(opened.importer), noErr) << StillImporterLastError();
+  DisposeGWorld(world);
+  CloseComponent(opened.importer);
+  return picture;
+}
+
+TEST_F(Jpeg, CanBeDrawnSmallerThanItIs) {
+  for (const bool progressive : {false, true}) {
+    JpegSpec spec = JpegOf(GradientPicture(61, 43));
+    spec.progressive = progressive;
+    const std::string path = Write("photo.jpg", EncodeJpeg(spec));
+    for (const auto& [by, divided] : {std::pair{2, 2}, {3, 2}, {4, 4}, {8, 8}, {1000, 8}}) {
+      const Picture small = Reduced(path, by, divided);
+      EXPECT_EQ(small.width, (61 + divided - 1) / divided);
+      EXPECT_EQ(small.height, (43 + divided - 1) / divided);
+      // The middle of what a small pixel stands for.
+      const int x = 3 * divided + divided / 2, y = 2 * divided + divided / 2;
+      EXPECT_TRUE(IsNear(small.at(3, 2), Gradient(x, y), 3 + divided)) << by;
+    }
+    EXPECT_EQ(LargestDifference(Reduced(path, 1, 1), LoadStill(path).picture), 0);
+    EXPECT_EQ(LargestDifference(Reduced(path, 0, 1), LoadStill(path).picture), 0);
+  }
+}
+
+TEST_F(Jpeg, IsUprightWhereItIsSmaller) {
+  JpegSpec spec = JpegOf(GradientPicture(64, 32));
+  const Picture plain = Reduced(Write("plain.jpg", EncodeJpeg(spec)), 4, 4);
+  spec.exif = ExifBlock(6);
+  const Picture turned = Reduced(Write("turned.jpg", EncodeJpeg(spec)), 4, 4);
+  ASSERT_EQ(turned.width, 8);
+  ASSERT_EQ(turned.height, 16);
+  for (int y = 0; y < 8; ++y) {
+    for (int x = 0; x < 16; ++x) EXPECT_EQ(turned.at(7 - y, x), plain.at(x, y));
+  }
+}
+
+TEST_F(Jpeg, OtherFormsAreDrawnAsLargeAsTheyAre) {
+  const test::Rgb blue{1, 2, 200};
+  test::WritePhoto(Path("photo.bmp"), 20, 10, [&](int32_t, int32_t) { return blue; });
+  EXPECT_EQ(Reduced(Path("photo.bmp"), 8, 1).width, 20);
+  EXPECT_EQ(StillImporterReduce(nullptr, 8), 1);
 }
 
 TEST_F(Jpeg, GreyIsGrey) {
