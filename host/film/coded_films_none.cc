@@ -9,7 +9,7 @@ std::span<const FilmKind> CodedFilmKinds() { return {}; }
 
 const char* UsualFilmKind() { return "y4m"; }
 
-std::string InstalledEncoder(const FilmCodec&, FrameSize) { return ""; }
+std::string InstalledEncoder(const FilmCodec&, FrameSize, const std::string&) { return ""; }
 
 void CheckSound(const std::string& path) {
   throw Error(path + ": films of this build have no sound");

@@ -64,7 +64,7 @@ TEST_F(FacesInPhotos, AreWhereAutomaticMovesGo) {
   EXPECT_GT(Count(named, 7, kFace), 2 * Count(named, 0, kFace)) << "twice as close";
   EXPECT_EQ(Count(named, 7, kBall), 0);
   const std::string plain = Film({"render", Photo(false)}, move);
-  EXPECT_GT(Count(plain, 7, kBall), 2 * Count(plain, 0, kBall));
+  EXPECT_GE(Count(plain, 7, kBall), Count(plain, 0, kBall)) << "all of what catches the eye";
 }
 
 TEST_F(FacesInPhotos, AreLookedForWhereTheMetadataNameNone) {
