@@ -65,6 +65,10 @@ class RandomFiles {
       photo.fill(QColor::fromHsv(80 * i, 200, 200));
       photo.save(Photo(i));
     }
+    WriteProjects();
+  }
+  /// As they were at first: what events have saved would grow, and memory with it.
+  void WriteProjects() const {
     WriteText(Name("keys.json"),
               R"({"image": "photos/0.png", "film": {"width": 320, "height": 180, "seconds": 3},
                   "parameters": {"size": [{"time": 0, "value": 1}, {"time": 0.5, "value": 2},
@@ -235,6 +239,8 @@ TEST_F(RandomWindow, EventsLeaveAWindowWithAProjectThatCanBeRead) {
     if (events >= kEventsOfATest && passed.count() >= wanted) break;
     if (events % kEventsOfAFile == 0) {
       StopFilms();
+      QFile::remove(files_.Name("a.json"));
+      files_.WriteProjects();
       window_.Open(events / kEventsOfAFile % 2 == 0 ? files_.Name("show.json")
                                                     : OneOf(files_.All()));
     } else if (Number(0, 15) == 0) {
