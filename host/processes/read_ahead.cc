@@ -16,7 +16,7 @@ enum class AnswerKind : char { kResult, kMessage, kFailed, kMisused };
 std::string* kept = nullptr;
 bool isReading = false;
 /// What is left of the answers that are being given.
-std::string_view left;
+std::string_view answersLeft;
 
 void Keep(AnswerKind kind, const std::string& file, const std::string& text) {
   if (kept == nullptr) return;
@@ -31,7 +31,7 @@ void Keep(AnswerKind kind, const std::string& file, const std::string& text) {
 /// The next answer taken from what is left. What a process sent that a file has taken over may be
 /// cut anywhere: false then.
 bool Take(AnswerKind& kind, std::string& file, std::string& text) {
-  std::string_view rest = left;
+  std::string_view rest = answersLeft;
   if (rest.empty()) return false;
   kind = static_cast<AnswerKind>(rest.front());
   rest.remove_prefix(1);
@@ -44,7 +44,7 @@ bool Take(AnswerKind& kind, std::string& file, std::string& text) {
     *part = rest.substr(0, size);
     rest.remove_prefix(size);
   }
-  left = rest;
+  answersLeft = rest;
   return true;
 }
 
@@ -67,8 +67,8 @@ std::string AnswersDuring(const std::function<void()>& work) {
 
 void WithAnswers(const std::string& answers, const std::function<void()>& work) {
   struct Given {
-    explicit Given(std::string_view given) { left = given; }
-    ~Given() { left = {}; }
+    explicit Given(std::string_view given) { answersLeft = given; }
+    ~Given() { answersLeft = {}; }
   };
   const Given given(answers);
   work();
@@ -87,7 +87,7 @@ bool IsAnswered(const std::string& file, std::string& text) {
     if (kind == AnswerKind::kMisused) throw UsageError(text);
     return true;
   }
-  left = {};
+  answersLeft = {};
   return false;
 }
 
