@@ -14,6 +14,7 @@
 #include "host/files/path_text.h"
 #include "host/film/codecs.h"
 #include "host/film/coded_films.h"
+#include "host/film/depth.h"
 #include "host/film/formats.h"
 #include "host/film/hardware.h"
 #include "host/frames/effect_session.h"
@@ -78,7 +79,8 @@ void WriteFilm(const FilmKind& kind, const std::string& path, const std::string&
   request.hardware = hardware;
   CheckRequest(kind, request);
   const std::unique_ptr<FrameSink> film = kind.open(request);
-  const size_t rowBytes = static_cast<size_t>(kSize.width) * BytesPerPixel(kind.layout);
+  const size_t rowBytes =
+      static_cast<size_t>(kSize.width) * BytesPerPixel(FrameLayout(kind, request));
   const std::vector<uint8_t> grey(rowBytes * kSize.height, 128);
   for (int32_t i = 0; i < request.frames; ++i) {
     film->Write({grey.data(), static_cast<ptrdiff_t>(rowBytes), kSize});
