@@ -173,7 +173,9 @@ void Preview::Private::StartClock(int32_t frame, bool playing) {
 }
 
 void Preview::Private::WantWholePhoto() {
-  if (photoHasMore_) photoWanted_ = Photo::kWhole;
+  // Each time that the canvas is painted close up it is wanted; once is enough.
+  if (!photoHasMore_ || photoWanted_ == Photo::kWhole) return;
+  photoWanted_ = Photo::kWhole;
   PumpSoon();
 }
 

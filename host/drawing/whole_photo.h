@@ -6,8 +6,6 @@
 
 namespace kelto::host {
 
-constexpr double kWholeQuality = 1.0;  ///< of frames on a sheet, as PlayedFilm::Render takes it
-
 /// A plan of one frame that shows all of the photo, as the effect takes it in for `plan`; its
 /// longer side has `most` pixels at the most. What lies behind a transparent photo shows the plan's
 /// background.

@@ -9,6 +9,9 @@
 
 namespace kelto::host {
 
+/// The quality of frames that are not hurried, as PlayedFilm::Render takes it.
+inline constexpr double kWholeQuality = 1.0;
+
 /// Operations throw Error.
 class PlayedFilm {
  public:

@@ -9,12 +9,6 @@
 #include "host/terminal/interrupt.h"
 
 namespace kelto::host {
-namespace {
-
-constexpr double kWholeQuality = 1.0;
-
-}  // namespace
-
 SceneRenderer::SceneRenderer(SceneList list, std::function<bool()> aborted)
     : list_(std::move(list)), aborted_(std::move(aborted)), open_(list_.scenes.size()) {}
 

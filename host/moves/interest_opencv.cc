@@ -64,16 +64,18 @@ cv::Mat SpectralResidual(const cv::Mat& channel) {
   return parts[0].mul(parts[0]) + parts[1].mul(parts[1]);
 }
 
+/// The size of a picture shrunk to about as many pixels as a square of this side has, 1 by 1 at the
+/// least; its own where it has no more.
+cv::Size SizeWithin(double side, const cv::Mat& picture) {
+  const double scale = std::min(1.0, side / std::sqrt(static_cast<double>(picture.total())));
+  return {std::max(1, cvRound(picture.cols * scale)), std::max(1, cvRound(picture.rows * scale))};
+}
+
 /// How sharp the picture is at each place of a map of this size, from 0 to 1, which a twentieth of
 /// the places reach: what it differs from its surroundings by, seen much finer than the map.
 cv::Mat SharpnessOf(const cv::Mat& picture, cv::Size size) {
-  const double scale = std::min(1.0, kSharpSide / std::sqrt(static_cast<double>(picture.total())));
-  cv::Mat small, lightness, differences, sharpness;
-  cv::resize(picture, small,
-             {std::max(size.width, cvRound(picture.cols * scale)),
-              std::max(size.height, cvRound(picture.rows * scale))},
-             0, 0, cv::INTER_AREA);
-  cv::cvtColor(small, lightness, cv::COLOR_BGRA2GRAY);
+  cv::Mat lightness, differences, sharpness;
+  cv::cvtColor(picture, lightness, cv::COLOR_BGRA2GRAY);
   lightness.convertTo(lightness, CV_32F);
   cv::Laplacian(lightness, differences, CV_32F);
   cv::resize(cv::abs(differences), sharpness, size, 0, 0, cv::INTER_AREA);
@@ -95,11 +97,11 @@ float WeightAt(int place, int places) {
 cv::Mat InterestOf(const PhotoPixels& pixels) {
   const cv::Mat whole(pixels.size.height, pixels.size.width, CV_8UC4,
                       const_cast<uint8_t*>(pixels.bytes.data()));
-  const double scale = std::min(1.0, kMapSide / std::sqrt(static_cast<double>(whole.total())));
-  const cv::Size size(std::max(1, cvRound(whole.cols * scale)),
-                      std::max(1, cvRound(whole.rows * scale)));
-  cv::Mat small, colours, lab;
-  cv::resize(whole, small, size, 0, 0, cv::INTER_AREA);
+  // Of the one that sharpness is seen in: a large picture is gone through once.
+  cv::Mat fine, small, colours, lab;
+  const cv::Size size = SizeWithin(kMapSide, whole);
+  cv::resize(whole, fine, SizeWithin(kSharpSide, whole), 0, 0, cv::INTER_AREA);
+  cv::resize(fine, small, size, 0, 0, cv::INTER_AREA);
   cv::cvtColor(small, colours, cv::COLOR_BGRA2BGR);
   colours.convertTo(colours, CV_32F, 1 / 255.0);
   // Lightness and two axes of colour, apart about as far as the eye distinguishes them.
@@ -116,7 +118,7 @@ cv::Mat InterestOf(const PhotoPixels& pixels) {
     cv::GaussianBlur(residual, residual, {}, kBlur, kBlur, cv::BORDER_REPLICATE);
     interest += residual / (cv::sum(residual)[0] + 1e-12) * (most - least);
   }
-  interest = interest.mul(kBlurred + (1 - kBlurred) * SharpnessOf(whole, size));
+  interest = interest.mul(kBlurred + (1 - kBlurred) * SharpnessOf(fine, size));
   for (int y = 0; y < size.height; ++y) {
     for (int x = 0; x < size.width; ++x) {
       interest.at<float>(y, x) *= WeightAt(x, size.width) * WeightAt(y, size.height);
