@@ -57,8 +57,8 @@ void DeepSession::SetPlan(const RenderPlan& plan) {
   const FrameSize size = plan.format.size;
   if (!(before.format == plan.format) || frame_.width() == 0) {
     frame_ = {};
-    behind_ = {};
-    backdrop_.reset();
+    blurred_ = {};
+    video_.reset();
     caption_.reset();
   }
   motion_.emplace(module_, plan, PixelSize{photo_.width, photo_.height});
@@ -78,25 +78,22 @@ void DeepSession::SetPlan(const RenderPlan& plan) {
 
 void DeepSession::SetBehind(const RenderPlan& before) {
   const FrameSize size = plan_.format.size;
-  const auto make = [&] {
-    behind_ = DeepPicture(size.width, size.height, DeepSample::kUnsigned16, false);
-  };
   if (!plan_.over.empty()) {
     // Where the video ends depends on the film's length.
-    if (backdrop_ && before.frames == plan_.frames) return;
-    backdrop_.emplace(plan_, PixelLayout::kBGRA);
-    video_.emplace(size.width, size.height, hfxColorspaceRGB);
-    return make();
-  }
-  if (plan_.beside != Beside::kBlur) {
-    behind_ = {};
+    if (video_ && before.frames == plan_.frames) return;
+    video_.reset();  // first: two would hold two decoders
+    video_ = OpenBackdropVideo(plan_, PixelLayout::kRgba16);
     return;
   }
-  if (behind_.width() > 0) return;
+  if (plan_.beside != Beside::kBlur) {
+    blurred_ = {};
+    return;
+  }
+  if (blurred_.width() > 0) return;
   if (!beside_) beside_.emplace(std::as_const(picture_).view());
   const std::vector<uint8_t> blurred = beside_->Frame(plan_.format, PixelLayout::kRgba16);
-  make();
-  const DeepTarget rows = behind_.view();
+  blurred_ = DeepPicture(size.width, size.height, DeepSample::kUnsigned16, false);
+  const DeepTarget rows = blurred_.view();
   const size_t rowBytes = static_cast<size_t>(size.width) * BytesPerPixel(PixelLayout::kRgba16);
   for (int32_t y = 0; y < rows.height; ++y) {
     std::memcpy(rows.Row<uint8_t>(y), &blurred[rowBytes * static_cast<size_t>(y)], rowBytes);
@@ -125,7 +122,7 @@ FrameView DeepSession::Render(int32_t number, double quality) {
 
 void DeepSession::RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number, double quality) {
   const FrameSize size = plan_.format.size;
-  if (backdrop_) FillVideo(number);
+  const DeepSource behind = BehindFrame(number);
   DeepTarget whole;
   whole.pixels = pixels;
   whole.width = size.width;
@@ -133,27 +130,20 @@ void DeepSession::RenderInto(uint8_t* pixels, ptrdiff_t rowBytes, int32_t number
   whole.rowBytes = rowBytes;
   whole.hasAlpha = plan_.transparent;
   for (int32_t field = 0; field < FieldsOf(plan_); ++field) {
-    RenderField(whole, number, field, quality);
+    RenderField(whole, behind, number, field, quality);
   }
   if (caption_) caption_->Over(pixels, rowBytes, number);
 }
 
-void DeepSession::FillVideo(int32_t number) {
-  hfxImage& image = *video_->image();
-  backdrop_->Fill(number, image);
-  const DeepTarget rows = behind_.view();
-  for (int32_t y = 0; y < rows.height; ++y) {
-    const auto* from = static_cast<const uint8_t*>(image.GetRowPtr(y));
-    uint16_t* to = rows.Row<uint16_t>(y);
-    for (int32_t x = 0; x < rows.width; ++x, from += 4, to += 4) {
-      for (int c = 0; c < 3; ++c) to[c] = static_cast<uint16_t>(from[2 - c] * 257);
-      to[3] = 65535;
-    }
-  }
+DeepSource DeepSession::BehindFrame(int32_t number) {
+  if (!video_) return std::as_const(blurred_).view();
+  const FrameView frame = video_->Frame(number);
+  return {frame.pixels,   frame.size.width,        frame.size.height,
+          frame.rowBytes, DeepSample::kUnsigned16, false};
 }
 
-void DeepSession::RenderField(const DeepTarget& whole, int32_t number, int32_t field,
-                              double quality) {
+void DeepSession::RenderField(const DeepTarget& whole, const DeepSource& behindWhole,
+                              int32_t number, int32_t field, double quality) {
   if (aborted_ && aborted_()) throw Error("interrupted");
   const hfx::RenderState state = FieldState(plan_, number, field);
   const FrameMotion motion = motion_->At(number, field);
@@ -169,7 +159,7 @@ void DeepSession::RenderField(const DeepTarget& whole, int32_t number, int32_t f
   job.linearLight = plan_.linearLight;
   job.background = plan_.transparent ? std::array<float, 4>{} : SeenColour(motion.background);
   DeepTarget target = whole;
-  DeepSource behind = std::as_const(behind_).view();
+  DeepSource behind = behindWhole;
   if (plan_.format.Interlaced()) {
     job.fieldRows = state.topField ? kEvenRows : kOddRows;
     const int32_t first = state.topField ? 0 : 1;
@@ -180,7 +170,7 @@ void DeepSession::RenderField(const DeepTarget& whole, int32_t number, int32_t f
     behind.height = target.height;
     behind.rowBytes *= 2;
   }
-  const bool shows = backdrop_ ? motion.overVideo : behind_.width() > 0;
+  const bool shows = video_ ? motion.overVideo : behind.width > 0;
   if (shows) job.backdrop = behind;
   RenderDeep(job, std::as_const(picture_).view(), target);
 }

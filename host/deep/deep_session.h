@@ -16,7 +16,7 @@
 #include "host/base/film_format.h"
 #include "host/effect/photo.h"
 #include "host/facts/motion.h"
-#include "host/frames/backdrop.h"
+#include "host/frames/backdrop_video.h"
 #include "host/frames/blurred_photo.h"
 #include "host/frames/caption_letters.h"
 #include "host/frames/plan_session.h"
@@ -52,9 +52,11 @@ class DeepSession : public PlanSession {
  private:
   void SetPlan(const RenderPlan& plan);
   void SetBehind(const RenderPlan& before);
-  void RenderField(const DeepTarget& whole, int32_t number, int32_t field, double quality);
-  /// What of the video lies behind frame `number`, into `behind_`.
-  void FillVideo(int32_t number);
+  void RenderField(const DeepTarget& whole, const DeepSource& behind, int32_t number, int32_t field,
+                   double quality);
+  /// What lies behind frame `number`: of the video, or the photo blurred; no pixels where neither
+  /// is. Holds until the next call.
+  DeepSource BehindFrame(int32_t number);
 
   std::string module_;
   RenderPlan plan_;
@@ -63,10 +65,9 @@ class DeepSession : public PlanSession {
   std::function<bool()> aborted_;
   std::optional<Motion> motion_;
   std::optional<CaptionLetters> caption_;
-  std::optional<BlurredPhoto> beside_;  ///< once it has been needed
-  std::optional<Backdrop> backdrop_;    ///< of plans with a video
-  std::optional<hfx::ImageBuffer> video_;
-  DeepPicture behind_;  ///< the video's frame, or the photo blurred; no pixels where neither is
+  std::optional<BlurredPhoto> beside_;    ///< once it has been needed
+  std::unique_ptr<BackdropVideo> video_;  ///< of plans with a video
+  DeepPicture blurred_;                   ///< behind the photo; no pixels where nothing of it is
   DeepPicture frame_;
 };
 

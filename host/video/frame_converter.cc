@@ -47,6 +47,28 @@ void PackRow(const uint16_t* luma, const uint16_t* cbRow, const uint16_t* crRow,
   }
 }
 
+/// A row of words of RGB, of which `white` is white, made opaque.
+void WidenRow(const uint16_t* from, int32_t width, uint32_t white, uint16_t* to) {
+  constexpr int kFraction = 32;
+  const uint64_t gain = ((uint64_t{65535} << kFraction) + white / 2) / white;
+  const auto widened = [=](uint64_t word) {
+    return static_cast<uint16_t>(
+        std::min<uint64_t>(65535, (word * gain + (uint64_t{1} << (kFraction - 1))) >> kFraction));
+  };
+  for (; width > 0; --width, from += 4, to += 4) {
+    for (int c = 0; c < 3; ++c) to[c] = widened(from[c]);
+    to[3] = 65535;
+  }
+}
+
+/// A row of BGRA as words of RGBA, made opaque.
+void WidenBytes(const uint8_t* from, int32_t width, uint16_t* to) {
+  for (; width > 0; --width, from += 4, to += 4) {
+    for (int c = 0; c < 3; ++c) to[c] = static_cast<uint16_t>(from[2 - c] * 257);
+    to[3] = 65535;
+  }
+}
+
 template <typename Sample>
 const Sample* RowOf(const AVFrame& frame, int plane, int32_t row) {
   return reinterpret_cast<const Sample*>(frame.data[plane] +
@@ -135,11 +157,7 @@ void FrameConverter::Convert(const AVFrame& picture, PicturePart part, const Mut
   if (!(area.size == to.size)) FillBlack(to);
   int width = area.size.width, height = area.size.height;
   if (turn_.transposed) std::swap(width, height);
-  AVPixelFormat format = AV_PIX_FMT_BGRA;
-  if (layout_ == PixelLayout::kYCbYCr) {
-    format = turn_.Upright() ? AV_PIX_FMT_YUV422P10 : AV_PIX_FMT_YUV444P10;
-  }
-  const AVFrame* scaled = scaler_.Scale(*cut, part, width, height, format);
+  const AVFrame* scaled = scaler_.Scale(*cut, part, width, height, ScaledFormat(*cut));
   if (scaled != nullptr && !turn_.Upright()) {
     scaled = &Turned(*scaled);
     if (layout_ == PixelLayout::kYCbYCr) {
@@ -152,36 +170,62 @@ void FrameConverter::Convert(const AVFrame& picture, PicturePart part, const Mut
     throw Error(path_ + ": its pixels are of a form that cannot be converted, " +
                 (name == nullptr ? "unknown" : name));
   }
-  Pack(*scaled, CodingOf(*cut), area);
+  Pack(*scaled, *cut, area);
+}
+
+AVPixelFormat FrameConverter::ScaledFormat(const AVFrame& picture) const {
+  if (layout_ == PixelLayout::kYCbYCr) {
+    return turn_.Upright() ? AV_PIX_FMT_YUV422P10 : AV_PIX_FMT_YUV444P10;
+  }
+  // Levels of eight bits stay what they are, so that films of eight bits show them undithered.
+  return layout_ == PixelLayout::kRgba16 && IsDeep(picture) ? AV_PIX_FMT_RGBA64 : AV_PIX_FMT_BGRA;
 }
 
 const AVFrame& FrameConverter::Turned(const AVFrame& scaled) {
   const int width = turn_.transposed ? scaled.height : scaled.width;
   const int height = turn_.transposed ? scaled.width : scaled.height;
-  if (!turned_) {
+  if (!turned_ || turned_->format != scaled.format) {
     turned_ = Own(av_frame_alloc());
     turned_->width = width;
     turned_->height = height;
     turned_->format = scaled.format;
     if (av_frame_get_buffer(turned_.get(), 0) < 0) throw std::bad_alloc();
   }
-  const bool rgb = scaled.format == AV_PIX_FMT_BGRA;
-  const auto turn = rgb ? &TurnPlane<uint32_t> : &TurnPlane<uint16_t>;
-  for (int plane = 0; plane < (rgb ? 1 : 3); ++plane) {
+  const bool bytes = scaled.format == AV_PIX_FMT_BGRA, words = scaled.format == AV_PIX_FMT_RGBA64;
+  const auto turn = bytes   ? &TurnPlane<uint32_t>
+                    : words ? &TurnPlane<uint64_t>
+                            : &TurnPlane<uint16_t>;
+  for (int plane = 0; plane < (bytes || words ? 1 : 3); ++plane) {
     turn(turn_, scaled.data[plane], scaled.linesize[plane], turned_->data[plane],
          turned_->linesize[plane], width, height);
   }
   return *turned_;
 }
 
-void FrameConverter::Pack(const AVFrame& scaled, const Coding& coding,
+void FrameConverter::Pack(const AVFrame& scaled, const AVFrame& picture,
                           const MutableFrame& to) const {
+  const Coding coding = CodingOf(picture);
   const VideoMap map = MapFrom(coding.matrix, coding.fullRange);
+  const bool turned = turn_.transposed;
+  const uint32_t white = scaled.format == AV_PIX_FMT_RGBA64
+                             ? Scaler::WhiteOf(picture, turned ? scaled.height : scaled.width,
+                                               turned ? scaled.width : scaled.height)
+                             : 0;
   for (int32_t row = 0; row < to.size.height; ++row) {
     uint8_t* pixels = to.pixels + row * to.rowBytes;
     if (layout_ == PixelLayout::kYCbYCr) {
       PackRow(RowOf<uint16_t>(scaled, 0, row), RowOf<uint16_t>(scaled, 1, row),
               RowOf<uint16_t>(scaled, 2, row), to.size.width / 2, map, pixels);
+      continue;
+    }
+    if (layout_ == PixelLayout::kRgba16) {
+      void* const words = pixels;
+      if (white == 0) {
+        WidenBytes(RowOf<uint8_t>(scaled, 0, row), to.size.width, static_cast<uint16_t*>(words));
+      } else {
+        WidenRow(RowOf<uint16_t>(scaled, 0, row), to.size.width, white,
+                 static_cast<uint16_t*>(words));
+      }
       continue;
     }
     std::copy_n(RowOf<uint8_t>(scaled, 0, row), 4 * to.size.width, pixels);
@@ -197,6 +241,9 @@ void FrameConverter::FillBlack(const MutableFrame& to) const {
       if (layout_ == PixelLayout::kYCbYCr) {
         pixel[0] = 16;
         pixel[1] = 128;
+      } else if (layout_ == PixelLayout::kRgba16) {
+        std::fill_n(pixel, 6, uint8_t{0});
+        std::fill_n(pixel + 6, 2, uint8_t{255});
       } else {
         std::fill_n(pixel, 3, uint8_t{0});
         pixel[3] = 255;

@@ -46,7 +46,9 @@ class FrameConverter {
   void CropToFill(double shape);
   Owned<AVFrame> Cut(const AVFrame& picture, PicturePart part) const;
   const AVFrame& Turned(const AVFrame& scaled);
-  void Pack(const AVFrame& scaled, const Coding& coding, const MutableFrame& to) const;
+  AVPixelFormat ScaledFormat(const AVFrame& picture) const;
+  /// Hands on what was scaled of `picture`.
+  void Pack(const AVFrame& scaled, const AVFrame& picture, const MutableFrame& to) const;
   void FillBlack(const MutableFrame& to) const;
 
   std::string path_;

@@ -97,6 +97,23 @@ Coding CodingOf(const AVFrame& picture) {
   return coding;
 }
 
+bool IsDeep(const AVFrame& picture) {
+  const AVPixFmtDescriptor* form = FormOf(picture);
+  return form != nullptr && form->comp[0].depth > 8;
+}
+
+uint32_t Scaler::WhiteOf(const AVFrame& picture, int width, int height) {
+  // Measured: the library's matrices go from levels of eight bits times 256 to such levels, and
+  // samples of more bits are moved up by as many as are missing. RGB alone is widened, as long as
+  // nothing is scaled.
+  constexpr uint32_t kFull = 65535, kStudio = 255 * 256;
+  const bool rgb = IsRgb(picture);
+  if (rgb && picture.width == width && picture.height == height) return kFull;
+  if (!rgb && !CodingOf(picture).fullRange) return kStudio;
+  const int missing = 16 - FormOf(picture)->comp[0].depth;
+  return kFull >> missing << missing;
+}
+
 const AVFrame* Scaler::Scale(const AVFrame& picture, PicturePart part, int width, int height,
                              AVPixelFormat format) {
   Way& way = ways_[static_cast<size_t>(part)];
@@ -144,7 +161,7 @@ bool Scaler::Open(Way& way, const AVFrame& picture, PicturePart part, int width,
   set("sws_flags",
       SWS_BICUBIC | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT | SWS_FULL_CHR_H_INP | SWS_BITEXACT);
   const Coding coding = CodingOf(picture);
-  const bool toRgb = format == AV_PIX_FMT_BGRA;
+  const bool toRgb = format == AV_PIX_FMT_BGRA || format == AV_PIX_FMT_RGBA64;
   const int* table = sws_getCoefficients(CoefficientsOf(coding.matrix));
   const int sourceRange = toRgb && coding.fullRange ? 1 : 0;
   sws_setColorspaceDetails(context, table, sourceRange, table, toRgb ? 1 : 0, 0, 1 << 16, 1 << 16);

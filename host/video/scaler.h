@@ -26,15 +26,22 @@ struct Coding {
 /// How a decoded picture is coded; where it does not say, the size decides as it does for films.
 Coding CodingOf(const AVFrame& picture);
 
+/// Whether a picture's samples have more than eight bits.
+bool IsDeep(const AVFrame& picture);
+
 /// Scales with a bicubic kernel, to the same bits on every machine.
 class Scaler {
  public:
   /// `picture`, of which a field's rows are given when `part` is a field, in another size and pixel
-  /// format. Between Y Cb Cr formats levels keep their meaning; RGB becomes BT.601 of studio range.
-  /// The frame returned is the scaler's own and holds until the next call; null when there is no
-  /// way from the one format to the other.
+  /// format. Between Y Cb Cr formats levels keep their meaning; RGB becomes BT.601 of studio range,
+  /// and what becomes RGB full range, of whose words WhiteOf says what is white. The frame returned
+  /// is the scaler's own and holds until the next call; null when there is no way from the one
+  /// format to the other.
   const AVFrame* Scale(const AVFrame& picture, PicturePart part, int width, int height,
                        AVPixelFormat format);
+
+  /// What white becomes in words of RGB: 65535 at most.
+  static uint32_t WhiteOf(const AVFrame& picture, int width, int height);
 
  private:
   struct FreeContext {

@@ -24,7 +24,8 @@ class VideoReader {
   const VideoInfo& Info() const { return file_.Info(); }
 
   /// Frame `number`, 0-based, in the film's size and the layout asked for: Y Cb Y Cr as the effect
-  /// scales it (colour_matrix.h) or full-range BGRA, opaque. Going on by one is fast; any other
+  /// scales it (colour_matrix.h), full-range BGRA, or full-range words with all bits that the video
+  /// has; opaque. Going on by one is fast; any other
   /// frame may be asked for. The view holds until the next call.
   FrameView Frame(int32_t number);
 

@@ -116,25 +116,6 @@ TEST_F(DeepFilms, AWhiteDiscOverRedHasNoDarkFringe) {
   }
 }
 
-TEST_F(DeepFilms, AVideoShowsThroughALogo) {
-  const std::string photo = WritePhoto("disc.png", 128, 128, Disc, "rgba");
-  const std::string video = folder_ / "video.mkv";
-  ASSERT_EQ(RunShell("ffmpeg -nostdin -v error -f lavfi -i "
-                     "color=gray:size=64x64:rate=25:duration=0.2,geq=lum='40+20*N':cb=128:cr=128 "
-                     "-c:v ffv1 -y " +
-                     video)
-                .code,
-            0);
-  Film(photo, "over.yuyv", {"--over", video, "--size", "64x64", "--view", "1"});
-  const std::string bytes = BytesOf(folder_ / "over.yuyv");
-  ASSERT_EQ(bytes.size(), size_t{64} * 64 * 2 * 5);
-  for (size_t frame = 0; frame < 5; ++frame) {
-    const size_t first = frame * 64 * 64 * 2;
-    EXPECT_NEAR(static_cast<uint8_t>(bytes[first]), 40 + 20 * static_cast<int>(frame), 3);
-    EXPECT_GE(static_cast<uint8_t>(bytes[first + 2 * (32 * 64 + 32)]), 233) << "the logo";
-  }
-}
-
 TEST_F(DeepFilms, FilmsOverNothingKeepTheirTransparency) {
   const std::string photo = WritePhoto("disc.png", 128, 128, Disc, "rgba64be");
   const struct {

@@ -130,6 +130,71 @@ TEST_F(VideoReaders, ColourBarsOfEveryCodingAreTheEffectsOwn) {
   }
 }
 
+TEST_F(VideoReaders, WordsHoldAllBitsOfAVideo) {
+  // Frame i is grey, i quarters of white or nearly so: `step` more than the frame before.
+  const struct {
+    const char* format;
+    int black, step, white, chroma;
+    const char* range;
+  } kVideos[] = {{"yuv420p10", 64, 219, 876, 512, "tv"},    {"yuv422p10", 64, 219, 876, 512, "tv"},
+                 {"yuv444p12", 256, 876, 3504, 2048, "tv"}, {"yuv420p10", 0, 255, 1023, 512, "pc"},
+                 {"gray10", 0, 255, 1023, 0, "pc"},         {"gbrp10", 0, 255, 1023, 0, "pc"},
+                 {"gbrp16", 0, 16383, 65535, 0, "pc"},      {"yuv420p", 16, 54, 219, 128, "tv"}};
+  for (const auto& video : kVideos) {
+    const std::string format = video.format;
+    const std::string level =
+        "'" + std::to_string(video.black) + "+" + std::to_string(video.step) + "*N'";
+    const std::string chroma = std::to_string(video.chroma);
+    const bool rgb = format.starts_with("gbrp");
+    RunFfmpeg("-f lavfi -i color=gray:size=64x48:rate=25:duration=0.2,format=" + format + ",geq=" +
+              (rgb ? "r=" + level + ":g=" + level + ":b=" + level
+                   : "lum=" + level + (video.chroma > 0 ? ":cb=" + chroma + ":cr=" + chroma : "")) +
+              " -c:v ffv1 -color_range " + video.range + " " + folder_ / "v.mkv");
+    // As it is; scaled; with black above and below.
+    for (const FrameSize size : {FrameSize{64, 48}, FrameSize{96, 72}, FrameSize{64, 64}}) {
+      VideoReader reader(folder_ / "v.mkv", {size, {25, 1}}, PixelLayout::kRgba16);
+      for (int i = 0; i < 5; ++i) {
+        const FrameView frame = reader.Frame(i);
+        const void* row = frame.Row(size.height / 2);
+        const uint16_t* pixel = static_cast<const uint16_t*>(row) + 4 * (size.width / 2);
+        for (int c = 0; c < 3; ++c) {
+          EXPECT_NEAR(pixel[c], 65535.0 * i * video.step / video.white,
+                      format == "yuv420p" ? 140 : 16)
+              << format << " " << video.range << ", frame " << i << " at " << size.height;
+        }
+        EXPECT_EQ(pixel[3], 65535);
+        const void* top = frame.Row(0);
+        if (size.width == size.height) {
+          EXPECT_THAT(std::vector<uint16_t>(static_cast<const uint16_t*>(top),
+                                            static_cast<const uint16_t*>(top) + 4),
+                      testing::ElementsAre(0, 0, 0, 65535));
+        }
+      }
+    }
+  }
+}
+
+TEST_F(VideoReaders, WordsAreTurnedAsBytesAre) {
+  RunFfmpeg(
+      "-f lavfi -i testsrc2=size=96x64:rate=25:duration=0.04 -pix_fmt yuv420p10 -c:v libx265 "
+      "-x265-params log-level=none -f mp4 " +
+      folder_ / "a.mp4");
+  RunFfmpeg("-i " + folder_ / "a.mp4" + " -c copy -metadata:s:v rotate=90 " + folder_ / "b.mp4");
+  const FrameSize size{64, 96};
+  VideoReader words(folder_ / "b.mp4", {size, {25, 1}}, PixelLayout::kRgba16);
+  VideoReader bytes(folder_ / "b.mp4", {size, {25, 1}}, PixelLayout::kBGRA);
+  const FrameView deep = words.Frame(0), flat = bytes.Frame(0);
+  for (int y = 0; y < size.height; ++y) {
+    const void* row = deep.Row(y);
+    const auto* pixel = static_cast<const uint16_t*>(row);
+    for (int x = 0; x < size.width; ++x, pixel += 4) {
+      for (int c = 0; c < 3; ++c) {
+        ASSERT_NEAR(pixel[c] / 257.0, flat.Row(y)[4 * x + 2 - c], 1.5) << x << "," << y;
+      }
+    }
+  }
+}
+
 TEST_F(VideoReaders, FilmsOfAnotherRateShowWhatTheVideoShowsAtThatTime) {
   const FrameSize size{64, 48};
   const std::string path = WriteVideo(folder_ / "a.mkv", {size, {25, 1}}, 20,
