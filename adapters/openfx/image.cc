@@ -171,6 +171,11 @@ void Image::Write(int x, int y, const Pixel& pixel) const {
 void Image::WriteBgra(int x, int y, uint32_t pixel) const {
   uint8_t bgra[4];
   std::memcpy(bgra, &pixel, sizeof bgra);
+  if (bgra[3] != 255) {
+    const double alpha = bgra[3] / 255.0;
+    const auto seen = [&](uint8_t level) { return alpha * level / 255.0; };
+    return Write(x, y, {seen(bgra[2]), seen(bgra[1]), seen(bgra[0]), alpha});
+  }
   const auto each = [&](auto convert) {
     Store(x, y, std::array{convert(bgra[2]), convert(bgra[1]), convert(bgra[0]), convert(255)});
   };

@@ -50,7 +50,8 @@ class Image {
   /// Of a pixel that the image holds; y upwards.
   Pixel Read(int x, int y) const;
   void Write(int x, int y, const Pixel& pixel) const;
-  /// Writes a pixel of bytes B, G, R, A, opaque, without loss.
+  /// Writes a pixel of bytes B, G, R, A, colours not multiplied by alpha; an opaque one without
+  /// loss.
   void WriteBgra(int x, int y, uint32_t pixel) const;
   /// The pixel as bytes B, G, R, A, opaque.
   uint32_t ReadBgra(int x, int y) const;

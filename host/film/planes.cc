@@ -1,7 +1,5 @@
 #include "host/film/planes.h"
 
-#include <vector>
-
 #include <algorithm>
 
 namespace kelto::host {
@@ -31,8 +29,9 @@ void LumaRow(const uint8_t* row, int32_t pairs, const ChromaMap& map, Sample* lu
   }
 }
 
-/// One row of chroma from two rows of the frame, weighed in quarters that add up to 4.
-template <typename Sample>
+/// One row of chroma from two rows of the frame, weighed in quarters that add up to 4; samples of a
+/// kind are `kStep` apart.
+template <int32_t kStep = 1, typename Sample>
 void ChromaRow(const uint8_t* upper, const uint8_t* lower, int32_t upperQuarters, int32_t pairs,
                const ChromaMap& map, Sample* cbRow, Sample* crRow) {
   constexpr int32_t kShift = ChromaMap::kShift + 2;
@@ -41,8 +40,8 @@ void ChromaRow(const uint8_t* upper, const uint8_t* lower, int32_t upperQuarters
   for (int32_t i = 0; i < pairs; ++i) {
     const int32_t cb = upper[4 * i + 1] * upperQuarters + lower[4 * i + 1] * lowerQuarters - 512;
     const int32_t cr = upper[4 * i + 3] * upperQuarters + lower[4 * i + 3] * lowerQuarters - 512;
-    cbRow[i] = ToSample<Sample>(kMiddle + map.cbCb * cb + map.cbCr * cr, kShift);
-    crRow[i] = ToSample<Sample>(kMiddle + map.crCb * cb + map.crCr * cr, kShift);
+    cbRow[kStep * i] = ToSample<Sample>(kMiddle + map.cbCb * cb + map.cbCr * cr, kShift);
+    crRow[kStep * i] = ToSample<Sample>(kMiddle + map.crCb * cb + map.crCr * cr, kShift);
   }
 }
 
@@ -63,6 +62,21 @@ void Fill422(const FrameView& frame, const ChromaMap& map, const PlanesOf<Sample
   }
 }
 
+/// Chroma of half the height; samples of a kind are `kStep` apart.
+template <int32_t kStep>
+void FillChroma420(const FrameView& frame, const ChromaMap& map, bool interlaced,
+                   const Planes& planes) {
+  for (int32_t row = 0; row < frame.size.height / 2; ++row) {
+    // Interlaced chroma rows alternate between the fields, as the frame's rows do.
+    const int32_t field = row % 2;
+    const int32_t upper = interlaced ? 4 * (row / 2) + field : 2 * row;
+    const int32_t lower = interlaced ? upper + 2 : upper + 1;
+    const int32_t upperQuarters = !interlaced ? 2 : field == 0 ? 3 : 1;
+    ChromaRow<kStep>(frame.Row(upper), frame.Row(lower), upperQuarters, frame.size.width / 2, map,
+                     planes.cb + row * planes.cbRowBytes, planes.cr + row * planes.crRowBytes);
+  }
+}
+
 }  // namespace
 
 void FillPlanes422(const FrameView& frame, const ChromaMap& map, const Planes& planes) {
@@ -76,32 +90,15 @@ void FillPlanes422(const FrameView& frame, const ChromaMap& map, const TenBitPla
 void FillPlanes420(const FrameView& frame, const ChromaMap& map, bool interlaced,
                    const Planes& planes) {
   FillLuma(frame, map, planes);
-  for (int32_t row = 0; row < frame.size.height / 2; ++row) {
-    // Interlaced chroma rows alternate between the fields, as the frame's rows do.
-    const int32_t field = row % 2;
-    const int32_t upper = interlaced ? 4 * (row / 2) + field : 2 * row;
-    const int32_t lower = interlaced ? upper + 2 : upper + 1;
-    const int32_t upperQuarters = !interlaced ? 2 : field == 0 ? 3 : 1;
-    ChromaRow(frame.Row(upper), frame.Row(lower), upperQuarters, frame.size.width / 2, map,
-              planes.cb + row * planes.cbRowBytes, planes.cr + row * planes.crRowBytes);
-  }
+  FillChroma420<1>(frame, map, interlaced, planes);
 }
 
 void FillNv12(const FrameView& frame, const ChromaMap& map, bool interlaced,
               const Nv12Planes& planes) {
-  const auto width = static_cast<size_t>(frame.size.width / 2),
-             height = static_cast<size_t>(frame.size.height / 2);
-  std::vector<uint8_t> cb(width * height), cr(width * height);
-  const auto rowBytes = static_cast<ptrdiff_t>(width);
-  FillPlanes420(frame, map, interlaced,
-                {planes.luma, cb.data(), cr.data(), planes.lumaRowBytes, rowBytes, rowBytes});
-  for (size_t y = 0; y < height; ++y) {
-    uint8_t* to = planes.chroma + static_cast<ptrdiff_t>(y) * planes.chromaRowBytes;
-    for (size_t x = 0; x < width; ++x) {
-      *to++ = cb[y * width + x];
-      *to++ = cr[y * width + x];
-    }
-  }
+  const Planes apart{planes.luma,         planes.chroma,         planes.chroma + 1,
+                     planes.lumaRowBytes, planes.chromaRowBytes, planes.chromaRowBytes};
+  FillLuma(frame, map, apart);
+  FillChroma420<2>(frame, map, interlaced, apart);
 }
 
 }  // namespace kelto::host
