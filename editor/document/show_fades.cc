@@ -6,6 +6,7 @@
 #include "host/options/fades.h"
 #include "host/options/rate.h"
 #include "host/options/usual_times.h"
+#include "host/plan/deep_plan.h"
 
 namespace kelto::editor {
 
@@ -15,6 +16,20 @@ int32_t FadeOf(const host::ShowPicture& picture, int32_t here, int32_t there) {
                   host::LongestFade(here, there));
 }
 
+namespace {
+
+ShowDepths DepthsOf(const host::ShowProject& show) {
+  ShowDepths depths;
+  for (const host::ShowPicture& picture : show.pictures) {
+    depths.possible = depths.possible && host::WhyNotDeep(picture.plan).empty();
+    depths.needed = depths.needed || host::NeedsDeep(picture.plan);
+    depths.photos.push_back(picture.plan.photo);
+  }
+  return depths;
+}
+
+}  // namespace
+
 FadesAround FadesOf(const Document& document) {
   FadesAround fades;
   const auto read = ShowOf(document);
@@ -23,6 +38,7 @@ FadesAround FadesOf(const Document& document) {
   const size_t at = std::min(document.picture, show.pictures.size() - 1);
   const host::ShowPicture& picture = show.pictures[at];
   const int32_t frames = picture.plan.frames;
+  fades.depths = DepthsOf(show);
   fades.dip = show.fadeKind == "dip";
   if (at > 0) {
     const host::ShowPicture& before = show.pictures[at - 1];

@@ -4,9 +4,11 @@
 #include <utility>
 
 #include "host/base/error.h"
+#include "host/deep/shown_film.h"
 #include "host/effect/deep_photo.h"
 #include "host/effect/small_photo.h"
 #include "host/facts/frame_facts.h"
+#include "host/plan/deep_plan.h"
 #include "host/plan/default_plan.h"
 #include "host/track/photo_views.h"
 
@@ -49,8 +51,10 @@ host::Photo Opened(const host::RenderPlan& plan) {
 FilmDrawing::FilmDrawing(std::string module, const host::RenderPlan& plan)
     : module_(std::move(module)), plan_(plan), photo_(Opened(plan)) {}
 
-void FilmDrawing::SetPlan(const host::RenderPlan& plan, const FadesAround& fades) {
+void FilmDrawing::SetPlan(const host::RenderPlan& plan, const FadesAround& fades,
+                          std::optional<bool> deep) {
   plan_ = plan;
+  deep_ = deep;
   fades_ = fades;
   title_.reset();
   fade_.reset();
@@ -76,7 +80,7 @@ host::FrameView FilmDrawing::Drawn(Session& session, const host::RenderPlan& pla
   try {
     if (!session || !session->Adopt(plan)) {
       session.reset();  // first: two would hold two copies of the photo
-      session.emplace(module_, plan, photo);
+      session = host::OpenSession(module_, plan, photo, layout_);
     }
     return session->Render(std::clamp(frame, 0, plan.frames - 1), quality);
   } catch (...) {
@@ -108,8 +112,7 @@ std::optional<host::FrameView> FilmDrawing::TitleCard(int32_t frame, host::Frame
     if (!title_) {
       host::FilmFormat format = plan_.format;
       format.size = size;
-      title_.emplace(fades_.title, fades_.titleFrames, host::Colour{}, format,
-                     host::PixelLayout::kBGRA);
+      title_.emplace(fades_.title, fades_.titleFrames, host::Colour{}, format, layout_);
     }
     return title_->At(frame);
   } catch (const host::Error&) {
@@ -117,14 +120,35 @@ std::optional<host::FrameView> FilmDrawing::TitleCard(int32_t frame, host::Frame
   }
 }
 
+bool FilmDrawing::IsDeep() const {
+  if (!deep_) return host::IsDrawnDeep(plan_, photo_);
+  return *deep_ && photo_.deepMemory > 0 && host::WhyNotDeep(plan_).empty();
+}
+
+void FilmDrawing::Prepare(host::FrameSize size) {
+  const auto layout = IsDeep() ? host::PixelLayout::kRgba16 : host::PixelLayout::kBGRA;
+  if (size == drawnSize_ && layout == layout_) return;
+  if (layout != layout_) {
+    session_.reset();
+    besideSession_.reset();
+  }
+  title_.reset();
+  fade_.reset();
+  dithered_.reset();
+  drawnSize_ = size;
+  layout_ = layout;
+  if (layout == host::PixelLayout::kRgba16) dithered_.emplace(size, host::PixelLayout::kBGRA);
+}
+
 host::FrameView FilmDrawing::Draw(int32_t frame, host::FrameSize size, double quality) {
+  Prepare(size);
+  const host::FrameView blended = Blended(frame, size, quality);
+  return dithered_ ? dithered_->Of(blended) : blended;
+}
+
+host::FrameView FilmDrawing::Blended(int32_t frame, host::FrameSize size, double quality) {
   host::RenderPlan drawn = plan_;
   drawn.format.size = size;
-  if (size != drawnSize_) {
-    title_.reset();
-    fade_.reset();
-    drawnSize_ = size;
-  }
   const int32_t lead = fades_.Lead();
   if (frame < lead) {
     if (const auto card = TitleCard(std::max(0, frame), size)) return *card;
@@ -142,7 +166,7 @@ host::FrameView FilmDrawing::Draw(int32_t frame, host::FrameSize size, double qu
   }
   if (!other) return own;
   if (!fade_) {
-    fade_.emplace(drawn.format, host::PixelLayout::kBGRA,
+    fade_.emplace(drawn.format, layout_,
                   fades_.dip ? host::FadeKind::kDip : host::FadeKind::kCross);
   }
   return number < fades_.in ? fade_->Blend(*other, own, number, fades_.in)

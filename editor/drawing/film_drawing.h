@@ -2,14 +2,16 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "editor/rules/fades_around.h"
 #include "editor/rules/film_way.h"
-#include "host/deep/shown_film.h"
 #include "host/effect/photo.h"
+#include "host/film/dithered_sink.h"
+#include "host/frames/plan_session.h"
 #include "host/jobs/cross_fade.h"
 #include "host/jobs/title_frames.h"
 #include "host/plan/render_plan.h"
@@ -23,8 +25,10 @@ class FilmDrawing {
   FilmDrawing(std::string module, const host::RenderPlan& plan);
 
   /// Draws this plan from now on, which has to be of the same photo. Frames within `fades` are
-  /// drawn as the show has them.
-  void SetPlan(const host::RenderPlan& plan, const FadesAround& fades = {});
+  /// drawn as the show has them. `deep` is whether the show's film is; without it, the plan is
+  /// drawn as a film of its own is.
+  void SetPlan(const host::RenderPlan& plan, const FadesAround& fades = {},
+               std::optional<bool> deep = {});
 
   /// The plan that shows the middle of this plan's photo, which fills the frame.
   host::RenderPlan Filled(const host::RenderPlan& plan) const;
@@ -50,8 +54,13 @@ class FilmDrawing {
 
  private:
   /// What is drawn of a plan; made when it is first needed.
-  using Session = std::optional<host::ShownFilm>;
+  using Session = std::unique_ptr<host::PlanSession>;
 
+  /// Whether frames are drawn, and blended, deep.
+  bool IsDeep() const;
+  /// Readies what depends on the size and the layout of the frames that are blended.
+  void Prepare(host::FrameSize size);
+  host::FrameView Blended(int32_t frame, host::FrameSize size, double quality);
   host::FrameView Drawn(Session& session, const host::RenderPlan& plan, const host::Photo& photo,
                         int32_t frame, double quality);
   /// A picture beside the film's; null where it cannot be drawn, as the show is made without it.
@@ -64,6 +73,7 @@ class FilmDrawing {
   host::Photo photo_;
   Session session_;
   FadesAround fades_;
+  std::optional<bool> deep_;
   // Of one of the two pictures at a time.
   std::string besidePhoto_;
   std::optional<host::Photo> besideOpened_;
@@ -72,6 +82,8 @@ class FilmDrawing {
   std::optional<host::TitleFrames> title_;
   std::optional<host::CrossFade> fade_;
   host::FrameSize drawnSize_;
+  host::PixelLayout layout_ = host::PixelLayout::kBGRA;  ///< of the frames that are blended
+  std::optional<host::DitheredFrame> dithered_;          ///< where they are deep
 };
 
 }  // namespace kelto::editor

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <functional>
 #include <new>
 #include <optional>
 #include <string_view>
@@ -18,6 +19,7 @@
 #include "editor/messages/plain_bytes.h"
 #include "editor/messages/requests.h"
 #include "host/base/error.h"
+#include "host/effect/deep_photo.h"
 #include "host/effect/module_file.h"
 #include "host/film/sound_peaks.h"
 #include "host/plan/default_plan.h"
@@ -58,6 +60,8 @@ class Server {
           return SendPhoto(FromBytes<PhotoRequest>(request.body).quickly != 0);
         case MessageKind::kSize:
           return SendSizes(TextsOf(request.body));
+        case MessageKind::kDepth:
+          return SendDepths(TextsOf(request.body));
         case MessageKind::kThumbnail:
           return SendThumbnail(ThumbnailRequestOf(request.body));
         case MessageKind::kSound:
@@ -116,7 +120,9 @@ class Server {
       if (other) files.push_back(other->photo);
     }
     Begin(plan, files);
-    film_->SetPlan(plan, fades);
+    std::optional<bool> deep;
+    if (request.numbers.deep >= 0) deep = request.numbers.deep != 0;
+    film_->SetPlan(plan, fades, deep);
   }
 
   /// Opens the film, which is of these files from now on.
@@ -168,12 +174,30 @@ class Server {
 
   /// For an editor that has no film of the photos yet.
   void SendSizes(const std::vector<std::string>& paths) {
+    SendOfEach(paths, [this](const std::string& path) {
+      const host::Photo photo = host::OpenPhoto(path);
+      Send(MessageKind::kSize, BodyOf(PixelSize{photo.width, photo.height}));
+    });
+  }
+
+  void SendDepths(const std::vector<std::string>& paths) {
+    SendOfEach(paths, [this](const std::string& path) {
+      host::Photo photo = host::OpenPhoto(path);
+      host::FindDepth(photo);
+      // Which may take decoding all of it.
+      const bool deep = photo.bits > 8 || host::IsTransparent(photo);
+      Send(MessageKind::kDepth, BytesOf(PhotoDepth{deep ? 1 : 0, photo.deepMemory > 0 ? 1 : 0}));
+    });
+  }
+
+  /// Answers `send`s for each, or why it cannot be read. This run opens nothing else.
+  void SendOfEach(const std::vector<std::string>& paths,
+                  const std::function<void(const std::string& path)>& send) {
     host::EnterSandbox({paths, {}});
     for (const std::string& path : paths) {
       try {
         host::CheckNotReplaced(path);
-        const host::Photo photo = host::OpenPhoto(path);
-        Send(MessageKind::kSize, BodyOf(PixelSize{photo.width, photo.height}));
+        send(path);
       } catch (const BrokenLine&) {
         throw;
       } catch (const host::Error& error) {

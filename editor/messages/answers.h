@@ -31,6 +31,12 @@ std::string BodyOf(const PixelSize& photo);
 /// Throws Error where the body is no size that a photo can have.
 PixelSize SizeOf(std::string_view body);
 
+/// What of a photo settles whether films are drawn deep.
+struct PhotoDepth {
+  int32_t deep = 0;      ///< 1: more than eight bits, or transparent somewhere
+  int32_t possible = 1;  ///< 0: too large to be read with all its bits
+};
+
 std::string BodyOf(const FilmWay& way);
 FilmWay WayOf(std::string_view body);
 

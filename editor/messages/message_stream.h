@@ -19,7 +19,9 @@ enum class MessageKind : uint32_t {
                ///< kFailed, for each of them in order
   kThumbnail,  ///< editor: a photo, which becomes the film's, as a small picture that it fills
   kSound,      ///< editor: the sound of the file named, asked of a run of its own; process: peaks
-  kFailed,     ///< process: the sentence that says why a request cannot be met
+  kDepth,   ///< editor: what of the photos of these paths settles whether films are drawn deep is
+            ///< wanted; process: a PhotoDepth, or kFailed, for each of them in order
+  kFailed,  ///< process: the sentence that says why a request cannot be met
 };
 
 struct StreamMessage {

@@ -32,6 +32,7 @@ struct PlanRequest {
   std::string film{}, before{}, after{}, title{};
   struct Numbers {
     int32_t in = 0, out = 0, dip = 0, titleFrames = 0;
+    int32_t deep = -1;  ///< whether a show's film is drawn deep: 0 or 1; -1 for a film of its own
   } numbers{};
 };
 

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <utility>
@@ -14,10 +13,11 @@
 #include "editor/messages/plain_bytes.h"
 #include "editor/messages/requests.h"
 #include "editor/preview/drawing_process.h"
+#include "editor/preview/plan_request.h"
+#include "editor/preview/show_depth.h"
 #include "host/base/error.h"
 #include "host/playback/playback.h"
 #include "host/playback/quality_control.h"
-#include "host/project/plan_json.h"
 
 namespace kelto::editor {
 namespace {
@@ -47,30 +47,18 @@ host::FrameSize SizeWithin(const host::FilmFormat& format, QSize box) {
   return {side(film.width), side(film.height)};
 }
 
-PlanRequest RequestOf(const host::RenderPlan& plan, const FadesAround& fades) {
-  const auto text = [](const host::RenderPlan& one) {
-    return host::FilmJson("/film.json", one).dump();
-  };
-  PlanRequest request{text(plan)};
-  if (fades.before) request.before = text(*fades.before);
-  if (fades.after) request.after = text(*fades.after);
-  request.title = fades.title;
-  request.numbers = {fades.in, fades.out, fades.dip ? 1 : 0, fades.titleFrames};
-  return request;
-}
-
-/// Those that a process of this film may open, and how it turns its photo.
-std::vector<std::string> FilesOf(const host::RenderPlan& plan, const FadesAround& fades) {
-  return {plan.photo, plan.over, fades.before ? fades.before->photo : "",
-          fades.after ? fades.after->photo : "", std::to_string(plan.rotate)};
-}
-
 }  // namespace
 
 class Preview::Private {
  public:
   Private(Preview* owner, QString program, QString module)
-      : owner_(owner), program_(std::move(program)), module_(std::move(module)) {
+      : owner_(owner),
+        program_(std::move(program)),
+        module_(std::move(module)),
+        depth_(program_, module_, nullptr) {
+    QObject::connect(&depth_, &ShowDepth::Changed, owner_, [this] {
+      if (hasPlan_ && fades_.depths) Redraw();
+    });
     for (QTimer* timer : {&soon_, &rest_, &due_}) {
       timer->setSingleShot(true);
       QObject::connect(timer, &QTimer::timeout, owner, [this] { Pump(); });
@@ -79,6 +67,8 @@ class Preview::Private {
   }
 
   void SetPlan(const host::RenderPlan& plan, const FadesAround& fades);
+  /// Has what there is drawn anew, as another version of the plan.
+  void Redraw();
   void WantWholePhoto();
   void SetBox(QSize box);
   void Seek(int32_t frame);
@@ -116,6 +106,7 @@ class Preview::Private {
   DrawingProcess *process_ = nullptr, *wayProcess_ = nullptr;
   host::RenderPlan plan_;
   FadesAround fades_;
+  ShowDepth depth_;
   std::string planText_;  ///< as both processes get it; empty until one does
   bool hasPlan_ = false, planUnsent_ = false, wayPlanUnsent_ = false;
   uint64_t version_ = 0;                          ///< of the plan, counted
@@ -152,9 +143,9 @@ void Preview::Private::SetPlan(const host::RenderPlan& plan, const FadesAround& 
   const int32_t frame = std::max(0, Frame() - fades_.Lead() + fades.Lead());
   plan_ = plan;
   fades_ = fades;
-  planText_.clear();
-  hasPlan_ = planUnsent_ = wayPlanUnsent_ = true;
-  ++version_;
+  hasPlan_ = true;
+  depth_.SetShow(fades.depths.value_or(ShowDepths{}));
+  Redraw();
   if (otherClock) StartClock(frame, playing_);
   if (otherFiles) {
     // The process may open no files but its first ones.
@@ -162,6 +153,12 @@ void Preview::Private::SetPlan(const host::RenderPlan& plan, const FadesAround& 
     if (otherPhoto) photoWanted_ = Photo::kQuick, photoHasMore_ = false;
   }
   rest_.start(kRest);
+}
+
+void Preview::Private::Redraw() {
+  planText_.clear();
+  planUnsent_ = wayPlanUnsent_ = true;
+  ++version_;
   PumpSoon();
 }
 
@@ -262,7 +259,7 @@ void Preview::Private::Drop(DrawingProcess*& process) {
 bool Preview::Private::SendPlan(DrawingProcess& process, bool& unsent) {
   try {
     // Whether it can be read is found out by the process, which says so.
-    if (planText_.empty()) planText_ = BodyOf(RequestOf(plan_, fades_));
+    if (planText_.empty()) planText_ = BodyOf(RequestOf(plan_, fades_, depth_.IsDeep()));
     process.Send(MessageKind::kPlan, planText_);
   } catch (const host::Error& error) {
     Fail(QString::fromUtf8(error.what()));

@@ -4,10 +4,18 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/plan/render_plan.h"
 
 namespace kelto::editor {
+
+/// What settles whether the film of a show is drawn deep, which all of its pictures are then.
+struct ShowDepths {
+  bool possible = true;               ///< by their plans
+  bool needed = false;                ///< by their plans alone, whatever their photos
+  std::vector<std::string> photos{};  ///< of all pictures, as files
+};
 
 /// The pictures beside one of a show, or the card before the first, as far as fades show them. Of a
 /// film of one picture all of it is empty.
@@ -17,6 +25,7 @@ struct FadesAround {
   bool dip = false;         ///< whether they go through black
   std::string title{};      ///< of the card
   int32_t titleFrames = 0;  ///< for which it is seen, the fade included; 0 for no card
+  std::optional<ShowDepths> depths{};  ///< of the show
 
   /// Frames of the card alone, ahead of the picture's first.
   int32_t Lead() const { return title.empty() ? 0 : titleFrames - in; }

@@ -10,6 +10,7 @@
 #include "host/base/error.h"
 #include "host/effect/deep_photo.h"
 #include "host/effect/render_state.h"
+#include "host/plan/deep_plan.h"
 #include "host/track/drawn_frame.h"
 
 namespace kelto::host {
@@ -28,24 +29,7 @@ std::array<float, 4> SeenColour(const std::array<double, 3>& value) {
           static_cast<float>(seen.blue) / 255.0f, 1.0f};
 }
 
-bool IsOther(const RenderPlan& plan, const char* parameter, const SettingValue& value) {
-  const Setting* setting = plan.FindSetting(parameter);
-  if (setting == nullptr) return false;
-  const SettingValue* held = HeldValue(setting);
-  return held == nullptr || *held != value;
-}
-
 }  // namespace
-
-std::string WhyNotDeep(const RenderPlan& plan) {
-  if (IsOther(plan, key::kDisplay, std::string(entry::kDisplayTarget))) {
-    return "the source display";
-  }
-  if (IsOther(plan, key::kLevels, std::string(entry::kLevelsRGB))) return "601 levels";
-  if (plan.transparent && !plan.over.empty()) return "a video behind the photo";
-  if (plan.transparent && plan.beside == Beside::kBlur) return "--beside blur";
-  return "";
-}
 
 DeepSession::DeepSession(std::string modulePath, const RenderPlan& plan, const Photo& photo)
     : module_(std::move(modulePath)), photo_(photo), picture_(ReadDeepPhoto(photo)) {

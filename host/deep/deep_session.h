@@ -24,11 +24,7 @@
 
 namespace kelto::host {
 
-/// Why a plan's frames can come from the effect alone, with the setting's name; empty where these
-/// can be drawn here.
-std::string WhyNotDeep(const RenderPlan& plan);
-
-/// Draws in PixelLayout::kRgba16. Operations throw Error.
+/// Draws in PixelLayout::kRgba16 what WhyNotDeep has nothing against. Operations throw Error.
 class DeepSession : public PlanSession {
  public:
   /// `photo` is the plan's, opened.

@@ -4,6 +4,7 @@
 
 #include "host/deep/deep_session.h"
 #include "host/frames/effect_session.h"
+#include "host/plan/deep_plan.h"
 
 namespace kelto::host {
 
@@ -17,7 +18,7 @@ bool AreDrawnDeep(std::span<const RenderPlan> plans, std::span<const Photo> phot
     const RenderPlan& plan = plans[i];
     const Photo& photo = photos[i];
     if (photo.deepMemory == 0 || !WhyNotDeep(plan).empty()) return false;
-    needed = needed || photo.bits > 8 || photo.transparent || plan.transparent || plan.linearLight;
+    needed = needed || photo.bits > 8 || photo.transparent || NeedsDeep(plan);
   }
   return needed;
 }

@@ -4,9 +4,9 @@
 #include <string>
 
 #include "host/base/error.h"
-#include "host/deep/deep_session.h"
 #include "host/deep/shown_film.h"
 #include "host/film/depth.h"
+#include "host/plan/deep_plan.h"
 
 namespace kelto::host {
 namespace {

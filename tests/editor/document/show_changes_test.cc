@@ -184,6 +184,21 @@ TEST_F(ShowDocument, KnowsWhatFadesShowBesideEachPicture) {
   EXPECT_EQ(FadesOf(PictureAlone(show_)).out, 0) << "a film of one picture has none";
 }
 
+TEST_F(ShowDocument, KnowsWhatSettlesTheDepthOfItsFilm) {
+  const auto depths = [&](const char* ofAll, const char* ofOne) {
+    nlohmann::json json = Json(show_);
+    json.update(nlohmann::json::parse(ofAll));
+    json["pictures"][1].update(nlohmann::json::parse(ofOne));
+    return *FadesOf({show_.path, json.dump()}).depths;
+  };
+  const ShowDepths plain = depths("{}", "{}");
+  EXPECT_EQ(plain.photos, (std::vector{Path("a.bmp"), Path("b.bmp"), Path("c.bmp")}));
+  EXPECT_TRUE(plain.possible);
+  EXPECT_FALSE(plain.needed) << "but for its photos";
+  EXPECT_FALSE(depths("{}", R"({"parameters": {"levels": "Source Has 601 Levels"}})").possible);
+  EXPECT_FALSE(FadesOf(PictureAlone(show_)).depths) << "a film of one picture";
+}
+
 TEST_F(ShowDocument, MovesByNameBecomeViewsThatCanBeSeen) {
   const Document moves{Path("moves.json"), R"({"move": "mixed", "pictures": [
     {"image": "a.bmp"}, {"image": "b.bmp", "move": "left"},
