@@ -21,7 +21,7 @@ bool IsShow(const json& document) { return document.is_object() && document.cont
 
 /// Fields that belong to a single film.
 void RefuseFilmsFields(const json& document) {
-  for (const char* field : {"views", "over", "loop", "transparent", "linearLight"}) {
+  for (const char* field : {"views", "over", "loop"}) {
     if (document.contains(field)) {
       throw Error(std::string(field) +
                   ": a show has none of its own; say it of a picture or of "
@@ -64,7 +64,8 @@ Json FilmAt(const Json& show, size_t index) {
   for (const char* field : {"each", "fade", "move", "fit", "amount"}) film.erase(field);
   if (show.contains("film")) film["film"] = show["film"];
   if (const Json* each = SaidOf(show, picture, "each")) film["film"]["seconds"] = *each;
-  for (const char* field : {"motion", "playMode", "beside", "caption", "rotate"}) {
+  for (const char* field :
+       {"motion", "playMode", "beside", "caption", "rotate", "transparent", "linearLight"}) {
     if (const Json* said = SaidOf(show, picture, field)) film[field] = *said;
   }
   if (show.contains("parameters")) {

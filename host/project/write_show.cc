@@ -22,7 +22,7 @@ ordered_json PictureJson(const std::string& path, const ShowPicture& picture) {
   if (picture.each) written["each"] = *picture.each;
   if (picture.fade) written["fade"] = *picture.fade;
   written["playMode"] = film["playMode"];
-  for (const char* field : {"beside", "caption", "rotate"}) {
+  for (const char* field : {"beside", "caption", "rotate", "transparent", "linearLight"}) {
     if (film.contains(field)) written[field] = film[field];
   }
   if (picture.hasViews) {
@@ -93,7 +93,8 @@ ordered_json ShowJson(const std::string& path, const ShowProject& show) {
     pictures.push_back(PictureJson(path, picture));
   }
   document["pictures"] = std::move(pictures);
-  for (const char* field : {"each", "fade", "motion", "playMode", "beside", "caption", "rotate"}) {
+  for (const char* field : {"each", "fade", "motion", "playMode", "beside", "caption", "rotate",
+                            "transparent", "linearLight"}) {
     SayOnce(document, field);
   }
   SayParametersOnce(document);

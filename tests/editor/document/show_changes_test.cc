@@ -195,6 +195,8 @@ TEST_F(ShowDocument, KnowsWhatSettlesTheDepthOfItsFilm) {
   EXPECT_EQ(plain.photos, (std::vector{Path("a.bmp"), Path("b.bmp"), Path("c.bmp")}));
   EXPECT_TRUE(plain.possible);
   EXPECT_FALSE(plain.needed) << "but for its photos";
+  EXPECT_TRUE(depths(R"({"linearLight": true})", "{}").needed);
+  EXPECT_TRUE(depths("{}", R"({"transparent": true})").needed);
   EXPECT_FALSE(
       depths("{}", R"({"parameters": {"levels": {"value": "Source Has 601 Levels"}}})").possible);
   EXPECT_FALSE(FadesOf(PictureAlone(show_)).depths) << "a film of one picture";

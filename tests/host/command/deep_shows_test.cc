@@ -188,6 +188,18 @@ TEST_F(DeepShows, OverNothingKeepTheirTransparency) {
   }
 }
 
+TEST_F(DeepShows, ProjectsKeepTransparencyAndLinearLight) {
+  const std::string disc = WritePhoto("disc.png", 128, 128, Disc, "rgba");
+  const std::string project = folder_ / "show.json";
+  const std::string film =
+      BytesOf(Show({disc, disc}, "1.rgba64",
+                   WordsWith(kSmallShow, {"--background", "none", "--linear-light",
+                                          "--save-project", project})));
+  const Outcome again = RunKelto({"slideshow", project, "-o", folder_ / "2.rgba64"});
+  EXPECT_EQ(again.code, 0) << again.err;
+  EXPECT_EQ(BytesOf(folder_ / "2.rgba64"), film);
+}
+
 TEST_F(DeepShows, ATransparentPhotoLiesOverItsBackground) {
   const std::string disc = WritePhoto("disc.png", 128, 128, Disc, "rgba");
   const std::string plain = WriteWaves("plain.png", 0.0);

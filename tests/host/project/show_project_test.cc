@@ -142,6 +142,23 @@ TEST(ShowProject, SaysOnceWhatAllPicturesHaveInCommon) {
             nlohmann::json::parse(R"({"image": "a", "views": [{"view": "1"}]})"));
 }
 
+TEST(ShowProject, TransparencyAndLinearLightAreTheShowsUnlessAPictureSaysOtherwise) {
+  const ShowProject show = ReadAsShow(R"({"transparent": true, "linearLight": true, "pictures": [
+    {"image": "a"}, {"image": "b", "linearLight": false}, {"image": "c", "transparent": false}]})");
+  const ShowProject again = ReadAsShow(ShowText("folder/show.json", show));
+  for (const ShowProject& each : {show, again}) {
+    EXPECT_TRUE(each.pictures[0].plan.transparent && each.pictures[0].plan.linearLight);
+    EXPECT_TRUE(each.pictures[1].plan.transparent && !each.pictures[1].plan.linearLight);
+    EXPECT_TRUE(!each.pictures[2].plan.transparent && each.pictures[2].plan.linearLight);
+  }
+  const ShowProject all = ReadAsShow(R"({"transparent": true, "pictures": [
+    {"image": "a"}, {"image": "b"}]})");
+  const auto written = nlohmann::json::parse(ShowText("folder/show.json", all));
+  EXPECT_EQ(written["transparent"], true);
+  EXPECT_FALSE(written["pictures"][0].contains("transparent"));
+  EXPECT_FALSE(written.contains("linearLight"));
+}
+
 TEST(ShowProject, NamesTheFieldThatIsWrong) {
   const auto inPicture = [](const std::string& fields) {
     return FaultOfShow(R"({"pictures": [{"image": "a"}, {"image": "b", )" + fields + "}]}");
@@ -155,10 +172,7 @@ TEST(ShowProject, NamesTheFieldThatIsWrong) {
       {FaultOfShow(R"({"pictures": []})"), "pictures", "at least 1"},
       {FaultOfShow(R"({"pictures": [{}]})"), "pictures[0]", "has no \"image\""},
       {FaultOfShow(R"({"pictures": [{"image": "a"}], "views": [{"view": "1"}]})"), "views", "none"},
-      {FaultOfShow(R"({"pictures": [{"image": "a"}], "transparent": true})"), "transparent",
-       "none"},
-      {FaultOfShow(R"({"pictures": [{"image": "a"}], "linearLight": true})"), "linearLight",
-       "none"},
+      {FaultOfShow(R"({"pictures": [{"image": "a"}], "transparent": 1})"), "transparent", ""},
       {FaultOfShow(R"({"pictures": [{"image": "a"}], "film": {"seconds": 3}})"), "film.seconds",
        "\"each\""},
       {FaultOfShow(R"({"pictures": [{"image": "a"}], "film": {"rate": "0/1"}})"), "film.rate", ""},
