@@ -6,6 +6,9 @@
 namespace kelto::host {
 namespace {
 
+/// What a picture may take of a process's addresses, of which one of 32 bits has 2 to 4 GiB.
+constexpr uint64_t kMostBytes = sizeof(void*) > 4 ? UINT64_MAX : uint64_t{3} << 29;
+
 using stills::DeepInfo;
 using stills::DeepReader;
 
@@ -42,6 +45,10 @@ void FindDepth(Photo& photo) {
     photo.bits = info.bits;
     photo.deepMemory =
         DeepPicture::BytesFor(photo.width, photo.height, SampleOf(info)) + info.scratch;
+    if (photo.deepMemory > kMostBytes) {
+      photo.bits = 8;
+      photo.deepMemory = 0;
+    }
   } catch (const stills::StillError&) {
     // Too large for that, but not for the effect, which has opened it.
     photo.bits = 8;

@@ -29,28 +29,22 @@ constexpr PixelLayout kYCbYCr = PixelLayout::kYCbYCr;
 constexpr PixelLayout kBGRA = PixelLayout::kBGRA;
 constexpr PixelLayout kRgba16 = PixelLayout::kRgba16;
 
-#if defined(_WIN32)
-constexpr FilmDepths kPictureDepths = {8, 0};
-constexpr bool kPictureAlpha = false;
-#else
 constexpr FilmDepths kPictureDepths = {8, 16};
 constexpr bool kPictureAlpha = true;
-#endif
 
 /// Those that need no encoder of the FFmpeg libraries.
 constexpr FilmKind kPlainKinds[] = {
     {"png", nullptr, "numbered pictures, as in frame-%04d.png, the first one 0", kBGRA, 1, 1, 2,
      true, OpenPngSequence, nullptr, kPictureDepths, kPictureAlpha},
-#if !defined(_WIN32)
     {"tiff", "tif", "numbered pictures, lossless", kBGRA, 1, 1, 2, true, OpenTiffSequence, nullptr,
      kPictureDepths, kPictureAlpha},
+#if !defined(_WIN32)
     {"jpeg", "jpg", "numbered pictures of quality 95", kBGRA, 1, 1, 2, true, OpenJpegSequence},
 #endif
     {"y4m", nullptr, "uncompressed planar 4:2:2 with a header", kYCbYCr, 2, 1, 2, false, OpenY4m},
     {"yuyv", nullptr, "raw bytes Y Cb Y Cr as the effect gives them, BT.601", kYCbYCr, 2, 1, 2,
      false, OpenRawYCbYCr},
     {"bgra", nullptr, "raw bytes B G R A", kBGRA, 1, 1, 2, false, OpenRawBGRA},
-#if !defined(_WIN32)
     {"rgba64",
      nullptr,
      "raw words R G B A of 16 bits, colours not multiplied by alpha",
@@ -63,7 +57,6 @@ constexpr FilmKind kPlainKinds[] = {
      nullptr,
      {16, 0},
      true},
-#endif
 };
 
 /// All kinds, in the order in which they are offered.
@@ -103,8 +96,8 @@ std::string EndingOf(const std::string& output) {
 
 /// Whether films end so that only the command of Linux writes.
 bool IsKindElsewhere(const std::string& ending) {
-  constexpr const char* kElsewhere[] = {"mp4",  "mkv", "mov",  "webm", "gif", "webp",
-                                        "apng", "tif", "tiff", "jpg",  "jpeg"};
+  constexpr const char* kElsewhere[] = {"mp4",  "mkv",  "mov", "webm", "gif",
+                                        "webp", "apng", "jpg", "jpeg", "yuv422p10"};
   return std::find(std::begin(kElsewhere), std::end(kElsewhere), ending) != std::end(kElsewhere);
 }
 

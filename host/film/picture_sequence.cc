@@ -7,13 +7,13 @@
 
 #include "host/base/error.h"
 #include "host/files/output_file.h"
+#include "host/film/deep_pictures.h"
 #include "host/film/frame_pattern.h"
 #include "host/film/png_file.h"
 #include "host/film/png_pixel_shape.h"
-#if !defined(_WIN32)
-#include "host/film/deep_pictures.h"
-#include "host/film/jpeg_file.h"
 #include "host/film/tiff_file.h"
+#if !defined(_WIN32)
+#include "host/film/jpeg_file.h"
 #endif
 
 namespace kelto::host {
@@ -76,16 +76,13 @@ class PictureSequence : public FrameSink {
   int32_t number_;
 };
 
-#if !defined(_WIN32)
 PictureDepth PictureDepthOf(const FilmRequest& request) {
   return {request.depth, request.transparent};
 }
-#endif
 
 }  // namespace
 
 std::unique_ptr<FrameSink> OpenPngSequence(const FilmRequest& request) {
-#if !defined(_WIN32)
   if (request.deep) {
     const auto encode = [depth = PictureDepthOf(request)](const FrameView& frame,
                                                           SampleAspect aspect) {
@@ -93,11 +90,9 @@ std::unique_ptr<FrameSink> OpenPngSequence(const FilmRequest& request) {
     };
     return std::make_unique<PictureSequence>(request, PictureForm{"PNG", encode});
   }
-#endif
   return std::make_unique<PictureSequence>(request, PictureForm{"PNG", &EncodeShapedPng});
 }
 
-#if !defined(_WIN32)
 std::unique_ptr<FrameSink> OpenTiffSequence(const FilmRequest& request) {
   if (request.deep) {
     const auto encode = [depth = PictureDepthOf(request)](const FrameView& frame,
@@ -109,6 +104,7 @@ std::unique_ptr<FrameSink> OpenTiffSequence(const FilmRequest& request) {
   return std::make_unique<PictureSequence>(request, PictureForm{"TIFF", &EncodeTiff});
 }
 
+#if !defined(_WIN32)
 std::unique_ptr<FrameSink> OpenJpegSequence(const FilmRequest& request) {
   return std::make_unique<PictureSequence>(request, PictureForm{"JPEG", &EncodeJpeg});
 }

@@ -11,8 +11,8 @@ namespace kelto::host {
 /// Each one appears only when complete, so a film that fails leaves the pictures before the
 /// failure. On the standard output they follow one another.
 std::unique_ptr<FrameSink> OpenPngSequence(const FilmRequest& request);
-#if !defined(_WIN32)
 std::unique_ptr<FrameSink> OpenTiffSequence(const FilmRequest& request);
+#if !defined(_WIN32)
 std::unique_ptr<FrameSink> OpenJpegSequence(const FilmRequest& request);
 #endif
 

@@ -17,11 +17,7 @@ void Mirror(uint8_t* row, uint32_t pixels, size_t pixel_bytes) {
 std::unique_ptr<RowFinisher> MakeFinisher(const StillInfo& info, ColorModel model,
                                           PixelFormat format, Alpha alpha,
                                           const PixelBuffer& target) {
-#if !defined(_WIN32)
   if (target.deep()) return MakeDeepFinisher(info, model, format, alpha, target.transparent);
-#else
-  (void)target;
-#endif
   return MakeByteFinisher(info, model, format, alpha);
 }
 

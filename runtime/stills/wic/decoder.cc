@@ -9,6 +9,7 @@
 #include "runtime/stills/wic/gif_screen.h"
 #include "runtime/stills/wic/orientation.h"
 #include "runtime/stills/wic/picture.h"
+#include "runtime/stills/wic/png_header.h"
 
 namespace kelto::stills {
 namespace {
@@ -21,22 +22,36 @@ class Wic final : public Decoder {
   StillInfo ReadInfo(StillFile& file) const override {
     StillInfo info;
     info.orientation = OrientationOf(file);
+    if (const auto png = ReadPngHeader(file)) {
+      // Some versions of the component unpack such a picture when it is opened.
+      info.width = png->width;
+      info.height = png->height;
+      CheckSize(info, file);
+    }
     const auto screen = ReadGifScreen(file);
     const WicPicture picture(file);
     info.width = screen ? screen->width : picture.width();
     info.height = screen ? screen->height : picture.height();
+    const WicForm form = picture.form();
+    info.bits = form.bits;
+    info.alpha = form.transparent || form.indexed;
+    info.deep_scratch = picture.UnpackedBytes();
     return info;
   }
 
   void Decode(StillFile& file, const StillInfo& info, const PixelBuffer& target) const override {
     const auto screen = ReadGifScreen(file);
+    const auto png = ReadPngHeader(file);
     WicPicture picture = OpenAgain(file);
     CheckUnchanged(info, screen ? screen->width : picture.width(),
                    screen ? screen->height : picture.height());
+    if (target.deep() && info.bits > 8) {
+      DrawWords(picture, png && png->grey, info, target);
+      return;
+    }
     picture.Convert();
-    // An opaque picture's alpha is whatever the conversion has left; it is made 255 as if it were
-    // drawn over black already.
-    const Alpha alpha = picture.has_alpha() ? Alpha::kStraight : Alpha::kPremultiplied;
+    // An opaque picture's alpha is whatever the conversion has left.
+    const Alpha alpha = picture.has_alpha() ? Alpha::kStraight : Alpha::kIgnored;
     RowWriter writer(info, ColorModel::kRgb, PixelFormat::kBgra8, alpha, target);
     if (screen) {
       DrawFrame(picture, *screen, writer);
@@ -53,6 +68,26 @@ class Wic final : public Decoder {
     } catch (const StillError& error) {
       if (error.code != noCodecErr) throw;
       throw StillError(codecBadDataErr, "the file changed after it was opened");
+    }
+  }
+
+  /// With all bits; colours by Little CMS, which every version of the component gives the profile.
+  static void DrawWords(WicPicture& picture, bool grey, const StillInfo& info,
+                        const PixelBuffer& target) {
+    if (picture.form().bits != info.bits) {
+      throw StillError(codecBadDataErr, "the file changed after it was opened");
+    }
+    picture.ConvertToWords();
+    StillInfo own = info;
+    own.icc = picture.ProfileBytes();
+    const ColorModel model =
+        grey || picture.has_grey_words() ? ColorModel::kGrey : ColorModel::kRgb;
+    const Alpha alpha = picture.has_alpha() ? Alpha::kStraight : Alpha::kIgnored;
+    RowWriter writer(own, model, PixelFormat::kRgba16, alpha, target);
+    for (uint32_t y = 0; y < info.height; ++y) {
+      void* const row = writer.Row(y);
+      picture.ReadWords(y, static_cast<uint16_t*>(row));
+      writer.Commit(y);
     }
   }
 

@@ -1,8 +1,11 @@
 #include "runtime/stills/wic/picture.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdio>
 #include <new>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -26,6 +29,15 @@ bool IsTaken(const GUID& container) {
     if (container == *known) return true;
   }
   return false;
+}
+
+/// The bits that a channel has of a pixel; 0 when the component does not say.
+int BitsOfChannel(IWICPixelFormatInfo2& format, UINT channel) {
+  std::array<BYTE, 16> mask = {};
+  UINT bytes = 0;
+  if (FAILED(format.GetChannelMask(channel, mask.size(), mask.data(), &bytes))) return 0;
+  return std::accumulate(mask.begin(), mask.end(), 0,
+                         [](int bits, BYTE part) { return bits + std::popcount(part); });
 }
 
 }  // namespace
@@ -73,21 +85,33 @@ WicPicture::WicPicture(StillFile& file) : stream_(new FileStream(file)) {
   Check(frame_->GetSize(&width_, &height_));
 }
 
-bool WicPicture::MayHaveAlpha(const WICPixelFormatGUID& format, uint32_t* bits_per_pixel) const {
-  // Until known better.
-  *bits_per_pixel = 32;
+WicForm WicPicture::form() const {
+  WICPixelFormatGUID format = {};
+  Check(frame_->GetPixelFormat(&format));
+  WicForm form;  // until known better
   Com<IWICComponentInfo> component;
-  if (FAILED(factory_->CreateComponentInfo(format, component.Receive()))) return true;
+  if (FAILED(factory_->CreateComponentInfo(format, component.Receive()))) return form;
   const auto info = component.As<IWICPixelFormatInfo2>();
-  UINT bits = 0;
+  UINT bits = 0, channels = 0;
   BOOL transparent = TRUE;
   if (!info || FAILED(info->GetBitsPerPixel(&bits)) ||
       FAILED(info->SupportsTransparency(&transparent))) {
-    return true;
+    return form;
   }
-  *bits_per_pixel = bits;
-  // A palette's colours may be transparent, whatever its format says of itself.
-  return transparent || bits <= 8;
+  form.bits_per_pixel = bits;
+  form.transparent = transparent != FALSE;
+  WICPixelFormatNumericRepresentation numbers = WICPixelFormatNumericRepresentationUnspecified;
+  form.indexed = SUCCEEDED(info->GetNumericRepresentation(&numbers)) &&
+                 numbers == WICPixelFormatNumericRepresentationIndexed;
+  if (FAILED(info->GetChannelCount(&channels))) return form;
+  for (UINT channel = 0; channel < channels; ++channel) {
+    form.bits = std::max(form.bits, std::min(BitsOfChannel(*info.get(), channel), 16));
+  }
+  return form;
+}
+
+uint64_t WicPicture::UnpackedBytes() const {
+  return uint64_t{width_} * height_ * form().bits_per_pixel / 8;
 }
 
 /// The file's profile, or the colour space that it names instead; null when it is sRGB.
@@ -132,22 +156,20 @@ bool WicPicture::Transform(IWICBitmapSource* source, IWICColorContext* profile) 
   return static_cast<bool>(bgra_);
 }
 
-Com<IWICBitmapSource> WicPicture::ToBgra(IWICBitmapSource* source) const {
+Com<IWICBitmapSource> WicPicture::Converted(IWICBitmapSource* source, const GUID& format) const {
   Com<IWICFormatConverter> converter;
   Check(factory_->CreateFormatConverter(converter.Receive()));
-  Check(converter->Initialize(source, GUID_WICPixelFormat32bppBGRA, WICBitmapDitherTypeNone,
-                              nullptr, 0.0, WICBitmapPaletteTypeCustom));
+  Check(converter->Initialize(source, format, WICBitmapDitherTypeNone, nullptr, 0.0,
+                              WICBitmapPaletteTypeCustom));
   return converter.As<IWICBitmapSource>();
 }
 
 void WicPicture::Convert() {
-  WICPixelFormatGUID format = {};
-  Check(frame_->GetPixelFormat(&format));
-  uint32_t bits = 0;
-  has_alpha_ = MayHaveAlpha(format, &bits);
-  // Some decoders unpack a picture whole.
-  CheckScratch(uint64_t{width_} * height_ * bits / 8);
-  Com<IWICBitmapSource> plain = ToBgra(frame_.get());
+  const WicForm own = form();
+  // A palette's colours may be transparent, whatever its format says of itself.
+  has_alpha_ = own.transparent || own.bits_per_pixel <= 8;
+  CheckScratch(UnpackedBytes());
+  Com<IWICBitmapSource> plain = Converted(frame_.get(), GUID_WICPixelFormat32bppBGRA);
   const auto profile = EmbeddedProfile();
   // The profile is for the file's own samples, but transforms do not carry alpha, nor take every
   // layout.
@@ -160,6 +182,49 @@ void WicPicture::Read(uint32_t y, uint32_t rows, uint32_t width, uint8_t* to, si
   const WICRect region = {0, static_cast<INT>(y), static_cast<INT>(width), static_cast<INT>(rows)};
   const size_t bytes = row_bytes * (rows - 1) + size_t{4} * width;
   Check(bgra_->CopyPixels(&region, static_cast<UINT>(row_bytes), static_cast<UINT>(bytes), to));
+}
+
+void WicPicture::ConvertToWords() {
+  has_alpha_ = form().transparent;
+  CheckScratch(UnpackedBytes());
+  WICPixelFormatGUID own = {};
+  Check(frame_->GetPixelFormat(&own));
+  // What files commonly have is taken as it is: not every version converts it.
+  words_per_pixel_ = own == GUID_WICPixelFormat16bppGray  ? 1
+                     : own == GUID_WICPixelFormat48bppRGB ? 3
+                                                          : 4;
+  const bool taken = words_per_pixel_ < 4 || own == GUID_WICPixelFormat64bppRGBA;
+  words_ =
+      taken ? frame_.As<IWICBitmapSource>() : Converted(frame_.get(), GUID_WICPixelFormat64bppRGBA);
+}
+
+void WicPicture::ReadWords(uint32_t y, uint16_t* to) {
+  const size_t words = size_t{words_per_pixel_} * width_, bytes = words * sizeof(uint16_t);
+  const WICRect region = {0, static_cast<INT>(y), static_cast<INT>(width_), 1};
+  // At the end of the row, from where they are spread without meeting what is still to be read.
+  const uint16_t* from = to + size_t{4} * width_ - words;
+  void* const place = to + size_t{4} * width_ - words;
+  Check(words_->CopyPixels(&region, static_cast<UINT>(bytes), static_cast<UINT>(bytes),
+                           static_cast<BYTE*>(place)));
+  if (words_per_pixel_ == 4) return;
+  const bool grey = words_per_pixel_ == 1;
+  for (uint32_t x = 0; x < width_; ++x, from += words_per_pixel_, to += 4) {
+    const uint16_t red = from[0], green = from[grey ? 0 : 1], blue = from[grey ? 0 : 2];
+    to[0] = red;
+    to[1] = green;
+    to[2] = blue;
+    to[3] = 65535;
+  }
+}
+
+std::vector<uint8_t> WicPicture::ProfileBytes() const {
+  const auto profile = EmbeddedProfile();
+  UINT size = 0;
+  if (!profile || FAILED(profile->GetProfileBytes(0, nullptr, &size))) return {};
+  std::vector<uint8_t> bytes(size);
+  if (FAILED(profile->GetProfileBytes(size, bytes.data(), &size))) return {};
+  bytes.resize(std::min<size_t>(bytes.size(), size));
+  return bytes;
 }
 
 }  // namespace kelto::stills
