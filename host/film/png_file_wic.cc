@@ -11,9 +11,7 @@
 #include <new>
 #include <stdexcept>
 #include <string>
-#include <utility>
 
-#include "host/film/deep_pictures.h"
 #include "host/film/png_file.h"
 #include "host/film/three_channels.h"
 
@@ -77,9 +75,9 @@ std::vector<uint8_t> BytesOf(IStream& stream) {
   return bytes;
 }
 
-/// Codes rows without padding.
-std::vector<uint8_t> EncodeRows(FrameSize size, const GUID& layout, size_t pixelBytes,
-                                std::vector<uint8_t> rows) {
+}  // namespace
+
+std::vector<uint8_t> EncodePng(const FrameView& frame) {
   const auto stream =
       Make<IStream>([](IStream** object) { return CreateStreamOnHGlobal(nullptr, TRUE, object); });
   const auto encoder = Make<IWICBitmapEncoder>([](IWICBitmapEncoder** object) {
@@ -89,43 +87,17 @@ std::vector<uint8_t> EncodeRows(FrameSize size, const GUID& layout, size_t pixel
   const auto picture = Make<IWICBitmapFrameEncode>(
       [&](IWICBitmapFrameEncode** object) { return encoder->CreateNewFrame(object, nullptr); });
   Check(picture->Initialize(nullptr));
-  const UINT width = static_cast<UINT>(size.width);
-  const UINT height = static_cast<UINT>(size.height);
+  const UINT width = static_cast<UINT>(frame.size.width);
+  const UINT height = static_cast<UINT>(frame.size.height);
   Check(picture->SetSize(width, height));
-  WICPixelFormatGUID format = layout;
+  WICPixelFormatGUID format = GUID_WICPixelFormat24bppBGR;
   Check(picture->SetPixelFormat(&format));
-  if (format != layout) {
-    throw std::runtime_error("the system's imaging component takes no pixels of " +
-                             std::to_string(pixelBytes * 8) + " bits");
-  }
-  Check(picture->WritePixels(height, static_cast<UINT>(width * pixelBytes),
-                             static_cast<UINT>(rows.size()), rows.data()));
+  if (format != GUID_WICPixelFormat24bppBGR) throw std::runtime_error("it takes no 24-bit pixels");
+  std::vector<uint8_t> bgr = WithoutAlpha(frame);
+  Check(picture->WritePixels(height, width * 3, static_cast<UINT>(bgr.size()), bgr.data()));
   Check(picture->Commit());
   Check(encoder->Commit());
   return BytesOf(*stream);
-}
-
-/// Pixels of R, G, B and perhaps A in bytes, as the component takes them.
-void SwapRedAndBlue(std::vector<uint8_t>& samples, size_t pixelBytes) {
-  for (size_t i = 0; i < samples.size(); i += pixelBytes) std::swap(samples[i], samples[i + 2]);
-}
-
-}  // namespace
-
-std::vector<uint8_t> EncodePng(const FrameView& frame) {
-  return EncodeRows(frame.size, GUID_WICPixelFormat24bppBGR, 3, WithoutAlpha(frame));
-}
-
-std::vector<uint8_t> EncodeDeepPng(const FrameView& frame, PictureDepth depth) {
-  std::vector<uint8_t> samples = SamplesOf(frame, depth);
-  const size_t channels = depth.alpha ? 4 : 3;
-  if (depth.bits == 8) {
-    SwapRedAndBlue(samples, channels);
-    const GUID& layout = depth.alpha ? GUID_WICPixelFormat32bppBGRA : GUID_WICPixelFormat24bppBGR;
-    return EncodeRows(frame.size, layout, channels, std::move(samples));
-  }
-  const GUID& layout = depth.alpha ? GUID_WICPixelFormat64bppRGBA : GUID_WICPixelFormat48bppRGB;
-  return EncodeRows(frame.size, layout, 2 * channels, std::move(samples));
 }
 
 }  // namespace kelto::host

@@ -24,10 +24,14 @@ convert() {
 name=JPEG444 form=jpg convert -pix_fmt yuvj444p -q:v 2
 name=JPEG420 form=jpg convert -pix_fmt yuvj420p -q:v 2
 name=PNG48 form=png convert -pix_fmt rgb48be
+name=TIFF48 form=tif convert -pix_fmt rgb48le -compression_algo deflate
+name=CLEAR form=png convert -pix_fmt rgba64be \
+  -vf 'scale=1280:960,format=rgba64le,geq=r=r(X\,Y):g=g(X\,Y):b=b(X\,Y):a=32768+34*(H-Y)'
 name=PNG24 form=png convert -pix_fmt rgb24
 name=TIFF form=tif convert -pix_fmt rgb24 -compression_algo lzw
 name=TGA form=tga convert -pix_fmt bgr24
 name=WEBP form=webp convert -c:v libwebp -quality 80
+env convert "png:$folder/PNG48" -depth 32 -define quantum:format=floating-point "tiff:$folder/FLOATS"
 env convert "tga:$folder/TGA" -compress JPEG -quality 85 "tiff:$folder/JPEGTIFF"
 
 # 256 x 192 pixels with each level of each colour.

@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "tests/windows/gif_file.h"
+#include "tests/windows/png_file.h"
 #include "tests/windows/wic_file.h"
 
 namespace kelto::stills {
@@ -54,24 +55,9 @@ Bytes JpegWithOrientation(const Picture& picture, int orientation) {
   return Inserted(EncodeByWic(GUID_ContainerFormatJpeg, picture), 2, Joined(segment, block));
 }
 
-uint32_t Crc(const Bytes& bytes) {
-  uint32_t crc = ~0u;
-  for (const uint8_t byte : bytes) {
-    crc ^= byte;
-    for (int bit = 0; bit < 8; ++bit) crc = (crc & 1) != 0 ? crc >> 1 ^ 0xedb88320u : crc >> 1;
-  }
-  return ~crc;
-}
-
 Bytes PngWithOrientation(const Picture& picture, int orientation) {
-  const Bytes block = OrientationBlock(orientation);
-  Bytes chunk;
-  AppendBigEndian(chunk, static_cast<uint32_t>(block.size()), 4);
-  const Bytes body = Joined({'e', 'X', 'I', 'f'}, block);
-  Append(chunk, body);
-  AppendBigEndian(chunk, Crc(body), 4);
-  constexpr size_t kBehindHeader = 8 + 25;
-  return Inserted(EncodeByWic(GUID_ContainerFormatPng, picture), kBehindHeader, chunk);
+  return WithPngChunk(EncodeByWic(GUID_ContainerFormatPng, picture), "eXIf",
+                      OrientationBlock(orientation));
 }
 
 /// Uncompressed, big-endian, in one strip.
@@ -278,6 +264,16 @@ TEST_F(WicStills, PicturesBeyondTheLimitsAreRefusedWithTheirSize) {
       Load(EncodeByWic(GUID_ContainerFormatPng, GradientPicture(40000, 1)), "wide.png");
   EXPECT_EQ(loaded.error, codecBadDataErr);
   EXPECT_EQ(loaded.text, "wide.png: 40000x1 pixels; the limit is 32767 pixels a side");
+}
+
+// Some versions of the component unpack a PNG when it is opened.
+TEST_F(WicStills, AFewBytesThatClaimAHugePngAreRefusedBeforeTheComponentSeesThem) {
+  const Bytes header = DeepPngHeader(32000, 32000);
+  const Loaded loaded = Load(header, "bomb.png");
+  EXPECT_EQ(loaded.error, codecBadDataErr);
+  EXPECT_EQ(loaded.text, "bomb.png: 32000x32000 pixels in a file of " +
+                             std::to_string(header.size()) +
+                             " bytes; the limit is 10000 pixels a byte");
 }
 
 TEST_F(WicStills, AThreadThatUsesComItsOwnWayIsServedToo) {
