@@ -8,6 +8,8 @@ namespace kelto {
 namespace {
 
 constexpr double kLargestWeight = 32766.0;  // one more after rounding
+/// Of one word's half: what a signed byte and 256 times another make. Further words take the rest.
+constexpr int32_t kLargestPart = 127 * 256 + 127;
 /// Bytes less 128 are no larger than this.
 constexpr double kLargestSample = 128.0;
 /// Of 32-bit sums; a little is left for the rounding of weights.
@@ -144,11 +146,10 @@ void PutWords(const int16_t* weights, int32_t* words) {
   }
 }
 
-/// Rounds an entry's weights at a shift at which they may need several words.
+/// Rounds an entry's weights that may need several words.
 template <int32_t kGroup>
 void RoundHeavy(const float* weights, const WeightTable::Entry& entry, int32_t lead,
                 FixedWeights& fixed, FixedWeights::Entry& to) {
-  constexpr auto kLargest = static_cast<int32_t>(kLargestWeight);
   std::vector<int32_t> rest(static_cast<size_t>(to.groups) * kGroup);
   to.difference = RoundWeights(weights, entry.count, std::ldexp(entry.normaliser, to.shift),
                                to.shift, rest.data() + lead);
@@ -159,7 +160,7 @@ void RoundHeavy(const float* weights, const WeightTable::Entry& entry, int32_t l
          first = false) {
       int16_t part[kGroup];
       for (int32_t i = 0; i < kGroup; ++i) {
-        part[i] = static_cast<int16_t>(std::clamp(from[i], -kLargest, kLargest));
+        part[i] = static_cast<int16_t>(std::clamp(from[i], -kLargestPart, kLargestPart));
         from[i] -= part[i];
       }
       if (!first) fixed.extras.push_back({group, {}});
@@ -168,6 +169,21 @@ void RoundHeavy(const float* weights, const WeightTable::Entry& entry, int32_t l
     }
   }
   to.extraCount = fixed.extras.size() - to.extraOffset;
+}
+
+/// What must be kept of the image's groups, by which ones the entries take.
+void SetWindow(FixedWeights& fixed) {
+  int32_t keep = fixed.entries.back().firstGroup;
+  for (size_t i = fixed.entries.size(); i-- > 0;) {
+    keep = std::min(keep, fixed.entries[i].firstGroup);
+    fixed.entries[i].keep = keep;
+  }
+  int32_t end = 0;
+  fixed.window = 0;
+  for (const FixedWeights::Entry& entry : fixed.entries) {
+    end = std::max(end, entry.firstGroup + entry.groups);
+    fixed.window = std::max(fixed.window, end - entry.keep);
+  }
 }
 
 /// Cuts a table's runs into groups of kGroup pixels (2 or 4) from `base` on, each entry's weights
@@ -199,33 +215,71 @@ std::optional<FixedWeights> Round(const WeightTable& table, const std::vector<Bo
     run.assign(static_cast<size_t>(to.groups) * kGroup, 0);
     to.difference = RoundWeights(weights, entry.count, std::ldexp(entry.normaliser, to.shift),
                                  to.shift, run.data() + lead);
-    if (RoundingError(values, to.difference, to.shift) > kCoarse) {
-      const int32_t finer = LargestShift(bounds[i], values, kMostWords);
-      if (finer > to.shift) {
-        to.shift = finer;
-        RoundHeavy<kGroup>(weights, entry, lead, fixed, to);
-        continue;
-      }
+    const int32_t shift = to.shift;
+    if (RoundingError(values, to.difference, shift) > kCoarse) {
+      to.shift = std::max(shift, LargestShift(bounds[i], values, kMostWords));
+    }
+    if (to.shift > shift || *std::max_element(run.begin(), run.end()) > kLargestPart) {
+      RoundHeavy<kGroup>(weights, entry, lead, fixed, to);
+      continue;
     }
     int32_t* word = fixed.words.data() + to.offset;
     for (size_t k = 0; k < run.size(); k += kGroup, word += kGroup / 2) {
       PutWords<kGroup>(run.data() + k, word);
     }
   }
-  int32_t keep = fixed.entries.back().firstGroup;
-  for (size_t i = fixed.entries.size(); i-- > 0;) {
-    keep = std::min(keep, fixed.entries[i].firstGroup);
-    fixed.entries[i].keep = keep;
-  }
-  int32_t end = 0;
-  for (const FixedWeights::Entry& entry : fixed.entries) {
-    end = std::max(end, entry.firstGroup + entry.groups);
-    fixed.window = std::max(fixed.window, end - entry.keep);
-  }
+  SetWindow(fixed);
   return fixed;
 }
 
+/// The weights of a group of four, in its two words, as bytes: what is below 256, signed, in the
+/// first, the rest in the second, a pixel in each byte.
+void CutToBytes(const int32_t* words, int32_t* bytes) {
+  const auto ac = static_cast<uint32_t>(words[0]), bd = static_cast<uint32_t>(words[1]);
+  constexpr uint32_t kLow = 0x00FF00FF;
+  bytes[0] = static_cast<int32_t>((ac & kLow) | (bd & kLow) << 8);
+  // Where the lower byte is negative, the upper one is one more.
+  const auto upper = [](uint32_t pair) {
+    return ((pair >> 8 & kLow) + (pair >> 7 & 0x00010001)) & kLow;
+  };
+  bytes[1] = static_cast<int32_t>(upper(ac) | upper(bd) << 8);
+}
+
 }  // namespace
+
+FixedWeights InBytes(const FixedWeights& weights) {
+  FixedWeights bytes = weights;
+  int32_t most = 0, end = 0;
+  for (const FixedWeights::Entry& entry : weights.entries) {
+    most = std::max(most, entry.groups);
+    end = std::max(end, entry.firstGroup + entry.groups);
+  }
+  bytes.words.assign(2 * static_cast<size_t>(most) * weights.entries.size(), 0);
+  size_t offset = 0;
+  for (size_t i = 0; i < weights.entries.size(); ++i) {
+    const FixedWeights::Entry& from = weights.entries[i];
+    FixedWeights::Entry& to = bytes.entries[i];
+    to.offset = offset;
+    int32_t lead = 0;
+    if (from.groups + 1 == most) {
+      lead = from.firstGroup + most > end ? 1 : 0;
+      to.firstGroup -= lead;
+      to.groups = most;
+    }
+    const int32_t* const words = weights.Words(from);
+    for (int32_t group = 0; group < from.groups; ++group) {
+      CutToBytes(words + 2 * group, bytes.words.data() + offset + 2 * (group + lead));
+    }
+    for (size_t extra = 0; extra < from.extraCount; ++extra) {
+      FixedWeights::Extra& further = bytes.extras[from.extraOffset + extra];
+      CutToBytes(weights.extras[from.extraOffset + extra].words, further.words);
+      further.group += lead;
+    }
+    offset += 2 * static_cast<size_t>(to.groups);
+  }
+  SetWindow(bytes);
+  return bytes;
+}
 
 std::optional<FixedFilters> MakeFixedFilters(const WeightTable& columns, const WeightTable& rows) {
   const auto boundsOf = [](const WeightTable& table) {

@@ -45,6 +45,13 @@ struct FixedWeights {
   }
 };
 
+/// A table of groups of four pixels a, b, c, d with their weights as signed bytes instead, for
+/// products of bytes: the first word has the lower bytes of all four, a's lowest, the second one
+/// the upper bytes; 256 times an upper byte and a lower one make a weight. Entries that are one
+/// group shorter than the longest take another one whose weights are 0, so that loops over them all
+/// end alike and processors foresee it.
+FixedWeights InBytes(const FixedWeights& weights);
+
 /// Both axes in fixed point, and how the value between the passes is scaled.
 ///
 /// The first pass sums bytes less 128, so that its results, kept with `fraction` fractional bits,

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstring>
 #include <memory>
+#include <span>
 
 #include "resample/filtered.h"
 #include "resample/fixed_weights.h"
@@ -38,6 +39,10 @@ using WordVector = hn::Vec<Words>;
 constexpr size_t kLanes = HWY_MAX_BYTES / 4;  // fixed-size vectors only
 constexpr size_t kBlockRows = 2 * kLanes;
 constexpr size_t kGroup = 4;  ///< source pixels taken at a time
+/// Whether the target multiplies bytes as they are, four to a lane.
+constexpr bool kInBytes = HWY_TARGET == HWY_AVX3_DL;
+/// Vectors that a group's pixels take, of one byte each and a parity of rows.
+constexpr size_t kVectorsOfGroup = kInBytes ? 1 : 2;
 
 /// Turns the 4 x 4 words of each 128-bit block: word i of vector j becomes word j of vector i.
 HWY_INLINE void TurnBlocks(WordVector (&v)[4]) {
@@ -113,22 +118,22 @@ class Buffer {
   int32_t* aligned_;
 };
 
-/// A block of source rows with a row in each lane, groups of pixels spread to 16 bits as they are
-/// needed and forgotten from the left.
+/// A block of source rows with a row in each lane, groups of pixels turned as they are needed and
+/// forgotten from the left.
 template <class Layout>
 class TransposedRows {
  public:
-  /// Words of a group: for each plane pixels 0 and 2, then 1 and 3, even rows, then odd ones.
-  static constexpr size_t kGroupWords = Layout::kPlanes * 4 * kLanes;
+  /// Words of a group's plane: its four pixels in a lane's bytes, even rows, then odd ones; or
+  /// spread to 16 bits, pixels 0 and 2 of either, then 1 and 3.
+  static constexpr size_t kPlaneWords = kVectorsOfGroup * 2 * kLanes;
+  static constexpr size_t kGroupWords = Layout::kPlanes * kPlaneWords;
 
   TransposedRows(const FilteredPlan& plan, const FixedWeights& columns)
       : firstByte_(ptrdiff_t{4} * columns.base),
         wholeGroups_((plan.source.width - columns.base) / static_cast<int32_t>(kGroup)),
-        capacity_(columns.window + std::max(columns.window, kSlack)),
+        total_(End(columns.entries)),
+        capacity_(Capacity(columns.entries)),
         groups_(static_cast<size_t>(capacity_) * kGroupWords) {
-    for (const FixedWeights::Entry& entry : columns.entries) {
-      total_ = std::max(total_, entry.firstGroup + entry.groups);
-    }
     tailBytes_ = 4 * static_cast<size_t>((plan.source.width - columns.base) % kGroup);
     const std::array<int32_t, 4> bytes = Layout::SourceBytes(plan.chroma);
     for (size_t plane = 0; plane < 4; ++plane) {
@@ -138,29 +143,55 @@ class TransposedRows {
     }
   }
 
-  /// Starts another block, whose rows begin at the given places.
-  void Begin(const uint8_t* const* rows) {
+  /// Starts another block, whose rows begin at the given places, and those of the block after it.
+  void Begin(const uint8_t* const* rows, const uint8_t* const* next) {
     rows_ = rows;
+    next_ = next;
     first_ = end_ = 0;
   }
 
-  /// The groups from entry.firstGroup on. Those before entry.keep are forgotten.
-  const int32_t* Groups(const FixedWeights::Entry& entry) {
-    const int32_t needed = entry.firstGroup + entry.groups;
-    if (needed > end_) {
-      const int32_t end = std::min(needed + kAhead, total_);
-      if (end - first_ > capacity_) Forget(entry.keep);
-      const int32_t until = std::min(end, first_ + capacity_);
-      Turn(std::min(until, wholeGroups_));
-      if (end_ < until) TurnTail();
+  /// Has the groups of neighbouring columns. Those that neither they nor later ones need may go.
+  void Hold(const FixedWeights::Entry* const (&columns)[Layout::kColumns]) {
+    int32_t needed = 0;
+    for (const FixedWeights::Entry* entry : columns) {
+      needed = std::max(needed, entry->firstGroup + entry->groups);
     }
-    return groups_.get() + static_cast<size_t>(entry.firstGroup - first_) * kGroupWords;
+    if (needed <= end_) return;
+    if (needed - first_ > capacity_) Forget(columns[0]->keep);
+    Turn(std::min(needed, wholeGroups_));
+    if (end_ < needed) TurnTail();
   }
+
+  /// A group that is held, and those after it.
+  const int32_t* At(int32_t group) const { return Place(group); }
 
  private:
   static constexpr int32_t kSlack = 24;  ///< groups; all of it fits the first-level cache
-  static constexpr int32_t kAhead = 4;
-  static constexpr ptrdiff_t kPrefetchBytes = 1024;
+  static constexpr int32_t kAhead = 2;
+  static constexpr int32_t kGroupsAhead = 64;
+
+  static int32_t End(std::span<const FixedWeights::Entry> entries) {
+    int32_t end = 0;
+    for (const FixedWeights::Entry& entry : entries) {
+      end = std::max(end, entry.firstGroup + entry.groups);
+    }
+    return end;
+  }
+
+  /// Twice what neighbouring columns need at a time, so that groups are moved only now and then.
+  static int32_t Capacity(std::span<const FixedWeights::Entry> entries) {
+    int32_t end = 0, window = 0;
+    for (size_t i = 0; i < entries.size(); i += Layout::kColumns) {
+      const auto neighbours = entries.subspan(i, std::min(Layout::kColumns, entries.size() - i));
+      end = std::max(end, End(neighbours));
+      window = std::max(window, end - neighbours[0].keep);
+    }
+    return window + std::max(window, kSlack);
+  }
+
+  int32_t* Place(int32_t group) const {
+    return groups_.get() + static_cast<size_t>(group - first_) * kGroupWords;
+  }
 
   void Forget(int32_t before) {
     const int32_t first = std::max(before, first_);
@@ -170,21 +201,19 @@ class TransposedRows {
     first_ = first;
   }
 
-  int32_t* At(int32_t group) const {
-    return groups_.get() + static_cast<size_t>(group - first_) * kGroupWords;
-  }
-
   /// Not inlined: known to the compiler, the rows' addresses end up in vectors, and each has to be
   /// fetched back.
   HWY_NOINLINE void Turn(int32_t until) {
     for (; end_ < until; ++end_) {
       const ptrdiff_t offset = firstByte_ + ptrdiff_t{16} * end_;
-      if (end_ % 4 == 0) {
-        for (size_t row = 0; row < kBlockRows; ++row) {
-          hwy::Prefetch(rows_[row] + offset + kPrefetchBytes);
-        }
-      }
-      TurnGroup(rows_, offset, At(end_));
+      // A quarter of the rows at each group, of which four fill a cache line: more at a time would
+      // wait for each other.
+      constexpr size_t kRowsAtATime = kBlockRows / 4;
+      const int32_t ahead = end_ + kGroupsAhead;
+      const uint8_t* const* const rows = (ahead < total_ ? rows_ : next_) + end_ % 4 * kRowsAtATime;
+      const ptrdiff_t at = firstByte_ + ptrdiff_t{16} * (ahead < total_ ? ahead : ahead - total_);
+      for (size_t row = 0; row < kRowsAtATime; ++row) hwy::Prefetch(rows[row] + at);
+      TurnGroup(rows_, offset, Place(end_));
     }
   }
 
@@ -196,7 +225,7 @@ class TransposedRows {
       std::memcpy(pixels[row], rows_[row] + firstByte_ + ptrdiff_t{16} * end_, tailBytes_);
       rows[row] = pixels[row];
     }
-    TurnGroup(rows, 0, At(end_));
+    TurnGroup(rows, 0, Place(end_));
     ++end_;
   }
 
@@ -204,7 +233,7 @@ class TransposedRows {
     const Words words;
     const Bytes bytes;
     const auto order = hn::LoadDup128(bytes, planeOrder_);
-    const auto everySecond = hn::Set(words, 0x00FF00FF);
+    [[maybe_unused]] const auto everySecond = hn::Set(words, 0x00FF00FF);
     for (size_t parity = 0; parity < 2; ++parity) {
       WordVector v[4];
       for (size_t i = 0; i < 4; ++i) {
@@ -213,19 +242,24 @@ class TransposedRows {
       }
       TurnBlocks(v);
       for (size_t plane = 0; plane < Layout::kPlanes; ++plane) {
-        int32_t* const at = to + (4 * plane + parity) * kLanes;
-        hn::Store(hn::And(v[plane], everySecond), words, at);
-        hn::Store(hn::And(hn::ShiftRight<8>(v[plane]), everySecond), words, at + 2 * kLanes);
+        int32_t* const at = to + plane * kPlaneWords + parity * kLanes;
+        if constexpr (kInBytes) {
+          hn::Store(v[plane], words, at);
+        } else {
+          hn::Store(hn::And(v[plane], everySecond), words, at);
+          hn::Store(hn::And(hn::ShiftRight<8>(v[plane]), everySecond), words, at + 2 * kLanes);
+        }
       }
     }
   }
 
   const uint8_t* const* rows_ = nullptr;
+  const uint8_t* const* next_ = nullptr;
   ptrdiff_t firstByte_;
   int32_t wholeGroups_;  ///< that loads of four pixels may read
   size_t tailBytes_ = 0;
-  int32_t total_ = 0;
-  int32_t capacity_;
+  int32_t total_;                ///< groups that any column needs
+  int32_t capacity_;             ///< groups that there is room for
   int32_t first_ = 0, end_ = 0;  ///< groups held
   Buffer groups_;
   alignas(16) uint8_t planeOrder_[16] = {};

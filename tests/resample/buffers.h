@@ -7,7 +7,9 @@
 #include <functional>
 #include <vector>
 
+#include "resample/filtered.h"
 #include "resample/job.h"
+#include "resample/resample.h"
 
 namespace kelto::test {
 
@@ -101,6 +103,13 @@ inline ResampleJob MakeJob(SourceImage& source, const RectF& sourceRect, Guarded
   job.destRect = WholeFrame(width, frameHeight);
   job.filterMode = filterMode;
   return job;
+}
+
+/// The plan of a job whose rectangles nothing has clipped yet.
+inline FilteredPlan PlanOf(ResampleJob job, PixelFormat format) {
+  EXPECT_TRUE(ClipJob(job));
+  return PlanFiltered(job, MakeCanvas(job, format, true), *FrameFilter(job.filterMode),
+                      FramePicture(job));
 }
 
 /// The largest difference between two byte sequences of one length, and where it is.

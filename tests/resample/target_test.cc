@@ -8,7 +8,6 @@
 #include <stdexcept>
 
 #include "resample/filtered.h"
-#include "resample/fixed_weights.h"
 #include "resample/nearest_pixels.h"
 #include "resample/resample.h"
 #include "tests/resample/buffers.h"
@@ -19,15 +18,9 @@ namespace {
 using test::GuardedBuffer;
 using test::LargestDifference;
 using test::MakeJob;
+using test::PlanOf;
 using test::SourceImage;
 using test::WholeFrame;
-
-/// The plan of a job whose rectangles nothing has clipped yet.
-FilteredPlan PlanOf(ResampleJob job, PixelFormat format) {
-  EXPECT_TRUE(ClipJob(job));
-  return PlanFiltered(job, MakeCanvas(job, format, true), *FrameFilter(job.filterMode),
-                      FramePicture(job));
-}
 
 class OnEveryTarget : public ::testing::TestWithParam<Target> {
  protected:
@@ -253,74 +246,6 @@ TEST_P(OnEveryTarget, ColumnsMayBeMadeOfPixelsFarApart) {
     }
   }
   dest.ExpectGuardsUntouched();
-}
-
-/// The tables of a 6000 x 4000 picture in a 1920 x 1080 frame at a scale, `left` and `top` source
-/// pixels of the frame outside it.
-std::optional<FixedFilters> FixedFiltersFor(int32_t mode, float scale, float left = 0.0f,
-                                            float top = 0.0f) {
-  static SourceImage image(1, 1);
-  ResampleJob job;
-  job.filterMode = mode;
-  job.source = {image.bytes.data(), 6000, 4000, 24000};
-  job.dest = {image.bytes.data(), 1920, 1080, 3840};
-  job.sourceRect = {0.5f - left, 0.5f - top, 1920 * scale - left - 0.5f, 1080 * scale - top - 0.5f};
-  job.destRect = WholeFrame(1920, 1080);
-  const FilteredPlan plan = PlanOf(job, PixelFormat::kPacked422);
-  return MakeFixedFilters(plan.columnWeights, plan.rowWeights);
-}
-
-TEST(FixedFilters, AreExactEnoughForEveryFilterAtEveryUsualScale) {
-  for (int32_t mode = kFilterTriangle; mode <= kFilterUltraQual; ++mode) {
-    for (const float scale : {0.05f, 1 / 6.0f, 0.5f, 1 / 1.5f, 1.0f, 1.5f, 3.125f, 6.0f, 12.0f}) {
-      EXPECT_TRUE(FixedFiltersFor(mode, scale).has_value()) << mode << " at " << scale;
-    }
-  }
-}
-
-TEST(FixedFilters, AreExactEnoughWherePicturesEndWithinTheFrame) {
-  // The pixels at the edge bear nearly all weight beside hundreds of small ones, more or less of it
-  // from scale to scale.
-  for (const int32_t mode : {kFilterHiQual, kFilterUltraQual}) {
-    for (float scale = 4.0f; scale < 90.0f; scale *= 1.04f) {
-      const float left = 6.3f * scale + 40.0f, top = 5.9f * scale + 11.0f;
-      EXPECT_TRUE(FixedFiltersFor(mode, scale, left, top).has_value()) << mode << " at " << scale;
-    }
-  }
-}
-
-TEST(FixedFilters, KeepSumsExact) {
-  const auto sumOf = [](int32_t word) {
-    return static_cast<int16_t>(word & 0xFFFF) + (word >> 16);
-  };
-  size_t heavy = 0;
-  for (const int32_t mode : {kFilterTriangle, kFilterHiQual, kFilterUltraQual}) {
-    for (const float scale : {3.125f, 12.41f}) {
-      const FixedFilters filters = FixedFiltersFor(mode, scale, 130.0f, 170.0f).value();
-      for (const FixedWeights* weights : {&filters.columns, &filters.rows}) {
-        const int32_t words = weights == &filters.columns ? 2 : 1;
-        for (const FixedWeights::Entry& entry : weights->entries) {
-          int32_t sum = 0;
-          for (int32_t i = 0; i < entry.groups * words; ++i) sum += sumOf(weights->Words(entry)[i]);
-          for (const FixedWeights::Extra& extra : weights->Extras(entry)) {
-            ASSERT_LT(extra.group, entry.groups);
-            sum += sumOf(extra.words[0]) + sumOf(extra.words[1]);
-          }
-          ASSERT_EQ(sum, 1 << entry.shift);
-          heavy += entry.extraCount;
-        }
-      }
-    }
-  }
-  EXPECT_GT(heavy, 0U) << "no weight needs more than its word";
-}
-
-TEST(FixedFilters, AreRefusedWhereWeightsNearlyCancel) {
-  const WeightTable good = {{{0, 2, 0, 1.0f}}, {0.5f, 0.5f}};
-  const WeightTable cancelling = {{{0, 2, 0, 5000.0f}}, {1.0001f, -0.9999f}};
-  EXPECT_TRUE(MakeFixedFilters(good, good).has_value());
-  EXPECT_FALSE(MakeFixedFilters(cancelling, good).has_value());
-  EXPECT_FALSE(MakeFixedFilters(good, cancelling).has_value());
 }
 
 }  // namespace
