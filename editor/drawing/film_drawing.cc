@@ -38,11 +38,10 @@ std::vector<uint8_t> Reduced(const std::vector<uint8_t>& pixels, host::FrameSize
   return result;
 }
 
-/// Opens the plan's photo, with all that settles what draws it.
+/// Opens the plan's photo as far as its header.
 host::Photo Opened(const host::RenderPlan& plan) {
   host::Photo photo = host::OpenPhoto(host::PhotoName(plan));
   host::FindDepth(photo);
-  photo.transparent = host::IsTransparent(photo);
   return photo;
 }
 
@@ -95,6 +94,7 @@ std::optional<host::FrameView> FilmDrawing::Beside(const host::RenderPlan& plan,
     if (!besideOpened_ || besidePhoto_ != host::PhotoName(plan)) {
       besideSession_.reset();
       besideOpened_ = Opened(plan);
+      besideOpened_->transparent = host::IsTransparent(*besideOpened_);
       besidePhoto_ = host::PhotoName(plan);
     }
     host::RenderPlan drawn = plan;
@@ -141,6 +141,12 @@ void FilmDrawing::Prepare(host::FrameSize size) {
 }
 
 host::FrameView FilmDrawing::Draw(int32_t frame, host::FrameSize size, double quality) {
+  if (!knowsTransparency_) {
+    // It settles what draws the photo. Finding it out takes decoding all of it, which neither the
+    // canvas nor the way has to wait for.
+    photo_.transparent = host::IsTransparent(photo_);
+    knowsTransparency_ = true;
+  }
   Prepare(size);
   const host::FrameView blended = Blended(frame, size, quality);
   return dithered_ ? dithered_->Of(blended) : blended;

@@ -71,6 +71,7 @@ class FilmDrawing {
   std::string module_;
   host::RenderPlan plan_;
   host::Photo photo_;
+  bool knowsTransparency_ = false;  ///< of the photo
   Session session_;
   FadesAround fades_;
   std::optional<bool> deep_;

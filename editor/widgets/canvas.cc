@@ -38,6 +38,7 @@ void Canvas::SetPhoto(const QImage& photo) {
 void Canvas::SetScene(const CanvasScene& scene) { p_->SetScene(scene); }
 
 void Canvas::SetWay(const FilmWay& way) {
+  if (way == p_->scene_.way) return;
   p_->scene_.way = way;
   update();
 }

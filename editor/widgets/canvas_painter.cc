@@ -94,44 +94,6 @@ bool HasNoLength(const CanvasOverlay& overlay) {
   return true;
 }
 
-/// The way, and by another colour where the film enlarges the photo's pixels.
-void DrawWay(QPainter& painter, const CanvasOverlay& overlay) {
-  const FilmWay& way = overlay.scene.way;
-  // A view that zooms in its place goes nowhere.
-  if (way.size() < 2 || HasNoLength(overlay)) return;
-  QList<QLineF> all, enlarged;
-  QPointF last = Middle(way.front().part, overlay.transform);
-  for (size_t i = 1; i < way.size(); ++i) {
-    const QPointF at = Middle(way[i].part, overlay.transform);
-    if (i + 1 < way.size() && (at - last).manhattanLength() < kShortest) continue;
-    const bool enlarges = Enlargement(way[i].part, overlay.scene.limits) > 1.0;
-    (enlarges ? enlarged : all).append({last, at});
-    last = at;
-  }
-  // Line by line: a path that crosses itself hundreds of times takes a second to fill.
-  const bool many = all.size() + enlarged.size() > kManyLines;
-  painter.setRenderHint(QPainter::Antialiasing, !many);
-  for (const QList<QLineF>& lines : {all, enlarged}) {
-    if (many) continue;
-    painter.setPen(QPen(kShade, 3.6));
-    painter.drawLines(lines);
-  }
-  painter.setPen(QPen(Qt::white, many ? 0.0 : 1.6));
-  painter.drawLines(all);
-  painter.setPen(QPen(EnlargedColour(), many ? 0.0 : 1.8));
-  painter.drawLines(enlarged);
-  painter.setRenderHint(QPainter::Antialiasing);
-  std::optional<CanvasPoint> before;
-  for (const WayTick& tick : TicksOn(way, kMostTicks)) {
-    const CanvasPoint at = overlay.transform.ToCanvas(tick.middle);
-    if (before && std::hypot(at.x - before->x, at.y - before->y) < kBetweenTicks) continue;
-    before = at;
-    painter.setPen(QPen(kShade, 1.0));
-    painter.setBrush(Qt::white);
-    painter.drawEllipse(QPointF(at.x, at.y), 2.6, 2.6);
-  }
-}
-
 void DrawHandles(QPainter& painter, const QRectF& view, const QColor& colour) {
   painter.setPen(QPen(colour, 1.5));
   painter.setBrush(Qt::white);
@@ -215,6 +177,45 @@ void DrawOtherViews(QPainter& painter, const CanvasOverlay& overlay) {
   }
 }
 
+void DrawWay(QPainter& painter, const CanvasOverlay& overlay) {
+  const FilmWay& way = overlay.scene.way;
+  painter.setRenderHint(QPainter::Antialiasing);
+  // A view that zooms in its place goes nowhere.
+  if (way.size() < 2 || HasNoLength(overlay)) return;
+  // By another colour where the film enlarges the photo's pixels.
+  QList<QLineF> all, enlarged;
+  QPointF last = Middle(way.front().part, overlay.transform);
+  for (size_t i = 1; i < way.size(); ++i) {
+    const QPointF at = Middle(way[i].part, overlay.transform);
+    if (i + 1 < way.size() && (at - last).manhattanLength() < kShortest) continue;
+    const bool enlarges = Enlargement(way[i].part, overlay.scene.limits) > 1.0;
+    (enlarges ? enlarged : all).append({last, at});
+    last = at;
+  }
+  // Line by line: a path that crosses itself hundreds of times takes a second to fill.
+  const bool many = all.size() + enlarged.size() > kManyLines;
+  painter.setRenderHint(QPainter::Antialiasing, !many);
+  for (const QList<QLineF>& lines : {all, enlarged}) {
+    if (many) continue;
+    painter.setPen(QPen(kShade, 3.6));
+    painter.drawLines(lines);
+  }
+  painter.setPen(QPen(Qt::white, many ? 0.0 : 1.6));
+  painter.drawLines(all);
+  painter.setPen(QPen(EnlargedColour(), many ? 0.0 : 1.8));
+  painter.drawLines(enlarged);
+  painter.setRenderHint(QPainter::Antialiasing);
+  std::optional<CanvasPoint> before;
+  for (const WayTick& tick : TicksOn(way, kMostTicks)) {
+    const CanvasPoint at = overlay.transform.ToCanvas(tick.middle);
+    if (before && std::hypot(at.x - before->x, at.y - before->y) < kBetweenTicks) continue;
+    before = at;
+    painter.setPen(QPen(kShade, 1.0));
+    painter.setBrush(Qt::white);
+    painter.drawEllipse(QPointF(at.x, at.y), 2.6, 2.6);
+  }
+}
+
 void DrawOverlay(QPainter& painter, const CanvasOverlay& overlay) {
   painter.setRenderHint(QPainter::Antialiasing);
   const CanvasScene& scene = overlay.scene;
@@ -224,7 +225,6 @@ void DrawOverlay(QPainter& painter, const CanvasOverlay& overlay) {
     DrawLine(painter, path, Qt::white, 1.0, Qt::DashLine);
   }
   const bool selects = scene.selected >= 0 && scene.selected < static_cast<int>(scene.views.size());
-  DrawWay(painter, overlay);
   if (selects) DrawView(painter, overlay, scene.selected, nullptr);
   painter.setPen(QPen(kSnapLine, 1.0));
   if (overlay.snappedX) {

@@ -25,6 +25,9 @@ QRectF OnCanvas(const host::PhotoRect& part, const CanvasTransform& transform);
 /// The views that are not selected, which a drag of the selected one leaves as they are.
 void DrawOtherViews(QPainter& painter, const CanvasOverlay& overlay);
 
+/// The way through all views.
+void DrawWay(QPainter& painter, const CanvasOverlay& overlay);
+
 /// What lies above these.
 void DrawOverlay(QPainter& painter, const CanvasOverlay& overlay);
 

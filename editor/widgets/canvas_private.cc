@@ -110,7 +110,8 @@ void Canvas::Private::Paint(QPainter& painter) {
     return;
   }
   UpdateOthers(canvas);
-  painter.drawPixmap(0, 0, others_.picture);
+  UpdateWay(canvas);
+  painter.drawPixmap(0, 0, way_.picture);
   const bool dragging = doing_ == Doing::kDrag && dragged_;
   DrawOverlay(painter,
               {scene_, transform_, canvas, seconds_, dragging ? now_.snappedX : std::nullopt,
@@ -132,6 +133,14 @@ void Canvas::Private::UpdateOthers(const QRectF& canvas) {
   others_ = {background_, background_.cacheKey(), std::move(views), scene_.selected, scene_.limits};
   QPainter painter(&others_.picture);
   DrawOtherViews(painter, {scene_, transform_, canvas, -1.0, std::nullopt, std::nullopt});
+}
+
+void Canvas::Private::UpdateWay(const QRectF& canvas) {
+  if (way_.others == others_.picture.cacheKey() && way_.way == scene_.way) return;
+  way_ = {others_.picture, others_.picture.cacheKey(), scene_.way};
+  if (scene_.way.size() < 2) return;
+  QPainter painter(&way_.picture);
+  DrawWay(painter, {scene_, transform_, canvas, -1.0, std::nullopt, std::nullopt});
 }
 
 void Canvas::Private::Select(int view) {

@@ -80,8 +80,15 @@ class Canvas::Private {
     int selected = -1;
     ViewLimits limits{};
   } others_;
-  /// Draws them anew where something has changed.
+  /// The same with the way, which an answer of the preview changes and a key does not.
+  struct WayBelow {
+    QPixmap picture;
+    qint64 others = 0;  ///< cache key of what is below
+    FilmWay way;
+  } way_;
+  /// Draw them anew where something has changed.
   void UpdateOthers(const QRectF& canvas);
+  void UpdateWay(const QRectF& canvas);
 
   enum class Doing { kNothing, kDrag, kPan } doing_ = Doing::kNothing;
   QPointF pressedAt_, lastAt_;

@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <algorithm>
+#include <cmath>
 
 namespace kelto::editor {
 namespace {
@@ -47,7 +48,7 @@ void PictureArea::SwitchFullScreen() {
 }
 
 QSize PictureArea::sizeHint() const { return {480, 270}; }
-QSize PictureArea::minimumSizeHint() const { return {160, 90}; }
+QSize PictureArea::minimumSizeHint() const { return {120, 60}; }
 
 QRectF PictureArea::FrameRect() const {
   const double width = std::min<double>(this->width(), height() * aspect_);
@@ -55,12 +56,30 @@ QRectF PictureArea::FrameRect() const {
   return {QPointF((this->width() - size.width()) / 2, (height() - size.height()) / 2), size};
 }
 
+void PictureArea::DrawFrame(QPainter& painter, const QRectF& room) const {
+  if (frame_.isNull()) return;
+  const double ratio = devicePixelRatioF();
+  const QSizeF size = QSizeF(frame_.size()) / ratio;
+  // A frame that was drawn for this room has even sides: its pixels are shown as they are, which is
+  // sharper than stretching them by a part of one, and quicker.
+  const double most = 2.0 / ratio;
+  if (std::abs(size.width() - room.width()) < most &&
+      std::abs(size.height() - room.height()) < most) {
+    const QPointF corner = room.center() - QPointF(size.width(), size.height()) / 2;
+    const QPointF whole(std::round(corner.x() * ratio) / ratio,
+                        std::round(corner.y() * ratio) / ratio);
+    painter.drawImage(QRectF(whole, size), frame_);
+    return;
+  }
+  painter.setRenderHint(QPainter::SmoothPixmapTransform);
+  painter.drawImage(room, frame_);
+}
+
 void PictureArea::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.fillRect(rect(), Qt::black);
   const QRectF frame = FrameRect();
-  painter.setRenderHint(QPainter::SmoothPixmapTransform);
-  if (!frame_.isNull()) painter.drawImage(frame, frame_);
+  DrawFrame(painter, frame);
   if (actionSafe_) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(QColor(255, 255, 255, 170), 1.0));

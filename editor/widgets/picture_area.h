@@ -4,6 +4,8 @@
 #include <QImage>
 #include <QWidget>
 
+class QPainter;
+
 namespace kelto::editor {
 
 class PictureArea : public QWidget {
@@ -36,6 +38,7 @@ class PictureArea : public QWidget {
 
  private:
   QRectF FrameRect() const;
+  void DrawFrame(QPainter& painter, const QRectF& room) const;
 
   QImage frame_;
   QString notice_;

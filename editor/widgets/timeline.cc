@@ -30,13 +30,23 @@ Timeline::~Timeline() = default;
 const TimelineScene& Timeline::Scene() const { return p_->scene_; }
 
 void Timeline::SetWay(const FilmWay& way) {
+  if (way == p_->scene_.way) return;
   p_->scene_.way = way;
+  p_->RedrawSpeed();
+}
+
+void Timeline::SetLow(bool low) {
+  if (low == p_->low_) return;
+  p_->low_ = low;
+  updateGeometry();
+  p_->Refit();
   p_->Redraw();
 }
 
 void Timeline::SetScene(const TimelineScene& scene) {
-  const bool otherRows = HeightOf(scene) != HeightOf(p_->scene_);
-  const StopTimes dragged = p_->scene_.stops;
+  const bool otherRows = HeightOf(scene, p_->low_) != HeightOf(p_->scene_, p_->low_);
+  TimelineScene before = p_->scene_;
+  const StopTimes dragged = before.stops;
   const bool dragging =
       p_->gesture_ && p_->doing_ == Private::Doing::kEdge && dragged.size() == scene.stops.size();
   const bool keysGone = scene.lanes.size() != p_->scene_.lanes.size();
@@ -56,15 +66,26 @@ void Timeline::SetScene(const TimelineScene& scene) {
   if (p_->doing_ == Private::Doing::kNothing) p_->Refit();
   // Laying out all of the window for each step of a drag takes longer than the step.
   if (otherRows) updateGeometry();
-  p_->Redraw();
+  // Hundreds of stops take longer to draw than their film's speed, which alone is another when a
+  // view has been moved.
+  const bool otherWay = std::exchange(before.way, p_->scene_.way) != p_->scene_.way;
+  if (before != p_->scene_) {
+    p_->Redraw();
+  } else if (otherWay) {
+    p_->RedrawSpeed();
+  }
 }
 
 void Timeline::SetTime(double seconds) { p_->SetTime(seconds); }
 
 const std::vector<KeyPlace>& Timeline::SelectedKeys() const { return p_->selected_; }
 
-QSize Timeline::sizeHint() const { return {800, static_cast<int>(HeightOf(p_->scene_)) + 12}; }
-QSize Timeline::minimumSizeHint() const { return {240, static_cast<int>(HeightOf(p_->scene_))}; }
+QSize Timeline::sizeHint() const {
+  return {800, static_cast<int>(HeightOf(p_->scene_, p_->low_)) + 12};
+}
+QSize Timeline::minimumSizeHint() const {
+  return {240, static_cast<int>(HeightOf(p_->scene_, p_->low_))};
+}
 
 bool Timeline::event(QEvent* event) {
   if (event->type() == QEvent::ToolTip) {

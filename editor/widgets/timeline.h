@@ -17,6 +17,7 @@ struct KeyLane {
   QString name;                 ///< as the user reads it
   std::vector<double> times;    ///< 0..1 over the film, in order
   std::vector<QString> values;  ///< one for each key
+  bool operator==(const KeyLane&) const = default;
 };
 
 /// A key by its place: which of the scene's lanes, and which of its times.
@@ -29,6 +30,7 @@ struct KeyPlace {
 struct WayEasing {
   QString word;               ///< as the user reads it
   std::vector<double> curve;  ///< the share covered, 0..1, at even times from 0 to 1
+  bool operator==(const WayEasing&) const = default;
 };
 
 struct TimelineScene {
@@ -40,6 +42,7 @@ struct TimelineScene {
   std::vector<KeyLane> lanes;
   std::vector<float> sound;  ///< peaks 0..1 at even times over the film; empty without sound
   FilmWay way;
+  bool operator==(const TimelineScene&) const = default;
 };
 
 /// Knows no document, as the canvas does not. Dragged edges move between what lies at both sides;
@@ -58,6 +61,8 @@ class Timeline : public QWidget {
   const TimelineScene& Scene() const;
   /// The scene's way alone, which takes longer to find than all else.
   void SetWay(const FilmWay& way);
+  /// Whether rows are as low as they can be read, for small screens.
+  void SetLow(bool low);
   /// Where the film stands, in seconds. Below 0: before it, which is not shown.
   void SetTime(double seconds);
   const std::vector<KeyPlace>& SelectedKeys() const;

@@ -6,20 +6,25 @@
 namespace kelto::editor {
 namespace {
 
-constexpr double kRuler = 22.0, kStops = 40.0, kSound = 32.0, kLane = 22.0, kSpeed = 52.0;
+struct RowHeights {
+  double ruler, stops, sound, lane, speed;
+};
+constexpr RowHeights kUsual{22.0, 40.0, 32.0, 22.0, 52.0}, kLow{18.0, 24.0, 16.0, 18.0, 26.0};
 constexpr double kGap = 3.0, kMargin = 10.0, kNames = 110.0;
 constexpr double kKeyReach = 6.0;
 
 }  // namespace
 
-double HeightOf(const TimelineScene& scene) {
-  double height = kRuler + kSpeed + kGap;
-  if (!scene.stops.empty()) height += kStops + kGap;
-  if (!scene.sound.empty()) height += kSound + kGap;
-  return height + static_cast<double>(scene.lanes.size()) * (kLane + kGap);
+double HeightOf(const TimelineScene& scene, bool low) {
+  const RowHeights& of = low ? kLow : kUsual;
+  double height = of.ruler + of.speed + kGap;
+  if (!scene.stops.empty()) height += of.stops + kGap;
+  if (!scene.sound.empty()) height += of.sound + kGap;
+  return height + static_cast<double>(scene.lanes.size()) * (of.lane + kGap);
 }
 
-TimelineRows RowsOf(const TimelineScene& scene, QSizeF size) {
+TimelineRows RowsOf(const TimelineScene& scene, QSizeF size, bool low) {
+  const RowHeights& of = low ? kLow : kUsual;
   TimelineRows rows;
   rows.left = scene.lanes.empty() ? kMargin : kNames;
   rows.width = std::max(1.0, size.width() - rows.left - kMargin);
@@ -29,11 +34,11 @@ TimelineRows RowsOf(const TimelineScene& scene, QSizeF size) {
     y += height + kGap;
     return row;
   };
-  rows.ruler = next(kRuler);
-  if (!scene.stops.empty()) rows.stops = next(kStops);
-  if (!scene.sound.empty()) rows.sound = next(kSound);
-  for (size_t lane = 0; lane < scene.lanes.size(); ++lane) rows.lanes.push_back(next(kLane));
-  rows.speed = next(std::max(kSpeed, size.height() - y));
+  rows.ruler = next(of.ruler);
+  if (!scene.stops.empty()) rows.stops = next(of.stops);
+  if (!scene.sound.empty()) rows.sound = next(of.sound);
+  for (size_t lane = 0; lane < scene.lanes.size(); ++lane) rows.lanes.push_back(next(of.lane));
+  rows.speed = next(std::max(of.speed, size.height() - y));
   return rows;
 }
 

@@ -19,9 +19,10 @@ struct TimelineRows {
   double width = 0.0;  ///< of all the time that is seen
 };
 
-TimelineRows RowsOf(const TimelineScene& scene, QSizeF size);
+/// `low`: as low as they can be read, for small screens. The speed takes what height is left.
+TimelineRows RowsOf(const TimelineScene& scene, QSizeF size, bool low);
 /// The least height in which all rows have room.
-double HeightOf(const TimelineScene& scene);
+double HeightOf(const TimelineScene& scene, bool low);
 
 /// The width of a stop's block at the least, to be seen and held.
 inline constexpr double kNarrowestStop = 12.0;

@@ -69,13 +69,14 @@ void DrawWays(QPainter& painter, const TimelineDrawing& drawing) {
   back.setAlpha(110);
   QColor curve = line;
   curve.setAlpha(130);
+  const double inset = drawing.rows.stops.height() / 5;
   double arrival = 0.0;
   for (size_t stop = 0; stop + 1 < scene.stops.size(); ++stop) {
     const double leaves = arrival + scene.stops[stop].hold;
     arrival = leaves + scene.stops[stop].go;
-    const QRectF way(drawing.axis.ToX(leaves), drawing.rows.stops.top() + 8.0,
+    const QRectF way(drawing.axis.ToX(leaves), drawing.rows.stops.top() + inset,
                      scene.stops[stop].go * drawing.axis.pixelsPerSecond,
-                     drawing.rows.stops.height() - 16.0);
+                     drawing.rows.stops.height() - 2 * inset);
     if (way.right() < 0.0 || way.left() > drawing.rows.stops.right() || way.width() < 1.0) continue;
     painter.fillRect(way, back);
     if (stop < scene.easing.size()) DrawEasing(painter, way, scene.easing[stop], curve);
@@ -83,7 +84,7 @@ void DrawWays(QPainter& painter, const TimelineDrawing& drawing) {
     const QString label = Seconds(scene.stops[stop].go);
     if (way.width() < painter.fontMetrics().horizontalAdvance(label) + 24) continue;
     painter.setPen(line);
-    painter.drawText(way.adjusted(8.0, 0.0, -8.0, 0.0), Qt::AlignCenter, label);
+    painter.drawText(way.adjusted(8.0, 0.0, -8.0, 0.0), Qt::AlignCenter | Qt::TextDontClip, label);
   }
 }
 
@@ -175,7 +176,26 @@ void DrawLanes(QPainter& painter, const TimelineDrawing& drawing) {
   }
 }
 
+void DrawPlace(QPainter& painter, const TimelineDrawing& drawing) {
+  const double x = drawing.axis.ToX(drawing.seconds);
+  if (drawing.seconds < 0.0 || x < drawing.rows.left - 1.0) return;
+  const QColor colour = drawing.palette.color(QPalette::WindowText);
+  painter.setPen(QPen(colour, 1.0));
+  painter.drawLine(QPointF(x, drawing.rows.ruler.top() + 8.0),
+                   QPointF(x, drawing.rows.speed.bottom()));
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(colour);
+  const double y = drawing.rows.ruler.top() + 4.0;
+  painter.drawPolygon(QPolygonF({{x - 5.0, y}, {x + 5.0, y}, {x, y + 8.0}}));
+}
+
+}  // namespace
+
 void DrawSpeed(QPainter& painter, const TimelineDrawing& drawing) {
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  // Names stay where they are while time moves.
+  painter.setClipRect(QRectF(drawing.rows.left - 8.0, 0.0, 1e6, 1e6), Qt::IntersectClip);
   const QRectF row = drawing.rows.speed.adjusted(drawing.rows.left, 2.0, 0.0, -4.0);
   QColor faint = drawing.palette.color(QPalette::WindowText);
   faint.setAlpha(140);
@@ -201,22 +221,8 @@ void DrawSpeed(QPainter& painter, const TimelineDrawing& drawing) {
   painter.setPen(faint);
   painter.drawText(row, Qt::AlignLeft | Qt::AlignTop,
                    QCoreApplication::translate("Timeline", "Perceived speed"));
+  painter.restore();
 }
-
-void DrawPlace(QPainter& painter, const TimelineDrawing& drawing) {
-  const double x = drawing.axis.ToX(drawing.seconds);
-  if (drawing.seconds < 0.0 || x < drawing.rows.left - 1.0) return;
-  const QColor colour = drawing.palette.color(QPalette::WindowText);
-  painter.setPen(QPen(colour, 1.0));
-  painter.drawLine(QPointF(x, drawing.rows.ruler.top() + 8.0),
-                   QPointF(x, drawing.rows.speed.bottom()));
-  painter.setPen(Qt::NoPen);
-  painter.setBrush(colour);
-  const double y = drawing.rows.ruler.top() + 4.0;
-  painter.drawPolygon(QPolygonF({{x - 5.0, y}, {x + 5.0, y}, {x, y + 8.0}}));
-}
-
-}  // namespace
 
 void DrawTimeline(QPainter& painter, const TimelineDrawing& drawing) {
   painter.setRenderHint(QPainter::Antialiasing);
@@ -227,8 +233,8 @@ void DrawTimeline(QPainter& painter, const TimelineDrawing& drawing) {
   DrawWays(painter, drawing);
   DrawStops(painter, drawing);
   DrawSound(painter, drawing);
-  DrawSpeed(painter, drawing);
   painter.restore();
+  DrawSpeed(painter, drawing);
   DrawLanes(painter, drawing);
 }
 

@@ -23,6 +23,9 @@ struct TimelineDrawing {
 /// What stays while the film plays.
 void DrawTimeline(QPainter& painter, const TimelineDrawing& drawing);
 
+/// The perceived speed of it alone.
+void DrawSpeed(QPainter& painter, const TimelineDrawing& drawing);
+
 /// Where the film stands, and the band: above all else.
 void DrawMoment(QPainter& painter, const TimelineDrawing& drawing);
 

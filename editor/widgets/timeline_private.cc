@@ -35,9 +35,20 @@ void Timeline::Private::Paint(QPainter& painter) {
     drawn_.fill(drawing.palette.color(owner_->backgroundRole()));
     QPainter below(&drawn_);
     DrawTimeline(below, drawing);
+  } else if (speedIsOld_) {
+    QPainter below(&drawn_);
+    below.setClipRect(rows.speed.toAlignedRect());
+    below.fillRect(rows.speed, drawing.palette.color(owner_->backgroundRole()));
+    DrawSpeed(below, drawing);
   }
+  speedIsOld_ = false;
   painter.drawPixmap(0, 0, drawn_);
   DrawMoment(painter, drawing);
+}
+
+void Timeline::Private::RedrawSpeed() {
+  speedIsOld_ = true;
+  owner_->update(Rows().speed.toAlignedRect());
 }
 
 void Timeline::Private::SetTime(double seconds) {

@@ -20,13 +20,15 @@ class Timeline::Private {
  public:
   explicit Private(Timeline* owner) : owner_(owner) {}
 
-  TimelineRows Rows() const { return RowsOf(scene_, owner_->size()); }
+  TimelineRows Rows() const { return RowsOf(scene_, owner_->size(), low_); }
   void Paint(QPainter& painter);
   /// What is seen has changed, but for where the film stands.
   void Redraw() {
     drawn_ = {};
     owner_->update();
   }
+  /// The film's speed alone has.
+  void RedrawSpeed();
   void SetTime(double seconds);
   void Refit();
   void Press(QMouseEvent& event);
@@ -51,6 +53,8 @@ class Timeline::Private {
   /// What is seen below the film's place; null when it has to be drawn. A film that plays moves
   /// nothing but the place, and hundreds of stops take longer than a frame.
   QPixmap drawn_;
+  bool speedIsOld_ = false;  ///< in it
+  bool low_ = false;
   double seconds_ = 0.0;
   TimeAxis axis_;
   bool fitted_ = true;  ///< all of the film is seen

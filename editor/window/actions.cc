@@ -8,6 +8,7 @@
 #include "editor/window/main_window.h"
 #include "editor/window/move_finder.h"
 #include "editor/window/palettes.h"
+#include "editor/window/render_queue.h"
 #include "editor/window/scenes.h"
 #include "editor/window/shortcuts_page.h"
 #include "host/base/error.h"
@@ -126,6 +127,12 @@ void MainWindow::MakeActions() {
   QAction* films = queueDock_->toggleViewAction();
   films->setText(tr("Fi&lms Being Made"));
   show->addAction(films);
+  QAction* clear = Add(
+      show, tr("Clear Fi&nished Films"), QKeySequence("Ctrl+Shift+Del"),
+      [this] { queue_->ClearFinished(); }, false);
+  const auto offer = [this, clear] { clear->setEnabled(queue_->Finished() > 0); };
+  connect(queue_, &RenderQueue::FilmsChanged, clear, offer);
+  offer();
 
   QMenu* help = menuBar()->addMenu(tr("&Help"));
   Add(

@@ -2,7 +2,9 @@
 
 #include <QtWidgets>
 
+#include "catalogue/parameters.h"
 #include "editor/document/settings.h"
+#include "editor/window/colour_dialog.h"
 #include "host/options/choices.h"
 
 namespace kelto::editor {
@@ -119,19 +121,37 @@ FilmPanel::FilmPanel(QWidget* parent) : QWidget(parent) {
                    [=](const Document& d) { return WithParameter(d, parameter, entry); });
     });
   }
-  connect(colour_, &QPushButton::clicked, this, &FilmPanel::AskColour);
+  connect(colour_, &QPushButton::clicked, this, &FilmPanel::AskBackground);
 }
 
-void FilmPanel::AskColour() {
-  const QColor chosen = QColorDialog::getColor(Qt::black, this, tr("Colour beside the photo"));
+void FilmPanel::AskBackground() {
+  const QColor chosen = AskColour(this, tr("Colour beside the photo"), background_);
   if (!chosen.isValid()) return;
   const host::Colour colour{static_cast<uint8_t>(chosen.red()),
                             static_cast<uint8_t>(chosen.green()),
                             static_cast<uint8_t>(chosen.blue())};
   emit Changed(tr("Change Background"), [=](const Document& d) {
-    return WithParameter(WithParameter(d, "bgcolor", host::BackgroundFor(colour)), "compositeover",
-                         std::string("Background: Color"));
+    return WithParameter(WithParameter(d, key::kBackgroundColor, host::BackgroundFor(colour)),
+                         "compositeover", std::string("Background: Color"));
   });
+}
+
+void FilmPanel::ShowBackground(const host::RenderPlan& plan) {
+  const host::SettingValue* held = host::HeldValue(plan.FindSetting(key::kBackgroundColor));
+  const auto* value = held == nullptr ? nullptr : std::get_if<std::array<double, 3>>(held);
+  const host::Colour colour = value == nullptr ? host::Colour{} : host::ColourOf(*value);
+  const QColor background(colour.red, colour.green, colour.blue);
+  if (background == background_ && !colour_->icon().isNull()) return;
+  background_ = background;
+  QPixmap swatch(colour_->iconSize() * devicePixelRatioF());
+  swatch.setDevicePixelRatio(devicePixelRatioF());
+  swatch.fill(background_);
+  QPainter painter(&swatch);
+  painter.setPen(palette().color(QPalette::Mid));
+  painter.drawRect(QRect(QPoint(), colour_->iconSize() - QSize(1, 1)));
+  painter.end();
+  colour_->setIcon(swatch);
+  colour_->setAccessibleDescription(background_.name());
 }
 
 void FilmPanel::Show(const host::RenderPlan& plan) {
@@ -156,6 +176,7 @@ void FilmPanel::Show(const host::RenderPlan& plan) {
              : format.fields == host::FieldOrder::kBottomFirst ? 2
                                                                : 0,
              "");
+  ShowBackground(plan);
 }
 
 }  // namespace kelto::editor

@@ -1,6 +1,7 @@
 // What holds for the whole film.
 #pragma once
 
+#include <QColor>
 #include <QWidget>
 
 #include "editor/window/session.h"
@@ -24,11 +25,13 @@ class FilmPanel : public QWidget {
 
  private:
   QComboBox* AddChoice(QFormLayout* form, const QString& name);
-  void AskColour();
+  void AskBackground();
+  void ShowBackground(const host::RenderPlan& plan);
 
   QComboBox *size_, *rate_, *fields_, *law_, *path_, *filter_;
   QDoubleSpinBox* length_;
   QPushButton* colour_;
+  QColor background_{Qt::black};
 };
 
 }  // namespace kelto::editor

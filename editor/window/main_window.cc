@@ -11,10 +11,19 @@
 #include "editor/window/render_queue.h"
 #include "editor/window/scenes.h"
 #include "editor/window/sizes_dialog.h"
+#include "editor/window/small_screens.h"
 #include "editor/window/view_panel.h"
 #include "host/base/error.h"
 
 namespace kelto::editor {
+namespace {
+
+/// Windows less high than this have a timeline of low rows.
+constexpr int kLowWindow = 520;
+/// Of the panels: a row of them.
+constexpr int kLeastPanels = 48;
+
+}  // namespace
 
 MainWindow::MainWindow(const Programs& programs, QWidget* parent)
     : QMainWindow(parent),
@@ -83,11 +92,9 @@ void MainWindow::MakeWidgets() {
   panelColumn->addWidget(keyPanel_);
   panelColumn->addWidget(filmPanel_);
   panelColumn->addStretch();
-  auto* scroll = new QScrollArea;
-  scroll->setWidget(panels);
-  scroll->setWidgetResizable(true);
-  scroll->setFrameShape(QFrame::NoFrame);
-  scroll->setFocusPolicy(Qt::NoFocus);  // it follows what has the focus within it
+  LeaveWheelToScrolling(*panels);
+  QScrollArea* scroll = Scrolling(panels);
+  scroll->setMinimumHeight(kLeastPanels);
   scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   scroll->setMinimumWidth(panels->minimumSizeHint().width() + 20);
 
@@ -120,7 +127,8 @@ void MainWindow::MakeWidgets() {
   column->addWidget(notice_);
   column->addWidget(all, 1);
   column->addWidget(strip_);
-  setCentralWidget(central);
+  // Where there is no room for all of it, as on a small screen below a slideshow's pictures.
+  setCentralWidget(Scrolling(central));
 
   queue_ = new RenderQueue(programs_.command);
   queueDock_ = new QDockWidget(tr("Films being made"));
@@ -262,6 +270,7 @@ void MainWindow::showEvent(QShowEvent* event) {
 
 void MainWindow::resizeEvent(QResizeEvent* event) {
   QMainWindow::resizeEvent(event);
+  timeline_->SetLow(height() < kLowWindow);
   QTimer::singleShot(0, this, &MainWindow::FitSide);
 }
 

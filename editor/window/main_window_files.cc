@@ -2,6 +2,7 @@
 #include <QtWidgets>
 
 #include "editor/document/settings.h"
+#include "editor/window/file_dialogs.h"
 #include "editor/window/main_window.h"
 #include "editor/window/render_dialog.h"
 #include "editor/window/render_queue.h"
@@ -36,16 +37,16 @@ QString MainWindow::LastFolder() const {
 }
 
 void MainWindow::AskOpen() {
-  const QStringList paths = QFileDialog::getOpenFileNames(
-      this, tr("Open Photographs or a Project"), LastFolder(),
-      tr("Photographs and projects (*.json *.jpg *.jpeg *.png *.tif *.tiff *.webp *.gif *.bmp "
-         "*.tga *.heic *.heif);;All files (*)"));
+  const QStringList paths = AskFilesToOpen(
+      this,
+      {tr("Open Photographs or a Project"), LastFolder(),
+       tr("Photographs and projects (*.json *.jpg *.jpeg *.png *.tif *.tiff *.webp *.gif *.bmp "
+          "*.tga *.heic *.heif);;All files (*)")});
   if (!paths.isEmpty()) Open(paths);
 }
 
 void MainWindow::AskOpenFolder() {
-  const QString folder =
-      QFileDialog::getExistingDirectory(this, tr("Open a Folder of Photographs"), LastFolder());
+  const QString folder = AskFolder(this, {tr("Open a Folder of Photographs"), LastFolder(), {}});
   if (!folder.isEmpty()) Open(folder);
 }
 
@@ -57,8 +58,8 @@ bool MainWindow::Save() {
 }
 
 bool MainWindow::AskSaveAs() {
-  QString path = QFileDialog::getSaveFileName(this, tr("Save Project"), session_.Path(),
-                                              tr("Projects (*.json)"));
+  QString path =
+      AskFileToSave(this, {tr("Save Project"), session_.Path(), tr("Projects (*.json)")}, true);
   if (path.isEmpty()) return false;
   if (!path.endsWith(".json", Qt::CaseInsensitive)) path += ".json";
   const bool saved = session_.SaveAs(path);
@@ -84,7 +85,7 @@ bool MainWindow::AskKeep() {
 
 void MainWindow::AskFile(const QString& title, const QString& filter,
                          Document (*change)(const Document&, const std::string&)) {
-  const QString path = QFileDialog::getOpenFileName(this, title, session_.Path(), filter);
+  const QString path = AskFileToOpen(this, {title, session_.Path(), filter});
   if (path.isEmpty()) return;
   Change(title, [&](const Document& d) { return change(d, path.toStdString()); });
 }

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "editor/document/show_changes.h"
+#include "editor/window/file_dialogs.h"
 #include "editor/window/render_queue.h"
 #include "host/base/error.h"
 #include "host/film/codecs.h"
@@ -199,8 +200,7 @@ void RenderDialog::ShowKind() {
 }
 
 void RenderDialog::AskName() {
-  const QString name = QFileDialog::getSaveFileName(this, tr("Name of the film"), Film(), QString(),
-                                                    nullptr, QFileDialog::DontConfirmOverwrite);
+  const QString name = AskFileToSave(this, {tr("Name of the film"), Film(), {}}, false);
   if (name.isEmpty()) return;
   name_->setText(name);
   ShowKind();

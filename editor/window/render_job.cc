@@ -31,6 +31,17 @@ RenderJob::~RenderJob() {
   if (!process_.waitForFinished(3000)) process_.kill();
 }
 
+void RenderJob::WaitAgain() {
+  if (state_ != State::kCancelled && state_ != State::kFailed) return;
+  // One that was cancelled just now takes its unfinished film away first.
+  if (process_.state() != QProcess::NotRunning && !process_.waitForFinished(3000)) return;
+  reason_.clear();
+  done_ = total_ = 0;
+  secondsLeft_ = -1.0;
+  state_ = State::kWaiting;
+  emit Moved();
+}
+
 void RenderJob::Start() {
   state_ = State::kRunning;
   clock_.start();

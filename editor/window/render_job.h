@@ -24,6 +24,8 @@ class RenderJob : public QObject {
   ~RenderJob() override;
 
   void Start();
+  /// One that was cancelled or has failed waits to be started once more.
+  void WaitAgain();
   /// Ends the process; the film is not made.
   void Cancel();
 

@@ -4,9 +4,15 @@
 #include <algorithm>
 
 #include "editor/document/command_line.h"
+#include "editor/window/small_screens.h"
 
 namespace kelto::editor {
 namespace {
+
+bool IsGoing(const RenderJob& job) {
+  return job.TheState() == RenderJob::State::kWaiting ||
+         job.TheState() == RenderJob::State::kRunning;
+}
 
 QString ClockText(double seconds) {
   const int whole = static_cast<int>(std::max(0.0, seconds) + 0.5);
@@ -43,10 +49,20 @@ RenderQueue::RenderQueue(QString command, QWidget* parent)
       command_(std::move(command)),
       projects_(std::make_unique<QTemporaryDir>()),
       rows_(new QVBoxLayout) {
-  auto* column = new QVBoxLayout(this);
-  column->addLayout(rows_);
-  column->addStretch();
+  auto* films = new QWidget;
+  auto* filmColumn = new QVBoxLayout(films);
+  filmColumn->addLayout(rows_);
+  filmColumn->addStretch();
+  clear_ = new QPushButton(tr("Clear Finished"));
+  clear_->setToolTip(tr("Takes films that are made or were given up off the list"));
+  auto* row = new QHBoxLayout(this);
+  row->setContentsMargins(0, 0, 8, 0);
+  row->addWidget(Scrolling(films), 1);
+  row->addWidget(clear_, 0, Qt::AlignTop);
   setMinimumHeight(72);
+  connect(clear_, &QPushButton::clicked, this, &RenderQueue::ClearFinished);
+  connect(this, &RenderQueue::FilmsChanged, this, [this] { clear_->setEnabled(Finished() > 0); });
+  emit FilmsChanged();
 }
 
 RenderQueue::~RenderQueue() {
@@ -55,21 +71,29 @@ RenderQueue::~RenderQueue() {
 
 RenderJob* RenderQueue::Add(const Document& document, const QString& film,
                             const QStringList& options) {
-  const int number = static_cast<int>(jobs_.size());
-  const QString project = SnapshotOf(document, projects_->path(), number);
+  const QString project = SnapshotOf(document, projects_->path(), added_++);
   auto* job = new RenderJob(command_, QString(VerbOf(document)), project, film, options, this);
   jobs_.push_back(job);
   AddRow(job);
   connect(job, &RenderJob::Ended, this, &RenderQueue::StartNext, Qt::QueuedConnection);
+  connect(job, &RenderJob::Ended, this, &RenderQueue::FilmsChanged);
   StartNext();
+  emit FilmsChanged();
   return job;
 }
 
 int RenderQueue::Unfinished() const {
-  return static_cast<int>(std::count_if(jobs_.begin(), jobs_.end(), [](const RenderJob* job) {
-    return job->TheState() == RenderJob::State::kWaiting ||
-           job->TheState() == RenderJob::State::kRunning;
-  }));
+  return static_cast<int>(std::count_if(jobs_.begin(), jobs_.end(),
+                                        [](const RenderJob* job) { return IsGoing(*job); }));
+}
+
+void RenderQueue::ClearFinished() {
+  std::erase_if(jobs_, [](RenderJob* job) {
+    if (IsGoing(*job)) return false;
+    job->deleteLater();  // its row goes with it
+    return true;
+  });
+  emit FilmsChanged();
 }
 
 void RenderQueue::StartNext() {
@@ -95,26 +119,34 @@ void RenderQueue::AddRow(RenderJob* job) {
   state->setTextFormat(Qt::PlainText);
   state->setWordWrap(true);
   auto* cancel = new QPushButton(tr("Cancel"));
+  auto* again = new QPushButton(tr("Try Again"));
   auto* show = new QPushButton(tr("Show in Folder"));
   line->addWidget(name);
   line->addWidget(bar, 1);
   line->addWidget(state, 2);
   line->addWidget(cancel);
+  line->addWidget(again);
   line->addWidget(show);
   rows_->insertWidget(0, row);
-  const auto update = [job, bar, state, cancel, show] {
+  const auto update = [job, bar, state, cancel, again, show] {
     bar->setRange(0, static_cast<int>(std::max<int64_t>(1, job->Total())));
     bar->setValue(static_cast<int>(job->Done()));
     state->setText(StateText(*job));
-    const bool going = job->TheState() == RenderJob::State::kWaiting ||
-                       job->TheState() == RenderJob::State::kRunning;
+    const bool going = IsGoing(*job), made = job->TheState() == RenderJob::State::kDone;
     cancel->setVisible(going);
-    bar->setVisible(going || job->TheState() == RenderJob::State::kDone);
-    show->setVisible(job->TheState() == RenderJob::State::kDone);
+    bar->setVisible(going);
+    again->setVisible(!going && !made);
+    show->setVisible(made);
   };
   update();
   connect(job, &RenderJob::Moved, row, update);
+  connect(job, &QObject::destroyed, row, &QObject::deleteLater);
   connect(cancel, &QPushButton::clicked, job, &RenderJob::Cancel);
+  connect(again, &QPushButton::clicked, this, [this, job] {
+    job->WaitAgain();
+    StartNext();
+    emit FilmsChanged();
+  });
   connect(show, &QPushButton::clicked, row, [job] {
     QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(job->Film()).absolutePath()));
   });

@@ -8,13 +8,14 @@
 #include "editor/document/document.h"
 #include "editor/window/render_job.h"
 
+class QPushButton;
 class QTemporaryDir;
 class QVBoxLayout;
 
 namespace kelto::editor {
 
-/// A row for each film: progress, cancel, show in folder. One film is made at a time: the command
-/// uses every core by itself.
+/// A row for each film: progress, cancel, show in folder, make one that failed again. One film is
+/// made at a time: the command uses every core by itself.
 class RenderQueue : public QWidget {
   Q_OBJECT
 
@@ -27,7 +28,17 @@ class RenderQueue : public QWidget {
   RenderJob* Add(const Document& document, const QString& film, const QStringList& options);
   /// Films that are not made yet.
   int Unfinished() const;
+  /// Films that are made, were cancelled or failed.
+  int Finished() const { return static_cast<int>(jobs_.size()) - Unfinished(); }
   const QString& Command() const { return command_; }
+
+ public slots:
+  /// Takes the rows of finished films away; the films stay.
+  void ClearFinished();
+
+ signals:
+  /// There are other films, or one of them has ended.
+  void FilmsChanged();
 
  private:
   void AddRow(RenderJob* job);
@@ -35,8 +46,10 @@ class RenderQueue : public QWidget {
 
   QString command_;
   std::unique_ptr<QTemporaryDir> projects_;  ///< the documents as they were when films were added
+  int added_ = 0;                            ///< since the editor began
   std::vector<RenderJob*> jobs_;
   QVBoxLayout* rows_;
+  QPushButton* clear_;
 };
 
 /// The command's verb that makes the document's film.

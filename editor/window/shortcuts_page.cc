@@ -2,6 +2,8 @@
 
 #include <QtWidgets>
 
+#include "editor/window/small_screens.h"
+
 namespace kelto::editor {
 namespace {
 
@@ -99,7 +101,7 @@ void ShowShortcuts(QMainWindow& window) {
   auto* column = new QVBoxLayout(dialog);
   column->addWidget(text);
   column->addWidget(buttons);
-  dialog->resize(QSize(620, 600).boundedTo(window.screen()->availableSize() - QSize(16, 48)));
+  dialog->resize(RoomOnScreen(window, {620, 600}));
   dialog->show();
 }
 

@@ -2,6 +2,7 @@
 #include <QtWidgets>
 
 #include "editor/document/show_changes.h"
+#include "editor/window/file_dialogs.h"
 #include "editor/window/main_window.h"
 #include "host/base/error.h"
 
@@ -65,10 +66,11 @@ void MainWindow::ShowPictures() {
 }
 
 void MainWindow::AskPhotos(int at) {
-  const QStringList chosen = QFileDialog::getOpenFileNames(
-      this, tr("Add Photographs"), session_.Path(),
-      tr("Photographs (*.jpg *.jpeg *.png *.tif *.tiff *.webp *.gif *.bmp *.tga *.heic *.heif);;"
-         "All files (*)"));
+  const QStringList chosen = AskFilesToOpen(
+      this,
+      {tr("Add Photographs"), session_.Path(),
+       tr("Photographs (*.jpg *.jpeg *.png *.tif *.tiff *.webp *.gif *.bmp *.tga *.heic *.heif);;"
+          "All files (*)")});
   if (chosen.isEmpty()) return;
   std::vector<std::string> photos;
   for (const QString& path : chosen) photos.push_back(path.toStdString());

@@ -904,6 +904,10 @@ Macht aus Fotos Filme mit bewegtem Ausschnitt.</translation>
         <source>Change Key</source>
         <translation>Schlüssel ändern</translation>
     </message>
+    <message>
+        <source>Clear Fi&amp;nished Films</source>
+        <translation>Fertige Filme entfer&amp;nen</translation>
+    </message>
 </context>
 <context>
     <name>kelto::editor::MoveFinder</name>
@@ -1141,6 +1145,18 @@ Macht aus Fotos Filme mit bewegtem Ausschnitt.</translation>
     <message>
         <source>Show in Folder</source>
         <translation>Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Clear Finished</source>
+        <translation>Fertige entfernen</translation>
+    </message>
+    <message>
+        <source>Takes films that are made or were given up off the list</source>
+        <translation>Nimmt Filme, die fertig oder aufgegeben sind, aus der Liste</translation>
+    </message>
+    <message>
+        <source>Try Again</source>
+        <translation>Noch einmal</translation>
     </message>
 </context>
 <context>

@@ -335,5 +335,38 @@ TEST_F(CanvasWidget, IsAListOfItsViewsForScreenReaders) {
   EXPECT_FALSE(view->isValid());
 }
 
+TEST_F(CanvasWidget, TheWayIsTheOneOfTheLastAnswer) {
+  const auto way = [](double down) {
+    FilmWay samples;
+    for (int i = 0; i <= 20; ++i) {
+      samples.push_back({i * 0.25, ViewOf(i * 100.0, i * down, 1000.0), 1.0});
+    }
+    return samples;
+  };
+  const auto picture = [](Canvas& canvas) {
+    QCoreApplication::processEvents();
+    return canvas.grab().toImage();
+  };
+  const QImage without = picture(canvas_);
+  canvas_.SetWay(way(60.0));
+  const QImage first = picture(canvas_);
+  EXPECT_NE(first, without);
+  canvas_.SetWay(way(20.0));
+  const QImage second = picture(canvas_);
+  EXPECT_NE(second, first);
+  const EventCount paints(canvas_, QEvent::Paint);
+  canvas_.SetWay(way(20.0));
+  QCoreApplication::processEvents();
+  EXPECT_EQ(paints.Count(), 0) << "an answer that says nothing new";
+  canvas_.SetWay({});
+  EXPECT_EQ(picture(canvas_), without);
+  // The way goes with the photo below it.
+  canvas_.SetWay(way(20.0));
+  canvas_.ZoomIn();
+  EXPECT_NE(picture(canvas_), second);
+  canvas_.FitPhoto();
+  EXPECT_EQ(picture(canvas_), second);
+}
+
 }  // namespace
 }  // namespace kelto::editor

@@ -5,6 +5,7 @@
 #include <QSlider>
 #include <vector>
 
+#include "editor/widgets/picture_area.h"
 #include "tests/editor/support/widgets.h"
 
 namespace kelto::editor {
@@ -95,6 +96,29 @@ TEST_F(PreviewWidget, DrawsTheFrameInItsShapeAndTheActionSafeArea) {
   EXPECT_NEAR(plain, 500 * 500 * 9 / 16, 1500);
   view_.SetActionSafe(true);
   EXPECT_LT(count(qRgb(255, 0, 0)), plain - 1000);
+}
+
+TEST_F(PreviewWidget, ShowsTheFramesPixelsAsTheyAre) {
+  PictureArea area;
+  area.resize(421, 251);
+  area.SetShape(16.0 / 9.0);
+  // Of the even sides that frames have, and rows of single pixels, which any stretching blurs.
+  QImage frame(420, 236, QImage::Format_RGB32);
+  for (int y = 0; y < frame.height(); ++y) {
+    for (int x = 0; x < frame.width(); ++x) {
+      frame.setPixel(x, y, (x + y) % 2 == 0 ? 0xffffffff : 0xff204080);
+    }
+  }
+  area.SetFrame(frame);
+  const QImage shown = area.grab().toImage().convertToFormat(QImage::Format_RGB32);
+  const int top = (shown.height() - frame.height()) / 2;
+  bool found = false;
+  for (int y = top - 1; y <= top + 1; ++y) {
+    for (int x = 0; x <= 1; ++x) {
+      found = found || shown.copy(QRect(QPoint(x, y), frame.size())) == frame;
+    }
+  }
+  EXPECT_TRUE(found);
 }
 
 TEST_F(PreviewWidget, EveryButtonHasANameAndAHint) {

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <vector>
 
+#include "editor/widgets/timeline_layout.h"
 #include "tests/editor/support/widgets.h"
 
 namespace kelto::editor {
@@ -235,6 +236,49 @@ TEST_F(TimelineWidget, ForgetsSelectedKeysThatAreGone) {
   scene_.lanes[1].times = {0.0};
   timeline_.SetScene(scene_);
   EXPECT_TRUE(timeline_.SelectedKeys().empty());
+}
+
+TEST_F(TimelineWidget, PaintsNothingForTheSameSceneAndItsLastRowAloneForAnotherWay) {
+  scene_.way = {{0.0, {}, 0.0}, {5.0, {}, 2.0}, {10.0, {}, 0.0}};
+  timeline_.SetScene(scene_);
+  QCoreApplication::processEvents();
+  const EventCount paints(timeline_, QEvent::Paint);
+  timeline_.SetScene(scene_);
+  timeline_.SetWay(scene_.way);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(paints.Count(), 0);
+  scene_.way[1].speed = 0.5;
+  scene_.way[2].speed = 1.0;
+  timeline_.SetWay(scene_.way);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(paints.Count(), 1);
+  EXPECT_GT(paints.Painted().top(), 60) << "below the stops";
+  Timeline fresh;
+  fresh.SetScene(scene_);
+  Show(fresh, timeline_.size());
+  timeline_.clearFocus();
+  fresh.clearFocus();
+  EXPECT_EQ(timeline_.grab().toImage(), fresh.grab().toImage()) << "as if all had been drawn anew";
+  scene_.selected = 1;
+  timeline_.SetScene(scene_);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(paints.Painted(), timeline_.rect());
+}
+
+TEST_F(TimelineWidget, LowRowsHaveRoomOnASmallScreen) {
+  scene_.sound = {0.5F};
+  scene_.lanes = {{"Zoom", {0.0, 1.0}, {}}};
+  timeline_.SetScene(scene_);
+  const int usual = timeline_.minimumSizeHint().height();
+  timeline_.SetLow(true);
+  const int low = timeline_.minimumSizeHint().height();
+  EXPECT_LT(low, usual * 2 / 3);
+  const TimelineRows rows = RowsOf(scene_, QSizeF(600.0, low), true);
+  EXPECT_LE(rows.speed.bottom(), low) << "the last row is seen whole";
+  const double line = timeline_.fontMetrics().height();
+  for (const QRectF& row : {rows.ruler, rows.stops, rows.lanes.front(), rows.speed}) {
+    EXPECT_GE(row.height(), line) << "there is room for words";
+  }
 }
 
 TEST_F(TimelineWidget, DrawsSoundSpeedAndEasing) {

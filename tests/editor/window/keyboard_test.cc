@@ -1,14 +1,12 @@
 // The window by its keys alone.
 #include <gtest/gtest.h>
 
-#include <QSignalSpy>
 #include <QtWidgets>
 #include <algorithm>
 #include <map>
 #include <vector>
 
 #include "editor/window/main_window.h"
-#include "tests/editor/support/widgets.h"
 #include "tests/editor/window/support.h"
 
 namespace kelto::editor {
@@ -108,35 +106,6 @@ TEST_F(Keyboard, NoTwoCommandsHaveTheSameShortcut) {
     }
   }
   EXPECT_GT(taken.size(), 20u);
-}
-
-// The preview draws a film anew for each change, and the window shows it.
-TEST_F(Keyboard, AKeyIsOneChange) {
-  window_.Select(1);
-  const QSignalSpy changes(&window_.TheSession(), &Session::Changed);
-  QTest::keyClick(&window_.TheCanvas(), Qt::Key_Right);
-  EXPECT_EQ(changes.count(), 1) << "its release changes nothing";
-  QTest::keyClick(&window_.TheCanvas(), Qt::Key_Right);
-  EXPECT_EQ(changes.count(), 2);
-}
-
-TEST_F(Keyboard, AnAnswerOfThePreviewRefreshesWhatItIsAboutAlone) {
-  const auto known = [&] { return window_.TheTimeline().Scene().way.size(); };
-  const auto frames = static_cast<size_t>(window_.TheSession().Plan().frames);
-  ASSERT_TRUE(WaitFor([&] { return known() == frames; })) << "no other answer is due";
-  auto* length = WidgetNamed<QDoubleSpinBox>(window_, "Length");
-  length->setFocus();
-  length->selectAll();
-  QTest::keyClicks(length, "12");  // not entered yet
-  QCoreApplication::processEvents();
-  auto* around = window_.TheTimeline().parentWidget();
-  const EventCount layouts(*around, QEvent::LayoutRequest);
-  const FilmWay way = {{0.0, {0, 0, 1600, 900}, 0.5}, {5.0, {400, 300, 800, 450}, 1.0}};
-  emit window_.ThePreview().WayFound(way);
-  QCoreApplication::processEvents();
-  EXPECT_EQ(window_.TheTimeline().Scene().way, way);
-  EXPECT_EQ(layouts.Count(), 0) << "the window was laid out again";
-  EXPECT_EQ(length->text().left(2), "12") << "what was being typed is gone";
 }
 
 TEST_F(Keyboard, WhatIsBeingTypedCountsWhenTheWindowCloses) {

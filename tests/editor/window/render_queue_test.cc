@@ -4,8 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <QComboBox>
+#include <QDir>
 #include <QFileInfo>
 #include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
 #include <QRgba64>
 #include <vector>
 
@@ -60,6 +63,69 @@ TEST(RenderQueue, ACancelledFilmLeavesNoFile) {
   EXPECT_EQ(job->TheState(), RenderJob::State::kCancelled);
   EXPECT_EQ(queue.Unfinished(), 0);
   EXPECT_FALSE(QFileInfo::exists(folder.File("long.y4m")));
+}
+
+QPushButton* ButtonThatSays(const QWidget& window, const QString& text) {
+  for (auto* button : window.findChildren<QPushButton*>()) {
+    if (button->text() == text) return button;
+  }
+  ADD_FAILURE() << "no button says " << text.toStdString();
+  return nullptr;
+}
+
+TEST(RenderQueue, FinishedFilmsAreTakenOffTheList) {
+  const PhotoFolder folder;
+  const Document document = SmallFilm(folder);
+  RenderQueue queue(KELTO_COMMAND);
+  queue.show();
+  QPushButton* clear = ButtonThatSays(queue, "Clear Finished");
+  EXPECT_FALSE(clear->isEnabled()) << "there are none";
+  queue.Add(document, folder.File("no/such/folder/a.y4m"), {});
+  queue.Add(document, folder.File("b.y4m"), {});
+  ASSERT_TRUE(WaitFor([&] { return queue.Unfinished() == 0; }));
+  RenderJob* going = queue.Add(WithLength(document, 3600.0), folder.File("long.y4m"), {});
+  const auto rows = [&] { return queue.findChildren<QProgressBar*>().size(); };
+  EXPECT_EQ(rows(), 3);
+  clear->click();
+  ASSERT_TRUE(WaitFor([&] { return rows() == 1; }));
+  EXPECT_EQ(queue.Finished(), 0);
+  EXPECT_EQ(queue.Unfinished(), 1);
+  EXPECT_FALSE(clear->isEnabled());
+  EXPECT_TRUE(QFileInfo::exists(folder.File("b.y4m"))) << "the film itself stays";
+  // Those to come are films of their own.
+  RenderJob* next = queue.Add(document, folder.File("c.y4m"), {});
+  going->Cancel();
+  ASSERT_TRUE(WaitFor([&] { return queue.Unfinished() == 0; }));
+  EXPECT_EQ(next->TheState(), RenderJob::State::kDone) << next->Reason().toStdString();
+  EXPECT_EQ(next->Done(), 25);
+}
+
+TEST(RenderQueue, AFilmThatFailedIsTriedAgain) {
+  const PhotoFolder folder;
+  RenderQueue queue(KELTO_COMMAND);
+  queue.show();
+  RenderJob* job = queue.Add(SmallFilm(folder), folder.File("new/a.y4m"), {});
+  ASSERT_TRUE(WaitFor([&] { return queue.Unfinished() == 0; }));
+  ASSERT_EQ(job->TheState(), RenderJob::State::kFailed);
+  ASSERT_TRUE(QDir().mkpath(folder.File("new")));
+  QPushButton* again = ButtonThatSays(queue, "Try Again");
+  EXPECT_TRUE(again->isVisible());
+  again->click();
+  EXPECT_FALSE(again->isVisible());
+  ASSERT_TRUE(WaitFor([&] { return queue.Unfinished() == 0; }));
+  EXPECT_EQ(job->TheState(), RenderJob::State::kDone) << job->Reason().toStdString();
+  EXPECT_TRUE(QFileInfo::exists(folder.File("new/a.y4m")));
+}
+
+TEST(RenderQueue, ManyFilmsScroll) {
+  const PhotoFolder folder;
+  const Document document = SmallFilm(folder);
+  RenderQueue queue("no-such-command");
+  queue.show();
+  for (int film = 0; film < 12; ++film) {
+    queue.Add(document, folder.File(QString("%1.y4m").arg(film)), {});
+  }
+  EXPECT_LT(queue.minimumSizeHint().height(), 120) << "the window would grow beyond the screen";
 }
 
 TEST(RenderDialog, ReturnMakesTheFilmAsItStands) {
