@@ -17,6 +17,8 @@ struct StillInfo {
   int orientation = 1;             ///< 1 to 8, as in EXIF; 5 to 8 exchange width and height
   std::vector<uint8_t> icc;        ///< embedded profile, or empty
   bool icc_lost = false;           ///< whether there is one that cannot be put together
+  /// The curve of high dynamic range that its levels follow, which nothing here converts.
+  enum class HighRange { kNone, kPq, kHlg } high_range = HighRange::kNone;
   ColorModel model = ColorModel::kRgb;
   int bits = 8;         ///< of a sample; pictures of fewer than 8 count as such of 8
   bool floats = false;  ///< whether samples are floating-point numbers

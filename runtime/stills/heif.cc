@@ -5,6 +5,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
 
 #include "runtime/stills/color.h"
@@ -88,6 +89,18 @@ class Picture {
                                                                : Alpha::kStraight;
   }
 
+  /// A profile goes ahead of it.
+  StillInfo::HighRange high_range() const {
+    constexpr int kPq = 16, kHlg = 18;
+    if (heif_.image_handle_get_raw_color_profile_size(handle()) > 0) return {};
+    const auto points = CodePoints();
+    if (!points) return {};
+    const int transfer = points->transfer_characteristics;
+    return transfer == kPq    ? StillInfo::HighRange::kPq
+           : transfer == kHlg ? StillInfo::HighRange::kHlg
+                              : StillInfo::HighRange::kNone;
+  }
+
   std::vector<uint8_t> Profile() const {
     const size_t size = heif_.image_handle_get_raw_color_profile_size(handle());
     if (size == 0) return ProfileOfCodePoints();
@@ -136,9 +149,8 @@ class Picture {
  private:
   const heif_image_handle* handle() const { return handle_.get(); }
 
-  /// Wide primaries may be given by number (ITU-T H.273) instead of a profile. Only the transfer
-  /// curves near sRGB's are honoured: those of high dynamic range would need tone mapping.
-  std::vector<uint8_t> ProfileOfCodePoints() const {
+  /// Colours given by number (ITU-T H.273).
+  std::optional<heif_color_profile_nclx> CodePoints() const {
     heif_color_profile_nclx* found = nullptr;
     const heif_error error = heif_.image_handle_get_nclx_color_profile(handle(), &found);
     if (found == nullptr) return {};
@@ -146,6 +158,15 @@ class Picture {
     const heif_color_profile_nclx nclx = *found;
     heif_.nclx_color_profile_free(found);
     if (error.code != heif_error_Ok) return {};
+    return nclx;
+  }
+
+  /// Wide primaries may be given so instead of by a profile. Only the transfer curves near sRGB's
+  /// are honoured: those of high dynamic range would need tone mapping.
+  std::vector<uint8_t> ProfileOfCodePoints() const {
+    const auto points = CodePoints();
+    if (!points) return {};
+    const heif_color_profile_nclx& nclx = *points;
     constexpr int kNearSrgb[] = {1, 6, 13, 14, 15};
     const int transfer = nclx.transfer_characteristics;
     if (std::find(std::begin(kNearSrgb), std::end(kNearSrgb), transfer) == std::end(kNearSrgb) ||
@@ -183,6 +204,7 @@ class HeifFormat final : public Decoder {
     info.width = picture.width();
     info.height = picture.height();
     info.icc = picture.Profile();
+    info.high_range = picture.high_range();
     info.bits = std::max(info.bits, picture.bits());
     info.alpha = picture.has_alpha();
     info.scratch = info.deep_scratch = picture.Scratch();

@@ -216,6 +216,14 @@ const char* StillImporterFlaw(GraphicsImportComponent importer) {
   if (importer == nullptr) return "";
   const StillInfo& info = importer->info;
   if (info.icc_lost) return "its colour profile is damaged";
+  switch (info.high_range) {
+    case StillInfo::HighRange::kPq:
+      return "it has high dynamic range (PQ) and comes out pale unless it is converted first";
+    case StillInfo::HighRange::kHlg:
+      return "it has high dynamic range (HLG) and comes out pale unless it is converted first";
+    case StillInfo::HighRange::kNone:
+      break;
+  }
   try {
     const bool ink = info.model == ColorModel::kCmyk;
     const ColorConverter converter(info.icc, info.model,

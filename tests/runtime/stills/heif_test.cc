@@ -1,5 +1,6 @@
 #include <libheif/heif.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <set>
 
@@ -142,6 +143,31 @@ TEST_P(Heif, ItsProfileIsHonoured) {
   const Loaded loaded = Load(bytes, "picture.heic");
   ASSERT_EQ(loaded.error, noErr) << loaded.text;
   EXPECT_TRUE(IsNear(loaded.picture.at(32, 32), Rgb(0, 255, 0), 6));
+}
+
+TEST_F(StillTest, HighDynamicRangeOfAnAvifIsAFlawUnlessAProfileSaysOtherwise) {
+  // Behind the name come numbers of two bytes: primaries, transfer, matrix.
+  const std::string name = "colrnclx";
+  const auto flaw = [&](Bytes bytes, uint8_t transfer) -> std::string {
+    const auto at = std::search(bytes.begin(), bytes.end(), name.begin(), name.end());
+    if (at != bytes.end()) at[static_cast<ptrdiff_t>(name.size()) + 3] = transfer;
+    const Opened opened = OpenStill(Write("picture.heic", bytes));
+    if (opened.error != noErr) return opened.text;
+    const std::string found = StillImporterFlaw(opened.importer);
+    CloseComponent(opened.importer);
+    return found;
+  };
+  ENCODE_OR_SKIP(plain, GradientPicture(64, 48), heif_compression_AV1);
+  ASSERT_NE(std::search(plain.begin(), plain.end(), name.begin(), name.end()), plain.end());
+  EXPECT_EQ(flaw(plain, 13), "") << "sRGB";
+  EXPECT_EQ(flaw(plain, 1), "") << "BT.709";
+  EXPECT_EQ(flaw(plain, 16),
+            "it has high dynamic range (PQ) and comes out pale unless it is converted first");
+  EXPECT_EQ(flaw(plain, 18),
+            "it has high dynamic range (HLG) and comes out pale unless it is converted first");
+  const Bytes profiled =
+      EncodeHeif(GradientPicture(64, 48), heif_compression_AV1, SwappedProfile());
+  EXPECT_EQ(flaw(profiled, 16), "");
 }
 
 TEST_P(Heif, RotationOfTheFileIsApplied) {
