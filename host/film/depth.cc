@@ -102,7 +102,8 @@ int32_t DepthOf(const FilmKind& kind, const std::string& codec, const DepthAsked
              (!asked.transparent || HoldsAlpha(other, name));
     };
     throw UsageError("--depth " + std::to_string(asked.depth) + ": " + TitleOf(kind, codec) +
-                     " have " + BitsText(depths) + " bits; use " + Advice(holds));
+                     (asked.transparent ? " with transparency have " : " have ") +
+                     BitsText(depths) + " bits; use " + Advice(holds));
   }
   return asked.depth;
 }

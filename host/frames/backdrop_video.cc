@@ -12,7 +12,7 @@ class ReaderVideo final : public BackdropVideo {
   ReaderVideo(const RenderPlan& plan, PixelLayout layout)
       : reader_(plan.over, plan.format, layout) {}
   FrameView Frame(int32_t number) override { return reader_.Frame(number); }
-  double Seconds() const { return reader_.Info().seconds; }
+  const VideoInfo& Info() const { return reader_.Info(); }
 
  private:
   VideoReader reader_;
@@ -26,11 +26,19 @@ void WarnOfEarlyEnd(const RenderPlan& plan, double seconds) {
        FixedText(film, 2) + " seconds; its last picture is shown from there on");
 }
 
+void WarnOfHighRange(const RenderPlan& plan, VideoInfo::HighRange range) {
+  if (range == VideoInfo::HighRange::kNone) return;
+  const char* name = range == VideoInfo::HighRange::kPq ? "PQ" : "HLG";
+  Warn(plan.over + ": it has high dynamic range (" + name +
+       ") and comes out pale unless it is converted first");
+}
+
 }  // namespace
 
 std::unique_ptr<BackdropVideo> OpenBackdropVideo(const RenderPlan& plan, PixelLayout layout) {
   auto video = std::make_unique<ReaderVideo>(plan, layout);
-  WarnOfEarlyEnd(plan, video->Seconds());
+  WarnOfEarlyEnd(plan, video->Info().seconds);
+  WarnOfHighRange(plan, video->Info().highRange);
   return video;
 }
 

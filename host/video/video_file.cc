@@ -99,6 +99,12 @@ void VideoFile::Open() {
   decoder_ = OpenDecoder(Stream(), path_);
 }
 
+VideoInfo::HighRange VideoFile::HighRangeOf(int transfer) {
+  if (transfer == AVCOL_TRC_SMPTE2084) return VideoInfo::HighRange::kPq;
+  return transfer == AVCOL_TRC_ARIB_STD_B67 ? VideoInfo::HighRange::kHlg
+                                            : VideoInfo::HighRange::kNone;
+}
+
 void VideoFile::Describe() {
   start_ = StartOf(*file_);
   // Where the clock is coarse, its ticks are frames.
@@ -112,6 +118,7 @@ void VideoFile::Describe() {
   }
   info_.fields = FieldsOf(NumberIn(Stream().codecpar->field_order));
   info_.sound = SoundStreamOf(*file_) >= 0;
+  info_.highRange = HighRangeOf(NumberIn(Stream().codecpar->color_trc));
   DescribeTurn();
 }
 

@@ -27,6 +27,7 @@ class VideoFile {
  private:
   AVStream& Stream() const { return *file_->streams[stream_]; }
   void Open();
+  static VideoInfo::HighRange HighRangeOf(int transfer);
   void Describe();
   void DescribeRate();
   void DescribeTurn();

@@ -224,6 +224,9 @@ TEST_F(DeepShows, WhatTheyCannotBeIsRefusedInOneLine) {
       {"s.mp4", {"--depth", "16"}, "--depth 16: H.264 films have 8 bits"},
       {"s.mp4", {"--background", "none"}, "--background none: H.264 films have no transparency"},
       {"s.webm",
+       {"--background", "none", "--depth", "10"},
+       "--depth 10: VP9 films with transparency have 8 bits; use --codec prores (mov), ffv1 (mkv)"},
+      {"s.webm",
        {"--background", "none", "--display", "source"},
        "disc.png: --background none: cannot be had with the source display"},
   };

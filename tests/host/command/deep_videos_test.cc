@@ -9,11 +9,11 @@ namespace {
 
 class DeepVideos : public DeepFilms {
  protected:
-  /// The ffmpeg program's `source` without loss.
-  std::string Video(const std::string& source) {
+  /// The ffmpeg program's `source` without loss; `more` are options of the film.
+  std::string Video(const std::string& source, const std::string& more = "") {
     const std::string path = folder_ / "video.mkv";
-    const Outcome made =
-        RunShell("ffmpeg -nostdin -v error -f lavfi -i \"" + source + "\" -c:v ffv1 -y " + path);
+    const Outcome made = RunShell("ffmpeg -nostdin -v error -f lavfi -i \"" + source +
+                                  "\" -c:v ffv1 " + more + " -y " + path);
     EXPECT_EQ(made.code, 0) << made.err;
     return path;
   }
@@ -73,6 +73,27 @@ TEST_F(DeepVideos, OfEightBitsAreNotDitheredInFilmsOfEight) {
       BytesOf(Film(photo, "over.bgra", {"--over", video, "--size", "64x64", "--view", "0.5"}));
   ASSERT_EQ(bytes.size(), size_t{64} * 64 * 4);
   for (size_t i = 0; i < size_t{64} * 10 * 4; ++i) ASSERT_EQ(bytes[i], bytes[i % 4]) << i;
+}
+
+TEST_F(DeepVideos, OfHighDynamicRangeComeWithAMessage) {
+  const std::string photo = WritePhoto("disc.png", 128, 128, Disc, "rgba");
+  for (const auto& [transfer, name] :
+       {std::pair{"smpte2084", "PQ"}, std::pair{"arib-std-b67", "HLG"}, std::pair{"bt709", ""}}) {
+    const std::string video =
+        Video("color=gray:size=64x64:rate=25:duration=0.2,format=yuv420p10",
+              "-color_primaries bt2020 -colorspace bt2020nc -color_trc " + std::string(transfer));
+    const Words words = {"render", photo,    "-o",    folder_ / "f.yuyv", "--over",
+                         video,    "--size", "64x64", "--jobs",           "3"};
+    const Outcome made = RunKelto(words);
+    EXPECT_EQ(made.code, 0) << made.err;
+    const bool high = *name != '\0';
+    EXPECT_EQ(made.err, high ? "kelto: " + video + ": it has high dynamic range (" + name +
+                                   ") and comes out pale unless it is converted first\n"
+                             : "");
+    Words strict = words;
+    strict.push_back("--strict");
+    EXPECT_EQ(RunKelto(strict).code != 0, high) << transfer;
+  }
 }
 
 }  // namespace
