@@ -13,7 +13,6 @@ extern "C" {
 #include "host/film/encoder.h"
 #include "host/film/libav.h"
 #include "host/film/sound_source.h"
-#include "host/film/ten_bit_video.h"
 
 namespace kelto::host {
 namespace {
@@ -36,17 +35,6 @@ constexpr FilmKind kCodedKinds[] = {
      2, false, OpenWebp, CheckAnimation},
     {"apng", nullptr, "animation without loss, which plays over and over", kAnimatedLayout, 1, 1, 2,
      false, OpenApng, CheckAnimation},
-    {"yuv422p10",
-     nullptr,
-     "raw planes Y, Cb, Cr of ten bits in words, studio range",
-     PixelLayout::kRgba16,
-     2,
-     1,
-     2,
-     false,
-     OpenRawYuv422P10,
-     nullptr,
-     {10, 0}},
 };
 
 /// A library's version, of which FFmpeg makes one number.

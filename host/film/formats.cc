@@ -16,6 +16,7 @@
 #include "host/film/frame_pattern.h"
 #include "host/film/picture_sequence.h"
 #include "host/film/raw_video.h"
+#include "host/film/ten_bit_video.h"
 #include "host/film/y4m.h"
 #include "host/options/size.h"
 #include "host/terminal/interrupt.h"
@@ -45,6 +46,17 @@ constexpr FilmKind kPlainKinds[] = {
     {"yuyv", nullptr, "raw bytes Y Cb Y Cr as the effect gives them, BT.601", kYCbYCr, 2, 1, 2,
      false, OpenRawYCbYCr},
     {"bgra", nullptr, "raw bytes B G R A", kBGRA, 1, 1, 2, false, OpenRawBGRA},
+    {"yuv422p10",
+     nullptr,
+     "raw planes Y, Cb, Cr of ten bits in words, studio range",
+     kRgba16,
+     2,
+     1,
+     2,
+     false,
+     OpenRawYuv422P10,
+     nullptr,
+     {10, 0}},
     {"rgba64",
      nullptr,
      "raw words R G B A of 16 bits, colours not multiplied by alpha",
@@ -97,7 +109,7 @@ std::string EndingOf(const std::string& output) {
 /// Whether films end so that only the command of Linux writes.
 bool IsKindElsewhere(const std::string& ending) {
   constexpr const char* kElsewhere[] = {"mp4",  "mkv",  "mov", "webm", "gif",
-                                        "webp", "apng", "jpg", "jpeg", "yuv422p10"};
+                                        "webp", "apng", "jpg", "jpeg"};
   return std::find(std::begin(kElsewhere), std::end(kElsewhere), ending) != std::end(kElsewhere);
 }
 

@@ -141,7 +141,7 @@ TEST_F(WindowsDeepFilms, WhatCannotBeHadIsAnErrorOfOneLineThatSaysWhatToUse) {
     const char* message;
   } cases[] = {
       {{"-o", "f.png", "--depth", "10"},
-       "kelto: --depth 10: png films have 8 or 16 bits; use another system's command\n"},
+       "kelto: --depth 10: png films have 8 or 16 bits; use --format yuv422p10\n"},
       {{"-o", "f.yuyv", "--depth", "16"},
        "kelto: --depth 16: yuyv films have 8 bits; use --format png, tiff, rgba64\n"},
       {{"-o", "f.y4m", "--background", "none"},
