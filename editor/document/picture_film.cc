@@ -96,6 +96,17 @@ void TakeParameters(ordered_json& show, ordered_json& picture, const ordered_jso
   }
 }
 
+void TakeCaption(ordered_json& show, size_t at, const ordered_json& after) {
+  if (show.contains("caption") && !after.contains("caption")) {
+    // One for all pictures becomes one for each of the others: none is empty.
+    for (ordered_json& picture : show["pictures"]) {
+      if (!picture.contains("caption")) picture["caption"] = show["caption"];
+    }
+    show.erase("caption");
+  }
+  Take(show["pictures"][at], after, "caption");
+}
+
 }  // namespace
 
 void ChangePicture(ordered_json& show, size_t index,
@@ -116,6 +127,7 @@ void ChangePicture(ordered_json& show, size_t index,
     if (std::string(name) != "views") continue;
     for (const char* move : {"move", "fit", "amount"}) picture.erase(move);
   }
+  if (Differs(before, after, "caption")) TakeCaption(show, at, after);
   TakeFilm(show, picture, before, after);
   TakeParameters(show, picture, before, after);
   if (Differs(before, after, "audio")) Take(show, after, "audio");

@@ -109,6 +109,16 @@ Document WithVideo(const Document& document, const std::string& path) {
   return WithParameter(changed, "compositeover", std::string("Background: Video"));
 }
 
+Document WithCaption(const Document& document, const std::string& text) {
+  return Changed(document, [&](ordered_json& json) {
+    if (text.empty()) {
+      json.erase("caption");
+    } else {
+      json["caption"] = text;
+    }
+  });
+}
+
 Document WithPhoto(const Document& document, const std::string& path) {
   return WithFile(document, "image", path);
 }

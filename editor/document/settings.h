@@ -26,6 +26,9 @@ Document WithKeys(const Document& document, const host::Setting& setting);
 /// Files by their paths; empty for none.
 Document WithAudio(const Document& document, const std::string& path);
 Document WithVideo(const Document& document, const std::string& path);
+/// Words over the picture, as `--caption` takes them; empty for none.
+Document WithCaption(const Document& document, const std::string& text);
+
 Document WithPhoto(const Document& document, const std::string& path);
 
 }  // namespace kelto::editor

@@ -257,6 +257,17 @@ Document WithFade(const Document& document, size_t at, double seconds) {
                    [&](ordered_json& json) { PictureAt(json, at)["fade"] = Rounded(seconds); });
 }
 
+Document WithTitle(const Document& document, const std::string& text) {
+  return Rewritten(document, document.picture, [&](ordered_json& json) {
+    PictureAt(json, document.picture);  // throws for a film of one picture
+    if (text.empty()) {
+      json.erase("title");
+    } else {
+      json["title"] = text;
+    }
+  });
+}
+
 Document PictureAlone(const Document& document) {
   if (!IsShow(document)) return document;
   const ordered_json show = ordered_json::parse(document.text);

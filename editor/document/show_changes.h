@@ -60,6 +60,9 @@ Document WithPictureMoved(const Document& document, size_t from, size_t to);
 Document WithEach(const Document& document, size_t at, double seconds);
 Document WithFade(const Document& document, size_t at, double seconds);
 
+/// With these words on a card ahead of the first picture of a show; empty for none.
+Document WithTitle(const Document& document, const std::string& text);
+
 /// The picture being edited as a project of its own; of a film of one picture, the document.
 Document PictureAlone(const Document& document);
 

@@ -136,6 +136,9 @@ void MainWindow::MakeWidgets() {
   queueDock_->setWidget(queue_);
   addDockWidget(Qt::BottomDockWidgetArea, queueDock_);
   queueDock_->hide();
+  connect(queue_, &RenderQueue::FilmsChanged, this, [this] {
+    if (queue_->Finished() + queue_->Unfinished() == 0) queueDock_->hide();
+  });
 }
 
 void MainWindow::OrderTabs() {

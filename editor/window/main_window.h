@@ -106,6 +106,8 @@ class MainWindow : public QMainWindow {
   void AskPhotos(int at);
   void MovePicture(int from, int to);
   void RemovePicture(int at);
+  void AskTitle();
+  void AskCaption();
 
   // main_window_files.cc: files and questions
   /// Of what is open, or of the user's pictures.

@@ -149,7 +149,7 @@ QStringList RenderDialog::Options() const {
   const QString codec = codec_->currentData().toString();
   if (!codec.isEmpty()) options << "--codec" << codec;
   const int depth = depth_->currentData().toInt();
-  if (depth > 0) options << "--depth" << QString::number(depth);
+  if (depth_->isEnabled() && depth > 0) options << "--depth" << QString::number(depth);
   const QString quality = quality_->currentData().toString();
   if (quality_->isEnabled() && quality != "high") options << "--quality" << quality;
   const QSize size = size_->currentData().toSize();
@@ -176,7 +176,7 @@ void RenderDialog::ShowCodecs() {
 }
 
 void RenderDialog::ShowDepths() {
-  const int before = depth_->currentData().toInt();
+  const int before = depth_->isEnabled() ? depth_->currentData().toInt() : 0;
   depth_->clear();
   depth_->addItem(tr("Depth of the photo"), 0);
   const host::FilmKind& kind =
@@ -186,7 +186,9 @@ void RenderDialog::ShowDepths() {
     depth_->addItem(tr("%1 bits a channel").arg(depth), depth);
   }
   depth_->setEnabled(depth_->count() > 2);  // more than one
-  depth_->setCurrentIndex(std::max(0, depth_->findData(before)));
+  // The one that there is, rather than a photo's that the codec cannot have.
+  const int usual = depth_->count() == 2 ? 1 : 0;
+  depth_->setCurrentIndex(depth_->isEnabled() ? std::max(0, depth_->findData(before)) : usual);
 }
 
 void RenderDialog::ShowKind() {

@@ -51,12 +51,13 @@ RenderQueue::RenderQueue(QString command, QWidget* parent)
       rows_(new QVBoxLayout) {
   auto* films = new QWidget;
   auto* filmColumn = new QVBoxLayout(films);
+  filmColumn->setContentsMargins(8, 4, 8, 4);
   filmColumn->addLayout(rows_);
   filmColumn->addStretch();
   clear_ = new QPushButton(tr("Clear Finished"));
   clear_->setToolTip(tr("Takes films that are made or were given up off the list"));
   auto* row = new QHBoxLayout(this);
-  row->setContentsMargins(0, 0, 8, 0);
+  row->setContentsMargins(0, 4, 8, 0);
   row->addWidget(Scrolling(films), 1);
   row->addWidget(clear_, 0, Qt::AlignTop);
   setMinimumHeight(72);

@@ -1,6 +1,7 @@
 // The pictures of a slideshow: the strip, and what menus do with it.
 #include <QtWidgets>
 
+#include "editor/document/settings.h"
 #include "editor/document/show_changes.h"
 #include "editor/window/file_dialogs.h"
 #include "editor/window/main_window.h"
@@ -19,6 +20,9 @@ void MainWindow::MakePictureMenu(QMenu* menu) {
     showActions_.push_back(action);
   };
   addForShows(tr("&Remove Picture"), {}, [this, selected] { RemovePicture(selected()); });
+  menu->addSeparator();
+  Add(menu, tr("&Caption…"), {}, [this] { AskCaption(); });
+  addForShows(tr("&Title of the Show…"), {}, [this] { AskTitle(); });
   menu->addSeparator();
   addForShows(tr("&Previous Picture"), QKeySequence("Ctrl+PgUp"),
               [this, selected] { session_.SelectPicture(selected() - 1); });
@@ -96,6 +100,27 @@ void MainWindow::MovePicture(int from, int to) {
 void MainWindow::RemovePicture(int at) {
   Change(tr("Remove Picture"),
          [=](const Document& d) { return WithoutPicture(d, static_cast<size_t>(at)); });
+}
+
+void MainWindow::AskTitle() {
+  bool chosen = false;
+  const QString text = QInputDialog::getText(
+      this, tr("Title of the Show"), tr("Words on a card before the first picture:"),
+      QLineEdit::Normal, QString::fromStdString(ShowOf(session_.Current())->title), &chosen);
+  if (!chosen) return;
+  Change(tr("Change Title"), [=](const Document& d) { return WithTitle(d, text.toStdString()); });
+}
+
+void MainWindow::AskCaption() {
+  bool chosen = false;
+  const QString text = QInputDialog::getText(
+      this, tr("Caption"),
+      tr("Words over the picture. {description} and {date} stand for what the photo says of "
+         "itself:"),
+      QLineEdit::Normal, QString::fromStdString(session_.Plan().caption.text), &chosen);
+  if (!chosen) return;
+  Change(tr("Change Caption"),
+         [=](const Document& d) { return WithCaption(d, text.toStdString()); });
 }
 
 }  // namespace kelto::editor

@@ -908,6 +908,38 @@ Macht aus Fotos Filme mit bewegtem Ausschnitt.</translation>
         <source>Clear Fi&amp;nished Films</source>
         <translation>Fertige Filme entfer&amp;nen</translation>
     </message>
+    <message>
+        <source>&amp;Caption…</source>
+        <translation>&amp;Bildtext …</translation>
+    </message>
+    <message>
+        <source>&amp;Title of the Show…</source>
+        <translation>&amp;Titel der Diaschau …</translation>
+    </message>
+    <message>
+        <source>Title of the Show</source>
+        <translation>Titel der Diaschau</translation>
+    </message>
+    <message>
+        <source>Words on a card before the first picture:</source>
+        <translation>Worte auf einer Tafel vor dem ersten Bild:</translation>
+    </message>
+    <message>
+        <source>Change Title</source>
+        <translation>Titel ändern</translation>
+    </message>
+    <message>
+        <source>Caption</source>
+        <translation>Bildtext</translation>
+    </message>
+    <message>
+        <source>Words over the picture. {description} and {date} stand for what the photo says of itself:</source>
+        <translation>Worte über dem Bild. {description} und {date} stehen für das, was das Foto von sich sagt:</translation>
+    </message>
+    <message>
+        <source>Change Caption</source>
+        <translation>Bildtext ändern</translation>
+    </message>
 </context>
 <context>
     <name>kelto::editor::MoveFinder</name>

@@ -44,6 +44,31 @@ class ShowDocument : public testing::Test {
   const Document show_ = sample_.Opened();
 };
 
+TEST_F(ShowDocument, HasATitleAndCaptionsOfItsPictures) {
+  const Document titled = WithTitle(show_, "Summer");
+  EXPECT_EQ(Json(titled)["title"], "Summer");
+  EXPECT_EQ(FadesOf(titled).title, "Summer");
+  EXPECT_FALSE(Json(WithTitle(titled, "")).contains("title"));
+  Document second = show_;
+  second.picture = 1;
+  const Document captioned = WithCaption(second, "A hill");
+  EXPECT_EQ(Json(captioned)["pictures"][1]["caption"], "A hill");
+  EXPECT_FALSE(Json(captioned)["pictures"][0].contains("caption"));
+  EXPECT_EQ(PlanOf(captioned).caption.text, "A hill");
+  EXPECT_EQ(PlanOf(WithCaption(captioned, "")).caption.text, "");
+}
+
+TEST_F(ShowDocument, ACaptionOfAllPicturesIsTakenAwayFromOne) {
+  const Sample shared{R"({"film": {"width": 320, "height": 180}, "caption": "All",
+      "pictures": [{"image": "a.bmp", "views": [{"view": "1"}]},
+                   {"image": "b.bmp", "views": [{"view": "1"}]}]})"};
+  Document document = shared.Opened();
+  document = WithCaption(document, "");
+  EXPECT_EQ(PlanOf(document).caption.text, "");
+  document.picture = 1;
+  EXPECT_EQ(PlanOf(document).caption.text, "All");
+}
+
 TEST_F(ShowDocument, EachPictureIsAFilmOfItsOwn) {
   ASSERT_TRUE(IsShow(show_));
   EXPECT_EQ(Order(show_), "abc");

@@ -164,6 +164,7 @@ TEST(RenderDialog, OffersTheDepthsThatTheCodecHas) {
   };
   EXPECT_EQ(depths(), (std::vector{0, 8})) << "H.264";
   EXPECT_FALSE(depth->isEnabled());
+  EXPECT_EQ(depth->currentData(), 8) << "not the photo's, which the film cannot have";
   Choose(BoxWith(dialog, "h265"), "h265");
   EXPECT_EQ(depths(), (std::vector{0, 8, 10}));
   EXPECT_FALSE(dialog.Options().contains("--depth")) << "as the command has it";

@@ -52,6 +52,29 @@ class ShowWindow : public testing::Test {
   QListWidget* list_ = nullptr;
 };
 
+TEST_F(ShowWindow, TitleAndCaptionAreTypedAndUndone) {
+  const auto enter = [this](const QString& entry, const QString& words) {
+    QTimer::singleShot(0, &window_, [words] {
+      auto* dialog = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
+      ASSERT_NE(dialog, nullptr);
+      dialog->setTextValue(words);
+      dialog->accept();
+    });
+    for (QAction* action : window_.findChildren<QAction*>()) {
+      if (action->text().remove('&') == entry) return action->trigger();
+    }
+    FAIL() << entry.toStdString() << " is in no menu";
+  };
+  enter("Title of the Show…", "Summer");
+  EXPECT_EQ(Json()["title"], "Summer");
+  enter("Caption…", "A hill");
+  EXPECT_EQ(Json()["pictures"][0]["caption"], "A hill");
+  window_.TheSession().Undo();
+  window_.TheSession().Undo();
+  EXPECT_FALSE(Json().contains("title"));
+  EXPECT_FALSE(Json()["pictures"][0].contains("caption"));
+}
+
 TEST_F(ShowWindow, AFolderIsAShowOfItsPhotos) {
   ASSERT_TRUE(window_.TheStrip().isVisible());
   ASSERT_EQ(list_->count(), 3);

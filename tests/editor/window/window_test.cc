@@ -10,6 +10,7 @@
 #include "editor/window/main_window.h"
 #include "editor/window/move_finder.h"
 #include "editor/window/render_dialog.h"
+#include "editor/window/render_queue.h"
 #include "host/files/start.h"
 #include "tests/editor/window/support.h"
 
@@ -286,6 +287,17 @@ TEST_F(Window, ThePreviewIsTheFilm) {
     }
   }
   EXPECT_LE(furthest, 12);
+}
+
+TEST_F(Window, TheListOfFilmsGoesWithTheLastOfThem) {
+  auto* films = window_.findChild<QDockWidget*>("films");
+  RenderQueue& queue = window_.TheQueue();
+  queue.Add(window_.TheSession().Current(), folder_.File("no/such/folder/a.mp4"), {});
+  films->show();
+  ASSERT_TRUE(WaitFor([&] { return queue.Unfinished() == 0; }));
+  EXPECT_TRUE(films->isVisible()) << "it says why there is no film";
+  Choose("Clear Finished Films");
+  EXPECT_FALSE(films->isVisible());
 }
 
 TEST_F(Window, F1ShowsEveryShortcut) {
