@@ -75,7 +75,7 @@ QRect Canvas::ViewPlace(int view) const {
 }
 
 QSize Canvas::sizeHint() const { return {800, 520}; }
-QSize Canvas::minimumSizeHint() const { return {240, 160}; }
+QSize Canvas::minimumSizeHint() const { return {200, 140}; }
 
 void Canvas::FitPhoto() { p_->Fit(); }
 void Canvas::ShowPixels() {

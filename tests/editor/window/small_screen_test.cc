@@ -32,6 +32,7 @@ TEST_F(SmallScreen, ShowsAllOfTheTimeline) {
   EXPECT_EQ(window_.size(), kRoom) << "it keeps to the screen";
   const Timeline& timeline = window_.TheTimeline();
   EXPECT_GE(timeline.height(), timeline.minimumSizeHint().height());
+  EXPECT_LT(timeline.minimumSizeHint().height(), 90) << "its rows are low";
   EXPECT_EQ(timeline.visibleRegion().boundingRect(), timeline.rect());
   window_.resize(1280, 720);
   EXPECT_GT(timeline.minimumSizeHint().height(), 100) << "rows of the usual height again";
@@ -44,6 +45,7 @@ TEST_F(SmallScreen, ScrollsToThePicturesOfASlideshow) {
   EXPECT_EQ(window_.size(), kRoom);
   auto* area = qobject_cast<QScrollArea*>(window_.centralWidget());
   ASSERT_NE(area, nullptr);
+  EXPECT_FALSE(area->horizontalScrollBar()->isVisible()) << "down alone";
   area->ensureWidgetVisible(&window_.TheStrip());
   EXPECT_EQ(window_.TheStrip().visibleRegion().boundingRect(), window_.TheStrip().rect());
 }
