@@ -33,18 +33,6 @@ bool IsTransparent(std::span<const RenderPlan> plans) {
                      [](const RenderPlan& plan) { return plan.transparent; });
 }
 
-/// Whether opaque photos of more bits go through the effect when eight are asked for, undithered:
-/// on Windows, where such films were made so before deeper ones were, and are to stay the same.
-bool AsksForTheEffect([[maybe_unused]] int32_t depth,
-                      [[maybe_unused]] std::span<const Photo> photos) {
-#if defined(_WIN32)
-  return depth == 8 && std::none_of(photos.begin(), photos.end(),
-                                    [](const Photo& photo) { return photo.transparent; });
-#else
-  return false;
-#endif
-}
-
 }  // namespace
 
 void CheckDepth(const FilmKind& kind, std::span<const RenderPlan> plans, int32_t depth,
@@ -70,7 +58,7 @@ void ChooseDepth(const FilmKind& kind, std::span<const RenderPlan> plans,
   request.depth =
       DepthOf(kind, request.codec, {depth, bits, request.transparent, !request.hardware.empty()});
   const bool asked = !WhatIsDeep(kind, plans, depth).empty();
-  request.deep = asked || (AreDrawnDeep(plans, photos) && !AsksForTheEffect(depth, photos));
+  request.deep = asked || AreDrawnDeep(plans, photos);
   if (!asked) return;
   for (const Photo& photo : photos) {
     if (photo.deepMemory == 0) {
