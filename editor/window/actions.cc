@@ -237,7 +237,7 @@ void MainWindow::ShowStates() {
   undo_->setIconText(tr("Undo"));
   redo_->setIconText(tr("Redo"));
   const size_t views = session_.Plan().views.size();
-  removeStop_->setEnabled(open && views > 1);
+  removeStop_->setEnabled(open && views > 1 && selected_ >= 0);
   keysToViews_->setEnabled(open && views == 0);
 }
 

@@ -31,7 +31,8 @@ void MainWindow::ConnectKeys() {
       keys.insert(after, {time, value});
     });
   });
-  connect(timeline_, &Timeline::KeysRemoved, this, [this](const std::vector<KeyPlace>& places) {
+  // By value: the timeline's own list changes with the first of them.
+  connect(timeline_, &Timeline::KeysRemoved, this, [this](std::vector<KeyPlace> places) {
     const Gesture gesture = NewGesture();
     for (auto place = places.rbegin(); place != places.rend(); ++place) {
       ChangeKeys(place->lane, tr("Remove Keys"),
@@ -43,7 +44,7 @@ void MainWindow::ConnectKeys() {
     }
   });
   connect(timeline_, &Timeline::KeysCopied, this,
-          [this](const std::vector<KeyPlace>& places, double later) {
+          [this](std::vector<KeyPlace> places, double later) {
             const Gesture gesture = NewGesture();
             for (const KeyPlace& place : places) {
               ChangeKeys(place.lane, tr("Copy Keys"),
@@ -87,10 +88,14 @@ void MainWindow::ChangeKeys(size_t lane, const QString& name,
                             Gesture gesture) {
   const host::Setting* setting = SettingOfLane(session_.Plan(), lane);
   if (setting == nullptr) return;
-  host::Setting changed = *setting;
-  change(changed.keys);
   Change(
-      name, [&](const Document& d) { return WithKeys(d, changed); }, gesture);
+      name,
+      [&](const Document& d) {
+        host::Setting changed = *setting;
+        change(changed.keys);
+        return WithKeys(d, changed);
+      },
+      gesture);
   // What could not be changed is shown as it is.
   keyPanel_->Show(session_.Plan(), timeline_->SelectedKeys());
 }

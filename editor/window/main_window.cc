@@ -254,6 +254,7 @@ void MainWindow::Change(const QString& name, const Session::Change& change, Gest
 void MainWindow::Select(int view) {
   selected_ = view;
   ShowDocument();
+  ShowStates();
 }
 
 void MainWindow::FitSide() {

@@ -95,11 +95,13 @@ void ViewPanel::Show(const CanvasScene& scene, const StopTimes& times) {
 }
 
 void ViewPanel::Typed(const QDoubleSpinBox* box) {
+  // A box may be left for good, and finish its number, when its view is.
+  if (scene_.selected < 0 || scene_.selected >= static_cast<int>(scene_.views.size())) return;
   if (box == hold_ || box == go_) {
     emit TimesChanged(hold_->value(), go_->value());
     return;
   }
-  host::PhotoRect part = scene_.views.at(static_cast<size_t>(scene_.selected));
+  host::PhotoRect part = scene_.views[static_cast<size_t>(scene_.selected)];
   if (box == left_) part.x = left_->value();
   if (box == top_) part.y = top_->value();
   if (box == width_ || box == height_) {

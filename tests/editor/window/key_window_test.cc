@@ -87,6 +87,34 @@ TEST_F(KeyWindow, TimeAndValueOfTheSelectedKeyCanBeTyped) {
   EXPECT_EQ(Json()["parameters"]["invelocity"][1]["value"], "In: Linear");
 }
 
+TEST_F(KeyWindow, SeveralSelectedKeysAreRemovedAtOnce) {
+  QFile file(folder_.File("five.json"));
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write(
+      R"({"image": "photo.png", "film": {"width": 640, "height": 360, "rate": 25, "seconds": 5},
+          "parameters": {"size": [{"time": 0, "value": 1}, {"time": 0.25, "value": 2},
+                                  {"time": 0.5, "value": 3}, {"time": 0.75, "value": 2},
+                                  {"time": 1, "value": 1}]}})");
+  file.close();
+  ASSERT_TRUE(window_.Open(file.fileName()));
+  Timeline& timeline = window_.TheTimeline();
+  // A band around the last three.
+  const auto at = [&](double time, int y) {
+    return QPoint(static_cast<int>(110 + time * (timeline.width() - 120)), y);
+  };
+  QTest::mousePress(&timeline, Qt::LeftButton, Qt::NoModifier, at(0.4, 28));
+  QTest::mouseMove(&timeline, at(0.6, 34));
+  QTest::mouseMove(&timeline, at(1.0, 46) + QPoint(8, 0));
+  QTest::mouseRelease(&timeline, Qt::LeftButton, Qt::NoModifier, at(1.0, 46) + QPoint(8, 0));
+  ASSERT_EQ(timeline.SelectedKeys().size(), 3u);
+  QTest::keyClick(&timeline, Qt::Key_Delete);
+  const nlohmann::json keys = Json()["parameters"]["size"];
+  ASSERT_EQ(keys.size(), 2u);
+  EXPECT_EQ(keys[1]["time"], 0.25);
+  window_.TheSession().Undo();
+  EXPECT_EQ(Json()["parameters"]["size"].size(), 5u) << "in one step";
+}
+
 TEST_F(KeyWindow, AStopInAFilmOfKeysIsRefusedInWords) {
   const std::string before = window_.TheSession().Current().text;
   Canvas& canvas = window_.TheCanvas();

@@ -194,6 +194,22 @@ TEST_F(Window, StopsAreAddedBetweenAndRemoved) {
   EXPECT_EQ(Json()["views"].size(), 2u);
 }
 
+TEST_F(Window, NoStopIsRemovedWhereNoneIsSelected) {
+  const auto offered = [&] {
+    for (const QAction* action : window_.findChildren<QAction*>()) {
+      if (action->text().remove('&') == "Remove Stop") return action->isEnabled();
+    }
+    return false;
+  };
+  window_.Select(-1);
+  EXPECT_FALSE(offered());
+  window_.Select(1);
+  EXPECT_TRUE(offered());
+  Choose("Remove Stop");
+  EXPECT_EQ(Json()["views"].size(), 1u);
+  EXPECT_FALSE(offered()) << "a film has one view at the least";
+}
+
 TEST_F(Window, SettingsOfTheFilmAreChosen) {
   auto* size = Named<QComboBox>("Size");
   size->setCurrentIndex(size->findText("1280 × 720"));
