@@ -163,14 +163,17 @@ HWY_INLINE void SumColumns(const FixedWeights& columns, int32_t fraction,
   } else {
     for (size_t sum = 0; sum < 4; ++sum) {
       const FixedWeights::Entry& entry = *neighbours.entries[sum / kSums];
-      const auto add = [&](int32_t group, const int32_t* two) HWY_ATTR {
-        sums[sum].Add(from[sum] + static_cast<size_t>(group) * Rows::kGroupWords,
-                      hn::Set(words, two[0]), hn::Set(words, two[1]));
+      const auto place = [&](int32_t group) {
+        return from[sum] + static_cast<size_t>(group) * Rows::kGroupWords;
       };
       for (int32_t group = 0; group < entry.groups; ++group) {
-        add(group, weights[sum / kSums] + ptrdiff_t{2} * group);
+        const int32_t* const two = weights[sum / kSums] + ptrdiff_t{2} * group;
+        sums[sum].Add(place(group), hn::Set(words, two[0]), hn::Set(words, two[1]));
       }
-      for (const FixedWeights::Extra& extra : columns.Extras(entry)) add(extra.group, extra.words);
+      for (const FixedWeights::Extra& extra : columns.Extras(entry)) {
+        sums[sum].Add(place(extra.group), hn::Set(words, extra.words[0]),
+                      hn::Set(words, extra.words[1]));
+      }
     }
   }
   KELTO_UNROLL for (size_t sum = 0; sum < 4; ++sum) {
