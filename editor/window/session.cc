@@ -98,8 +98,8 @@ bool Session::Open(const QStringList& paths) {
     const Opened opened = OpenedOf(
         paths, [this](const std::string& photo) { return SizeOf(photo); },
         [this](const std::vector<std::string>& photos) { LearnSizes(photos); });
+    Settle();  // first: where it fails, all stays as it is
     Take(opened.document);
-    Settle();
     history_.Begin(opened.document, opened.saved.has_value());
     if (opened.saved) history_.BeganFrom(*opened.saved);
     open_ = true;

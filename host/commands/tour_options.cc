@@ -48,9 +48,9 @@ std::vector<TourView> TourOf(const std::vector<TourWord>& words,
     if (tour.empty()) throw UsageError(option + " " + text + ": belongs after the --view it is of");
     double& time = name == kHold ? tour.back().hold : tour.back().go;
     if (time > 0.0) throw UsageError(option + " " + text + ": is given twice for one --view");
-    time = ReadOption(option, text, [&](const std::string& one) {
-      return ParseTime(one, name == kHold ? 0.0 : kShortestGo);
-    });
+    const double least = name == kHold ? 0.0 : kShortestGo;
+    time =
+        ReadOption(option, text, [least](const std::string& one) { return ParseTime(one, least); });
   }
   if (!tour.empty() && tour.back().go > 0.0) {
     throw UsageError("--go: after the last --view there is no other to go to");
