@@ -45,15 +45,15 @@ HWY_INLINE WordVector AddProducts(WordVector sum, WordVector a, WordVector b) {
 #endif
 }
 
+#if HWY_TARGET == HWY_AVX3_DL
 /// Keeps what is used twice in a register: compilers would load it twice.
 HWY_INLINE WordVector InRegister(WordVector v) {
-#if HWY_COMPILER_GCC && HWY_ARCH_X86 && HWY_MAX_BYTES == 64
+#if HWY_COMPILER_GCC
   asm("" : "+v"(v.raw));
 #endif
   return v;
 }
 
-#if HWY_TARGET == HWY_AVX3_DL
 /// sum + a * b over the four bytes of each word; those of a are unsigned, those of b signed.
 HWY_INLINE WordVector AddByteProducts(WordVector sum, WordVector a, WordVector b) {
   return InRegister(WordVector{_mm512_dpbusd_epi32(sum.raw, a.raw, b.raw)});
@@ -78,9 +78,9 @@ struct RowSums {
   /// Adds the products of a group's plane with its two words of weights.
   HWY_INLINE void Add(const int32_t* plane, WordVector weights0, WordVector weights1) {
     const Words words;
+#if HWY_TARGET == HWY_AVX3_DL
     const auto evenRows = InRegister(hn::Load(words, plane));
     const auto oddRows = InRegister(hn::Load(words, plane + kLanes));
-#if HWY_TARGET == HWY_AVX3_DL
     even[0] = AddByteProducts(even[0], evenRows, weights0);
     odd[0] = AddByteProducts(odd[0], oddRows, weights0);
     even[1] = AddByteProducts(even[1], evenRows, weights1);
@@ -88,8 +88,8 @@ struct RowSums {
 #else
     WordVector& even13 = even[kChains - 1];
     WordVector& odd13 = odd[kChains - 1];
-    even[0] = AddProducts(even[0], evenRows, weights0);
-    odd[0] = AddProducts(odd[0], oddRows, weights0);
+    even[0] = AddProducts(even[0], hn::Load(words, plane), weights0);
+    odd[0] = AddProducts(odd[0], hn::Load(words, plane + kLanes), weights0);
     even13 = AddProducts(even13, hn::Load(words, plane + 2 * kLanes), weights1);
     odd13 = AddProducts(odd13, hn::Load(words, plane + 3 * kLanes), weights1);
 #endif

@@ -248,7 +248,10 @@ void CutToBytes(const int32_t* words, int32_t* bytes) {
 }  // namespace
 
 FixedWeights InBytes(const FixedWeights& weights) {
-  FixedWeights bytes = weights;
+  FixedWeights bytes;
+  bytes.base = weights.base;
+  bytes.entries = weights.entries;
+  bytes.extras = weights.extras;
   int32_t most = 0, end = 0;
   for (const FixedWeights::Entry& entry : weights.entries) {
     most = std::max(most, entry.groups);
