@@ -92,13 +92,13 @@ bool Session::Try(const std::function<void()>& work) {
 }
 
 bool Session::Open(const QStringList& paths) {
-  return Try([&] {
-    known_.clear();
-    openedPhoto_.clear();  // its file may have been replaced
+  FoundSizes before = std::exchange(known_, {});
+  const bool could = Try([&] {
     const Opened opened = OpenedOf(
         paths, [this](const std::string& photo) { return SizeOf(photo); },
         [this](const std::vector<std::string>& photos) { LearnSizes(photos); });
     Settle();  // first: where it fails, all stays as it is
+    openedPhoto_.clear();  // its file may have been replaced
     Take(opened.document);
     history_.Begin(opened.document, opened.saved.has_value());
     if (opened.saved) history_.BeganFrom(*opened.saved);
@@ -107,13 +107,18 @@ bool Session::Open(const QStringList& paths) {
     emit Changed();
     emit StateChanged();
   });
+  if (!could) known_ = std::move(before);
+  return could;
 }
 
 PixelSize Session::SizeOf(const std::string& photo) {
   const auto found = known_.find(photo);
   if (found == known_.end()) return known_[photo].size = sizes_(photo);
-  if (!found->second.fault.empty()) throw host::Error(found->second.fault);
-  return found->second.size;
+  if (found->second.fault.empty()) return found->second.size;
+  const std::string fault = found->second.fault;
+  // Faults are of one attempt: the file may be mended, and who cancelled may want it after all.
+  std::erase_if(known_, [](const auto& one) { return !one.second.fault.empty(); });
+  throw host::Error(fault);
 }
 
 void Session::LearnSizes(const std::vector<std::string>& photos) {
@@ -190,23 +195,20 @@ void Session::Apply(const QString& name, const Change& change, Gesture gesture) 
   KeepSoon(gesture.finished);
 }
 
-void Session::Show() {
-  Try([&] { Take(Current()); });
+void Session::Step(void (History::*there)(), void (History::*back)()) {
+  (history_.*there)();
+  if (!Try([&] { Take(Current()); })) return (history_.*back)();
   emit Changed();
   emit StateChanged();
   KeepSoon(true);
 }
 
 void Session::Undo() {
-  if (!history_.CanUndo()) return;
-  history_.Undo();
-  Show();
+  if (history_.CanUndo()) Step(&History::Undo, &History::Redo);
 }
 
 void Session::Redo() {
-  if (!history_.CanRedo()) return;
-  history_.Redo();
-  Show();
+  if (history_.CanRedo()) Step(&History::Redo, &History::Undo);
 }
 
 bool Session::Save() { return SaveAs(Path()); }

@@ -251,6 +251,52 @@ TEST(Session, AChangeThatCannotBeChangesNothing) {
   EXPECT_EQ(session.Current(), before);
 }
 
+/// Finds sizes until it is told that whoever looks on has cancelled.
+class SizesOrNone {
+ public:
+  PhotoSizes One() {
+    return [this](const std::string& photo) {
+      ++asked_;
+      return FindSize(photo);
+    };
+  }
+  Session::SeveralSizes Several() {
+    return [this](const std::vector<std::string>& photos) {
+      FoundSizes found;
+      for (const std::string& photo : photos) {
+        if (cancelled) {
+          found[photo].fault = photo + ": cancelled";
+        } else {
+          found[photo].size = FindSize(photo);
+        }
+      }
+      return found;
+    };
+  }
+  int Asked() const { return asked_; }
+  bool cancelled = false;
+
+ private:
+  int asked_ = 0;
+};
+
+TEST(Session, AFolderThatIsCancelledLeavesWhatIsOpenWhole) {
+  const PhotoFolder folder;
+  SizesOrNone sizes;
+  Session session(sizes.One(), sizes.Several());
+  ASSERT_TRUE(session.Open(folder.Photo()));
+  session.Apply("Remove Stop", [](const Document& d) { return WithoutStop(d, 1); });
+  sizes.cancelled = true;
+  const int asked = sizes.Asked();
+  ASSERT_FALSE(session.Open(folder.File("")));
+  session.Undo();
+  EXPECT_EQ(sizes.Asked(), asked) << "its size is known";
+  EXPECT_EQ(PlanOf(session.Current()).views.size(), 2u);
+  EXPECT_EQ(session.Plan().views.size(), 2u);
+  sizes.cancelled = false;
+  EXPECT_TRUE(session.Open(folder.File(""))) << "as it is looked at again";
+}
+
 TEST(Session, UnsavedWorkIsTakenUpAgainAndGoneOnceSaved) {
   const PhotoFolder folder;
   std::string dragged;
