@@ -155,7 +155,7 @@ void RoundHeavy(const float* weights, const WeightTable::Entry& entry, int32_t l
                                to.shift, rest.data() + lead);
   to.extraOffset = fixed.extras.size();
   for (int32_t group = 0; group < to.groups; ++group) {
-    int32_t* const from = rest.data() + group * kGroup;
+    int32_t* const from = rest.data() + static_cast<ptrdiff_t>(group) * kGroup;
     for (bool first = true; first || std::any_of(from, from + kGroup, [](int32_t w) { return w; });
          first = false) {
       int16_t part[kGroup];
@@ -164,8 +164,9 @@ void RoundHeavy(const float* weights, const WeightTable::Entry& entry, int32_t l
         from[i] -= part[i];
       }
       if (!first) fixed.extras.push_back({group, {}});
-      PutWords<kGroup>(part, first ? fixed.words.data() + to.offset + group * (kGroup / 2)
-                                   : fixed.extras.back().words);
+      const size_t word = static_cast<size_t>(group) * (kGroup / 2);
+      PutWords<kGroup>(part,
+                       first ? fixed.words.data() + to.offset + word : fixed.extras.back().words);
     }
   }
   to.extraCount = fixed.extras.size() - to.extraOffset;
@@ -269,9 +270,10 @@ FixedWeights InBytes(const FixedWeights& weights) {
       to.firstGroup -= lead;
       to.groups = most;
     }
-    const int32_t* const words = weights.Words(from);
-    for (int32_t group = 0; group < from.groups; ++group) {
-      CutToBytes(words + 2 * group, bytes.words.data() + offset + 2 * (group + lead));
+    const int32_t* words = weights.Words(from);
+    int32_t* cut = bytes.words.data() + offset + 2 * static_cast<size_t>(lead);
+    for (int32_t group = 0; group < from.groups; ++group, words += 2, cut += 2) {
+      CutToBytes(words, cut);
     }
     for (size_t extra = 0; extra < from.extraCount; ++extra) {
       FixedWeights::Extra& further = bytes.extras[from.extraOffset + extra];

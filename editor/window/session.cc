@@ -97,7 +97,7 @@ bool Session::Open(const QStringList& paths) {
     const Opened opened = OpenedOf(
         paths, [this](const std::string& photo) { return SizeOf(photo); },
         [this](const std::vector<std::string>& photos) { LearnSizes(photos); });
-    Settle();  // first: where it fails, all stays as it is
+    Settle();              // first: where it fails, all stays as it is
     openedPhoto_.clear();  // its file may have been replaced
     Take(opened.document);
     history_.Begin(opened.document, opened.saved.has_value());
