@@ -1,6 +1,8 @@
 #include "editor/rules/key_drag.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 
 namespace kelto::editor {
 
@@ -25,6 +27,23 @@ std::vector<double> KeysMoved(std::span<const double> times, std::span<const siz
   by = std::clamp(by, std::min(back, 0.0), std::max(on, 0.0));
   for (const size_t key : selected) moved[key] += by;
   return moved;
+}
+
+host::SettingKey KeyBetween(std::span<const host::SettingKey> keys, double time) {
+  const auto after =
+      std::find_if(keys.begin(), keys.end(), [&](const auto& key) { return key.time > time; });
+  if (after == keys.begin()) return {time, keys.front().value};
+  const host::SettingKey& from = *(after - 1);
+  if (after == keys.end()) return {time, from.value};
+  const double part = (time - from.time) / (after->time - from.time);
+  host::SettingKey key{time, from.value};
+  if (auto* number = std::get_if<double>(&key.value)) {
+    *number = std::lerp(*number, std::get<double>(after->value), part);
+  } else if (auto* point = std::get_if<std::array<double, 2>>(&key.value)) {
+    const auto& to = std::get<std::array<double, 2>>(after->value);
+    for (size_t i = 0; i < 2; ++i) (*point)[i] = std::lerp((*point)[i], to[i], part);
+  }
+  return key;
 }
 
 }  // namespace kelto::editor

@@ -1,9 +1,11 @@
-// The keys of one parameter, and what drags make of them.
+// The keys of one parameter, and what drags and double clicks make of them.
 #pragma once
 
 #include <cstddef>
 #include <span>
 #include <vector>
+
+#include "host/plan/setting.h"
 
 namespace kelto::editor {
 
@@ -12,5 +14,9 @@ namespace kelto::editor {
 /// film; returns all times in their places.
 std::vector<double> KeysMoved(std::span<const double> times, std::span<const size_t> selected,
                               double by, double gap);
+
+/// A further key at this time, 0..1 over the film, between those in order: of numbers and points
+/// the value on the way from one to the next, of all else the one before. `keys` must not be empty.
+host::SettingKey KeyBetween(std::span<const host::SettingKey> keys, double time);
 
 }  // namespace kelto::editor

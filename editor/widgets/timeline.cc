@@ -59,9 +59,7 @@ void Timeline::SetScene(const TimelineScene& scene) {
     p_->gesture_.reset();
   }
   std::vector<KeyPlace> keys = p_->selected_;
-  std::erase_if(keys, [&](const KeyPlace& place) {
-    return place.lane >= scene.lanes.size() || place.key >= scene.lanes[place.lane].times.size();
-  });
+  std::erase_if(keys, [&](const KeyPlace& place) { return !p_->IsThere(place); });
   p_->Select(std::move(keys));
   if (p_->doing_ == Private::Doing::kNothing) p_->Refit();
   // Laying out all of the window for each step of a drag takes longer than the step.
@@ -79,6 +77,10 @@ void Timeline::SetScene(const TimelineScene& scene) {
 void Timeline::SetTime(double seconds) { p_->SetTime(seconds); }
 
 const std::vector<KeyPlace>& Timeline::SelectedKeys() const { return p_->selected_; }
+
+void Timeline::SelectKey(const KeyPlace& key) {
+  if (p_->IsThere(key)) p_->Select({key});
+}
 
 QSize Timeline::sizeHint() const {
   return {800, static_cast<int>(HeightOf(p_->scene_, p_->low_)) + 12};

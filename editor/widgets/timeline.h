@@ -66,6 +66,8 @@ class Timeline : public QWidget {
   /// Where the film stands, in seconds. Below 0: before it, which is not shown.
   void SetTime(double seconds);
   const std::vector<KeyPlace>& SelectedKeys() const;
+  /// Makes this key, where it is there, the selected one.
+  void SelectKey(const KeyPlace& key);
 
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;

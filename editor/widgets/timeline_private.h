@@ -37,6 +37,9 @@ class Timeline::Private {
   void Release();
   void DragKeys(double by);
   void AskTime(double x);
+  bool IsThere(const KeyPlace& key) const {
+    return key.lane < scene_.lanes.size() && key.key < scene_.lanes[key.lane].times.size();
+  }
   /// These keys are the selected ones from now on, in order.
   void Select(std::vector<KeyPlace> keys);
   /// The key ahead of the selected one or behind it becomes the selected one.

@@ -23,13 +23,15 @@ void MainWindow::ConnectKeys() {
                 gesture);
           });
   connect(timeline_, &Timeline::KeyAdded, this, [this](size_t lane, double time) {
+    size_t place = 0;
     ChangeKeys(lane, tr("Add Key"), [&](std::vector<host::SettingKey>& keys) {
       const auto after =
           std::find_if(keys.begin(), keys.end(), [&](const auto& key) { return key.time > time; });
-      const host::SettingValue value =
-          after == keys.begin() ? keys.front().value : (after - 1)->value;
-      keys.insert(after, {time, value});
+      place = static_cast<size_t>(after - keys.begin());
+      keys.insert(after, KeyBetween(keys, time));
     });
+    // Its value is what comes next.
+    timeline_->SelectKey({lane, place});
   });
   // By value: the timeline's own list changes with the first of them.
   connect(timeline_, &Timeline::KeysRemoved, this, [this](std::vector<KeyPlace> places) {

@@ -37,5 +37,21 @@ TEST(KeysMoved, LeavesKeysOfATrimmedFilmWhereTheyAre) {
   EXPECT_EQ(KeysMoved(outside, Places{2}, 0.1, 0.01), outside);
 }
 
+TEST(KeyBetween, LiesOnTheWayFromOneKeyToTheNext) {
+  using Point = std::array<double, 2>;
+  const std::vector<host::SettingKey> zooms = {{0.25, 1.0}, {0.75, 3.0}};
+  EXPECT_EQ(KeyBetween(zooms, 0.375), (host::SettingKey{0.375, 1.5}));
+  EXPECT_EQ(KeyBetween(zooms, 0.125), (host::SettingKey{0.125, 1.0}));
+  EXPECT_EQ(KeyBetween(zooms, 0.875), (host::SettingKey{0.875, 3.0}));
+  const std::vector<host::SettingKey> places = {{0.0, Point{-4.0, 8.0}}, {1.0, Point{4.0, 0.0}}};
+  EXPECT_EQ(KeyBetween(places, 0.25), (host::SettingKey{0.25, Point{-2.0, 6.0}}));
+}
+
+TEST(KeyBetween, IsTheOneBeforeWhereNothingLiesBetween) {
+  const std::vector<host::SettingKey> words = {{0.0, std::string("In: Linear")},
+                                               {1.0, std::string("In: Ease In")}};
+  EXPECT_EQ(KeyBetween(words, 0.5), (host::SettingKey{0.5, std::string("In: Linear")}));
+}
+
 }  // namespace
 }  // namespace kelto::editor

@@ -87,6 +87,18 @@ TEST_F(KeyWindow, TimeAndValueOfTheSelectedKeyCanBeTyped) {
   EXPECT_EQ(Json()["parameters"]["invelocity"][1]["value"], "In: Linear");
 }
 
+TEST_F(KeyWindow, AnAddedKeyLiesOnTheWayAndItsValueCanBeTyped) {
+  Timeline& timeline = window_.TheTimeline();
+  const int quarter = 110 + (timeline.width() - 120) / 4;
+  QTest::mouseDClick(&timeline, Qt::LeftButton, {}, QPoint(quarter, 36));
+  ASSERT_EQ(Json()["parameters"]["size"].size(), 4u);
+  EXPECT_NEAR(Json()["parameters"]["size"][1]["value"], 1.5, 0.01);
+  auto* zoom = Named<QDoubleSpinBox>("Zoom");
+  ASSERT_TRUE(zoom->isVisible()) << "it is the selected key";
+  zoom->setValue(1.25);
+  EXPECT_EQ(Json()["parameters"]["size"][1]["value"], 1.25);
+}
+
 TEST_F(KeyWindow, SeveralSelectedKeysAreRemovedAtOnce) {
   QFile file(folder_.File("five.json"));
   ASSERT_TRUE(file.open(QIODevice::WriteOnly));
