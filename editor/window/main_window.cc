@@ -120,15 +120,21 @@ void MainWindow::MakeWidgets() {
   all->setStretchFactor(1, 0);
   all->setChildrenCollapsible(false);
 
-  auto* central = new QWidget;
-  auto* column = new QVBoxLayout(central);
+  auto* work = new QWidget;
+  auto* column = new QVBoxLayout(work);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
-  column->addWidget(notice_);
   column->addWidget(all, 1);
   column->addWidget(strip_);
+  auto* central = new QWidget;
+  auto* centralColumn = new QVBoxLayout(central);
+  centralColumn->setContentsMargins(0, 0, 0, 0);
+  centralColumn->setSpacing(0);
+  // Lines of text in what scrolls would give all of it its usual height, and no less.
+  centralColumn->addWidget(notice_);
   // Where there is no room for all of it, as on a small screen below a slideshow's pictures.
-  setCentralWidget(Scrolling(central));
+  centralColumn->addWidget(Scrolling(work), 1);
+  setCentralWidget(central);
 
   queue_ = new RenderQueue(programs_.command);
   queueDock_ = new QDockWidget(tr("Films being made"));

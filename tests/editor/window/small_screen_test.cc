@@ -43,11 +43,29 @@ TEST_F(SmallScreen, ScrollsToThePicturesOfASlideshow) {
   ASSERT_TRUE(window_.Open({folder_.Photo(), folder_.File("second.png")}));
   QTest::qWait(1);
   EXPECT_EQ(window_.size(), kRoom);
-  auto* area = qobject_cast<QScrollArea*>(window_.centralWidget());
+  QScrollArea* area = nullptr;
+  for (QWidget* at = &window_.TheStrip(); at != nullptr && area == nullptr;
+       at = at->parentWidget()) {
+    area = qobject_cast<QScrollArea*>(at);
+  }
   ASSERT_NE(area, nullptr);
   EXPECT_FALSE(area->horizontalScrollBar()->isVisible()) << "down alone";
   area->ensureWidgetVisible(&window_.TheStrip());
   EXPECT_EQ(window_.TheStrip().visibleRegion().boundingRect(), window_.TheStrip().rect());
+}
+
+TEST_F(SmallScreen, ANoticeTakesItsOwnHeightAlone) {
+  window_.resize(1280, 720);
+  ASSERT_TRUE(window_.Open(folder_.Photo()));
+  QTest::qWait(1);
+  const int canvas = window_.TheCanvas().height();
+  EXPECT_FALSE(window_.Open(folder_.File("missing.json")));
+  QTest::qWait(1);
+  auto* notice = window_.findChild<QLabel*>("notice");
+  ASSERT_TRUE(notice->isVisible());
+  EXPECT_NEAR(canvas - window_.TheCanvas().height(), notice->height(), 4);
+  const Timeline& timeline = window_.TheTimeline();
+  EXPECT_EQ(timeline.visibleRegion().boundingRect(), timeline.rect()) << "nothing has to scroll";
 }
 
 TEST(ColourDialog, HasItsButtonsOnASmallScreen) {
