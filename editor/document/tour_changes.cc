@@ -52,7 +52,7 @@ std::vector<PhotoRect> PartsOf(const RenderPlan& plan, PixelSize photo) {
   const host::PhotoViews views(plan, photo);
   std::vector<PhotoRect> parts;
   parts.reserve(plan.views.size());
-  for (const TourView& one : plan.views) parts.push_back(views.PartOf(views.ViewOf(one.view)));
+  for (const View& view : views.ViewsOf(plan.views)) parts.push_back(views.PartOf(view));
   return parts;
 }
 
@@ -217,7 +217,9 @@ Document WithKeysAsViews(const Document& document, PixelSize photo) {
     json["motion"] = host::WordOf(plan.motion);
     json["views"] = host::JsonOf({{tour.front().view}});
   });
-  return WithTour(cleared, tour, true);
+  const Document made = WithTour(cleared, tour, true);
+  PartsOf(PlanOf(made), photo);  // keys may look where no view can
+  return made;
 }
 
 }  // namespace kelto::editor

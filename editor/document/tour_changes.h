@@ -56,7 +56,8 @@ Document WithViewsOf(const Document& document, const std::vector<host::TourView>
 Document WithEasing(const Document& document, size_t index, const std::string& out,
                     const std::string& in);
 
-/// A film of keys as one of views: one for each moment at which zoom or position has a key.
+/// A film of keys as one of views: one for each moment at which zoom or position has a key. Throws
+/// Error, "views[N].view: ...", where the keys look beside the photo.
 Document WithKeysAsViews(const Document& document, PixelSize photo);
 
 }  // namespace kelto::editor

@@ -1,30 +1,14 @@
 #include "host/track/keyed_plan.h"
 
-#include <string>
 #include <variant>
 #include <vector>
 
 #include "catalogue/parameters.h"
-#include "host/base/error.h"
 #include "host/options/choices.h"
 #include "host/track/photo_views.h"
 
 namespace kelto::host {
 namespace {
-
-std::vector<View> ViewsOf(const std::vector<TourView>& tour, const PhotoViews& photo) {
-  std::vector<View> views;
-  views.reserve(tour.size());
-  for (size_t i = 0; i < tour.size(); ++i) {
-    try {
-      views.push_back(photo.ViewOf(tour[i].view));
-    } catch (const Error& error) {
-      throw Error("views[" + std::to_string(i) + "].view: " + TextOf(tour[i].view) + ": " +
-                  error.what());
-    }
-  }
-  return views;
-}
 
 /// Whether views that lie on the way are passed without a stop.
 bool PassesViews(const RenderPlan& plan) {
@@ -37,7 +21,7 @@ bool PassesViews(const RenderPlan& plan) {
 
 RenderPlan KeyedPlan(const RenderPlan& plan, PixelSize photo) {
   if (plan.views.empty()) return plan;
-  const std::vector<View> views = ViewsOf(plan.views, PhotoViews(plan, photo));
+  const std::vector<View> views = PhotoViews(plan, photo).ViewsOf(plan.views);
   const std::vector<TourTime> times = TimesOf(plan.views);
   const auto viewAt = [&](size_t i) { return views[times[i].view]; };
   const bool passes = PassesViews(plan);

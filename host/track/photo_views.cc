@@ -98,4 +98,18 @@ View PhotoViews::ViewOf(const GivenView& given) const {
   return part != nullptr ? ViewOf(Around(*part)) : std::get<View>(given);
 }
 
+std::vector<View> PhotoViews::ViewsOf(const std::vector<TourView>& tour) const {
+  std::vector<View> views;
+  views.reserve(tour.size());
+  for (size_t i = 0; i < tour.size(); ++i) {
+    try {
+      views.push_back(ViewOf(tour[i].view));
+    } catch (const Error& error) {
+      throw Error("views[" + std::to_string(i) + "].view: " + TextOf(tour[i].view) + ": " +
+                  error.what());
+    }
+  }
+  return views;
+}
+
 }  // namespace kelto::host

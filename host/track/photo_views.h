@@ -1,6 +1,8 @@
 // Views as parts of the photo.
 #pragma once
 
+#include <vector>
+
 #include "framing/drawn_area.h"
 #include "host/options/given_view.h"
 #include "host/options/photo_rect.h"
@@ -38,6 +40,9 @@ class PhotoViews {
   View ViewOf(const PhotoRect& part) const;
   /// The view that people mean: of a part of the photo, the one around it. Throws UsageError.
   View ViewOf(const GivenView& given) const;
+  /// Those of a tour, in its order. Throws Error, "views[N].view: ...", for one that the effect
+  /// cannot show.
+  std::vector<View> ViewsOf(const std::vector<TourView>& tour) const;
 
  private:
   DrawnFrame frame_;

@@ -112,5 +112,19 @@ TEST(TourChanges, KeysBecomeViewsThatTheFilmMeetsAtTheSameTimes) {
   EXPECT_EQ(Times(views), (Pairs{{0, 2}, {2, 4}, {0, 0}}));
 }
 
+TEST(TourChanges, KeysThatLookBesideThePhotoBecomeNoViews) {
+  const Sample sample(
+      "{\"image\": \"p.jpg\", \"parameters\": {\"position\": [{\"time\": 0, \"value\": [0, 0]}, "
+      "{\"time\": 1, \"value\": [20, 0]}]}}");
+  try {
+    WithKeysAsViews(sample.Opened(), kPhoto);
+    FAIL() << "there are no such views";
+  } catch (const host::Error& error) {
+    const std::string what = error.what();
+    EXPECT_EQ(what.find("views[1].view: "), 0u) << what;
+    EXPECT_NE(what.find("lies outside the photo"), std::string::npos) << what;
+  }
+}
+
 }  // namespace
 }  // namespace kelto::editor
