@@ -35,12 +35,12 @@ DeepPixel ReadPixel(const DeepSource& from, int32_t x, int32_t y) {
 void WritePixel(const DeepTarget& to, int32_t x, int32_t y, const DeepPixel& pixel) {
   const double alpha = to.hasAlpha ? pixel[3] : 1.0;
   if (to.sample == DeepSample::kFloat32) {
-    float* const at = to.Row<float>(y) + 4 * x;
+    float* const at = to.Row<float>(y) + ptrdiff_t{4} * x;
     for (size_t c = 0; c < 3; ++c) at[c] = static_cast<float>(pixel[c]);
     at[3] = static_cast<float>(alpha);
     return;
   }
-  uint16_t* const at = to.Row<uint16_t>(y) + 4 * x;
+  uint16_t* const at = to.Row<uint16_t>(y) + ptrdiff_t{4} * x;
   for (size_t c = 0; c < 3; ++c)
     at[c] = Rounded(pixel[c], alpha > 0.0 ? std::min(alpha, 1.0) : 0.0);
   at[3] = Rounded(alpha, 1.0);

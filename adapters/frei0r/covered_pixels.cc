@@ -14,8 +14,9 @@ int32_t Within(double coordinate, int32_t size) {
 }
 
 void CopyPixels(const hfxImage& video, int32_t row, int32_t from, int32_t to, hfxImage& output) {
-  std::copy(video.GetRowPtr(row) + 4 * from, video.GetRowPtr(row) + 4 * to,
-            output.GetRowPtr(row) + 4 * from);
+  const ptrdiff_t begin = ptrdiff_t{4} * from, end = ptrdiff_t{4} * to;
+  std::copy(video.GetRowPtr(row) + begin, video.GetRowPtr(row) + end,
+            output.GetRowPtr(row) + begin);
 }
 
 /// What of a side the photo takes up, in pixels of the frame.
@@ -87,7 +88,7 @@ void SetPartsAsAlpha(const DrawnFrame& frame, const View& view, const CoveredPix
     const double part = down.PartOf(frameRow);
     uint8_t* const pixels = output.GetRowPtr(row);
     for (int32_t x = covered.left; x < covered.right; ++x) {
-      SetPart(part * across.PartOf(x), pixels + 4 * x);
+      SetPart(part * across.PartOf(x), pixels + ptrdiff_t{4} * x);
     }
   }
 }
