@@ -18,7 +18,6 @@ namespace kelto::fuzz {
 namespace {
 
 using test::HostImage;
-using test::PropertySet;
 using test::StrictHost;
 
 constexpr int kMostOpenFxSteps = 60;

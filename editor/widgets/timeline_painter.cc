@@ -65,9 +65,10 @@ void DrawEasing(QPainter& painter, const QRectF& way, const WayEasing& easing,
 
 void DrawWays(QPainter& painter, const TimelineDrawing& drawing) {
   const TimelineScene& scene = drawing.scene;
-  QColor back = drawing.palette.color(QPalette::Mid), line = drawing.palette.color(QPalette::Text);
-  back.setAlpha(110);
-  QColor curve = line;
+  const QColor line = drawing.palette.color(QPalette::Text);
+  // A little of the text's colour is seen in light and dark alike.
+  QColor back = line, curve = line;
+  back.setAlpha(40);
   curve.setAlpha(130);
   const double inset = drawing.rows.stops.height() / 5;
   double arrival = 0.0;
@@ -84,7 +85,9 @@ void DrawWays(QPainter& painter, const TimelineDrawing& drawing) {
     const QString label = Seconds(scene.stops[stop].go);
     if (way.width() < painter.fontMetrics().horizontalAdvance(label) + 24) continue;
     painter.setPen(line);
-    painter.drawText(way.adjusted(8.0, 0.0, -8.0, 0.0), Qt::AlignCenter | Qt::TextDontClip, label);
+    // Above where the curve begins, not across it.
+    painter.drawText(way.adjusted(8.0, -5.0, -8.0, -5.0),
+                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, label);
   }
 }
 

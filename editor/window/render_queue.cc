@@ -9,6 +9,9 @@
 namespace kelto::editor {
 namespace {
 
+/// Of a film's name, beside its progress.
+constexpr int kNameLetters = 24;
+
 bool IsGoing(const RenderJob& job) {
   return job.TheState() == RenderJob::State::kWaiting ||
          job.TheState() == RenderJob::State::kRunning;
@@ -110,11 +113,15 @@ void RenderQueue::AddRow(RenderJob* job) {
   auto* row = new QWidget;
   auto* line = new QHBoxLayout(row);
   line->setContentsMargins(0, 0, 0, 0);
-  auto* name = new QLabel(QFileInfo(job->Film()).fileName());
+  const QString film = QFileInfo(job->Film()).fileName();
+  auto* name = new QLabel;
+  // As wide in each row, for what follows to stand below each other.
+  name->setFixedWidth(name->fontMetrics().averageCharWidth() * kNameLetters);
+  name->setText(name->fontMetrics().elidedText(film, Qt::ElideMiddle, name->width()));
   name->setToolTip(Qt::convertFromPlainText(job->Film()));
   name->setTextFormat(Qt::PlainText);
   auto* bar = new QProgressBar;
-  bar->setAccessibleName(tr("Progress of %1").arg(name->text()));
+  bar->setAccessibleName(tr("Progress of %1").arg(film));
   bar->setMinimumWidth(120);
   auto* state = new QLabel;
   state->setTextFormat(Qt::PlainText);
