@@ -10,7 +10,7 @@ namespace kelto::editor {
 namespace {
 
 QPalette PaletteOf(QColor window, QColor base, QColor button, QColor text, QColor faint,
-                   QColor accent) {
+                   QColor accent, QColor notice) {
   QPalette palette(button, window);
   palette.setColor(QPalette::Window, window);
   palette.setColor(QPalette::WindowText, text);
@@ -20,7 +20,7 @@ QPalette PaletteOf(QColor window, QColor base, QColor button, QColor text, QColo
   palette.setColor(QPalette::Button, button);
   palette.setColor(QPalette::ButtonText, text);
   palette.setColor(QPalette::PlaceholderText, faint);
-  palette.setColor(QPalette::ToolTipBase, base);
+  palette.setColor(QPalette::ToolTipBase, notice);
   palette.setColor(QPalette::ToolTipText, text);
   palette.setColor(QPalette::Highlight, accent);
   palette.setColor(QPalette::HighlightedText, Qt::white);
@@ -46,8 +46,9 @@ void UseTheme(const QString& name) {
   }
   QApplication::setStyle(QStyleFactory::create("Fusion"));
   QApplication::setPalette(
-      name == "dark" ? PaletteOf(0x26282b, 0x1d1f21, 0x34373b, 0xe6e6e6, 0x8a8d91, 0x3d7eda)
-                     : PaletteOf(0xf4f4f5, 0xffffff, 0xfafafa, 0x202124, 0x8a8d91, 0x2f6fd0));
+      name == "dark"
+          ? PaletteOf(0x26282b, 0x1d1f21, 0x34373b, 0xe6e6e6, 0x8a8d91, 0x3d7eda, 0x4b3f1c)
+          : PaletteOf(0xf4f4f5, 0xffffff, 0xfafafa, 0x202124, 0x8a8d91, 0x2f6fd0, 0xfff3cd));
 }
 
 }  // namespace kelto::editor
