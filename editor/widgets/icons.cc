@@ -88,12 +88,14 @@ QPixmap Drawn(IconShape shape, const QColor& colour, int side) {
 
 }  // namespace
 
-QIcon MakeIcon(IconShape shape, const QPalette& palette) {
-  QIcon icon;
+const QIcon& Icons::Of(IconShape shape, const QPalette& palette) {
+  const QColor enabled = palette.color(QPalette::Active, QPalette::ButtonText);
+  const QColor disabled = palette.color(QPalette::Disabled, QPalette::ButtonText);
+  QIcon& icon = drawn_[{shape, enabled.rgba(), disabled.rgba()}];
+  if (!icon.isNull()) return icon;
   for (const int side : {16, 24, 32, 48}) {
-    icon.addPixmap(Drawn(shape, palette.color(QPalette::Active, QPalette::ButtonText), side));
-    icon.addPixmap(Drawn(shape, palette.color(QPalette::Disabled, QPalette::ButtonText), side),
-                   QIcon::Disabled);
+    icon.addPixmap(Drawn(shape, enabled, side));
+    icon.addPixmap(Drawn(shape, disabled, side), QIcon::Disabled);
   }
   return icon;
 }

@@ -35,6 +35,7 @@ class PreviewView::Private {
     IconShape shape;
   };
   std::vector<Button> buttons_;
+  Icons icons_;
   host::FilmFormat format_;
   int32_t frames_ = 1, frame_ = 0;
   bool playing_ = false;
@@ -111,7 +112,7 @@ PreviewView::Private::Private(PreviewView* owner) : owner_(owner) {
 void PreviewView::Private::SetIcons() {
   for (const Button& each : buttons_) {
     const IconShape shape = each.button == play_ && playing_ ? IconShape::kPause : each.shape;
-    each.button->setIcon(MakeIcon(shape, owner_->palette()));
+    each.button->setIcon(icons_.Of(shape, owner_->palette()));
   }
 }
 

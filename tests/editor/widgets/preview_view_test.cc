@@ -5,6 +5,7 @@
 #include <QSlider>
 #include <vector>
 
+#include "editor/widgets/icons.h"
 #include "editor/widgets/picture_area.h"
 #include "tests/editor/support/widgets.h"
 
@@ -144,6 +145,15 @@ TEST_F(PreviewWidget, FillsTheScreenAndComesBack) {
   QTest::keyClick(picture, Qt::Key_Escape);
   EXPECT_FALSE(picture->isWindow());
   EXPECT_TRUE(picture->isVisible());
+}
+
+TEST_F(PreviewWidget, IconsAreDrawnOnceForEachColour) {
+  Icons icons;
+  const QPalette light(Qt::white), dark(Qt::black);
+  const qint64 first = icons.Of(IconShape::kPlay, light).cacheKey();
+  EXPECT_NE(icons.Of(IconShape::kPlay, dark).cacheKey(), first);
+  EXPECT_NE(icons.Of(IconShape::kPause, light).cacheKey(), first);
+  EXPECT_EQ(icons.Of(IconShape::kPlay, light).cacheKey(), first);
 }
 
 }  // namespace

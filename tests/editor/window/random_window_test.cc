@@ -6,6 +6,7 @@
 
 #include <QDesktopServices>
 #include <QFile>
+#include <QPixmapCache>
 #include <QtWidgets>
 #include <chrono>
 #include <cstdio>
@@ -96,6 +97,9 @@ class RandomWindow : public testing::Test {
  protected:
   RandomWindow() : window_({KELTO_COMMAND, KELTO_PREVIEW, KELTO_MODULE}) {
     qputenv("KELTO_MODULE", KELTO_MODULE);
+    // Qt 6.4 keeps the name of each pixmap that styles and icons have ever cached, which would
+    // cover what the editor itself keeps.
+    QPixmapCache::setCacheLimit(0);
     // No other program is to show the films.
     QDesktopServices::setUrlHandler("file", &window_, "");
     window_.resize(1280, 720);
@@ -105,6 +109,7 @@ class RandomWindow : public testing::Test {
   ~RandomWindow() override {
     over_ = true;
     QDesktopServices::unsetUrlHandler("file");
+    QPixmapCache::setCacheLimit(cacheLimit_);
     window_.TheSession().DropRecovery();
   }
 
@@ -224,6 +229,7 @@ class RandomWindow : public testing::Test {
   std::mt19937 random_{15};
   Qt::MouseButton held_ = Qt::LeftButton;
   QPointer<QWidget> asked_;
+  const int cacheLimit_ = QPixmapCache::cacheLimit();
   int turns_ = 0;
   int64_t dialogs_ = 0;
   bool over_ = false;
