@@ -217,7 +217,7 @@ Document WithKeysAsViews(const Document& document, PixelSize photo) {
     json["motion"] = host::WordOf(plan.motion);
     json["views"] = host::JsonOf({{tour.front().view}});
   });
-  const Document made = WithTour(cleared, tour, true);
+  Document made = WithTour(cleared, tour, true);
   PartsOf(PlanOf(made), photo);  // keys may look where no view can
   return made;
 }

@@ -132,8 +132,9 @@ void DrawSound(QPainter& painter, const TimelineDrawing& drawing) {
   if (peaks.empty()) return;
   QColor colour = drawing.palette.color(QPalette::Highlight);
   colour.setAlpha(170);
-  const double begin = drawing.rows.left, end = begin + drawing.rows.width;
-  for (double x = begin; x < end; x += 1.0) {
+  const int columns = static_cast<int>(std::ceil(drawing.rows.width));
+  for (int column = 0; column < columns; ++column) {
+    const double x = drawing.rows.left + column;
     const auto at = [&](double where) {
       const double share = drawing.axis.ToSeconds(where) / std::max(drawing.scene.length, 1e-3);
       return static_cast<size_t>(std::clamp(share, 0.0, 1.0) *

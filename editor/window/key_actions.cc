@@ -34,6 +34,7 @@ void MainWindow::ConnectKeys() {
     timeline_->SelectKey({lane, place});
   });
   // By value: the timeline's own list changes with the first of them.
+  // NOLINTBEGIN(performance-unnecessary-value-param)
   connect(timeline_, &Timeline::KeysRemoved, this, [this](std::vector<KeyPlace> places) {
     const Gesture gesture = NewGesture();
     for (auto place = places.rbegin(); place != places.rend(); ++place) {
@@ -62,7 +63,7 @@ void MainWindow::ConnectKeys() {
                          {gesture.id, false});
             }
           });
-
+  // NOLINTEND(performance-unnecessary-value-param)
   connect(timeline_, &Timeline::KeysSelected, this, [this] {
     if (session_.IsOpen()) keyPanel_->Show(session_.Plan(), timeline_->SelectedKeys());
   });
@@ -71,6 +72,7 @@ void MainWindow::ConnectKeys() {
     const double time = seconds * session_.Plan().format.rate.PerSecond() / frames;
     ChangeKeys(place.lane, tr("Move Keys"), [&](std::vector<host::SettingKey>& keys) {
       std::vector<double> times;
+      times.reserve(keys.size());
       for (const host::SettingKey& key : keys) times.push_back(key.time);
       const std::array moved = {place.key};
       times = KeysMoved(times, moved, time - times.at(place.key), 1.0 / frames);
