@@ -24,7 +24,7 @@ FILTER_TAPS = {"catmull": 13, "hiqual": 33, "ultra": 101}  # a row and column at
 WORDS = {"wanted", "bound"}  # columns of words beside those of numbers
 
 # What is compared: the words of the row, ours, the peer's, and how to read the ratio: the peer's
-# time in ours, but for rows that may take at most some times another one's.
+# time in ours, but our time in another one's for rows that say so or may take at most some of it.
 COMPARISONS = [
     ("Hi Qual at 3.125, against zimg's five-lobe Lanczos, tables rebuilt",
      "kelto/hiqual/3.125", "zimg/lanczos5/3.125/tables rebuilt", "at least 2.0"),
@@ -142,7 +142,8 @@ def table(title, head, rows):
 
 def comparison(results, words, ours, peer, wanted):
     our_time, peer_time = results.times[ours], results.times[peer]
-    ratio = our_time / peer_time if wanted.startswith("at most") else peer_time / our_time
+    inverse = wanted.startswith("at most") or "in the time" in words
+    ratio = our_time / peer_time if inverse else peer_time / our_time
     return (words, milliseconds(our_time), milliseconds(peer_time),
             f"{ratio:.2f}" if ratio < 10 else f"{ratio:.1f}", wanted)
 
