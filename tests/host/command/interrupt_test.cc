@@ -79,7 +79,8 @@ TEST_F(Interrupted, AReaderThatGoesAwayIsAFailure) {
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
     // The command opens the pipe's writing end by its name in the process file system.
     Words words = LongFilm("-");
-    words.insert(words.end(), {"--format", format, "--size", "640x360"});
+    // Quiet: a slow machine takes long enough for a line of progress.
+    words.insert(words.end(), {"--format", format, "--size", "640x360", "--quiet"});
     Command command(words, "/proc/self/fd/" + std::to_string(ends[1]));
     close(ends[1]);
     char byte = 0;
