@@ -29,21 +29,24 @@ std::vector<double> KeysMoved(std::span<const double> times, std::span<const siz
   return moved;
 }
 
-host::SettingKey KeyBetween(std::span<const host::SettingKey> keys, double time) {
+size_t AddKey(std::vector<host::SettingKey>& keys, double time) {
   const auto after =
       std::find_if(keys.begin(), keys.end(), [&](const auto& key) { return key.time > time; });
-  if (after == keys.begin()) return {time, keys.front().value};
-  const host::SettingKey& from = *(after - 1);
-  if (after == keys.end()) return {time, from.value};
-  const double part = (time - from.time) / (after->time - from.time);
+  const bool between = after != keys.begin() && after != keys.end();
+  const host::SettingKey& from = after == keys.begin() ? *after : *(after - 1);
   host::SettingKey key{time, from.value};
-  if (auto* number = std::get_if<double>(&key.value)) {
-    *number = std::lerp(*number, std::get<double>(after->value), part);
-  } else if (auto* point = std::get_if<std::array<double, 2>>(&key.value)) {
-    const auto& to = std::get<std::array<double, 2>>(after->value);
-    for (size_t i = 0; i < 2; ++i) (*point)[i] = std::lerp((*point)[i], to[i], part);
+  if (between) {
+    const double part = (time - from.time) / (after->time - from.time);
+    if (auto* number = std::get_if<double>(&key.value)) {
+      *number = std::lerp(*number, std::get<double>(after->value), part);
+    } else if (auto* point = std::get_if<std::array<double, 2>>(&key.value)) {
+      const auto& to = std::get<std::array<double, 2>>(after->value);
+      for (size_t i = 0; i < 2; ++i) (*point)[i] = std::lerp((*point)[i], to[i], part);
+    }
   }
-  return key;
+  const auto place = static_cast<size_t>(after - keys.begin());
+  keys.insert(after, key);
+  return place;
 }
 
 }  // namespace kelto::editor

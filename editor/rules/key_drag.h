@@ -15,8 +15,9 @@ namespace kelto::editor {
 std::vector<double> KeysMoved(std::span<const double> times, std::span<const size_t> selected,
                               double by, double gap);
 
-/// A further key at this time, 0..1 over the film, between those in order: of numbers and points
-/// the value on the way from one to the next, of all else the one before. `keys` must not be empty.
-host::SettingKey KeyBetween(std::span<const host::SettingKey> keys, double time);
+/// Adds a key at this time, 0..1 over the film, to `keys`, which are in order and not none: of
+/// numbers and points the value on the way from one to the next, of all else the one before.
+/// Returns its place.
+size_t AddKey(std::vector<host::SettingKey>& keys, double time);
 
 }  // namespace kelto::editor

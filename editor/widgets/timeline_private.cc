@@ -283,7 +283,8 @@ bool Timeline::Private::Key(const QKeyEvent& event) {
     case Qt::Key_Delete:
     case Qt::Key_Backspace:
       if (selected_.empty()) return false;
-      emit owner_->KeysRemoved(selected_);
+      // A copy: what is selected changes as the first of them goes.
+      emit owner_->KeysRemoved(std::vector(selected_));
       return true;
     default:
       return false;

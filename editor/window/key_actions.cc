@@ -24,18 +24,12 @@ void MainWindow::ConnectKeys() {
           });
   connect(timeline_, &Timeline::KeyAdded, this, [this](size_t lane, double time) {
     size_t place = 0;
-    ChangeKeys(lane, tr("Add Key"), [&](std::vector<host::SettingKey>& keys) {
-      const auto after =
-          std::find_if(keys.begin(), keys.end(), [&](const auto& key) { return key.time > time; });
-      place = static_cast<size_t>(after - keys.begin());
-      keys.insert(after, KeyBetween(keys, time));
-    });
+    ChangeKeys(lane, tr("Add Key"),
+               [&](std::vector<host::SettingKey>& keys) { place = AddKey(keys, time); });
     // Its value is what comes next.
     timeline_->SelectKey({lane, place});
   });
-  // By value: the timeline's own list changes with the first of them.
-  // NOLINTBEGIN(performance-unnecessary-value-param)
-  connect(timeline_, &Timeline::KeysRemoved, this, [this](std::vector<KeyPlace> places) {
+  connect(timeline_, &Timeline::KeysRemoved, this, [this](const std::vector<KeyPlace>& places) {
     const Gesture gesture = NewGesture();
     for (auto place = places.rbegin(); place != places.rend(); ++place) {
       ChangeKeys(place->lane, tr("Remove Keys"),
@@ -47,7 +41,7 @@ void MainWindow::ConnectKeys() {
     }
   });
   connect(timeline_, &Timeline::KeysCopied, this,
-          [this](std::vector<KeyPlace> places, double later) {
+          [this](const std::vector<KeyPlace>& places, double later) {
             const Gesture gesture = NewGesture();
             for (const KeyPlace& place : places) {
               ChangeKeys(place.lane, tr("Copy Keys"),
@@ -63,7 +57,7 @@ void MainWindow::ConnectKeys() {
                          {gesture.id, false});
             }
           });
-  // NOLINTEND(performance-unnecessary-value-param)
+
   connect(timeline_, &Timeline::KeysSelected, this, [this] {
     if (session_.IsOpen()) keyPanel_->Show(session_.Plan(), timeline_->SelectedKeys());
   });

@@ -118,6 +118,7 @@ void RenderQueue::AddRow(RenderJob* job) {
   // As wide in each row, for what follows to stand below each other.
   name->setFixedWidth(name->fontMetrics().averageCharWidth() * kNameLetters);
   name->setText(name->fontMetrics().elidedText(film, Qt::ElideMiddle, name->width()));
+  name->setAccessibleName(film);
   name->setToolTip(Qt::convertFromPlainText(job->Film()));
   name->setTextFormat(Qt::PlainText);
   auto* bar = new QProgressBar;

@@ -195,20 +195,24 @@ void Session::Apply(const QString& name, const Change& change, Gesture gesture) 
   KeepSoon(gesture.finished);
 }
 
-void Session::Step(void (History::*there)(), void (History::*back)()) {
-  (history_.*there)();
-  if (!Try([&] { Take(Current()); })) return (history_.*back)();
+bool Session::Show() {
+  if (!Try([&] { Take(Current()); })) return false;
   emit Changed();
   emit StateChanged();
   KeepSoon(true);
+  return true;
 }
 
 void Session::Undo() {
-  if (history_.CanUndo()) Step(&History::Undo, &History::Redo);
+  if (!history_.CanUndo()) return;
+  history_.Undo();
+  if (!Show()) history_.Redo();
 }
 
 void Session::Redo() {
-  if (history_.CanRedo()) Step(&History::Redo, &History::Undo);
+  if (!history_.CanRedo()) return;
+  history_.Redo();
+  if (!Show()) history_.Undo();
 }
 
 bool Session::Save() { return SaveAs(Path()); }

@@ -91,8 +91,8 @@ class Session : public QObject {
   /// Makes what `document` means what is shown. Throws Error, with nothing changed.
   void Take(const Document& document);
   bool Try(const std::function<void()>& work);
-  /// Goes `there` in the history, or, where that cannot be shown, `back` again.
-  void Step(void (History::*there)(), void (History::*back)());
+  /// Shows the step that the history has come to. Whether it can be shown.
+  bool Show();
   void KeepSoon(bool now);
   void Keep();
   void Watch();

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace kelto::editor {
 namespace {
 
@@ -37,20 +39,28 @@ TEST(KeysMoved, LeavesKeysOfATrimmedFilmWhereTheyAre) {
   EXPECT_EQ(KeysMoved(outside, Places{2}, 0.1, 0.01), outside);
 }
 
-TEST(KeyBetween, LiesOnTheWayFromOneKeyToTheNext) {
-  using Point = std::array<double, 2>;
-  const std::vector<host::SettingKey> zooms = {{0.25, 1.0}, {0.75, 3.0}};
-  EXPECT_EQ(KeyBetween(zooms, 0.375), (host::SettingKey{0.375, 1.5}));
-  EXPECT_EQ(KeyBetween(zooms, 0.125), (host::SettingKey{0.125, 1.0}));
-  EXPECT_EQ(KeyBetween(zooms, 0.875), (host::SettingKey{0.875, 3.0}));
-  const std::vector<host::SettingKey> places = {{0.0, Point{-4.0, 8.0}}, {1.0, Point{4.0, 0.0}}};
-  EXPECT_EQ(KeyBetween(places, 0.25), (host::SettingKey{0.25, Point{-2.0, 6.0}}));
+/// The key that is added at this time, which must be in its place.
+host::SettingKey Added(std::vector<host::SettingKey> keys, double time) {
+  const size_t place = AddKey(keys, time);
+  EXPECT_TRUE(std::is_sorted(keys.begin(), keys.end(),
+                             [](const auto& a, const auto& b) { return a.time < b.time; }));
+  return keys.at(place);
 }
 
-TEST(KeyBetween, IsTheOneBeforeWhereNothingLiesBetween) {
+TEST(AddKey, LiesOnTheWayFromOneKeyToTheNext) {
+  using Point = std::array<double, 2>;
+  const std::vector<host::SettingKey> zooms = {{0.25, 1.0}, {0.75, 3.0}};
+  EXPECT_EQ(Added(zooms, 0.375), (host::SettingKey{0.375, 1.5}));
+  EXPECT_EQ(Added(zooms, 0.125), (host::SettingKey{0.125, 1.0}));
+  EXPECT_EQ(Added(zooms, 0.875), (host::SettingKey{0.875, 3.0}));
+  const std::vector<host::SettingKey> places = {{0.0, Point{-4.0, 8.0}}, {1.0, Point{4.0, 0.0}}};
+  EXPECT_EQ(Added(places, 0.25), (host::SettingKey{0.25, Point{-2.0, 6.0}}));
+}
+
+TEST(AddKey, IsTheOneBeforeWhereNothingLiesBetween) {
   const std::vector<host::SettingKey> words = {{0.0, std::string("In: Linear")},
                                                {1.0, std::string("In: Ease In")}};
-  EXPECT_EQ(KeyBetween(words, 0.5), (host::SettingKey{0.5, std::string("In: Linear")}));
+  EXPECT_EQ(Added(words, 0.5), (host::SettingKey{0.5, std::string("In: Linear")}));
 }
 
 }  // namespace
